@@ -1,0 +1,72 @@
+#pragma once
+
+/* DIDL-Lite (UPnP ContentDirectory) of one content-directory object, to and from its media object record (UPnPConst.h).
+ * Every text given to a parse function may come from a stranger's device: nothing outside it is read or written, time
+ * and memory are linear in it, nothing recurses. No state is kept between calls. */
+
+#include <UPnP/Stack/ILibXML.h>
+#include <UPnP/Stack/UPnPError.h>
+#include <UPnP/Utilities/Export.h>
+#include <UPnP/Utilities/UPnPConst.h>
+#include <zoltTools/zoPackedData.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The kind of an object. */
+enum
+{
+    kDIDLItemType_None = 0,
+    kDIDLItemType_Item = 1,
+    kDIDLItemType_Container = 2
+};
+
+/**
+ * Writes one object as an item element, for instance the metadata that goes with a URI to be played. Values are escaped
+ * and cut at a character: 255 bytes for titles, classes, names, dates, profiles, resolutions and extra attributes, 1024
+ * for IDs, URIs, protocol infos and extra elements. Resources come in the order of preference: the selected URI, JPEG_TN
+ * and PNG_TN thumbnails, what is not converted, the rest; once the text has passed 15360 bytes no further one is
+ * written, and the number of those left out is logged.
+ * @param aMediaData             the entry record; NULL writes an empty item without resources.
+ * @param aResourceInfo          the resource record, or NULL for no resources.
+ * @param afIncludeHeaderFooter  0 leaves out "<DIDL-Lite" and "</DIDL-Lite>", which the caller then puts around the
+ *                               text (the namespaces and the ">" of the start tag are written all the same).
+ * @param afIncludeResExtraInfo  whether the resources' extra info is written as attributes, "microsoft" and "codec"
+ *                               aside.
+ * @param aSelectedURI           the URI of the resource to be written first; NULL writes all in the record's order.
+ * @return a new NUL-terminated text that the caller releases with free. The records are only read.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
+                                     int afIncludeHeaderFooter, int afIncludeResExtraInfo, const char* aSelectedURI);
+
+/**
+ * Parses a document that describes one object, an item or a container.
+ * @param anElements  NUL-terminated and writable: bytes of it are changed while the call runs, and back again. NULL or
+ *                    "" counts as a document without an object.
+ * @param aData, aRes out: the serialized entry record and resource record; both NULL on failure.
+ * @param aDIDLType   out: kDIDLItemType_Item or _Container; _None while no object was accepted.
+ * @return kUPnPError_None; kUPnPError_InvalidXML when tags don't match; kUPnPError_InvalidDIDL when there is no object,
+ *         a second one, or a flag (restricted, searchable) that is neither true nor false.
+ * The blocks are new: release each with free, or give it to zoPackedData_NewData, which takes it over.
+ */
+UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, int* aDIDLType);
+
+/**
+ * Parses one object of a document that the caller has read with ILibParseXML and found in order with
+ * ILibProcessXMLNodeList, a browse result with many objects for instance. The text must be writable, as for
+ * UPnPDIDL_ParseElements, and the byte after it, too.
+ * @param aBaseURL      what relative resource URIs are resolved against; NULL leaves them as they are.
+ * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its namespaces; NULL for none.
+ * @param aNode         the object's start tag.
+ * @param anAttributes  the attribute list of aNode, which stays the caller's; NULL for none.
+ * @param afIsItem      1 for an item, 0 for a container.
+ * @param aData, aRes   out: as for UPnPDIDL_ParseElements, but always set, also on failure.
+ * @return 1; 0 when a flag (restricted, searchable) is neither true nor false.
+ */
+UPNPUTILITIES_API int UPnPDIDL_Parse(const char* aBaseURL, struct ILibXMLNode* aDIDLNode, struct ILibXMLNode* aNode,
+                                     struct ILibXMLAttribute* anAttributes, int afIsItem, char** aData, char** aRes);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <stddef.h>
+#include <zo/Export.h>
+
+/* The position that Find gives when there is nothing to find. */
+enum
+{
+    zoNotFound = -1
+};
+
+/**
+ * A text of bytes that ends with a NUL. The empty text costs no memory. Copies are independent. Comparisons look at
+ * bytes, so they are case-sensitive. A NULL text counts as "".
+ */
+class ZO_API zoCString
+{
+public:
+    zoCString() = default;
+    zoCString(const char* aText); // NOLINT(google-explicit-constructor): texts are given where a zoCString is asked for
+    /** The first aLength bytes of aText, cut at a NUL among them. */
+    zoCString(const char* aText, size_t aLength);
+    zoCString(const zoCString& aString);
+    zoCString(zoCString&& aString) noexcept;
+    ~zoCString();
+
+    /** Assignment from the string's own text or a part of it is allowed. */
+    zoCString& operator=(const char* aText);
+    zoCString& operator=(const zoCString& aString);
+    zoCString& operator=(zoCString&& aString) noexcept;
+
+    /** @return the text, borrowed until the string changes; "" when empty, never NULL. */
+    const char* c_str() const { return mText ? mText : ""; }
+    size_t length() const { return mLength; }
+    bool IsEmpty() const { return mLength == 0; }
+
+    /** @return 0 when equal, below 0 when this text sorts before aString by its bytes, else above 0. */
+    int Compare(const zoCString& aString) const;
+
+    /** @return the position of the first aNeedle at aStart or after it; zoNotFound when there is none or it is "". */
+    int Find(const zoCString& aNeedle, size_t aStart = 0) const;
+    bool Contains(const zoCString& aNeedle) const { return Find(aNeedle) != zoNotFound; }
+
+    /** @return the text before the first aCharacter; the whole text when there is none. */
+    zoCString BeforeFirst(char aCharacter) const;
+    /** @return the text after the first aCharacter; "" when there is none. */
+    zoCString AfterFirst(char aCharacter) const;
+
+    /** Replaces the text by one formatted as by printf, of any length. Arguments may point into the old text. */
+    void Format(const char* aFormat, ...) __attribute__((format(printf, 2, 3)));
+
+    /** Replaces the text by aText, which came from malloc and from now on belongs to the string; NULL empties it. */
+    void FromAllocatedString(char* aText);
+
+private:
+    char* mText = nullptr; // owned; NULL when the text is empty
+    size_t mLength = 0;
+};
+
+ZO_API bool operator==(const zoCString& aLeft, const zoCString& aRight);
+ZO_API bool operator!=(const zoCString& aLeft, const zoCString& aRight);
+ZO_API zoCString operator+(const zoCString& aString, char aCharacter);
+ZO_API zoCString operator+(const zoCString& aLeft, const zoCString& aRight);

@@ -1,0 +1,41 @@
+#pragma once
+
+/* Lists in one text. A token is a run of the text that it came from, not a copy: it lives as long as that text. */
+
+#include <zoOS/zoTypes.h>
+#include <zoltTools/Export.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct zoCStringParserToken
+{
+    const char* mData; /* mDataLength bytes of the text, not NUL-terminated */
+    size_t mDataLength;
+    struct zoCStringParserToken* mNextToken; /* NULL after the last */
+} zoCStringParserToken;
+
+typedef struct zoCStringParserTokenList
+{
+    zoCStringParserToken* mFirstToken; /* never NULL: a text without a delimiter is one token, "" too */
+    size_t mTokenCount;
+} zoCStringParserTokenList;
+
+/**
+ * Splits aLength bytes of aText, from anOffset on, at each delimiter. Empty tokens count; blanks stay.
+ * @param aDelimiter  aDelimiterLength bytes, at least one.
+ * @return a new list, released with zoCStringParser_Delete.
+ */
+ZOLTTOOLS_API zoCStringParserTokenList* zoCStringParser_Tokenize(const char* aText, size_t anOffset, size_t aLength,
+                                                                 const char* aDelimiter, size_t aDelimiterLength);
+/** As zoCStringParser_Tokenize, but a delimiter right after anEscape does not split; the escape stays in the token. */
+ZOLTTOOLS_API zoCStringParserTokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset,
+                                                                        size_t aLength, const char* aDelimiter,
+                                                                        size_t aDelimiterLength, char anEscape);
+/** Releases the list; NULL is ignored. */
+ZOLTTOOLS_API void zoCStringParser_Delete(zoCStringParserTokenList* aList);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,62 @@
+#pragma once
+
+/* URIs of RFC 3986. Components are held as they are written (escapes not decoded), so the text of an untouched URI is
+ * the text that it was parsed from. Operations take a NULL URI: it has nothing, and changing it does nothing. */
+
+#include <zoOS/zoTypes.h>
+#include <zoltTools/Export.h>
+#include <zoltTools/zoArray.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The components, NULL where the text has none (a query that is there but empty is ""); all owned by the URI. */
+typedef struct zoURI
+{
+    char* mScheme;
+    char* mHostName; /* with its brackets when it is an IPv6 address */
+    uint16 mPort;    /* 0 when the text names none */
+    char* mPath;     /* from its leading "/" on; never NULL, "" when the text has none */
+    char* mQuery;    /* without the "?" */
+    char* mFragment; /* without the "#" */
+    char* mUserInfo;
+    zoArray_t* mQueryArgs; /* the query's arguments once one has been asked for, else NULL; for zoURI's own use */
+} zoURI;
+
+/**
+ * Parses a URI or a relative reference. Bytes that may not stand in a URI (blanks, non-ASCII text) are taken as they
+ * are: devices send them.
+ * @return a new URI, released with zoURI_Delete; NULL for NULL and for a text that is none: an authority whose port is
+ *         no number up to 65535 or whose bracket is not closed.
+ */
+ZOLTTOOLS_API zoURI* zoURI_NewFromEscapedStr(const char* aText);
+/** Releases the URI; NULL is ignored. */
+ZOLTTOOLS_API void zoURI_Delete(zoURI* aURI);
+
+/** @return the URI's text, new, released with free (zoFree); "" for NULL. */
+ZOLTTOOLS_API char* zoURI_GetStr(const zoURI* aURI);
+/** Percent-encodes in each component the bytes that may not stand there; valid escapes stay as they are. */
+ZOLTTOOLS_API void zoURI_Escape(zoURI* aURI);
+/** @return the host as an IPv4 address in network byte order; 0xFFFFFFFF when it is none. */
+ZOLTTOOLS_API uint32 zoURI_GetHostIP(const zoURI* aURI);
+
+/* Query arguments: name=value joined by "&". Names and values are decoded when they are compared and returned; "+" is a
+ * plus sign; an argument without "=" has the value "". */
+
+/** @return the value of the first argument of that name, new, released with free; NULL when there is none. */
+ZOLTTOOLS_API char* zoURI_GetQueryPart(zoURI* aURI, const char* aName);
+/** Sets the argument: the first of that name is replaced in its place, further ones are removed, a new one is appended.
+ *  Name and value are percent-encoded, all but letters, digits and "-._~". Every other argument stays as written. */
+ZOLTTOOLS_API void zoURI_AddQueryPart(zoURI* aURI, const char* aName, const char* aValue);
+
+/**
+ * Resolves a reference against a base as RFC 3986, section 5.2, says (strict).
+ * @return the absolute URI, a new text released with free; a copy of aReference when either is no URI. NULL counts as
+ *         "".
+ */
+ZOLTTOOLS_API char* zoURI_S_Combine(const char* aBase, const char* aReference);
+
+#ifdef __cplusplus
+}
+#endif
