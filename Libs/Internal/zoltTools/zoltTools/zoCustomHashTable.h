@@ -27,9 +27,11 @@ ZOLTTOOLS_API void zoCustomHashTable_Remove(zoCustomHashTable* aTable, const cha
 /** @return the number of entries; 0 for NULL. */
 ZOLTTOOLS_API size_t zoCustomHashTable_GetTupleCount(const zoCustomHashTable* aTable);
 /** @return the key of the entry at anIndex in the table's order, borrowed; NULL past the end. */
-ZOLTTOOLS_API const char* zoCustomHashTable_GetKeyAt(const zoCustomHashTable* aTable, size_t anIndex);
+ZOLTTOOLS_API const char* zoCustomHashTable_GetKeyAtIndex(const zoCustomHashTable* aTable, size_t anIndex);
 /** @return the value of the entry at anIndex in the table's order, borrowed; NULL past the end. */
-ZOLTTOOLS_API const char* zoCustomHashTable_GetValueAt(const zoCustomHashTable* aTable, size_t anIndex);
+ZOLTTOOLS_API const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, size_t anIndex);
+/** @return an independent copy with the same order, released with zoCustomHashTable_Delete; NULL for NULL. */
+ZOLTTOOLS_API zoCustomHashTable* zoCustomHashTable_Duplicate(const zoCustomHashTable* aTable);
 /** Releases the table with its keys and values; NULL is ignored. */
 ZOLTTOOLS_API void zoCustomHashTable_Delete(zoCustomHashTable* aTable);
 
