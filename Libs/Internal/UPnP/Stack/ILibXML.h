@@ -48,8 +48,7 @@ struct ILibXMLNode
 
     /* For the reader's own use: */
     struct ILibXMLAttribute* Attributes;
-    char* TagBegin; /* at the "<" */
-    char* TagEnd;   /* past the ">" */
+    char* TagEnd; /* past the ">" */
     struct ILibXMLDocument* Document;
 };
 
@@ -69,7 +68,8 @@ struct ILibXMLAttribute
 /**
  * Reads aLength bytes of aText from anOffset on.
  * @return the first node of a new list, released with ILibDestructXMLNodeList; NULL when there is no tag. What is no
- *         well-formed tag ends the list, and ILibProcessXMLNodeList then reports it. A text of 2 GiB or more is such.
+ *         well-formed tag ends the list, and ILibProcessXMLNodeList then reports it, as it does for a text of 2 GiB or
+ *         more. When nothing comes before it the list is one node without a name.
  */
 UPNPSTACK_API struct ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength);
 /** Links parents, peers, start and end tags. NULL is a list without errors.

@@ -1,0 +1,569 @@
+#include <UPnP/Stack/ILibXML.h>
+
+#include <initializer_list>
+#include <limits.h>
+#include <stdlib.h>
+#include <string.h>
+#include <zoltTools/zoMemory.h>
+
+// ---- The memory of a document: a few blocks from which nodes and attributes are cut ----
+
+struct ILibXMLDocument
+{
+    uint32 mReferences; // held by the node list and by each attribute list that was given out
+    bool mfMalformed;   // the reader stopped at something that is no tag
+    struct ILibXMLBlock* mBlocks;
+    char* mFree; // mFree to mFreeEnd: the rest of the newest block
+    char* mFreeEnd;
+    size_t mBlockSize;
+};
+
+struct ILibXMLBlock
+{
+    ILibXMLBlock* mNext;
+};
+
+static const size_t kMinBlockSize = 1024;
+static const size_t kMaxBlockSize = 256 * 1024;
+
+static ILibXMLDocument* NewDocument(size_t aTextLength)
+{
+    // What the documents of media servers need; denser ones get further blocks.
+    size_t theSize = aTextLength < kMaxBlockSize / 4 ? aTextLength * 4 : kMaxBlockSize;
+    theSize = sizeof(ILibXMLDocument) + (theSize < kMinBlockSize ? kMinBlockSize : theSize);
+    ILibXMLDocument* theDocument = static_cast<ILibXMLDocument*>(zoMalloc(theSize));
+    char* theMemory = reinterpret_cast<char*>(theDocument);
+    *theDocument = { 1, false, nullptr, theMemory + sizeof(ILibXMLDocument), theMemory + theSize, theSize };
+    return theDocument;
+}
+
+static void ReleaseDocument(ILibXMLDocument* aDocument)
+{
+    if (--aDocument->mReferences > 0) { return; }
+    for (ILibXMLBlock* theBlock = aDocument->mBlocks; theBlock;)
+    {
+        ILibXMLBlock* theNext = theBlock->mNext;
+        free(theBlock);
+        theBlock = theNext;
+    }
+    free(aDocument);
+}
+
+static void AddBlock(ILibXMLDocument* aDocument)
+{
+    aDocument->mBlockSize = aDocument->mBlockSize < kMaxBlockSize ? aDocument->mBlockSize * 2 : kMaxBlockSize;
+    ILibXMLBlock* theBlock = static_cast<ILibXMLBlock*>(zoMalloc(aDocument->mBlockSize));
+    theBlock->mNext = aDocument->mBlocks;
+    aDocument->mBlocks = theBlock;
+    aDocument->mFree = reinterpret_cast<char*>(theBlock + 1);
+    aDocument->mFreeEnd = reinterpret_cast<char*>(theBlock) + aDocument->mBlockSize;
+}
+
+// Uninitialised memory for one record; records are multiples of a pointer's size, so that each is aligned.
+template <typename Record>
+static Record* Cut(ILibXMLDocument* aDocument)
+{
+    static_assert(sizeof(Record) % alignof(void*) == 0 && alignof(Record) <= alignof(void*), "records stay aligned");
+    if (static_cast<size_t>(aDocument->mFreeEnd - aDocument->mFree) < sizeof(Record)) { AddBlock(aDocument); }
+    char* theMemory = aDocument->mFree;
+    aDocument->mFree += sizeof(Record);
+    return reinterpret_cast<Record*>(theMemory);
+}
+
+static_assert(sizeof(ILibXMLDocument) % alignof(void*) == 0 && sizeof(ILibXMLBlock) % alignof(void*) == 0,
+              "what follows them is aligned");
+
+// ---- Reading tags ----
+
+namespace
+{
+
+// Reads the text from mPosition to mEnd and appends nodes. A function that returns false has met something malformed.
+struct Reader
+{
+    ILibXMLDocument* mDocument;
+    char* mPosition;
+    char* mEnd;
+    ILibXMLNode* mFirst;
+    ILibXMLNode** mLink; // where the next node is linked
+    ILibXMLNode* mOpen;  // the node just read when it is a start tag whose end tag is to come, else NULL
+};
+
+struct QName
+{
+    char* mBegin;
+    char* mColon; // NULL without a prefix
+    char* mEnd;
+};
+
+enum : uint8
+{
+    kBlank = 1,
+    kEndsName = 2
+};
+
+struct ByteClasses
+{
+    uint8 mClass[256];
+    constexpr ByteClasses() : mClass()
+    {
+        for (const char theBlank : { ' ', '\t', '\r', '\n' })
+            mClass[static_cast<uint8>(theBlank)] = kBlank | kEndsName;
+        for (const char theMark : { '\0', '<', '>', '/', '=', '"', '\'' })
+            mClass[static_cast<uint8>(theMark)] = kEndsName;
+    }
+};
+
+constexpr ByteClasses kBytes;
+
+} // namespace
+
+static bool Is(char aByte, uint8 aClass) { return (kBytes.mClass[static_cast<uint8>(aByte)] & aClass) != 0; }
+
+static char* SkipBlanks(char* aPosition, const char* anEnd)
+{
+    while (aPosition < anEnd && Is(*aPosition, kBlank))
+        ++aPosition;
+    return aPosition;
+}
+
+static bool StartsWith(const char* aPosition, const char* anEnd, const char* aText, size_t aLength)
+{
+    return static_cast<size_t>(anEnd - aPosition) >= aLength && memcmp(aPosition, aText, aLength) == 0;
+}
+
+// The position past the first aTerminator, two bytes and then ">", that begins at aPosition or later; NULL without one.
+static char* FindPast(char* aPosition, const char* anEnd, const char* aTerminator, size_t aLength)
+{
+    for (char* theSearch = aPosition; theSearch < anEnd;)
+    {
+        char* theEnd = static_cast<char*>(memchr(theSearch, '>', static_cast<size_t>(anEnd - theSearch)));
+        if (!theEnd) { return nullptr; }
+        theSearch = theEnd + 1;
+        if (static_cast<size_t>(theSearch - aPosition) >= aLength &&
+            memcmp(theSearch - aLength, aTerminator, aLength) == 0)
+        {
+            return theSearch;
+        }
+    }
+    return nullptr;
+}
+
+// A prefix counts when there is something on both sides of the first colon.
+static bool ReadName(Reader* aReader, QName* aName)
+{
+    char* thePosition = aReader->mPosition;
+    char* theColon = nullptr;
+    for (; thePosition < aReader->mEnd && !Is(*thePosition, kEndsName); ++thePosition)
+    {
+        if (*thePosition == ':' && !theColon) { theColon = thePosition; }
+    }
+    *aName = { aReader->mPosition, theColon, thePosition };
+    if (theColon == aName->mBegin || (theColon && theColon + 1 == thePosition)) { aName->mColon = nullptr; }
+    aReader->mPosition = thePosition;
+    return thePosition > aName->mBegin;
+}
+
+static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartTag)
+{
+    ILibXMLNode* theNode = Cut<ILibXMLNode>(aReader->mDocument);
+    theNode->Name = aName.mColon ? aName.mColon + 1 : aName.mBegin;
+    theNode->NSTag = aName.mColon ? aName.mBegin : nullptr;
+    theNode->NameLength = static_cast<int>(aName.mEnd - theNode->Name);
+    theNode->NSLength = aName.mColon ? static_cast<int>(aName.mColon - aName.mBegin) : 0;
+    theNode->StartTag = afStartTag;
+    theNode->EmptyTag = 0;
+    theNode->Next = nullptr;
+    theNode->Parent = nullptr;
+    theNode->Peer = nullptr;
+    theNode->ClosingTag = nullptr;
+    theNode->StartingTag = nullptr;
+    theNode->Attributes = nullptr;
+    theNode->TagEnd = nullptr;
+    theNode->Document = aReader->mDocument;
+    *aReader->mLink = theNode;
+    aReader->mLink = &theNode->Next;
+    return theNode;
+}
+
+// From the name on, to past the closing quote.
+static bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*** aLink)
+{
+    QName theName;
+    if (!ReadName(aReader, &theName)) { return false; }
+    char* thePosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
+    if (thePosition == aReader->mEnd || *thePosition != '=') { return false; }
+    thePosition = SkipBlanks(thePosition + 1, aReader->mEnd);
+    if (thePosition == aReader->mEnd || (*thePosition != '"' && *thePosition != '\'')) { return false; }
+    char* theValue = thePosition + 1;
+    char* theQuote = static_cast<char*>(memchr(theValue, *thePosition, static_cast<size_t>(aReader->mEnd - theValue)));
+    if (!theQuote) { return false; }
+    aReader->mPosition = theQuote + 1;
+
+    ILibXMLAttribute* theAttribute = Cut<ILibXMLAttribute>(aReader->mDocument);
+    theAttribute->Name = theName.mColon ? theName.mColon + 1 : theName.mBegin;
+    theAttribute->Prefix = theName.mColon ? theName.mBegin : nullptr;
+    theAttribute->NameLength = static_cast<int>(theName.mEnd - theAttribute->Name);
+    theAttribute->PrefixLength = theName.mColon ? static_cast<int>(theName.mColon - theName.mBegin) : 0;
+    theAttribute->Parent = aNode;
+    theAttribute->Value = theValue;
+    theAttribute->ValueLength = static_cast<int>(theQuote - theValue);
+    theAttribute->Next = nullptr;
+    **aLink = theAttribute;
+    *aLink = &theAttribute->Next;
+    return true;
+}
+
+static bool ReadStartTag(Reader* aReader)
+{
+    QName theName;
+    ++aReader->mPosition;
+    if (!ReadName(aReader, &theName)) { return false; }
+    ILibXMLNode* theNode = AppendNode(aReader, theName, 1);
+    ILibXMLAttribute** theLink = &theNode->Attributes;
+    for (;;)
+    {
+        aReader->mPosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
+        if (aReader->mPosition == aReader->mEnd) { return false; }
+        if (*aReader->mPosition == '>')
+        {
+            theNode->TagEnd = ++aReader->mPosition;
+            aReader->mOpen = theNode;
+            return true;
+        }
+        if (*aReader->mPosition == '/') { break; }
+        if (!ReadAttribute(aReader, theNode, &theLink)) { return false; }
+    }
+
+    if (!StartsWith(aReader->mPosition, aReader->mEnd, "/>", 2)) { return false; }
+    aReader->mPosition += 2;
+    theNode->EmptyTag = 1;
+    theNode->TagEnd = aReader->mPosition;
+    ILibXMLNode* theEnd = AppendNode(aReader, theName, 0);
+    theEnd->EmptyTag = 1;
+    theEnd->TagEnd = aReader->mPosition;
+    return true;
+}
+
+static char* QualifiedName(const ILibXMLNode* aNode) { return aNode->NSTag ? aNode->NSTag : aNode->Name; }
+
+static size_t QualifiedNameLength(const ILibXMLNode* aNode)
+{
+    return static_cast<size_t>(aNode->Name + aNode->NameLength - QualifiedName(aNode));
+}
+
+// The name of an end tag that comes right behind its start tag is known without looking at it byte by byte.
+static bool TakeNameOfOpenTag(Reader* aReader, QName* aName)
+{
+    if (!aReader->mOpen) { return false; }
+    const size_t theLength = QualifiedNameLength(aReader->mOpen);
+    const bool fIsSame = static_cast<size_t>(aReader->mEnd - aReader->mPosition) > theLength &&
+                         aReader->mPosition[theLength] == '>' &&
+                         memcmp(aReader->mPosition, QualifiedName(aReader->mOpen), theLength) == 0;
+    if (!fIsSame) { return false; }
+    aName->mBegin = aReader->mPosition;
+    aName->mColon = aReader->mOpen->NSTag ? aReader->mPosition + aReader->mOpen->NSLength : nullptr;
+    aName->mEnd = aReader->mPosition += theLength;
+    return true;
+}
+
+static bool ReadEndTag(Reader* aReader)
+{
+    QName theName;
+    aReader->mPosition += 2;
+    if (!TakeNameOfOpenTag(aReader, &theName) && !ReadName(aReader, &theName)) { return false; }
+    aReader->mOpen = nullptr;
+    aReader->mPosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
+    if (aReader->mPosition == aReader->mEnd || *aReader->mPosition != '>') { return false; }
+    AppendNode(aReader, theName, 0)->TagEnd = ++aReader->mPosition;
+    return true;
+}
+
+// To past the declaration, with its quoted texts and, between brackets, its own declarations.
+static char* SkipDeclaration(char* aPosition, const char* anEnd)
+{
+    size_t theOpenTags = 0;
+    for (char* thePosition = aPosition; thePosition && thePosition < anEnd;)
+    {
+        if (StartsWith(thePosition, anEnd, "<!--", 4)) { thePosition = FindPast(thePosition + 4, anEnd, "-->", 3); }
+        else if (StartsWith(thePosition, anEnd, "<?", 2)) { thePosition = FindPast(thePosition + 2, anEnd, "?>", 2); }
+        else if (*thePosition == '"' || *thePosition == '\'')
+        {
+            char* theQuote =
+                static_cast<char*>(memchr(thePosition + 1, *thePosition, static_cast<size_t>(anEnd - thePosition - 1)));
+            thePosition = theQuote ? theQuote + 1 : nullptr;
+        }
+        else
+        {
+            theOpenTags += *thePosition == '<';
+            theOpenTags -= *thePosition == '>';
+            ++thePosition;
+            if (theOpenTags == 0) { return thePosition; }
+        }
+    }
+    return nullptr;
+}
+
+// Past a comment, a CDATA section, a processing instruction or a declaration; no node stands for them.
+static bool SkipMarkup(Reader* aReader)
+{
+    char* theBegin = aReader->mPosition;
+    const char* theEnd = aReader->mEnd;
+    if (theBegin[1] == '?') { aReader->mPosition = FindPast(theBegin + 2, theEnd, "?>", 2); }
+    else if (StartsWith(theBegin, theEnd, "<!--", 4)) { aReader->mPosition = FindPast(theBegin + 4, theEnd, "-->", 3); }
+    else if (StartsWith(theBegin, theEnd, "<![CDATA[", 9))
+    {
+        aReader->mPosition = FindPast(theBegin + 9, theEnd, "]]>", 3);
+    }
+    else { aReader->mPosition = SkipDeclaration(theBegin, theEnd); }
+    return aReader->mPosition != nullptr;
+}
+
+static bool ReadTags(Reader* aReader)
+{
+    while (aReader->mPosition < aReader->mEnd)
+    {
+        if (*aReader->mPosition != '<')
+        {
+            aReader->mPosition = static_cast<char*>(
+                memchr(aReader->mPosition, '<', static_cast<size_t>(aReader->mEnd - aReader->mPosition)));
+            if (!aReader->mPosition) { return true; }
+        }
+        if (aReader->mEnd - aReader->mPosition < 2) { return false; }
+        bool fIsTag;
+        switch (aReader->mPosition[1])
+        {
+        case '/': fIsTag = ReadEndTag(aReader); break;
+        case '!':
+        case '?': fIsTag = SkipMarkup(aReader); break;
+        default: fIsTag = ReadStartTag(aReader); break;
+        }
+        if (!fIsTag) { return false; }
+    }
+    return true;
+}
+
+ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
+{
+    if (!aText || aLength == 0) { return nullptr; }
+    char* theBegin = aText + anOffset;
+    Reader theReader = { NewDocument(aLength), theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr };
+    theReader.mDocument->mfMalformed = aLength > INT_MAX || !ReadTags(&theReader);
+    if (!theReader.mFirst && theReader.mDocument->mfMalformed)
+    {
+        AppendNode(&theReader, { theBegin, nullptr, theBegin }, 0);
+    }
+    if (!theReader.mFirst) { ReleaseDocument(theReader.mDocument); }
+    return theReader.mFirst;
+}
+
+// ---- Using the nodes ----
+
+static bool HaveSameName(const ILibXMLNode* aLeft, const ILibXMLNode* aRight)
+{
+    const size_t theLength = QualifiedNameLength(aLeft);
+    return theLength == QualifiedNameLength(aRight) &&
+           memcmp(QualifiedName(aLeft), QualifiedName(aRight), theLength) == 0;
+}
+
+int ILibProcessXMLNodeList(ILibXMLNode* aNodeList)
+{
+    if (!aNodeList) { return kILibProcessXML_NoError; }
+    if (aNodeList->NameLength == 0) { return kILibProcessXML_IncompleteXML; }
+    ILibXMLNode* theParent = nullptr;
+    ILibXMLNode* thePrevious = nullptr; // the element before, with the same parent
+    for (ILibXMLNode* theNode = aNodeList; theNode; theNode = theNode->Next)
+    {
+        if (theNode->StartTag)
+        {
+            theNode->Parent = theParent;
+            if (thePrevious) { thePrevious->Peer = theNode; }
+            thePrevious = nullptr;
+            theParent = theNode;
+            continue;
+        }
+        if (!theParent) { return kILibProcessXML_IllegalCloseTag; }
+        if (!HaveSameName(theParent, theNode)) { return kILibProcessXML_IllegalCloseTagOrder; }
+        theNode->StartingTag = theParent;
+        theNode->Parent = theParent->Parent;
+        theParent->ClosingTag = theNode;
+        thePrevious = theParent;
+        theParent = theParent->Parent;
+    }
+    return theParent || aNodeList->Document->mfMalformed ? kILibProcessXML_IncompleteXML : kILibProcessXML_NoError;
+}
+
+void ILibDestructXMLNodeList(ILibXMLNode* aNodeList)
+{
+    if (aNodeList) { ReleaseDocument(aNodeList->Document); }
+}
+
+ILibXMLAttribute* ILibGetXMLAttributes(ILibXMLNode* aNode)
+{
+    if (!aNode || !aNode->Attributes) { return nullptr; }
+    ++aNode->Document->mReferences;
+    return aNode->Attributes;
+}
+
+void ILibDestructXMLAttributeList(ILibXMLAttribute* aList)
+{
+    if (aList) { ReleaseDocument(aList->Parent->Document); }
+}
+
+int ILibReadInnerXML(ILibXMLNode* aNode, char** aStart)
+{
+    *aStart = nullptr;
+    if (!aNode || !aNode->StartTag || !aNode->ClosingTag) { return 0; }
+    *aStart = aNode->TagEnd;
+    return aNode->EmptyTag ? 0 : static_cast<int>(QualifiedName(aNode->ClosingTag) - 2 - aNode->TagEnd);
+}
+
+// ---- Entities ----
+
+namespace
+{
+
+struct Entity
+{
+    const char* mName;
+    size_t mLength;
+    char mCharacter;
+};
+
+} // namespace
+
+static const Entity kEntities[] = {
+    { "&amp;", 5, '&' }, { "&lt;", 4, '<' }, { "&gt;", 4, '>' }, { "&quot;", 6, '"' }, { "&apos;", 6, '\'' },
+};
+
+static int DigitValue(char aDigit, uint32 aBase)
+{
+    if (aDigit >= '0' && aDigit <= '9') { return aDigit - '0'; }
+    if (aBase != 16) { return -1; }
+    if (aDigit >= 'a' && aDigit <= 'f') { return aDigit - 'a' + 10; }
+    return aDigit >= 'A' && aDigit <= 'F' ? aDigit - 'A' + 10 : -1;
+}
+
+static size_t WriteUTF8(uint32 aCharacter, char* aTarget)
+{
+    const size_t theLength = aCharacter < 0x80 ? 1 : aCharacter < 0x800 ? 2 : aCharacter < 0x10000 ? 3 : 4;
+    static const uint8 kFirstBits[] = { 0, 0x00, 0xC0, 0xE0, 0xF0 };
+    for (size_t i = theLength - 1; i > 0; --i, aCharacter >>= 6)
+        aTarget[i] = static_cast<char>(0x80 | (aCharacter & 0x3F));
+    aTarget[0] = static_cast<char>(kFirstBits[theLength] | aCharacter);
+    return theLength;
+}
+
+// Reads the reference to a character at "&#". The result is its length, 0 when it is none that can be resolved.
+static size_t ReadCharacterReference(const char* aText, uint32* aCharacter)
+{
+    const uint32 theBase = aText[2] == 'x' || aText[2] == 'X' ? 16 : 10;
+    const char* theFirst = aText + (theBase == 16 ? 3 : 2);
+    const char* thePosition = theFirst;
+    uint32 theCharacter = 0;
+    for (int theDigit; (theDigit = DigitValue(*thePosition, theBase)) >= 0; ++thePosition)
+    {
+        if (theCharacter <= 0x10FFFF) { theCharacter = theCharacter * theBase + static_cast<uint32>(theDigit); }
+    }
+    const bool fIsSurrogate = theCharacter >= 0xD800 && theCharacter <= 0xDFFF;
+    if (*thePosition != ';' || theCharacter == 0 || theCharacter > 0x10FFFF || fIsSurrogate) { return 0; }
+    *aCharacter = theCharacter;
+    return static_cast<size_t>(thePosition + 1 - aText);
+}
+
+// Resolves the reference at aText into aTarget. The result is the length of the reference, 0 when it stays as it is.
+static size_t ResolveReference(const char* aText, char* aTarget, size_t* aTargetLength)
+{
+    uint32 theCharacter = 0;
+    if (aText[1] == '#')
+    {
+        const size_t theLength = ReadCharacterReference(aText, &theCharacter);
+        if (theLength > 0) { *aTargetLength = WriteUTF8(theCharacter, aTarget); }
+        return theLength;
+    }
+    for (const Entity& theEntity : kEntities)
+    {
+        if (strncmp(aText, theEntity.mName, theEntity.mLength) != 0) { continue; }
+        *aTarget = theEntity.mCharacter;
+        *aTargetLength = 1;
+        return theEntity.mLength;
+    }
+    return 0;
+}
+
+namespace
+{
+
+// Text that is resolved in place: what is written never gets past what was read.
+struct Unescaper
+{
+    char* mRead;
+    char* mWrite;
+    char* mEnd;
+
+    void Keep(size_t aLength)
+    {
+        if (mRead != mWrite) { memmove(mWrite, mRead, aLength); }
+        mRead += aLength;
+        mWrite += aLength;
+    }
+    void KeepTo(const char* aPosition) { Keep(static_cast<size_t>(aPosition - mRead)); }
+};
+
+} // namespace
+
+static char* FindByte(char* aPosition, char* anEnd, char aByte)
+{
+    void* theByte = memchr(aPosition, aByte, static_cast<size_t>(anEnd - aPosition));
+    return theByte ? static_cast<char*>(theByte) : anEnd;
+}
+
+// At "<". The content of a CDATA section is kept as it is; anything else is text like other text. The result is false
+// when a section has no end: then no later one has.
+static bool UnescapeSection(Unescaper* aText)
+{
+    if (!StartsWith(aText->mRead, aText->mEnd, "<![CDATA[", 9))
+    {
+        aText->Keep(1);
+        return true;
+    }
+    char* theContent = aText->mRead + 9;
+    const char* thePast = FindPast(theContent, aText->mEnd, "]]>", 3);
+    if (!thePast) { return false; }
+    aText->mRead = theContent;
+    aText->KeepTo(thePast - 3);
+    aText->mRead += 3;
+    return true;
+}
+
+static void UnescapeReference(Unescaper* aText)
+{
+    size_t theWritten = 0;
+    const size_t theLength = ResolveReference(aText->mRead, aText->mWrite, &theWritten);
+    if (theLength == 0)
+    {
+        aText->Keep(1);
+        return;
+    }
+    aText->mRead += theLength;
+    aText->mWrite += theWritten;
+}
+
+int ILibInPlaceXmlUnEscape(char* aText)
+{
+    if (!aText) { return 0; }
+    Unescaper theText = { aText, aText, aText + strlen(aText) };
+    char* theReference = FindByte(aText, theText.mEnd, '&');
+    char* theSection = FindByte(aText, theText.mEnd, '<');
+    while (theReference < theText.mEnd || theSection < theText.mEnd)
+    {
+        theText.KeepTo(theReference < theSection ? theReference : theSection);
+        if (theReference < theSection) { UnescapeReference(&theText); }
+        else if (!UnescapeSection(&theText)) { theSection = theText.mEnd; }
+        if (theReference < theText.mRead) { theReference = FindByte(theText.mRead, theText.mEnd, '&'); }
+        if (theSection < theText.mRead) { theSection = FindByte(theText.mRead, theText.mEnd, '<'); }
+    }
+    theText.KeepTo(theText.mEnd);
+    *theText.mWrite = 0;
+    return static_cast<int>(theText.mWrite - aText);
+}

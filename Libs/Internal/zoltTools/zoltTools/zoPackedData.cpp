@@ -1,0 +1,526 @@
+#include <zoltTools/zoPackedData.h>
+
+#include <algorithm>
+#include <stdlib.h>
+#include <string.h>
+#include <zoltTools/zoMemory.h>
+
+// The block is laid out as the header says. While entries are added, mBlock holds header and values only and rows and
+// entries stand in arrays of their own; serializing appends them behind the values.
+
+namespace
+{
+
+struct Header
+{
+    uint32 mMagic;
+    uint32 mSize;
+    uint32 mEntryCount;
+    uint32 mRowCount;
+};
+
+struct Row
+{
+    uint32 mOffset; // where the value's bytes begin, counted from the block's begin
+    uint16 mTag;
+    uint16 mSorted; // in row k of an entry: the position, in the entry, of the row with the k-th smallest tag
+};
+
+const uint32 kMagic = 0x7A6F5044; // "zoPD"
+const size_t kTrailerSize = 4;
+const size_t kMaxBlockSize = 0xFFFFFFFF;
+const uint32 kMaxRowsPerEntry = 0xFFFF;
+const uint16 kNoPosition = 0xFFFF; // a position is below kMaxRowsPerEntry
+const size_t kFewTags = 64;
+
+static_assert(sizeof(Header) == 16 && sizeof(Row) == 8, "the block's layout has no gaps");
+
+} // namespace
+
+struct zoPackedData_t
+{
+    char* mBlock;      // owned; NULL while nothing was added
+    size_t mValuesEnd; // header and values are mBlock[0] to mBlock[mValuesEnd - 1]; then comes at least one 0
+    size_t mBlockCapacity;
+
+    // Rows and entries: in a serialized block they lie behind the values, else in these arrays.
+    bool mfSerialized;
+    Row* mRows;
+    uint32* mEntryEnds; // for each entry the index of the row after its last
+    uint32 mRowCount;
+    uint32 mRowCapacity;
+    uint32 mEntryCount;
+    uint32 mEntryCapacity;
+
+    // The open entry, the last one while mfOpen: mPositions[tag] is the tag's position in it, or kNoPosition. Its rows
+    // get their sorted order when it is closed.
+    bool mfOpen;
+    uint16 mMaxTag;
+    uint32 mPositionCapacity;
+    uint16* mPositions; // mFewPositions, or a block of its own that is owned
+    uint16 mFewPositions[kFewTags];
+};
+
+// ---- Reading rows and entries, wherever they are ----
+
+static Row RowAt(const zoPackedData_t* aRecord, uint32 anIndex)
+{
+    if (!aRecord->mfSerialized) { return aRecord->mRows[anIndex]; }
+    Row theRow;
+    memcpy(&theRow, aRecord->mBlock + aRecord->mValuesEnd + size_t{ anIndex } * sizeof(Row), sizeof(Row));
+    return theRow;
+}
+
+static uint32 EntryEndAt(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    if (!aRecord->mfSerialized) { return aRecord->mEntryEnds[anEntry]; }
+    uint32 theEnd;
+    memcpy(&theEnd,
+           aRecord->mBlock + aRecord->mValuesEnd + size_t{ aRecord->mRowCount } * sizeof(Row) +
+               size_t{ anEntry } * sizeof(uint32),
+           sizeof(theEnd));
+    return theEnd;
+}
+
+static uint32 EntryBegin(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    return anEntry > 0 ? EntryEndAt(aRecord, anEntry - 1) : 0;
+}
+
+static uint32 EntryEnd(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    const bool fIsOpen = aRecord->mfOpen && anEntry + 1 == aRecord->mEntryCount;
+    return fIsOpen ? aRecord->mRowCount : EntryEndAt(aRecord, anEntry);
+}
+
+static size_t ValueEnd(const zoPackedData_t* aRecord, uint32 aRow)
+{
+    return aRow + 1 < aRecord->mRowCount ? RowAt(aRecord, aRow + 1).mOffset : aRecord->mValuesEnd;
+}
+
+static bool HasEntry(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    return aRecord && anEntry < aRecord->mEntryCount;
+}
+
+// The index of the entry's row with the tag; the row count when there is none.
+static uint32 FindRow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    const uint32 theBegin = EntryBegin(aRecord, anEntry);
+    if (aRecord->mfOpen && anEntry + 1 == aRecord->mEntryCount)
+    {
+        const uint16 thePosition = aTag < aRecord->mPositionCapacity ? aRecord->mPositions[aTag] : kNoPosition;
+        return thePosition != kNoPosition ? theBegin + thePosition : aRecord->mRowCount;
+    }
+
+    uint32 theLow = 0;
+    uint32 theHigh = EntryEnd(aRecord, anEntry) - theBegin;
+    while (theLow < theHigh)
+    {
+        const uint32 theMiddle = theLow + (theHigh - theLow) / 2;
+        const uint32 theRow = theBegin + RowAt(aRecord, theBegin + theMiddle).mSorted;
+        const uint16 theTag = RowAt(aRecord, theRow).mTag;
+        if (theTag == aTag) { return theRow; }
+        if (theTag < aTag) { theLow = theMiddle + 1; }
+        else { theHigh = theMiddle; }
+    }
+    return aRecord->mRowCount;
+}
+
+const char* zoPackedData_GetData(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, size_t* aSize)
+{
+    if (aSize) { *aSize = 0; }
+    if (!HasEntry(aRecord, anEntry)) { return nullptr; }
+    const uint32 theRow = FindRow(aRecord, anEntry, aTag);
+    if (theRow == aRecord->mRowCount) { return nullptr; }
+    const size_t theBegin = RowAt(aRecord, theRow).mOffset;
+    const size_t theSize = ValueEnd(aRecord, theRow) - theBegin;
+    if (aSize) { *aSize = theSize; }
+    return theSize > 0 ? aRecord->mBlock + theBegin : nullptr;
+}
+
+template <typename Number>
+static uint64 ReadNumber(const char* aBytes)
+{
+    Number theNumber;
+    memcpy(&theNumber, aBytes, sizeof(theNumber));
+    return theNumber;
+}
+
+uint64 zoPackedData_GetDataAsUInt64(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    size_t theSize;
+    const char* theBytes = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
+    switch (theSize)
+    {
+    case 2: return ReadNumber<uint16>(theBytes);
+    case 4: return ReadNumber<uint32>(theBytes);
+    case 8: return ReadNumber<uint64>(theBytes);
+    default: return 0;
+    }
+}
+
+uint32 zoPackedData_GetDataAsUInt32(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    return static_cast<uint32>(zoPackedData_GetDataAsUInt64(aRecord, anEntry, aTag));
+}
+
+uint16 zoPackedData_GetDataAsUInt16(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    return static_cast<uint16>(zoPackedData_GetDataAsUInt64(aRecord, anEntry, aTag));
+}
+
+zoArray_t* zoPackedData_GetDataArray(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag,
+                                     zoArray_UnFlattenerFunc_t anUnFlattener)
+{
+    size_t theSize;
+    const char* theBytes = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
+    return theBytes ? anUnFlattener(theBytes, theSize) : zoArray_New();
+}
+
+uint32 zoPackedData_GetEntryCount(const zoPackedData_t* aRecord) { return aRecord ? aRecord->mEntryCount : 0; }
+
+uint16 zoPackedData_GetTagCount(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    if (!HasEntry(aRecord, anEntry)) { return 0; }
+    return static_cast<uint16>(EntryEnd(aRecord, anEntry) - EntryBegin(aRecord, anEntry));
+}
+
+uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aPosition)
+{
+    if (aPosition >= zoPackedData_GetTagCount(aRecord, anEntry)) { return 0; }
+    return RowAt(aRecord, EntryBegin(aRecord, anEntry) + aPosition).mTag;
+}
+
+// ---- Adding ----
+
+zoPackedData_t* zoPackedData_New(uint32 aCount)
+{
+    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t)));
+    memset(theRecord, 0, offsetof(zoPackedData_t, mFewPositions));
+    theRecord->mEntryCapacity = std::min(aCount, uint32{ 0x10000 }); // a hint is no reason to run out of memory
+    return theRecord;
+}
+
+static size_t ValuesEnd(const zoPackedData_t* aRecord)
+{
+    return aRecord->mBlock ? aRecord->mValuesEnd : sizeof(Header);
+}
+
+static uint64 BlockSize(const zoPackedData_t* aRecord)
+{
+    return uint64{ ValuesEnd(aRecord) } + uint64{ aRecord->mRowCount } * sizeof(Row) +
+           uint64{ aRecord->mEntryCount } * sizeof(uint32) + kTrailerSize;
+}
+
+// Whether the serialized block could still be told its size with so many bytes more in its directory and its values.
+static bool HasRoom(const zoPackedData_t* aRecord, size_t aDirectorySize, size_t aSize)
+{
+    return aSize < kMaxBlockSize && BlockSize(aRecord) + aDirectorySize + aSize <= kMaxBlockSize;
+}
+
+// Room for aSize bytes behind the values and the 0 that ends them.
+static void ReserveValue(zoPackedData_t* aRecord, size_t aSize)
+{
+    const size_t kFirstSize = 512;
+    const size_t theUsed = ValuesEnd(aRecord);
+    const size_t theNeeded = theUsed + aSize + 1;
+    if (theNeeded <= aRecord->mBlockCapacity) { return; }
+    const size_t theDoubled =
+        aRecord->mBlockCapacity <= kMaxBlockSize / 2 ? aRecord->mBlockCapacity * 2 : kMaxBlockSize;
+    aRecord->mBlockCapacity = std::max(theNeeded, std::max(theDoubled, kFirstSize));
+    aRecord->mBlock = static_cast<char*>(zoRealloc(aRecord->mBlock, aRecord->mBlockCapacity));
+    aRecord->mValuesEnd = theUsed;
+}
+
+template <typename Element>
+static void ReserveElement(Element** anArray, uint32 aCount, uint32* aCapacity, uint32 aFirstCapacity)
+{
+    if (*anArray && aCount < *aCapacity) { return; }
+    *aCapacity = *anArray ? *aCapacity * 2 : std::max(*aCapacity, aFirstCapacity);
+    *anArray = static_cast<Element*>(zoRealloc(*anArray, size_t{ *aCapacity } * sizeof(Element)));
+}
+
+// A record over a serialized block gets its rows and entries back into arrays, so that more can be added.
+static void Unserialize(zoPackedData_t* aRecord)
+{
+    if (!aRecord->mfSerialized) { return; }
+    const uint32 theRowCount = aRecord->mRowCount;
+    const uint32 theEntryCount = aRecord->mEntryCount;
+    Row* theRows = nullptr;
+    uint32* theEntryEnds = nullptr;
+    aRecord->mRowCapacity = theRowCount;
+    aRecord->mEntryCapacity = theEntryCount;
+    ReserveElement(&theRows, theRowCount, &aRecord->mRowCapacity, 1);
+    ReserveElement(&theEntryEnds, theEntryCount, &aRecord->mEntryCapacity, 1);
+    const char* theDirectory = aRecord->mBlock + aRecord->mValuesEnd;
+    memcpy(theRows, theDirectory, size_t{ theRowCount } * sizeof(Row));
+    memcpy(theEntryEnds, theDirectory + size_t{ theRowCount } * sizeof(Row), size_t{ theEntryCount } * sizeof(uint32));
+    aRecord->mRows = theRows;
+    aRecord->mEntryEnds = theEntryEnds;
+    aRecord->mBlock[aRecord->mValuesEnd] = 0; // the directory was here: the trailer alone is long enough for it
+    aRecord->mfSerialized = false;
+}
+
+static uint32 OpenEntryBegin(const zoPackedData_t* aRecord) { return EntryBegin(aRecord, aRecord->mEntryCount - 1); }
+
+// Writes the order of the open entry's tags into its rows.
+static void SortOpenEntry(zoPackedData_t* aRecord)
+{
+    Row* theRows = aRecord->mRows + OpenEntryBegin(aRecord);
+    const uint32 theCount = aRecord->mRowCount - OpenEntryBegin(aRecord);
+    if (aRecord->mMaxTag / 16 < theCount) // tags are dense: walk them in order
+    {
+        uint32 theSorted = 0;
+        for (uint32 theTag = 0; theSorted < theCount; ++theTag)
+        {
+            if (aRecord->mPositions[theTag] != kNoPosition)
+            {
+                theRows[theSorted++].mSorted = aRecord->mPositions[theTag];
+            }
+        }
+        return;
+    }
+    uint16* theOrder = static_cast<uint16*>(zoMalloc(size_t{ theCount } * sizeof(uint16)));
+    for (uint32 i = 0; i < theCount; ++i)
+        theOrder[i] = static_cast<uint16>(i);
+    std::sort(theOrder, theOrder + theCount,
+              [theRows](uint16 aLeft, uint16 aRight) { return theRows[aLeft].mTag < theRows[aRight].mTag; });
+    for (uint32 i = 0; i < theCount; ++i)
+        theRows[i].mSorted = theOrder[i];
+    free(theOrder);
+}
+
+static void CloseEntry(zoPackedData_t* aRecord)
+{
+    if (!aRecord->mfOpen) { return; }
+    if (aRecord->mRowCount > OpenEntryBegin(aRecord)) { SortOpenEntry(aRecord); }
+    for (uint32 i = OpenEntryBegin(aRecord); i < aRecord->mRowCount; ++i)
+        aRecord->mPositions[aRecord->mRows[i].mTag] = kNoPosition;
+    aRecord->mEntryEnds[aRecord->mEntryCount - 1] = aRecord->mRowCount;
+    aRecord->mfOpen = false;
+}
+
+void zoPackedData_AddNewEntry(zoPackedData_t* aRecord)
+{
+    if (!aRecord) { return; }
+    Unserialize(aRecord);
+    CloseEntry(aRecord);
+    if (!HasRoom(aRecord, sizeof(uint32), 0)) { return; }
+    ReserveElement(&aRecord->mEntryEnds, aRecord->mEntryCount, &aRecord->mEntryCapacity, 1);
+    aRecord->mEntryEnds[aRecord->mEntryCount++] = aRecord->mRowCount;
+    aRecord->mfOpen = true;
+    aRecord->mMaxTag = 0;
+    if (!aRecord->mPositions)
+    {
+        aRecord->mPositions = aRecord->mFewPositions;
+        aRecord->mPositionCapacity = kFewTags;
+        memset(aRecord->mFewPositions, 0xFF, sizeof(aRecord->mFewPositions));
+    }
+}
+
+static void GrowPositions(zoPackedData_t* aRecord, uint16 aTag)
+{
+    uint32 theCapacity = aRecord->mPositionCapacity;
+    while (theCapacity <= aTag)
+        theCapacity *= 2;
+    const bool fWereFew = aRecord->mPositions == aRecord->mFewPositions;
+    uint16* thePositions =
+        static_cast<uint16*>(zoRealloc(fWereFew ? nullptr : aRecord->mPositions, theCapacity * sizeof(uint16)));
+    if (fWereFew) { memcpy(thePositions, aRecord->mFewPositions, sizeof(aRecord->mFewPositions)); }
+    memset(thePositions + aRecord->mPositionCapacity, 0xFF,
+           (theCapacity - aRecord->mPositionCapacity) * sizeof(uint16));
+    aRecord->mPositions = thePositions;
+    aRecord->mPositionCapacity = theCapacity;
+}
+
+// Notes the tag in the open entry; false when the entry has it already or is full.
+static bool TakeTag(zoPackedData_t* aRecord, uint16 aTag)
+{
+    const uint32 theCount = aRecord->mRowCount - OpenEntryBegin(aRecord);
+    if (theCount == kMaxRowsPerEntry) { return false; }
+    if (aTag >= aRecord->mPositionCapacity) { GrowPositions(aRecord, aTag); }
+    if (aRecord->mPositions[aTag] != kNoPosition) { return false; }
+    aRecord->mPositions[aTag] = static_cast<uint16>(theCount);
+    aRecord->mMaxTag = std::max(aRecord->mMaxTag, aTag);
+    return true;
+}
+
+// The last entry of a record that was serialized takes values again.
+static void ReopenEntry(zoPackedData_t* aRecord)
+{
+    --aRecord->mEntryCount;
+    const uint32 theEnd = aRecord->mRowCount;
+    aRecord->mRowCount = EntryBegin(aRecord, aRecord->mEntryCount);
+    zoPackedData_AddNewEntry(aRecord);
+    for (; aRecord->mRowCount < theEnd; ++aRecord->mRowCount)
+        TakeTag(aRecord, aRecord->mRows[aRecord->mRowCount].mTag);
+}
+
+void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
+{
+    if (!aRecord || aRecord->mEntryCount == 0) { return; }
+    Unserialize(aRecord);
+    if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
+    if (!HasRoom(aRecord, sizeof(Row), aSize) || !TakeTag(aRecord, aTag)) { return; }
+
+    ReserveValue(aRecord, aSize);
+    ReserveElement(&aRecord->mRows, aRecord->mRowCount, &aRecord->mRowCapacity, 32);
+    aRecord->mRows[aRecord->mRowCount++] = { static_cast<uint32>(aRecord->mValuesEnd), aTag, 0 };
+    if (aSize > 0) { memcpy(aRecord->mBlock + aRecord->mValuesEnd, aData, aSize); }
+    aRecord->mValuesEnd += aSize;
+    aRecord->mBlock[aRecord->mValuesEnd] = 0;
+}
+
+void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,
+                           zoArray_FlattenerFunc_t aFlattener)
+{
+    size_t theSize = 0;
+    char* theBytes = aFlattener(anArray, &theSize);
+    zoPackedData_AddData(aRecord, aTag, theBytes, theSize);
+    free(theBytes);
+}
+
+void zoPackedData_CopyEntry(const zoPackedData_t* aSource, uint32 anEntry, zoPackedData_t* aDestination)
+{
+    if (!HasEntry(aSource, anEntry)) { return; }
+    zoPackedData_AddNewEntry(aDestination);
+    for (uint32 i = EntryBegin(aSource, anEntry); i < EntryEnd(aSource, anEntry); ++i)
+    {
+        const Row theRow = RowAt(aSource, i);
+        zoPackedData_AddData(aDestination, theRow.mTag, aSource->mBlock + theRow.mOffset,
+                             ValueEnd(aSource, i) - theRow.mOffset);
+    }
+}
+
+// ---- The serialized block ----
+
+uint32 zoPackedData_GetMemoryUsage(const zoPackedData_t* aRecord)
+{
+    return aRecord ? static_cast<uint32>(BlockSize(aRecord)) : 0;
+}
+
+static void FreeArrays(zoPackedData_t* aRecord)
+{
+    free(aRecord->mRows);
+    free(aRecord->mEntryEnds);
+    if (aRecord->mPositions != aRecord->mFewPositions) { free(aRecord->mPositions); }
+}
+
+// Leaves a record without entries; what it held is the caller's business.
+static void Clear(zoPackedData_t* aRecord) { memset(aRecord, 0, offsetof(zoPackedData_t, mFewPositions)); }
+
+char* zoPackedData_TakeData(zoPackedData_t* aRecord)
+{
+    if (!aRecord) { return nullptr; }
+    CloseEntry(aRecord);
+    char* theBlock = aRecord->mBlock;
+    if (!aRecord->mfSerialized)
+    {
+        const size_t theSize = static_cast<size_t>(BlockSize(aRecord));
+        const size_t theRowBytes = size_t{ aRecord->mRowCount } * sizeof(Row);
+        const size_t theEntryBytes = size_t{ aRecord->mEntryCount } * sizeof(uint32);
+        const Header theHeader = { kMagic, static_cast<uint32>(theSize), aRecord->mEntryCount, aRecord->mRowCount };
+        const size_t theValuesEnd = ValuesEnd(aRecord);
+        theBlock = static_cast<char*>(zoRealloc(theBlock, theSize));
+        memcpy(theBlock, &theHeader, sizeof(theHeader));
+        if (theRowBytes > 0) { memcpy(theBlock + theValuesEnd, aRecord->mRows, theRowBytes); }
+        if (theEntryBytes > 0) { memcpy(theBlock + theValuesEnd + theRowBytes, aRecord->mEntryEnds, theEntryBytes); }
+        memset(theBlock + theSize - kTrailerSize, 0, kTrailerSize);
+    }
+    FreeArrays(aRecord);
+    Clear(aRecord);
+    return theBlock;
+}
+
+// Whether the entry's rows hold each position once, in the order of tags that grow.
+static bool IsSorted(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
+{
+    int32 theLast = -1;
+    for (uint32 i = aBegin; i < anEnd; ++i)
+    {
+        const uint32 thePosition = RowAt(aRecord, i).mSorted;
+        if (thePosition >= anEnd - aBegin) { return false; }
+        const uint16 theTag = RowAt(aRecord, aBegin + thePosition).mTag;
+        if (theTag <= theLast) { return false; }
+        theLast = theTag;
+    }
+    return true;
+}
+
+static bool AreEntriesValid(const zoPackedData_t* aRecord)
+{
+    uint32 theBegin = 0;
+    for (uint32 i = 0; i < aRecord->mEntryCount; ++i)
+    {
+        const uint32 theEnd = EntryEndAt(aRecord, i);
+        if (theEnd < theBegin || theEnd > aRecord->mRowCount || theEnd - theBegin > kMaxRowsPerEntry) { return false; }
+        if (!IsSorted(aRecord, theBegin, theEnd)) { return false; }
+        theBegin = theEnd;
+    }
+    return theBegin == aRecord->mRowCount;
+}
+
+static bool AreOffsetsValid(const zoPackedData_t* aRecord)
+{
+    size_t theOffset = sizeof(Header);
+    for (uint32 i = 0; i < aRecord->mRowCount; ++i)
+    {
+        const size_t theNext = RowAt(aRecord, i).mOffset;
+        if (theNext < theOffset || (i == 0 && theNext != theOffset)) { return false; }
+        theOffset = theNext;
+    }
+    return theOffset <= aRecord->mValuesEnd && (aRecord->mRowCount > 0 || theOffset == aRecord->mValuesEnd);
+}
+
+// Takes the block's counts over; false when its sizes and offsets don't add up.
+static bool AdoptBlock(zoPackedData_t* aRecord, char* aBlock)
+{
+    Header theHeader;
+    memcpy(&theHeader, aBlock, sizeof(theHeader));
+    const uint64 theDirectorySize =
+        uint64{ theHeader.mRowCount } * sizeof(Row) + uint64{ theHeader.mEntryCount } * sizeof(uint32) + kTrailerSize;
+    if (theHeader.mMagic != kMagic || theHeader.mSize < sizeof(Header) + theDirectorySize) { return false; }
+
+    aRecord->mBlock = aBlock;
+    aRecord->mfSerialized = true;
+    aRecord->mRowCount = theHeader.mRowCount;
+    aRecord->mEntryCount = theHeader.mEntryCount;
+    aRecord->mValuesEnd = theHeader.mSize - static_cast<size_t>(theDirectorySize);
+    aRecord->mBlockCapacity = theHeader.mSize;
+    uint32 theTrailer;
+    memcpy(&theTrailer, aBlock + theHeader.mSize - kTrailerSize, kTrailerSize);
+    return theTrailer == 0 && AreOffsetsValid(aRecord) && AreEntriesValid(aRecord);
+}
+
+zoPackedData_t* zoPackedData_NewData(char* aBlock)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    if (aBlock && !AdoptBlock(theRecord, aBlock))
+    {
+        Clear(theRecord);
+        free(aBlock);
+    }
+    return theRecord;
+}
+
+zoPackedData_t* zoPackedData_Duplicate(const zoPackedData_t* aRecord)
+{
+    if (aRecord && aRecord->mfSerialized)
+    {
+        const uint32 theSize = zoPackedData_GetMemoryUsage(aRecord);
+        return zoPackedData_NewData(static_cast<char*>(memcpy(zoMalloc(theSize), aRecord->mBlock, theSize)));
+    }
+    zoPackedData_t* theCopy = zoPackedData_New(zoPackedData_GetEntryCount(aRecord));
+    for (uint32 i = 0; i < zoPackedData_GetEntryCount(aRecord); ++i)
+        zoPackedData_CopyEntry(aRecord, i, theCopy);
+    return theCopy;
+}
+
+void zoPackedData_Free(zoPackedData_t* aRecord)
+{
+    if (!aRecord) { return; }
+    FreeArrays(aRecord);
+    free(aRecord->mBlock);
+    free(aRecord);
+}
