@@ -15,7 +15,7 @@ struct ILibXMLDocument
     struct ILibXMLBlock* mBlocks;
     char* mFree; // mFree to mFreeEnd: the rest of the newest block
     char* mFreeEnd;
-    size_t mBlockSize;
+    size_t mSize; // of all blocks
 };
 
 struct ILibXMLBlock
@@ -23,17 +23,14 @@ struct ILibXMLBlock
     ILibXMLBlock* mNext;
 };
 
-static const size_t kMinBlockSize = 1024;
-static const size_t kMaxBlockSize = 256 * 1024;
+// Small blocks are what allocators give out fastest; from the fourth on they grow with the document.
+static const size_t kMinBlockSize = 1008;
 
-static ILibXMLDocument* NewDocument(size_t aTextLength)
+static ILibXMLDocument* NewDocument()
 {
-    // What the documents of media servers need; denser ones get further blocks.
-    size_t theSize = aTextLength < kMaxBlockSize / 4 ? aTextLength * 4 : kMaxBlockSize;
-    theSize = sizeof(ILibXMLDocument) + (theSize < kMinBlockSize ? kMinBlockSize : theSize);
-    ILibXMLDocument* theDocument = static_cast<ILibXMLDocument*>(zoMalloc(theSize));
+    ILibXMLDocument* theDocument = static_cast<ILibXMLDocument*>(zoMalloc(kMinBlockSize));
     char* theMemory = reinterpret_cast<char*>(theDocument);
-    *theDocument = { 1, false, nullptr, theMemory + sizeof(ILibXMLDocument), theMemory + theSize, theSize };
+    *theDocument = { 1, false, nullptr, theMemory + sizeof(ILibXMLDocument), theMemory + kMinBlockSize, kMinBlockSize };
     return theDocument;
 }
 
@@ -49,14 +46,15 @@ static void ReleaseDocument(ILibXMLDocument* aDocument)
     free(aDocument);
 }
 
-static void AddBlock(ILibXMLDocument* aDocument)
+__attribute__((noinline)) static void AddBlock(ILibXMLDocument* aDocument)
 {
-    aDocument->mBlockSize = aDocument->mBlockSize < kMaxBlockSize ? aDocument->mBlockSize * 2 : kMaxBlockSize;
-    ILibXMLBlock* theBlock = static_cast<ILibXMLBlock*>(zoMalloc(aDocument->mBlockSize));
+    const size_t theSize = aDocument->mSize / 4 > kMinBlockSize ? aDocument->mSize / 4 : kMinBlockSize;
+    ILibXMLBlock* theBlock = static_cast<ILibXMLBlock*>(zoMalloc(theSize));
     theBlock->mNext = aDocument->mBlocks;
     aDocument->mBlocks = theBlock;
+    aDocument->mSize += theSize;
     aDocument->mFree = reinterpret_cast<char*>(theBlock + 1);
-    aDocument->mFreeEnd = reinterpret_cast<char*>(theBlock) + aDocument->mBlockSize;
+    aDocument->mFreeEnd = reinterpret_cast<char*>(theBlock) + theSize;
 }
 
 // Uninitialised memory for one record; records are multiples of a pointer's size, so that each is aligned.
@@ -78,7 +76,8 @@ static_assert(sizeof(ILibXMLDocument) % alignof(void*) == 0 && sizeof(ILibXMLBlo
 namespace
 {
 
-// Reads the text from mPosition to mEnd and appends nodes. A function that returns false has met something malformed.
+// Reads the text from mPosition to mEnd and appends nodes. The byte before mEnd is a ">": what skips or reads a name
+// ends there without counting. A function that returns false has met something malformed.
 struct Reader
 {
     ILibXMLDocument* mDocument;
@@ -99,7 +98,8 @@ struct QName
 enum : uint8
 {
     kBlank = 1,
-    kEndsName = 2
+    kEndsName = 2,
+    kColon = 4
 };
 
 struct ByteClasses
@@ -111,6 +111,7 @@ struct ByteClasses
             mClass[static_cast<uint8>(theBlank)] = kBlank | kEndsName;
         for (const char theMark : { '\0', '<', '>', '/', '=', '"', '\'' })
             mClass[static_cast<uint8>(theMark)] = kEndsName;
+        mClass[static_cast<uint8>(':')] = kColon;
     }
 };
 
@@ -120,9 +121,10 @@ constexpr ByteClasses kBytes;
 
 static bool Is(char aByte, uint8 aClass) { return (kBytes.mClass[static_cast<uint8>(aByte)] & aClass) != 0; }
 
-static char* SkipBlanks(char* aPosition, const char* anEnd)
+// Ends at the last ">" of the text at the latest.
+static char* SkipBlanks(char* aPosition)
 {
-    while (aPosition < anEnd && Is(*aPosition, kBlank))
+    while (Is(*aPosition, kBlank))
         ++aPosition;
     return aPosition;
 }
@@ -152,16 +154,21 @@ static char* FindPast(char* aPosition, const char* anEnd, const char* aTerminato
 // A prefix counts when there is something on both sides of the first colon.
 static bool ReadName(Reader* aReader, QName* aName)
 {
-    char* thePosition = aReader->mPosition;
+    char* theBegin = aReader->mPosition;
+    char* thePosition = theBegin;
     char* theColon = nullptr;
-    for (; thePosition < aReader->mEnd && !Is(*thePosition, kEndsName); ++thePosition)
+    while (!Is(*thePosition, kEndsName | kColon))
+        ++thePosition;
+    if (*thePosition == ':')
     {
-        if (*thePosition == ':' && !theColon) { theColon = thePosition; }
+        theColon = thePosition;
+        while (!Is(*thePosition, kEndsName))
+            ++thePosition;
+        if (theColon == theBegin || theColon + 1 == thePosition) { theColon = nullptr; }
     }
-    *aName = { aReader->mPosition, theColon, thePosition };
-    if (theColon == aName->mBegin || (theColon && theColon + 1 == thePosition)) { aName->mColon = nullptr; }
+    *aName = { theBegin, theColon, thePosition };
     aReader->mPosition = thePosition;
-    return thePosition > aName->mBegin;
+    return thePosition > theBegin;
 }
 
 static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartTag)
@@ -191,10 +198,10 @@ static bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*
 {
     QName theName;
     if (!ReadName(aReader, &theName)) { return false; }
-    char* thePosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
-    if (thePosition == aReader->mEnd || *thePosition != '=') { return false; }
-    thePosition = SkipBlanks(thePosition + 1, aReader->mEnd);
-    if (thePosition == aReader->mEnd || (*thePosition != '"' && *thePosition != '\'')) { return false; }
+    char* thePosition = SkipBlanks(aReader->mPosition);
+    if (*thePosition != '=') { return false; }
+    thePosition = SkipBlanks(thePosition + 1);
+    if (*thePosition != '"' && *thePosition != '\'') { return false; }
     char* theValue = thePosition + 1;
     char* theQuote = static_cast<char*>(memchr(theValue, *thePosition, static_cast<size_t>(aReader->mEnd - theValue)));
     if (!theQuote) { return false; }
@@ -223,8 +230,7 @@ static bool ReadStartTag(Reader* aReader)
     ILibXMLAttribute** theLink = &theNode->Attributes;
     for (;;)
     {
-        aReader->mPosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
-        if (aReader->mPosition == aReader->mEnd) { return false; }
+        aReader->mPosition = SkipBlanks(aReader->mPosition);
         if (*aReader->mPosition == '>')
         {
             theNode->TagEnd = ++aReader->mPosition;
@@ -235,7 +241,7 @@ static bool ReadStartTag(Reader* aReader)
         if (!ReadAttribute(aReader, theNode, &theLink)) { return false; }
     }
 
-    if (!StartsWith(aReader->mPosition, aReader->mEnd, "/>", 2)) { return false; }
+    if (aReader->mPosition[1] != '>') { return false; }
     aReader->mPosition += 2;
     theNode->EmptyTag = 1;
     theNode->TagEnd = aReader->mPosition;
@@ -273,8 +279,8 @@ static bool ReadEndTag(Reader* aReader)
     aReader->mPosition += 2;
     if (!TakeNameOfOpenTag(aReader, &theName) && !ReadName(aReader, &theName)) { return false; }
     aReader->mOpen = nullptr;
-    aReader->mPosition = SkipBlanks(aReader->mPosition, aReader->mEnd);
-    if (aReader->mPosition == aReader->mEnd || *aReader->mPosition != '>') { return false; }
+    aReader->mPosition = SkipBlanks(aReader->mPosition);
+    if (*aReader->mPosition != '>') { return false; }
     AppendNode(aReader, theName, 0)->TagEnd = ++aReader->mPosition;
     return true;
 }
@@ -329,8 +335,7 @@ static bool ReadTags(Reader* aReader)
                 memchr(aReader->mPosition, '<', static_cast<size_t>(aReader->mEnd - aReader->mPosition)));
             if (!aReader->mPosition) { return true; }
         }
-        if (aReader->mEnd - aReader->mPosition < 2) { return false; }
-        bool fIsTag;
+        bool fIsTag; // the byte behind the "<" is there, since the last one is a ">"
         switch (aReader->mPosition[1])
         {
         case '/': fIsTag = ReadEndTag(aReader); break;
@@ -343,17 +348,29 @@ static bool ReadTags(Reader* aReader)
     return true;
 }
 
+// Reads up to the last ">"; a "<" behind it begins no tag.
+static bool ReadText(Reader* aReader)
+{
+    const size_t theLength = static_cast<size_t>(aReader->mEnd - aReader->mPosition);
+    const void* theLast = memrchr(aReader->mPosition, '>', theLength);
+    char* theTagsEnd = theLast ? aReader->mPosition + (static_cast<const char*>(theLast) + 1 - aReader->mPosition)
+                               : aReader->mPosition;
+    const bool fIsCut = memchr(theTagsEnd, '<', static_cast<size_t>(aReader->mEnd - theTagsEnd)) != nullptr;
+    aReader->mEnd = theTagsEnd;
+    return ReadTags(aReader) && !fIsCut;
+}
+
 ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
 {
     if (!aText || aLength == 0) { return nullptr; }
     char* theBegin = aText + anOffset;
-    Reader theReader = { NewDocument(aLength), theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr };
-    theReader.mDocument->mfMalformed = aLength > INT_MAX || !ReadTags(&theReader);
-    if (!theReader.mFirst && theReader.mDocument->mfMalformed)
+    Reader theReader = { NewDocument(), theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr };
+    theReader.mDocument->mfMalformed = aLength > INT_MAX || !ReadText(&theReader);
+    if (!theReader.mFirst)
     {
-        AppendNode(&theReader, { theBegin, nullptr, theBegin }, 0);
+        if (theReader.mDocument->mfMalformed) { AppendNode(&theReader, { theBegin, nullptr, theBegin }, 0); }
+        else { ReleaseDocument(theReader.mDocument); }
     }
-    if (!theReader.mFirst) { ReleaseDocument(theReader.mDocument); }
     return theReader.mFirst;
 }
 

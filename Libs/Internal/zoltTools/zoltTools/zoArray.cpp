@@ -4,17 +4,34 @@
 #include <string.h>
 #include <zoltTools/zoMemory.h>
 
+static const size_t kFewValues = 4;
+
 struct zoArray_t
 {
-    void** mValues; // mCount of mCapacity are in use
+    void** mValues; // mFewValues, or owned; mCount of mCapacity are in use
     size_t mCount;
     size_t mCapacity;
     zoArray_FreeFunc_t mFreeFunc;
+    void* mFewValues[kFewValues];
 };
 
-static const size_t kFirstCapacity = 8;
+zoArray_t* zoArray_New(void)
+{
+    zoArray_t* theArray = static_cast<zoArray_t*>(zoMallocZeroed(sizeof(zoArray_t)));
+    theArray->mValues = theArray->mFewValues;
+    theArray->mCapacity = kFewValues;
+    return theArray;
+}
 
-zoArray_t* zoArray_New(void) { return static_cast<zoArray_t*>(zoMallocZeroed(sizeof(zoArray_t))); }
+static void Grow(zoArray_t* anArray)
+{
+    if (anArray->mCapacity > SIZE_MAX / 2 / sizeof(void*)) { abort(); } // more than memory can hold
+    const bool fWereFew = anArray->mValues == anArray->mFewValues;
+    anArray->mCapacity *= 2;
+    void* theValues = zoRealloc(fWereFew ? nullptr : anArray->mValues, anArray->mCapacity * sizeof(void*));
+    if (fWereFew) { memcpy(theValues, anArray->mFewValues, sizeof(anArray->mFewValues)); }
+    anArray->mValues = static_cast<void**>(theValues);
+}
 
 void zoArray_SetFreeFunc(zoArray_t* anArray, zoArray_FreeFunc_t aFreeFunc)
 {
@@ -24,12 +41,7 @@ void zoArray_SetFreeFunc(zoArray_t* anArray, zoArray_FreeFunc_t aFreeFunc)
 void zoArray_Append(zoArray_t* anArray, void* aValue)
 {
     if (!anArray) { return; }
-    if (anArray->mCount == anArray->mCapacity)
-    {
-        anArray->mCapacity = anArray->mCapacity > 0 ? anArray->mCapacity * 2 : kFirstCapacity;
-        if (anArray->mCapacity > SIZE_MAX / sizeof(void*)) { abort(); } // more than memory can hold
-        anArray->mValues = static_cast<void**>(zoRealloc(anArray->mValues, anArray->mCapacity * sizeof(void*)));
-    }
+    if (anArray->mCount == anArray->mCapacity) { Grow(anArray); }
     anArray->mValues[anArray->mCount++] = aValue;
 }
 
@@ -59,7 +71,7 @@ void zoArray_Delete(zoArray_t* anArray)
 {
     if (!anArray) { return; }
     zoArray_RemoveAt(anArray, 0, anArray->mCount);
-    free(anArray->mValues);
+    if (anArray->mValues != anArray->mFewValues) { free(anArray->mValues); }
     free(anArray);
 }
 
@@ -77,6 +89,8 @@ char* zoStringArray_FlattenerFunc(const zoArray_t* anArray, size_t* aSize)
     for (size_t i = 0; i < zoArray_GetCount(anArray); ++i)
         theSize += strlen(StringAt(anArray, i)) + 1;
 
+    *aSize = theSize;
+    if (theSize == 0) { return nullptr; }
     char* theBytes = static_cast<char*>(zoMalloc(theSize));
     char* theEnd = theBytes;
     for (size_t i = 0; i < zoArray_GetCount(anArray); ++i)
@@ -85,7 +99,6 @@ char* zoStringArray_FlattenerFunc(const zoArray_t* anArray, size_t* aSize)
         memcpy(theEnd, StringAt(anArray, i), theLength);
         theEnd += theLength;
     }
-    *aSize = theSize;
     return theBytes;
 }
 

@@ -11,7 +11,7 @@ extern "C" {
 
 typedef struct zoArray_t zoArray_t;
 typedef void (*zoArray_FreeFunc_t)(void* aValue);
-/** @return the array's bytes in a new block released with free, their count through aSize (never NULL). */
+/** @return the array's bytes in a new block released with free, NULL when there are none; their count through aSize. */
 typedef char* (*zoArray_FlattenerFunc_t)(const zoArray_t* anArray, size_t* aSize);
 /** @return a new array made from aSize bytes, without a free function yet. */
 typedef zoArray_t* (*zoArray_UnFlattenerFunc_t)(const char* aData, size_t aSize);

@@ -31,7 +31,10 @@ const size_t kTrailerSize = 4;
 const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxRowsPerEntry = 0xFFFF;
 const uint16 kNoPosition = 0xFFFF; // a position is below kMaxRowsPerEntry
-const size_t kFewTags = 64;
+const size_t kFirstBlockSize = 1000;
+const uint32 kFewTags = 64;
+const uint32 kFewRows = 48;
+const uint32 kFewEntries = 4;
 
 static_assert(sizeof(Header) == 16 && sizeof(Row) == 8, "the block's layout has no gaps");
 
@@ -45,19 +48,24 @@ struct zoPackedData_t
 
     // Rows and entries: in a serialized block they lie behind the values, else in these arrays.
     bool mfSerialized;
-    Row* mRows;
-    uint32* mEntryEnds; // for each entry the index of the row after its last
     uint32 mRowCount;
     uint32 mRowCapacity;
     uint32 mEntryCount;
     uint32 mEntryCapacity;
+    Row* mRows;         // mFewRows, or owned
+    uint32* mEntryEnds; // mFewEntryEnds, or owned; for each entry the index of the row after its last
 
     // The open entry, the last one while mfOpen: mPositions[tag] is the tag's position in it, or kNoPosition. Its rows
     // get their sorted order when it is closed.
     bool mfOpen;
     uint16 mMaxTag;
+    uint32 mOpenBegin; // the index of its first row
+    uint32 mRowLimit;  // the open entry takes rows up to this count without anything else to be looked at; else 0
     uint32 mPositionCapacity;
-    uint16* mPositions; // mFewPositions, or a block of its own that is owned
+    uint16* mPositions; // mFewPositions, or owned
+
+    Row mFewRows[kFewRows];
+    uint32 mFewEntryEnds[kFewEntries];
     uint16 mFewPositions[kFewTags];
 };
 
@@ -87,10 +95,14 @@ static uint32 EntryBegin(const zoPackedData_t* aRecord, uint32 anEntry)
     return anEntry > 0 ? EntryEndAt(aRecord, anEntry - 1) : 0;
 }
 
+static bool IsOpen(const zoPackedData_t* aRecord, uint32 anEntry)
+{
+    return aRecord->mfOpen && anEntry + 1 == aRecord->mEntryCount;
+}
+
 static uint32 EntryEnd(const zoPackedData_t* aRecord, uint32 anEntry)
 {
-    const bool fIsOpen = aRecord->mfOpen && anEntry + 1 == aRecord->mEntryCount;
-    return fIsOpen ? aRecord->mRowCount : EntryEndAt(aRecord, anEntry);
+    return IsOpen(aRecord, anEntry) ? aRecord->mRowCount : EntryEndAt(aRecord, anEntry);
 }
 
 static size_t ValueEnd(const zoPackedData_t* aRecord, uint32 aRow)
@@ -107,7 +119,7 @@ static bool HasEntry(const zoPackedData_t* aRecord, uint32 anEntry)
 static uint32 FindRow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
     const uint32 theBegin = EntryBegin(aRecord, anEntry);
-    if (aRecord->mfOpen && anEntry + 1 == aRecord->mEntryCount)
+    if (IsOpen(aRecord, anEntry))
     {
         const uint16 thePosition = aTag < aRecord->mPositionCapacity ? aRecord->mPositions[aTag] : kNoPosition;
         return thePosition != kNoPosition ? theBegin + thePosition : aRecord->mRowCount;
@@ -194,11 +206,49 @@ uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint
 
 // ---- Adding ----
 
+// Leaves a record without entries; what it held is the caller's business.
+static void Clear(zoPackedData_t* aRecord)
+{
+    memset(aRecord, 0, offsetof(zoPackedData_t, mFewRows));
+    aRecord->mRows = aRecord->mFewRows;
+    aRecord->mRowCapacity = kFewRows;
+    aRecord->mEntryEnds = aRecord->mFewEntryEnds;
+    aRecord->mEntryCapacity = kFewEntries;
+    aRecord->mPositions = aRecord->mFewPositions;
+    aRecord->mPositionCapacity = kFewTags;
+    memset(aRecord->mFewPositions, 0xFF, sizeof(aRecord->mFewPositions));
+}
+
+// Makes room for one more element, or for as many as are expected. The first few elements lie in the record itself.
+template <typename Element>
+static void ReserveElement(Element** anArray, const Element* aFew, uint32 aCount, uint32 aWanted, uint32* aCapacity)
+{
+    if (aWanted <= *aCapacity) { return; }
+    *aCapacity = std::max(aWanted, *aCapacity * 2);
+    const bool fWereFew = *anArray == aFew;
+    Element* theArray =
+        static_cast<Element*>(zoRealloc(fWereFew ? nullptr : *anArray, size_t{ *aCapacity } * sizeof(Element)));
+    if (fWereFew) { memcpy(theArray, aFew, aCount * sizeof(Element)); }
+    *anArray = theArray;
+}
+
+static void ReserveRows(zoPackedData_t* aRecord, uint32 aWanted)
+{
+    ReserveElement(&aRecord->mRows, aRecord->mFewRows, aRecord->mRowCount, aWanted, &aRecord->mRowCapacity);
+}
+
+static void ReserveEntries(zoPackedData_t* aRecord, uint32 aWanted)
+{
+    ReserveElement(&aRecord->mEntryEnds, aRecord->mFewEntryEnds, aRecord->mEntryCount, aWanted,
+                   &aRecord->mEntryCapacity);
+}
+
 zoPackedData_t* zoPackedData_New(uint32 aCount)
 {
+    const uint32 kMostExpected = 0x10000; // a hint is no reason to run out of memory
     zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t)));
-    memset(theRecord, 0, offsetof(zoPackedData_t, mFewPositions));
-    theRecord->mEntryCapacity = std::min(aCount, uint32{ 0x10000 }); // a hint is no reason to run out of memory
+    Clear(theRecord);
+    ReserveEntries(theRecord, std::min(aCount, kMostExpected));
     return theRecord;
 }
 
@@ -222,62 +272,41 @@ static bool HasRoom(const zoPackedData_t* aRecord, size_t aDirectorySize, size_t
 // Room for aSize bytes behind the values and the 0 that ends them.
 static void ReserveValue(zoPackedData_t* aRecord, size_t aSize)
 {
-    const size_t kFirstSize = 512;
     const size_t theUsed = ValuesEnd(aRecord);
     const size_t theNeeded = theUsed + aSize + 1;
     if (theNeeded <= aRecord->mBlockCapacity) { return; }
     const size_t theDoubled =
         aRecord->mBlockCapacity <= kMaxBlockSize / 2 ? aRecord->mBlockCapacity * 2 : kMaxBlockSize;
-    aRecord->mBlockCapacity = std::max(theNeeded, std::max(theDoubled, kFirstSize));
+    aRecord->mBlockCapacity = std::max(theNeeded, std::max(theDoubled, kFirstBlockSize));
     aRecord->mBlock = static_cast<char*>(zoRealloc(aRecord->mBlock, aRecord->mBlockCapacity));
     aRecord->mValuesEnd = theUsed;
-}
-
-template <typename Element>
-static void ReserveElement(Element** anArray, uint32 aCount, uint32* aCapacity, uint32 aFirstCapacity)
-{
-    if (*anArray && aCount < *aCapacity) { return; }
-    *aCapacity = *anArray ? *aCapacity * 2 : std::max(*aCapacity, aFirstCapacity);
-    *anArray = static_cast<Element*>(zoRealloc(*anArray, size_t{ *aCapacity } * sizeof(Element)));
 }
 
 // A record over a serialized block gets its rows and entries back into arrays, so that more can be added.
 static void Unserialize(zoPackedData_t* aRecord)
 {
-    if (!aRecord->mfSerialized) { return; }
-    const uint32 theRowCount = aRecord->mRowCount;
-    const uint32 theEntryCount = aRecord->mEntryCount;
-    Row* theRows = nullptr;
-    uint32* theEntryEnds = nullptr;
-    aRecord->mRowCapacity = theRowCount;
-    aRecord->mEntryCapacity = theEntryCount;
-    ReserveElement(&theRows, theRowCount, &aRecord->mRowCapacity, 1);
-    ReserveElement(&theEntryEnds, theEntryCount, &aRecord->mEntryCapacity, 1);
+    const size_t theRowBytes = size_t{ aRecord->mRowCount } * sizeof(Row);
     const char* theDirectory = aRecord->mBlock + aRecord->mValuesEnd;
-    memcpy(theRows, theDirectory, size_t{ theRowCount } * sizeof(Row));
-    memcpy(theEntryEnds, theDirectory + size_t{ theRowCount } * sizeof(Row), size_t{ theEntryCount } * sizeof(uint32));
-    aRecord->mRows = theRows;
-    aRecord->mEntryEnds = theEntryEnds;
+    ReserveRows(aRecord, aRecord->mRowCount);
+    ReserveEntries(aRecord, aRecord->mEntryCount);
+    memcpy(aRecord->mRows, theDirectory, theRowBytes);
+    memcpy(aRecord->mEntryEnds, theDirectory + theRowBytes, size_t{ aRecord->mEntryCount } * sizeof(uint32));
     aRecord->mBlock[aRecord->mValuesEnd] = 0; // the directory was here: the trailer alone is long enough for it
     aRecord->mfSerialized = false;
 }
 
-static uint32 OpenEntryBegin(const zoPackedData_t* aRecord) { return EntryBegin(aRecord, aRecord->mEntryCount - 1); }
-
 // Writes the order of the open entry's tags into its rows.
 static void SortOpenEntry(zoPackedData_t* aRecord)
 {
-    Row* theRows = aRecord->mRows + OpenEntryBegin(aRecord);
-    const uint32 theCount = aRecord->mRowCount - OpenEntryBegin(aRecord);
+    Row* theRows = aRecord->mRows + aRecord->mOpenBegin;
+    const uint32 theCount = aRecord->mRowCount - aRecord->mOpenBegin;
     if (aRecord->mMaxTag / 16 < theCount) // tags are dense: walk them in order
     {
         uint32 theSorted = 0;
         for (uint32 theTag = 0; theSorted < theCount; ++theTag)
         {
-            if (aRecord->mPositions[theTag] != kNoPosition)
-            {
-                theRows[theSorted++].mSorted = aRecord->mPositions[theTag];
-            }
+            const uint16 thePosition = aRecord->mPositions[theTag];
+            if (thePosition != kNoPosition) { theRows[theSorted++].mSorted = thePosition; }
         }
         return;
     }
@@ -294,80 +323,118 @@ static void SortOpenEntry(zoPackedData_t* aRecord)
 static void CloseEntry(zoPackedData_t* aRecord)
 {
     if (!aRecord->mfOpen) { return; }
-    if (aRecord->mRowCount > OpenEntryBegin(aRecord)) { SortOpenEntry(aRecord); }
-    for (uint32 i = OpenEntryBegin(aRecord); i < aRecord->mRowCount; ++i)
-        aRecord->mPositions[aRecord->mRows[i].mTag] = kNoPosition;
+    SortOpenEntry(aRecord);
     aRecord->mEntryEnds[aRecord->mEntryCount - 1] = aRecord->mRowCount;
     aRecord->mfOpen = false;
+    aRecord->mRowLimit = 0;
+}
+
+// Opens an entry whose first row is the next one.
+static void OpenEntry(zoPackedData_t* aRecord)
+{
+    for (uint32 i = aRecord->mOpenBegin; i < aRecord->mRowCount; ++i) // the tags of the one before
+        aRecord->mPositions[aRecord->mRows[i].mTag] = kNoPosition;
+    ReserveEntries(aRecord, aRecord->mEntryCount + 1);
+    ++aRecord->mEntryCount;
+    aRecord->mfOpen = true;
+    aRecord->mMaxTag = 0;
+    aRecord->mOpenBegin = aRecord->mRowCount;
+    aRecord->mRowLimit = 0;
 }
 
 void zoPackedData_AddNewEntry(zoPackedData_t* aRecord)
 {
-    if (!aRecord) { return; }
-    Unserialize(aRecord);
-    CloseEntry(aRecord);
-    if (!HasRoom(aRecord, sizeof(uint32), 0)) { return; }
-    ReserveElement(&aRecord->mEntryEnds, aRecord->mEntryCount, &aRecord->mEntryCapacity, 1);
-    aRecord->mEntryEnds[aRecord->mEntryCount++] = aRecord->mRowCount;
-    aRecord->mfOpen = true;
-    aRecord->mMaxTag = 0;
-    if (!aRecord->mPositions)
+    if (!aRecord || !HasRoom(aRecord, sizeof(uint32), 0)) { return; }
+    if (aRecord->mfSerialized)
     {
-        aRecord->mPositions = aRecord->mFewPositions;
-        aRecord->mPositionCapacity = kFewTags;
-        memset(aRecord->mFewPositions, 0xFF, sizeof(aRecord->mFewPositions));
+        Unserialize(aRecord);
+        aRecord->mOpenBegin = aRecord->mRowCount;
     }
+    CloseEntry(aRecord);
+    OpenEntry(aRecord);
 }
 
-static void GrowPositions(zoPackedData_t* aRecord, uint16 aTag)
+static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
 {
-    uint32 theCapacity = aRecord->mPositionCapacity;
-    while (theCapacity <= aTag)
-        theCapacity *= 2;
-    const bool fWereFew = aRecord->mPositions == aRecord->mFewPositions;
-    uint16* thePositions =
-        static_cast<uint16*>(zoRealloc(fWereFew ? nullptr : aRecord->mPositions, theCapacity * sizeof(uint16)));
-    if (fWereFew) { memcpy(thePositions, aRecord->mFewPositions, sizeof(aRecord->mFewPositions)); }
-    memset(thePositions + aRecord->mPositionCapacity, 0xFF,
-           (theCapacity - aRecord->mPositionCapacity) * sizeof(uint16));
-    aRecord->mPositions = thePositions;
-    aRecord->mPositionCapacity = theCapacity;
+    const uint32 theBefore = aRecord->mPositionCapacity;
+    ReserveElement(&aRecord->mPositions, aRecord->mFewPositions, theBefore, uint32{ aTag } + 1,
+                   &aRecord->mPositionCapacity);
+    memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
 }
 
-// Notes the tag in the open entry; false when the entry has it already or is full.
-static bool TakeTag(zoPackedData_t* aRecord, uint16 aTag)
+// Rows are added at once while they fit their array and their entry; in a block that is near its greatest size, never.
+static void SetRowLimit(zoPackedData_t* aRecord)
 {
-    const uint32 theCount = aRecord->mRowCount - OpenEntryBegin(aRecord);
-    if (theCount == kMaxRowsPerEntry) { return false; }
-    if (aTag >= aRecord->mPositionCapacity) { GrowPositions(aRecord, aTag); }
-    if (aRecord->mPositions[aTag] != kNoPosition) { return false; }
-    aRecord->mPositions[aTag] = static_cast<uint16>(theCount);
+    const uint64 theMostFits = aRecord->mBlockCapacity + uint64{ aRecord->mRowCapacity } * sizeof(Row);
+    const bool fHasRoom = HasRoom(aRecord, 0, static_cast<size_t>(std::min(theMostFits, uint64{ kMaxBlockSize })));
+    aRecord->mRowLimit = fHasRoom ? std::min(aRecord->mRowCapacity, aRecord->mOpenBegin + kMaxRowsPerEntry) : 0;
+}
+
+// Notes the position in the open entry of a tag for which there is room.
+static void NoteTag(zoPackedData_t* aRecord, uint16 aTag, uint32 aRow)
+{
+    aRecord->mPositions[aTag] = static_cast<uint16>(aRow - aRecord->mOpenBegin);
     aRecord->mMaxTag = std::max(aRecord->mMaxTag, aTag);
-    return true;
 }
 
 // The last entry of a record that was serialized takes values again.
 static void ReopenEntry(zoPackedData_t* aRecord)
 {
+    Unserialize(aRecord);
     --aRecord->mEntryCount;
     const uint32 theEnd = aRecord->mRowCount;
-    aRecord->mRowCount = EntryBegin(aRecord, aRecord->mEntryCount);
-    zoPackedData_AddNewEntry(aRecord);
+    aRecord->mRowCount = aRecord->mOpenBegin = EntryBegin(aRecord, aRecord->mEntryCount);
+    OpenEntry(aRecord);
     for (; aRecord->mRowCount < theEnd; ++aRecord->mRowCount)
-        TakeTag(aRecord, aRecord->mRows[aRecord->mRowCount].mTag);
+    {
+        const uint16 theTag = aRecord->mRows[aRecord->mRowCount].mTag;
+        ReservePositions(aRecord, theTag);
+        NoteTag(aRecord, theTag, aRecord->mRowCount);
+    }
+}
+
+// Most values are numbers or short texts.
+static void CopyValue(char* aTarget, const void* aData, size_t aSize)
+{
+    switch (aSize)
+    {
+    case 0: return;
+    case 1: *aTarget = *static_cast<const char*>(aData); return;
+    case 2: memcpy(aTarget, aData, 2); return;
+    case 4: memcpy(aTarget, aData, 4); return;
+    case 8: memcpy(aTarget, aData, 8); return;
+    default: memcpy(aTarget, aData, aSize); return;
+    }
+}
+
+// Makes room for a value in the open entry; false when the tag is there already, or there can be no room.
+__attribute__((noinline)) static bool MakeRoom(zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
+{
+    if (!aRecord || aRecord->mEntryCount == 0) { return false; }
+    if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
+    const bool fIsFull = aRecord->mRowCount - aRecord->mOpenBegin == kMaxRowsPerEntry;
+    if (fIsFull || !HasRoom(aRecord, sizeof(Row), aSize)) { return false; }
+    ReservePositions(aRecord, aTag);
+    ReserveRows(aRecord, aRecord->mRowCount + 1);
+    ReserveValue(aRecord, aSize);
+    SetRowLimit(aRecord);
+    return aRecord->mPositions[aTag] == kNoPosition;
+}
+
+// Whether there is room already, and the tag is new.
+static bool HasRoomAtOnce(const zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
+{
+    return aRecord && aRecord->mRowCount < aRecord->mRowLimit &&
+           aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd && aTag < aRecord->mPositionCapacity &&
+           aRecord->mPositions[aTag] == kNoPosition;
 }
 
 void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
-    if (!aRecord || aRecord->mEntryCount == 0) { return; }
-    Unserialize(aRecord);
-    if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
-    if (!HasRoom(aRecord, sizeof(Row), aSize) || !TakeTag(aRecord, aTag)) { return; }
-
-    ReserveValue(aRecord, aSize);
-    ReserveElement(&aRecord->mRows, aRecord->mRowCount, &aRecord->mRowCapacity, 32);
+    if (!HasRoomAtOnce(aRecord, aTag, aSize) && !MakeRoom(aRecord, aTag, aSize)) { return; }
+    NoteTag(aRecord, aTag, aRecord->mRowCount);
     aRecord->mRows[aRecord->mRowCount++] = { static_cast<uint32>(aRecord->mValuesEnd), aTag, 0 };
-    if (aSize > 0) { memcpy(aRecord->mBlock + aRecord->mValuesEnd, aData, aSize); }
+    CopyValue(aRecord->mBlock + aRecord->mValuesEnd, aData, aSize);
     aRecord->mValuesEnd += aSize;
     aRecord->mBlock[aRecord->mValuesEnd] = 0;
 }
@@ -402,13 +469,19 @@ uint32 zoPackedData_GetMemoryUsage(const zoPackedData_t* aRecord)
 
 static void FreeArrays(zoPackedData_t* aRecord)
 {
-    free(aRecord->mRows);
-    free(aRecord->mEntryEnds);
+    if (aRecord->mRows != aRecord->mFewRows) { free(aRecord->mRows); }
+    if (aRecord->mEntryEnds != aRecord->mFewEntryEnds) { free(aRecord->mEntryEnds); }
     if (aRecord->mPositions != aRecord->mFewPositions) { free(aRecord->mPositions); }
 }
 
-// Leaves a record without entries; what it held is the caller's business.
-static void Clear(zoPackedData_t* aRecord) { memset(aRecord, 0, offsetof(zoPackedData_t, mFewPositions)); }
+// The block at its final size. A first block is quicker given back and had again than cut down.
+static char* Resized(char* aBlock, size_t aCapacity, size_t aValuesEnd, size_t aSize)
+{
+    if (aCapacity != kFirstBlockSize) { return static_cast<char*>(zoRealloc(aBlock, aSize)); }
+    char* theBlock = static_cast<char*>(memcpy(zoMalloc(aSize), aBlock, aValuesEnd));
+    free(aBlock);
+    return theBlock;
+}
 
 char* zoPackedData_TakeData(zoPackedData_t* aRecord)
 {
@@ -420,12 +493,12 @@ char* zoPackedData_TakeData(zoPackedData_t* aRecord)
         const size_t theSize = static_cast<size_t>(BlockSize(aRecord));
         const size_t theRowBytes = size_t{ aRecord->mRowCount } * sizeof(Row);
         const size_t theEntryBytes = size_t{ aRecord->mEntryCount } * sizeof(uint32);
-        const Header theHeader = { kMagic, static_cast<uint32>(theSize), aRecord->mEntryCount, aRecord->mRowCount };
         const size_t theValuesEnd = ValuesEnd(aRecord);
-        theBlock = static_cast<char*>(zoRealloc(theBlock, theSize));
+        const Header theHeader = { kMagic, static_cast<uint32>(theSize), aRecord->mEntryCount, aRecord->mRowCount };
+        theBlock = Resized(theBlock, aRecord->mBlockCapacity, theValuesEnd, theSize);
         memcpy(theBlock, &theHeader, sizeof(theHeader));
-        if (theRowBytes > 0) { memcpy(theBlock + theValuesEnd, aRecord->mRows, theRowBytes); }
-        if (theEntryBytes > 0) { memcpy(theBlock + theValuesEnd + theRowBytes, aRecord->mEntryEnds, theEntryBytes); }
+        memcpy(theBlock + theValuesEnd, aRecord->mRows, theRowBytes);
+        memcpy(theBlock + theValuesEnd + theRowBytes, aRecord->mEntryEnds, theEntryBytes);
         memset(theBlock + theSize - kTrailerSize, 0, kTrailerSize);
     }
     FreeArrays(aRecord);

@@ -1,0 +1,300 @@
+#include "Documents.h"
+#include "Yardsticks.h"
+
+#include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/UPnPDIDL.h>
+#include <benchmark/benchmark.h>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
+
+// Every document is read from a fresh copy, by us and by the yardsticks, since those change it.
+
+namespace
+{
+
+size_t TotalSize()
+{
+    size_t theSize = 0;
+    for (const std::string& theDocument : Documents())
+        theSize += theDocument.size();
+    return theSize;
+}
+
+struct Parsed
+{
+    explicit Parsed(const std::string& aText)
+    {
+        mResult = UPnPDIDL_ParseElements(aText.c_str(), &mData, &mRes, &mType);
+    }
+    ~Parsed()
+    {
+        free(mData);
+        free(mRes);
+    }
+    Parsed(const Parsed&) = delete;
+    Parsed& operator=(const Parsed&) = delete;
+
+    char* mData = nullptr;
+    char* mRes = nullptr;
+    int mType = 0;
+    int mResult = 0;
+};
+
+size_t Parse(std::string& aText)
+{
+    Parsed theObject(aText);
+    zoPackedData_t* theResources = zoPackedData_NewData(theObject.mRes);
+    theObject.mRes = nullptr;
+    const size_t theCount = zoPackedData_GetEntryCount(theResources);
+    zoPackedData_Free(theResources);
+    return theCount;
+}
+
+// From the text to the DIDL-Lite that goes with the chosen resource.
+size_t Road(const std::string& aText, zoDLNAProtocolInfoList_t* aSink)
+{
+    Parsed theObject(aText);
+    zoPackedData_t* theEntry = zoPackedData_NewData(theObject.mData);
+    CDSResourceInfo theInfo(theObject.mRes, theEntry);
+    theObject.mData = theObject.mRes = nullptr;
+    uint32 theTarget;
+    memcpy(&theTarget, "\x0A\x4D\x00\x05", sizeof(theTarget));
+    int theConfidence = 0;
+    const int theIndex = theInfo.GetBestResourceIndex(aSink, &theConfidence, "*", &theTarget, 1);
+    zoCString theProfile;
+    benchmark::DoNotOptimize(theInfo.GetThumbnailURI("", &theProfile, &theTarget, 1).length());
+    const zoCString theURI =
+        theIndex < 0 ? zoCString() : theInfo.GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
+    char* theText = UPnPDIDL_Get(theEntry, theInfo.mPackedData, 1, 1, theURI.c_str());
+    benchmark::DoNotOptimize(theText);
+    free(theText);
+    zoPackedData_Free(theEntry);
+    return theInfo.GetResourceCount();
+}
+
+size_t CountResources(const std::string& aText)
+{
+    size_t theCount = 0;
+    for (size_t thePosition = aText.find("<res "); thePosition != std::string::npos;
+         thePosition = aText.find("<res ", thePosition + 1))
+        ++theCount;
+    return theCount;
+}
+
+// Runs a reader over all documents, after it has proved that it finds their resources.
+void OverDocuments(benchmark::State& aState, const std::function<size_t(std::string&)>& aReader)
+{
+    for (const std::string& theDocument : Documents())
+    {
+        std::string theText = theDocument;
+        if (aReader(theText) != CountResources(theDocument)) { aState.SkipWithError("wrong answer"); }
+    }
+    std::string theText;
+    for (auto _ : aState)
+    {
+        for (const std::string& theDocument : Documents())
+        {
+            theText.assign(theDocument);
+            benchmark::DoNotOptimize(aReader(theText));
+        }
+    }
+    aState.SetBytesProcessed(static_cast<int64_t>(aState.iterations() * TotalSize()));
+    aState.SetItemsProcessed(static_cast<int64_t>(aState.iterations() * Documents().size()));
+}
+
+void BM_Parse(benchmark::State& aState) { OverDocuments(aState, Parse); }
+BENCHMARK(BM_Parse);
+
+void BM_Road(benchmark::State& aState)
+{
+    zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
+    OverDocuments(aState, [theSink](std::string& aText) { return Road(aText, theSink); });
+    zoDLNAProtocolInfoList_Delete(theSink);
+}
+BENCHMARK(BM_Road);
+
+void BM_Write(benchmark::State& aState)
+{
+    std::vector<std::pair<zoPackedData_t*, zoPackedData_t*>> theRecords;
+    for (const std::string& theDocument : Documents())
+    {
+        Parsed theObject(theDocument);
+        theRecords.emplace_back(zoPackedData_NewData(theObject.mData), zoPackedData_NewData(theObject.mRes));
+        theObject.mData = theObject.mRes = nullptr;
+    }
+    size_t theSize = 0;
+    for (auto _ : aState)
+    {
+        for (const auto& [theEntry, theResources] : theRecords)
+        {
+            char* theText = UPnPDIDL_Get(theEntry, theResources, 1, 1, nullptr);
+            theSize += strlen(theText);
+            free(theText);
+        }
+    }
+    aState.SetBytesProcessed(static_cast<int64_t>(theSize));
+    for (const auto& [theEntry, theResources] : theRecords)
+    {
+        zoPackedData_Free(theEntry);
+        zoPackedData_Free(theResources);
+    }
+}
+BENCHMARK(BM_Write);
+
+#if WITH_PUGIXML
+void BM_PugixmlParse(benchmark::State& aState) { OverDocuments(aState, PugixmlParse); }
+BENCHMARK(BM_PugixmlParse);
+
+void BM_PugixmlParseAndCopy(benchmark::State& aState) { OverDocuments(aState, PugixmlParseAndCopy); }
+BENCHMARK(BM_PugixmlParseAndCopy);
+#endif
+
+#if WITH_LIBXML2
+void BM_Libxml2Parse(benchmark::State& aState) { OverDocuments(aState, Libxml2Parse); }
+BENCHMARK(BM_Libxml2Parse);
+#endif
+
+// ---- How time grows ----
+
+std::string Repeat(const std::string& aText, int64_t aCount)
+{
+    std::string theText;
+    for (int64_t i = 0; i < aCount; ++i)
+    {
+        const size_t theMark = aText.find('#');
+        theText += theMark == std::string::npos
+                       ? aText
+                       : aText.substr(0, theMark) + std::to_string(i) + aText.substr(theMark + 1);
+    }
+    return theText;
+}
+
+std::string Item(const std::string& aContent)
+{
+    return "<DIDL-Lite><item id=\"1\">" + aContent + "</item></DIDL-Lite>";
+}
+
+// aDocument makes the text of a size; the fit must come out linear.
+void Growth(benchmark::State& aState, const std::function<std::string(int64_t)>& aDocument)
+{
+    const std::string theText = aDocument(aState.range(0));
+    if (Parsed(theText).mResult != kUPnPError_None) { aState.SkipWithError("wrong answer"); }
+    for (auto _ : aState)
+    {
+        Parsed theObject(theText);
+        benchmark::DoNotOptimize(theObject.mData);
+    }
+    aState.SetBytesProcessed(static_cast<int64_t>(aState.iterations() * theText.size()));
+    aState.SetComplexityN(aState.range(0));
+}
+
+const char kResource[] = "<res protocolInfo=\"http-get:*:audio/mpeg:DLNA.ORG_PN=MP3;DLNA.ORG_OP=01\" size=\"1234567\" "
+                         "duration=\"0:03:35.000\">http://192.0.2.20:8200/MediaItems/#.mp3</res>";
+
+std::string Resources(int64_t aCount) { return Item(Repeat(kResource, aCount)); }
+
+std::string ExtraInfo(int64_t aCount) { return Item(Repeat("<sec:info>value of the element</sec:info>", aCount)); }
+
+std::string ResourceExtraInfo(int64_t aCount)
+{
+    return Item("<res protocolInfo=\"http-get:*:a/b:*\" " + Repeat("sec:info#=\"value\" ", aCount) + ">u</res>");
+}
+
+std::string AlbumArt(int64_t aCount)
+{
+    return Item(
+        Repeat("<upnp:albumArtURI dlna:profileID=\"JPEG_TN\">http://192.0.2.20/#.jpg</upnp:albumArtURI>", aCount));
+}
+
+std::string Namespaces(int64_t aCount)
+{
+    return "<DIDL-Lite" + Repeat(" xmlns:n#=\"urn:schemas-example-com:n\"", aCount) + "><item/></DIDL-Lite>";
+}
+
+std::string LongText(int64_t aCount)
+{
+    return Item("<dc:title>" + Repeat("A title &amp; more. ", aCount / 20) + "</dc:title>");
+}
+
+std::function<std::string(int64_t)> Nested(const std::string& aName)
+{
+    return [aName](int64_t aCount)
+    { return Item(Repeat("<" + aName + ">", aCount) + "deep" + Repeat("</" + aName + ">", aCount)); };
+}
+
+void Register(const std::string& aName, const std::function<std::string(int64_t)>& aDocument, int64_t aFrom,
+              int64_t aTo)
+{
+    benchmark::RegisterBenchmark(("BM_Growth/" + aName).c_str(),
+                                 [aDocument](benchmark::State& aState) { Growth(aState, aDocument); })
+        ->RangeMultiplier(10)
+        ->Range(aFrom, aTo)
+        ->Complexity(benchmark::oAuto);
+}
+
+// The whole road over many resources, from the text to the written choice.
+void BM_RoadOfResources(benchmark::State& aState)
+{
+    zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
+    const std::string theText = Resources(aState.range(0));
+    for (auto _ : aState)
+        benchmark::DoNotOptimize(Road(theText, theSink));
+    aState.SetComplexityN(aState.range(0));
+    zoDLNAProtocolInfoList_Delete(theSink);
+}
+BENCHMARK(BM_RoadOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oAuto);
+
+// ---- Ratios ----
+
+// Prints as usual, and at the end what is compared with what.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    bool ReportContext(const Context& aContext) override { return ConsoleReporter::ReportContext(aContext); }
+    void ReportRuns(const std::vector<Run>& aRuns) override
+    {
+        ConsoleReporter::ReportRuns(aRuns);
+        for (const Run& theRun : aRuns)
+        {
+            const bool fCounts = theRun.run_type == Run::RT_Iteration || theRun.aggregate_name == "median";
+            if (fCounts) { mTimes[theRun.run_name.str()] = theRun.GetAdjustedCPUTime(); }
+        }
+    }
+    void Finalize() override
+    {
+        Print("parse / pugixml in place and copied out", "BM_Parse", "BM_PugixmlParseAndCopy");
+        Print("parse / pugixml in place", "BM_Parse", "BM_PugixmlParse");
+        Print("whole road / libxml2 tree", "BM_Road", "BM_Libxml2Parse");
+    }
+
+private:
+    void Print(const char* aText, const char* aName, const char* aYardstick)
+    {
+        if (mTimes.count(aName) == 0 || mTimes.count(aYardstick) == 0) { return; }
+        GetOutputStream() << "ratio " << aText << ": " << mTimes[aName] / mTimes[aYardstick] << "\n";
+    }
+    std::map<std::string, double> mTimes;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Register("Resources", Resources, 10, 10000);
+    Register("ExtraInfo", ExtraInfo, 10, 10000);
+    Register("ResourceExtraInfo", ResourceExtraInfo, 10, 10000);
+    Register("AlbumArt", AlbumArt, 10, 10000);
+    Register("Namespaces", Namespaces, 10, 10000);
+    Register("TextBytes", LongText, 10000, 10000000);
+    Register("NestedPlain", Nested("plain"), 100, 100000);
+    Register("NestedStored", Nested("x:stored"), 100, 100000);
+    Register("NestedTitle", Nested("dc:title"), 100, 100000);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) { return 2; }
+    if (Documents().empty() || SinkList().empty()) { return 2; }
+    RatioReporter theReporter;
+    benchmark::RunSpecifiedBenchmarks(&theReporter);
+    return 0;
+}

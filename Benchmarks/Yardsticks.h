@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/* The same documents read by other libraries, where they are installed. Each function gives a number that says whether
+ * it did its work. */
+
+/** Parses the text in place. @return the number of resources. */
+std::size_t PugixmlParse(std::string& aText);
+/** Parses the text in place and copies out as strings the names and values of what the media object record holds: the
+ *  object's attributes, its elements' names and texts, their attributes, and the root's declarations. @return the
+ *  number of resources. */
+std::size_t PugixmlParseAndCopy(std::string& aText);
+/** Builds the tree. @return the number of resources. */
+std::size_t Libxml2Parse(const std::string& aText);

@@ -1,0 +1,21 @@
+# Building, for the scripts; to be sourced when root is the path of the checkout.
+
+# build PRESET FOLDER TARGET [OPTION...]: configures FOLDER if that is due, and builds TARGET. Two at a time in one
+# folder wait for each other.
+build() {
+    mkdir -p "$2"
+    (
+        if command -v flock >/dev/null; then flock 9; fi
+        build_unlocked "$@"
+    ) 9>"$2/.lock"
+}
+
+build_unlocked() {
+    local preset=$1 folder=$2 target=$3 fresh=
+    shift 3
+    if ! grep -qsxF "CMAKE_HOME_DIRECTORY:INTERNAL=${root:?}" "$folder/CMakeCache.txt"; then fresh=--fresh; fi
+    if [ -n "$fresh" ] || [ ! -e "$folder/build.ninja" ] || [ "$root/CMakePresets.json" -nt "$folder/build.ninja" ]; then
+        quietly env -C "$root" cmake --preset "$preset" -B "$folder" $fresh "$@" || return
+    fi
+    quietly cmake --build "$folder" --parallel "$(nproc)" --target "$target"
+}

@@ -1,0 +1,47 @@
+# What the scripts need beyond the checkout; to be sourced. Debian's package names stand for the things themselves.
+
+can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
+
+has_package() {
+    case $1 in
+    cmake | clang-format) command -v "$1" ;;
+    ccache) command -v ccache || ! can_install ;; # builds go without it, too
+    ninja-build) command -v ninja ;;
+    g++) command -v g++ && command -v gcc ;;
+    g++-multilib) [ -e "$(g++ -m32 -print-file-name=libstdc++.a)" ] ;;
+    googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
+    clang) command -v clang && command -v clang++ ;;
+    libclang-rt-14-dev) compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' ;;
+    *) false ;;
+    esac >/dev/null 2>&1
+}
+
+# require PACKAGE...: installs those that are missing, as root on Debian; otherwise says which they are, and fails.
+require() {
+    local package missing=()
+    for package in "$@"; do
+        has_package "$package" || missing+=("$package")
+    done
+    if [ ${#missing[@]} -eq 0 ]; then return 0; fi
+    if ! can_install; then
+        echo "$0: missing; on Debian: apt-get install ${missing[*]}" >&2
+        return 3
+    fi
+    echo "Installing ${missing[*]}" >&2
+    export DEBIAN_FRONTEND=noninteractive
+    quietly apt-get update
+    quietly apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# quietly COMMAND...: what it prints is shown, on standard error, when it fails.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 </dev/null || status=3
+    if [ $status -ne 0 ]; then
+        echo "$0: failed: $*" >&2
+        tail -n 200 "$log" >&2
+    fi
+    rm -f "$log"
+    return $status
+}

@@ -1,0 +1,71 @@
+#include "FuzzSupport.h"
+
+#include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/UPnPCPUtility.h>
+
+// The bytes, cut at line ends, are a sink list, a scheme order, and then lines of protocol info and URI by turns.
+
+namespace
+{
+
+struct Lines
+{
+    char* mNext;
+
+    const char* Take()
+    {
+        char* theLine = mNext;
+        if (!theLine) { return nullptr; }
+        char* theEnd = strchr(theLine, '\n');
+        mNext = theEnd ? theEnd + 1 : nullptr;
+        if (theEnd) { *theEnd = 0; }
+        return theLine;
+    }
+};
+
+void AddText(zoPackedData_t* aRecord, uint16 aTag, const char* aText)
+{
+    if (aText) { zoPackedData_AddData(aRecord, aTag, aText, strlen(aText) + 1); }
+}
+
+void CheckLock(const zoCString& aURI)
+{
+    const zoCString theUnlocked = UPnPCPUtility::GetURIUnlocked(aURI, "1234");
+    if (!UPnPCPUtility::IsURIParentalLocked(aURI)) { return; }
+    Require(!UPnPCPUtility::IsURIParentalLocked(theUnlocked), "an unlocked URI is not locked");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
+{
+    char* theText = NewText(aBytes, aSize);
+    Lines theLines = { theText };
+    const zoCString theSink(theLines.Take());
+    const zoCString theOrder(theLines.Take());
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    while (theLines.mNext)
+    {
+        zoPackedData_AddNewEntry(theRecord);
+        AddText(theRecord, kCDSResourceInfo_ProtocolInfo, theLines.Take());
+        AddText(theRecord, kCDSResourceInfo_URI, theLines.Take());
+    }
+
+    CDSResourceInfo theInfo(theRecord, nullptr);
+    uint32 theTargets[] = { 0x01020A0A, 0xFFFFFFFF };
+    int theConfidence = -1;
+    const int theBest = theInfo.GetBestResourceIndexFromStr(theSink, &theConfidence, theOrder, theTargets, 2, false);
+    Require((theBest == -1) == (theConfidence == kRendererPlayConfidence_WillNot), "no choice, no confidence");
+    Require(theBest < static_cast<int>(theInfo.GetResourceCount()), "the choice is a resource");
+    Require(theInfo.GetResourceIndexForThumbnail("JPEG_TN", theTargets, 2) <
+                static_cast<int>(theInfo.GetResourceCount()),
+            "the thumbnail is a resource");
+    for (uint32 i = 0; i < theInfo.GetResourceCount(); ++i)
+    {
+        theInfo.GetMimeTypeForResourceIndex(i);
+        theInfo.GetProtocolInfoForResourceIndex(i);
+        CheckLock(theInfo.GetInfoAsCString(i, kCDSResourceInfo_URI));
+    }
+    free(theText);
+    return 0;
+}

@@ -1,0 +1,125 @@
+#include <UPnP/Stack/ILibString.h>
+
+#include <string.h>
+
+static char ToLower(char aCharacter)
+{
+    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter + ('a' - 'A')) : aCharacter;
+}
+
+static bool IsDigit(char aCharacter) { return aCharacter >= '0' && aCharacter <= '9'; }
+
+static const char* SkipDigits(const char* aText)
+{
+    while (IsDigit(*aText))
+        ++aText;
+    return aText;
+}
+
+// ---- Times ----
+
+// Compares two numbers of digits, as long as they may be.
+static bool IsLess(const char* aLeft, const char* aLeftEnd, const char* aRight, const char* aRightEnd)
+{
+    while (aLeft < aLeftEnd && *aLeft == '0')
+        ++aLeft;
+    while (aRight < aRightEnd && *aRight == '0')
+        ++aRight;
+    const size_t theLength = static_cast<size_t>(aLeftEnd - aLeft);
+    if (theLength != static_cast<size_t>(aRightEnd - aRight)) { return aLeftEnd - aLeft < aRightEnd - aRight; }
+    return memcmp(aLeft, aRight, theLength) < 0;
+}
+
+// Whether the text is empty or a fraction, and nothing follows it.
+static bool IsFractionOrEnd(const char* aText)
+{
+    if (*aText == '\0') { return true; }
+    if (*aText != '.') { return false; }
+    const char* theNumerator = aText + 1;
+    const char* theNumeratorEnd = SkipDigits(theNumerator);
+    if (theNumeratorEnd == theNumerator) { return false; }
+    if (*theNumeratorEnd != '/') { return *theNumeratorEnd == '\0'; }
+    const char* theDenominator = theNumeratorEnd + 1;
+    const char* theDenominatorEnd = SkipDigits(theDenominator);
+    return *theDenominatorEnd == '\0' && IsLess(theNumerator, theNumeratorEnd, theDenominator, theDenominatorEnd);
+}
+
+uint32 ILibString_ParseTimeString(const char* aText)
+{
+    if (!aText) { return kUPnP_UnknownTime; }
+    const char* thePosition = aText;
+    uint64 theSeconds = 0;
+    for (int theUnit = 0; theUnit < 3; ++theUnit)
+    {
+        const char* theEnd = SkipDigits(thePosition);
+        if (theEnd == thePosition || (theUnit > 0 && theEnd - thePosition > 2)) { return kUPnP_UnknownTime; }
+        uint64 theNumber = 0;
+        for (; thePosition < theEnd && theNumber <= UINT32_MAX; ++thePosition)
+            theNumber = theNumber * 10 + static_cast<uint64>(*thePosition - '0');
+        if (theNumber > UINT32_MAX || (theUnit > 0 && theNumber >= 60)) { return kUPnP_UnknownTime; }
+
+        theSeconds = theSeconds * 60 + theNumber;
+        if (*theEnd != ':')
+        {
+            return theSeconds < kUPnP_UnknownTime && IsFractionOrEnd(theEnd) ? static_cast<uint32>(theSeconds)
+                                                                             : kUPnP_UnknownTime;
+        }
+        thePosition = theEnd + 1;
+    }
+    return kUPnP_UnknownTime;
+}
+
+// ---- Words ----
+
+static bool EqualsIgnoringCase(const char* aText, size_t aLength, const char* anEntry)
+{
+    for (size_t i = 0; i < aLength; ++i)
+    {
+        if (anEntry[i] == '\0' || ToLower(aText[i]) != ToLower(anEntry[i])) { return false; }
+    }
+    return anEntry[aLength] == '\0';
+}
+
+int ILibString_FindSubStringInArray(const char* aText, size_t aLength, const char** anArray)
+{
+    if (!aText || !anArray) { return -1; }
+    for (int i = 0; anArray[i]; ++i)
+    {
+        if (EqualsIgnoringCase(aText, aLength, anArray[i])) { return i; }
+    }
+    return -1;
+}
+
+int ILibString_FindStringInArray(const char* aText, const char** anArray)
+{
+    return ILibString_FindSubStringInArray(aText, aText ? strlen(aText) : 0, anArray);
+}
+
+int ILibFindEntryInTable(const char* aText, const char** aTable)
+{
+    if (!aText || !aTable) { return -1; }
+    for (int i = 0; aTable[i]; ++i)
+    {
+        if (strcmp(aText, aTable[i]) == 0) { return i; }
+    }
+    return -1;
+}
+
+// ---- Numbers ----
+
+int ILibGetLong(const char* aText, size_t aLength, int32* aValue)
+{
+    const bool fIsNegative = aText && aLength > 0 && aText[0] == '-';
+    const int64 theLimit = fIsNegative ? -static_cast<int64>(INT32_MIN) : INT32_MAX;
+    const size_t theBegin = fIsNegative ? 1 : 0;
+    if (!aText || aLength == theBegin) { return -1; }
+    int64 theNumber = 0;
+    for (size_t i = theBegin; i < aLength; ++i)
+    {
+        if (!IsDigit(aText[i])) { return -1; }
+        theNumber = theNumber * 10 + (aText[i] - '0');
+        if (theNumber > theLimit) { return -1; }
+    }
+    *aValue = static_cast<int32>(fIsNegative ? -theNumber : theNumber);
+    return 0;
+}

@@ -1,0 +1,51 @@
+#include <UPnP/Utilities/UPnPCPUtility.h>
+
+#include <stdlib.h>
+#include <string.h>
+#include <zoltTools/zoBase64.h>
+#include <zoltTools/zoMD5.h>
+#include <zoltTools/zoURI.h>
+
+static const char kLockArgument[] = "lock";
+
+// The value of "lock" that opens the path; a new text, NULL when it can't be made.
+static char* NewLockValue(const char* aPath, const zoCString& aPinCode)
+{
+    zoMD5Context theContext;
+    uint8 theDigest[16];
+    zoMD5_Init(&theContext);
+    zoMD5_Add(&theContext, aPath, aPath ? strlen(aPath) : 0);
+    zoMD5_Add(&theContext, aPinCode.c_str(), aPinCode.length());
+    zoMD5_Get(&theContext, theDigest);
+    char* theText = nullptr;
+    zoBase64_Encode(theDigest, sizeof(theDigest), &theText);
+    return theText;
+}
+
+bool UPnPCPUtility::IsURIParentalLocked(const zoCString& anURI)
+{
+    zoURI* theURI = zoURI_NewFromEscapedStr(anURI.c_str());
+    char* theLock = zoURI_GetQueryPart(theURI, kLockArgument);
+    const bool fIsLocked = theLock && theLock[0] == '\0';
+    free(theLock);
+    zoURI_Delete(theURI);
+    return fIsLocked;
+}
+
+zoCString UPnPCPUtility::GetURIUnlocked(const zoCString& anURI, const zoCString& aPinCode)
+{
+    zoCString theResult = anURI;
+    zoURI* theURI = zoURI_NewFromEscapedStr(anURI.c_str());
+    char* theLock = zoURI_GetQueryPart(theURI, kLockArgument);
+    if (theLock)
+    {
+        char* theValue = NewLockValue(theURI->mPath, aPinCode);
+        if (theValue) { zoURI_AddQueryPart(theURI, kLockArgument, theValue); }
+        free(theValue);
+        zoURI_Escape(theURI);
+        theResult.FromAllocatedString(zoURI_GetStr(theURI));
+    }
+    free(theLock);
+    zoURI_Delete(theURI);
+    return theResult;
+}

@@ -1,0 +1,134 @@
+#include <zo/CString.h>
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+// A new text of aLength bytes and a NUL, the bytes still to be written.
+static char* NewText(size_t aLength)
+{
+    char* theText = static_cast<char*>(malloc(aLength + 1));
+    if (!theText) { abort(); }
+    theText[aLength] = '\0';
+    return theText;
+}
+
+static char* CopyText(const char* aText, size_t aLength)
+{
+    if (aLength == 0) { return nullptr; }
+    char* theText = NewText(aLength);
+    memcpy(theText, aText, aLength);
+    return theText;
+}
+
+zoCString::zoCString(const char* aText) : mLength(aText ? strlen(aText) : 0) { mText = CopyText(aText, mLength); }
+
+zoCString::zoCString(const char* aText, size_t aLength) : mLength(aText ? strnlen(aText, aLength) : 0)
+{
+    mText = CopyText(aText, mLength);
+}
+
+zoCString::zoCString(const zoCString& aString)
+    : mText(CopyText(aString.mText, aString.mLength)), mLength(aString.mLength)
+{
+}
+
+zoCString::zoCString(zoCString&& aString) noexcept : mText(aString.mText), mLength(aString.mLength)
+{
+    aString.mText = nullptr;
+    aString.mLength = 0;
+}
+
+zoCString::~zoCString() { free(mText); }
+
+zoCString& zoCString::operator=(const char* aText) { return *this = zoCString(aText); }
+
+zoCString& zoCString::operator=(const zoCString& aString)
+{
+    if (this == &aString) { return *this; }
+    return *this = zoCString(aString);
+}
+
+zoCString& zoCString::operator=(zoCString&& aString) noexcept
+{
+    if (this == &aString) { return *this; }
+    free(mText);
+    mText = aString.mText;
+    mLength = aString.mLength;
+    aString.mText = nullptr;
+    aString.mLength = 0;
+    return *this;
+}
+
+int zoCString::Compare(const zoCString& aString) const
+{
+    const size_t theCommonLength = mLength < aString.mLength ? mLength : aString.mLength;
+    const int theOrder = memcmp(c_str(), aString.c_str(), theCommonLength);
+    if (theOrder != 0) { return theOrder; }
+    return (mLength > aString.mLength) - (mLength < aString.mLength);
+}
+
+int zoCString::Find(const zoCString& aNeedle, size_t aStart) const
+{
+    if (aNeedle.IsEmpty() || aStart >= mLength) { return zoNotFound; }
+    const void* theFound = memmem(mText + aStart, mLength - aStart, aNeedle.mText, aNeedle.mLength);
+    return theFound ? static_cast<int>(static_cast<const char*>(theFound) - mText) : static_cast<int>(zoNotFound);
+}
+
+zoCString zoCString::BeforeFirst(char aCharacter) const
+{
+    const void* theFound = memchr(c_str(), aCharacter, mLength);
+    return theFound ? zoCString(mText, static_cast<size_t>(static_cast<const char*>(theFound) - mText)) : *this;
+}
+
+zoCString zoCString::AfterFirst(char aCharacter) const
+{
+    const void* theFound = memchr(c_str(), aCharacter, mLength);
+    return theFound ? zoCString(static_cast<const char*>(theFound) + 1) : zoCString();
+}
+
+void zoCString::Format(const char* aFormat, ...)
+{
+    char* theText = nullptr;
+    va_list theArguments;
+    va_start(theArguments, aFormat);
+    const int theLength = vasprintf(&theText, aFormat, theArguments);
+    va_end(theArguments);
+    if (theLength < 0) { abort(); }
+    FromAllocatedString(theText);
+}
+
+void zoCString::FromAllocatedString(char* aText)
+{
+    free(mText);
+    mLength = aText ? strlen(aText) : 0;
+    mText = aText;
+    if (mLength > 0) { return; }
+    free(aText);
+    mText = nullptr;
+}
+
+bool operator==(const zoCString& aLeft, const zoCString& aRight)
+{
+    return aLeft.length() == aRight.length() && memcmp(aLeft.c_str(), aRight.c_str(), aLeft.length()) == 0;
+}
+
+bool operator!=(const zoCString& aLeft, const zoCString& aRight) { return !(aLeft == aRight); }
+
+static zoCString Joined(const zoCString& aString, const char* aText, size_t aLength)
+{
+    char* theText = NewText(aString.length() + aLength);
+    memcpy(theText, aString.c_str(), aString.length());
+    memcpy(theText + aString.length(), aText, aLength);
+    zoCString theString;
+    theString.FromAllocatedString(theText);
+    return theString;
+}
+
+zoCString operator+(const zoCString& aString, char aCharacter) { return Joined(aString, &aCharacter, 1); }
+
+zoCString operator+(const zoCString& aLeft, const zoCString& aRight)
+{
+    return Joined(aLeft, aRight.c_str(), aRight.length());
+}

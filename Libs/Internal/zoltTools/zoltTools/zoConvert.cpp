@@ -1,0 +1,163 @@
+#include <zoltTools/zoConvert.h>
+
+#include <string.h>
+
+// The digit's value; a number that is no digit of any base when the byte is none.
+static inline uint32 DigitOf(char aCharacter)
+{
+    const uint32 theByte = static_cast<unsigned char>(aCharacter);
+    const uint32 theDecimal = theByte - '0';
+    if (theDecimal < 10) { return theDecimal; }
+    const uint32 theLetter = (theByte | 0x20) - 'a';
+    return theLetter < 26 ? theLetter + 10 : UINT32_MAX;
+}
+
+// Reads digits up to anEnd; without anEnd up to the NUL, which is no digit. The text is read to its end even when the
+// number is too large: what is no number at all is told first.
+template <typename Number>
+static inline int ReadNumber(const char* aText, const char* anEnd, uint32 aBase, Number* aValue)
+{
+    const char* thePosition = aText;
+    const bool theNegative = thePosition != anEnd && *thePosition == '-';
+    if (theNegative) { ++thePosition; }
+
+    const char* const theDigits = thePosition;
+    Number theNumber = 0;
+    bool theOverflow = false;
+    for (; thePosition != anEnd; ++thePosition)
+    {
+        const uint32 theDigit = DigitOf(*thePosition);
+        if (theDigit >= aBase) { break; }
+        theOverflow |= __builtin_mul_overflow(theNumber, aBase, &theNumber);
+        theOverflow |= __builtin_add_overflow(theNumber, theDigit, &theNumber);
+    }
+
+    const bool theWhole = anEnd ? thePosition == anEnd : *thePosition == '\0';
+    if (!theWhole || thePosition == theDigits) { return kzoConvertError_Invalid; }
+    if (theNegative) { return kzoConvertError_RangeLow; }
+    if (theOverflow) { return kzoConvertError_RangeHigh; }
+    *aValue = theNumber;
+    return kzoConvertError_None;
+}
+
+int zoConvert_strntouint32(const char* aText, size_t aLength, uint32* aValue)
+{
+    return aText ? ReadNumber(aText, aText + aLength, 10, aValue) : kzoConvertError_Invalid;
+}
+
+int zoConvert_strtouint32(const char* aText, uint32* aValue)
+{
+    return aText ? ReadNumber(aText, nullptr, 10, aValue) : kzoConvertError_Invalid;
+}
+
+int zoConvert_strtouint16(const char* aText, uint16* aValue)
+{
+    return aText ? ReadNumber(aText, nullptr, 10, aValue) : kzoConvertError_Invalid;
+}
+
+int zoConvert_strtouint32_base(const char* aText, uint32* aValue, int aBase)
+{
+    if (!aText || aBase < 2 || aBase > 36) { return kzoConvertError_Invalid; }
+    return ReadNumber(aText, nullptr, static_cast<uint32>(aBase), aValue);
+}
+
+int zoConvert_strntoULongLong(const char* aText, size_t aLength, zoULongLong* aValue)
+{
+    uint64 theNumber = 0;
+    const int theResult = aText ? ReadNumber(aText, aText + aLength, 10, &theNumber) : kzoConvertError_Invalid;
+    if (theResult == kzoConvertError_None)
+    {
+        *aValue = { static_cast<uint32>(theNumber), static_cast<uint32>(theNumber >> 32) };
+    }
+    return theResult;
+}
+
+// Dates. Each reader moves aText past what it read, and leaves it at the first byte that does not fit.
+
+static bool ReadByte(const char*& aText, char aByte)
+{
+    if (*aText != aByte) { return false; }
+    ++aText;
+    return true;
+}
+
+static bool ReadDigits(const char*& aText, int aCount, int32* aNumber)
+{
+    *aNumber = 0;
+    for (; aCount > 0; --aCount, ++aText)
+    {
+        const uint32 theDigit = DigitOf(*aText);
+        if (theDigit > 9) { return false; }
+        *aNumber = *aNumber * 10 + static_cast<int32>(theDigit);
+    }
+    return true;
+}
+
+static bool ReadTwoDigits(const char*& aText, int32 aMaximum, int32* aNumber)
+{
+    return ReadDigits(aText, 2, aNumber) && *aNumber <= aMaximum;
+}
+
+static int32 DaysOfMonth(int32 aYear, int32 aMonth)
+{
+    static const uint8 kDays[] = { 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31 };
+    const bool theLeapYear = aYear % 4 == 0 && (aYear % 100 != 0 || aYear % 400 == 0);
+    return kDays[aMonth - 1] + (aMonth == 2 && theLeapYear ? 1 : 0);
+}
+
+static bool ReadDate(const char*& aText, int32* aParts)
+{
+    int32* theYear = &aParts[kzoDLNADatePart_Year];
+    int32* theMonth = &aParts[kzoDLNADatePart_Month];
+    int32* theDay = &aParts[kzoDLNADatePart_Day];
+    return ReadDigits(aText, 4, theYear) && ReadByte(aText, '-') && ReadTwoDigits(aText, 12, theMonth) &&
+           *theMonth > 0 && ReadByte(aText, '-') && ReadTwoDigits(aText, DaysOfMonth(*theYear, *theMonth), theDay) &&
+           *theDay > 0;
+}
+
+static bool ReadFraction(const char*& aText, int32* aMilliseconds)
+{
+    if (DigitOf(*aText) > 9) { return false; }
+    int32 theUnit = 100;
+    for (; DigitOf(*aText) <= 9; ++aText, theUnit /= 10)
+        *aMilliseconds += theUnit * static_cast<int32>(DigitOf(*aText));
+    return true;
+}
+
+static bool ReadTime(const char*& aText, int32* aParts)
+{
+    return ReadTwoDigits(aText, 23, &aParts[kzoDLNADatePart_Hour]) && ReadByte(aText, ':') &&
+           ReadTwoDigits(aText, 59, &aParts[kzoDLNADatePart_Minute]) && ReadByte(aText, ':') &&
+           ReadTwoDigits(aText, 59, &aParts[kzoDLNADatePart_Second]) &&
+           (!ReadByte(aText, '.') || ReadFraction(aText, &aParts[kzoDLNADatePart_Millisecond]));
+}
+
+static bool ReadTimeZone(const char*& aText, int32* aParts)
+{
+    if (*aText == '\0' || ReadByte(aText, 'Z')) { return true; }
+    const int32 theSign = *aText == '-' ? -1 : 1;
+    int32* theHour = &aParts[kzoDLNADatePart_TimeZoneHour];
+    int32* theMinute = &aParts[kzoDLNADatePart_TimeZoneMinute];
+    if (!ReadByte(aText, '+') && !ReadByte(aText, '-')) { return false; }
+    if (!ReadTwoDigits(aText, 23, theHour) || !ReadByte(aText, ':') || !ReadTwoDigits(aText, 59, theMinute))
+    {
+        return false;
+    }
+    *theHour *= theSign;
+    *theMinute *= theSign;
+    return true;
+}
+
+int zoConvert_dlnadatestrtodate(const char* aText, int32* aParts)
+{
+    int32 theParts[kzoDLNADatePart_Count] = {};
+    const char* thePosition = aText ? aText : "";
+    bool theValid = ReadDate(thePosition, theParts);
+    if (theValid && ReadByte(thePosition, 'T'))
+    {
+        theValid = ReadTime(thePosition, theParts) && ReadTimeZone(thePosition, theParts);
+    }
+    if (!theValid || *thePosition != '\0') { return kzoConvertError_Invalid; }
+    if (aParts) { memcpy(aParts, theParts, sizeof(theParts)); }
+    return kzoConvertError_None;
+}

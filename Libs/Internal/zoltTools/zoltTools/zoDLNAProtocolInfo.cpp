@@ -1,0 +1,469 @@
+#include <zoltTools/zoDLNAProtocolInfo.h>
+
+#include <algorithm>
+#include <iterator>
+#include <stdint.h>
+#include <stdlib.h>
+#include <string.h>
+#include <zoltTools/zoDLNAProtocolInfoPrivate.h>
+#include <zoltTools/zoMemory.h>
+
+namespace
+{
+
+using Run = zoDLNARun_t;
+
+const int kFieldCount = 4;
+
+// The fields of a text without their blanks. The first mCount are there, the others are missing and empty.
+struct Fields
+{
+    Run mField[kFieldCount];
+    int mCount;
+};
+
+// What is looked for in the fourth field; the first of a name counts.
+struct Parameters
+{
+    Run mProfile;
+    Run mConverted;
+    bool mfHasBlanks; // around a parameter
+};
+
+enum Field
+{
+    kField_Protocol,
+    kField_Network,
+    kField_MimeType,
+    kField_Additional
+};
+
+} // namespace
+
+// ---- Runs of text ----
+
+static char ToLower(char aCharacter)
+{
+    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter + ('a' - 'A')) : aCharacter;
+}
+
+static bool IsBlank(char aCharacter)
+{
+    return aCharacter == ' ' || aCharacter == '\t' || aCharacter == '\r' || aCharacter == '\n';
+}
+
+static Run RunOf(const char* aText) { return { aText, strlen(aText) }; }
+
+// Setting bit 5 of each byte makes letters of either case equal; that it makes some others equal, too, does no harm.
+static uint32 AddToHash(uint32 aHash, const char* aBytes, size_t aCount)
+{
+    uint32 theWord = 0;
+    memcpy(&theWord, aBytes, aCount);
+    const uint32 theHash = (aHash ^ (theWord | 0x20202020u)) * 0x9E3779B1u;
+    return theHash ^ (theHash >> 15);
+}
+
+uint32 zoDLNARun_Hash(Run aRun)
+{
+    uint32 theHash = static_cast<uint32>(aRun.mLength);
+    size_t i = 0;
+    for (; aRun.mLength - i >= sizeof(uint32); i += sizeof(uint32))
+        theHash = AddToHash(theHash, aRun.mData + i, sizeof(uint32));
+    return i < aRun.mLength ? AddToHash(theHash, aRun.mData + i, aRun.mLength - i) : theHash;
+}
+
+int zoDLNARun_Compare(Run aLeft, Run aRight)
+{
+    const size_t theLength = std::min(aLeft.mLength, aRight.mLength);
+    for (size_t i = 0; i < theLength; ++i)
+    {
+        const int theDifference = ToLower(aLeft.mData[i]) - ToLower(aRight.mData[i]);
+        if (theDifference != 0) { return theDifference; }
+    }
+    return (aLeft.mLength > theLength) - (aRight.mLength > theLength);
+}
+
+int zoDLNARun_Equal(Run aLeft, Run aRight)
+{
+    if (aLeft.mLength != aRight.mLength) { return 0; }
+    return memcmp(aLeft.mData, aRight.mData, aLeft.mLength) == 0 || zoDLNARun_Compare(aLeft, aRight) == 0;
+}
+
+Run zoDLNARun_Trim(Run aRun)
+{
+    for (; aRun.mLength > 0 && IsBlank(aRun.mData[0]); --aRun.mLength)
+        ++aRun.mData;
+    while (aRun.mLength > 0 && IsBlank(aRun.mData[aRun.mLength - 1]))
+        --aRun.mLength;
+    return aRun;
+}
+
+// As NextPart, with the blanks.
+static bool NextPiece(Run* aRest, char aSeparator, Run* aPiece)
+{
+    if (!aRest->mData) { return false; }
+    *aPiece = *aRest;
+    const void* theSeparator = memchr(aRest->mData, aSeparator, aRest->mLength);
+    if (!theSeparator)
+    {
+        *aRest = { nullptr, 0 };
+        return true;
+    }
+    aPiece->mLength = static_cast<size_t>(static_cast<const char*>(theSeparator) - aRest->mData);
+    *aRest = { aRest->mData + aPiece->mLength + 1, aRest->mLength - aPiece->mLength - 1 };
+    return true;
+}
+
+int zoDLNARun_NextPart(Run* aRest, char aSeparator, Run* aPart)
+{
+    if (!NextPiece(aRest, aSeparator, aPart)) { return 0; }
+    *aPart = zoDLNARun_Trim(*aPart);
+    return 1;
+}
+
+// ---- From text to fields ----
+
+static Fields SplitFields(Run aText)
+{
+    Fields theFields = {};
+    Run theRest = aText;
+    while (theFields.mCount < kField_Additional &&
+           zoDLNARun_NextPart(&theRest, ':', &theFields.mField[theFields.mCount]))
+        ++theFields.mCount;
+    if (theRest.mData) { theFields.mField[theFields.mCount++] = zoDLNARun_Trim(theRest); }
+    for (int i = theFields.mCount; i < kFieldCount; ++i)
+        theFields.mField[i] = { "", 0 };
+    return theFields;
+}
+
+// The value of a parameter of that name: everything after its first "=". mData is NULL when the name is another.
+static Run ValueOf(Run aParameter, const char* aName)
+{
+    const Run theName = RunOf(aName);
+    if (aParameter.mLength <= theName.mLength || aParameter.mData[theName.mLength] != '=') { return { nullptr, 0 }; }
+    if (!zoDLNARun_Equal({ aParameter.mData, theName.mLength }, theName)) { return { nullptr, 0 }; }
+    return { aParameter.mData + theName.mLength + 1, aParameter.mLength - theName.mLength - 1 };
+}
+
+static Parameters ReadParameters(Run anAdditional)
+{
+    Parameters theParameters = {};
+    Run thePiece;
+    while (NextPiece(&anAdditional, ';', &thePiece))
+    {
+        const Run thePart = zoDLNARun_Trim(thePiece);
+        if (thePart.mLength != thePiece.mLength) { theParameters.mfHasBlanks = true; }
+        if (!theParameters.mProfile.mData) { theParameters.mProfile = ValueOf(thePart, "DLNA.ORG_PN"); }
+        if (!theParameters.mConverted.mData) { theParameters.mConverted = ValueOf(thePart, "DLNA.ORG_CI"); }
+    }
+    return theParameters;
+}
+
+static bool IsWildCard(Run aMimeType)
+{
+    const size_t theLength = aMimeType.mLength;
+    if (theLength == 0 || aMimeType.mData[theLength - 1] != '*') { return false; }
+    return theLength == 1 || aMimeType.mData[theLength - 2] == '/';
+}
+
+// ---- Building the block ----
+
+static Run AppendRun(char** anEnd, Run aRun)
+{
+    const Run theCopy = { *anEnd, aRun.mLength };
+    memcpy(*anEnd, aRun.mData, aRun.mLength);
+    *anEnd += aRun.mLength;
+    return theCopy;
+}
+
+static void AppendParameters(char** anEnd, Run anAdditional)
+{
+    Run thePart;
+    for (bool fIsFirst = true; zoDLNARun_NextPart(&anAdditional, ';', &thePart); fIsFirst = false)
+    {
+        if (!fIsFirst) { *(*anEnd)++ = ';'; }
+        AppendRun(anEnd, thePart);
+    }
+}
+
+// Writes the fields' text at anEnd and points the first three at it.
+static void WriteText(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Fields* aFields, bool afHasBlanks)
+{
+    anInfo->mText = *anEnd;
+    for (int i = 0; i < aFields->mCount; ++i)
+    {
+        if (i > 0) { *(*anEnd)++ = ':'; }
+        if (i == kField_Additional && afHasBlanks) { AppendParameters(anEnd, aFields->mField[i]); }
+        else { aFields->mField[i] = AppendRun(anEnd, aFields->mField[i]); }
+    }
+    anInfo->mTextLength = static_cast<size_t>(*anEnd - anInfo->mText);
+    *(*anEnd)++ = '\0';
+}
+
+static void ReadMimeType(zoDLNAProtocolInfo_t* anInfo, Run* aParameters, Run aField)
+{
+    zoDLNARun_NextPart(&aField, ';', &anInfo->mMimeType);
+    anInfo->mMimeTypeHash = (zoDLNARun_Hash(anInfo->mMimeType) & ~1u) | (IsWildCard(anInfo->mMimeType) ? 1u : 0u);
+
+    anInfo->mMimeParameters = aParameters;
+    Run thePart;
+    while (zoDLNARun_NextPart(&aField, ';', &thePart))
+    {
+        if (thePart.mLength > 0) { aParameters[anInfo->mMimeParameterCount++] = thePart; }
+    }
+    std::sort(aParameters, aParameters + anInfo->mMimeParameterCount,
+              [](Run aLeft, Run aRight) { return zoDLNARun_Compare(aLeft, aRight) < 0; });
+}
+
+static void WriteProfile(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Run aProfile)
+{
+    if (aProfile.mLength == 0) { return; }
+    anInfo->mProfile = AppendRun(anEnd, aProfile).mData;
+    *(*anEnd)++ = '\0';
+    anInfo->mProfileHash = zoDLNARun_Hash(aProfile) | 1u;
+    anInfo->mfThumbnail = strcmp(anInfo->mProfile, "JPEG_TN") == 0 || strcmp(anInfo->mProfile, "PNG_TN") == 0;
+}
+
+static size_t BoundTextSize(const Fields& aFields, Run aProfile)
+{
+    size_t theSize = kFieldCount + aProfile.mLength + 1; // separators, two NULs
+    for (const Run& theField : aFields.mField)
+        theSize += theField.mLength;
+    return theSize;
+}
+
+static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
+{
+    const Parameters theParameters = ReadParameters(aFields.mField[kField_Additional]);
+    const Run theMimeType = aFields.mField[kField_MimeType];
+    const size_t theMimeParameterBound =
+        static_cast<size_t>(std::count(theMimeType.mData, theMimeType.mData + theMimeType.mLength, ';'));
+
+    const size_t theTextSize = BoundTextSize(aFields, theParameters.mProfile);
+    if (theMimeParameterBound > (SIZE_MAX / 2 - theTextSize - sizeof(zoDLNAProtocolInfo_t)) / sizeof(Run)) { abort(); }
+    char* theBlock =
+        static_cast<char*>(zoMalloc(sizeof(zoDLNAProtocolInfo_t) + theMimeParameterBound * sizeof(Run) + theTextSize));
+    zoDLNAProtocolInfo_t* theInfo = reinterpret_cast<zoDLNAProtocolInfo_t*>(theBlock);
+    memset(theInfo, 0, sizeof(*theInfo));
+    Run* theMimeParameters = reinterpret_cast<Run*>(theInfo + 1);
+    char* theEnd = reinterpret_cast<char*>(theMimeParameters + theMimeParameterBound);
+
+    WriteText(theInfo, &theEnd, &aFields, theParameters.mfHasBlanks);
+    WriteProfile(theInfo, &theEnd, theParameters.mProfile);
+    ReadMimeType(theInfo, theMimeParameters, aFields.mField[kField_MimeType]);
+    theInfo->mProtocol = aFields.mField[kField_Protocol];
+    theInfo->mNetwork = aFields.mField[kField_Network];
+    theInfo->mProtocolHash = zoDLNARun_Hash(theInfo->mProtocol);
+    theInfo->mNetworkHash = zoDLNARun_Hash(theInfo->mNetwork);
+    theInfo->mfConverted = zoDLNARun_Equal(theParameters.mConverted, RunOf("1")) != 0;
+    return theInfo;
+}
+
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
+{
+    const char* theText = aText ? aText : "";
+    return NewFromFields(SplitFields({ theText, aText ? strnlen(aText, aLength) : 0 }));
+}
+
+void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo) { free(anInfo); }
+
+// ---- From a URI ----
+
+namespace
+{
+
+struct MimeTypeOfExtension
+{
+    const char* mExtension;
+    const char* mMimeType;
+};
+
+// Sorted by extension.
+constexpr MimeTypeOfExtension kMimeTypes[] = {
+    { "3g2", "video/3gpp2" },
+    { "3gp", "video/3gpp" },
+    { "aac", "audio/aac" },
+    { "ac3", "audio/ac3" },
+    { "adts", "audio/vnd.dlna.adts" },
+    { "aif", "audio/aiff" },
+    { "aiff", "audio/aiff" },
+    { "amr", "audio/amr" },
+    { "ape", "audio/x-ape" },
+    { "asf", "video/x-ms-asf" },
+    { "ass", "text/x-ssa" },
+    { "asx", "video/x-ms-asf" },
+    { "avi", "video/x-msvideo" },
+    { "bmp", "image/bmp" },
+    { "divx", "video/x-msvideo" },
+    { "dsf", "audio/x-dsf" },
+    { "dts", "audio/vnd.dts" },
+    { "flac", "audio/flac" },
+    { "flv", "video/x-flv" },
+    { "gif", "image/gif" },
+    { "heic", "image/heic" },
+    { "jpe", "image/jpeg" },
+    { "jpeg", "image/jpeg" },
+    { "jpg", "image/jpeg" },
+    { "l16", "audio/L16" },
+    { "lpcm", "audio/L16" },
+    { "m2t", "video/mpeg" },
+    { "m2ts", "video/mpeg" },
+    { "m2v", "video/mpeg" },
+    { "m3u", "audio/mpegurl" },
+    { "m3u8", "application/vnd.apple.mpegurl" },
+    { "m4a", "audio/mp4" },
+    { "m4b", "audio/mp4" },
+    { "m4v", "video/mp4" },
+    { "mid", "audio/midi" },
+    { "midi", "audio/midi" },
+    { "mka", "audio/x-matroska" },
+    { "mkv", "video/x-matroska" },
+    { "mov", "video/quicktime" },
+    { "mp2", "audio/mpeg" },
+    { "mp3", "audio/mpeg" },
+    { "mp4", "video/mp4" },
+    { "mpa", "audio/mpeg" },
+    { "mpc", "audio/x-musepack" },
+    { "mpd", "application/dash+xml" },
+    { "mpe", "video/mpeg" },
+    { "mpeg", "video/mpeg" },
+    { "mpg", "video/mpeg" },
+    { "mts", "video/mpeg" },
+    { "oga", "audio/ogg" },
+    { "ogg", "audio/ogg" },
+    { "ogv", "video/ogg" },
+    { "opus", "audio/ogg" },
+    { "pcm", "audio/L16" },
+    { "pls", "audio/x-scpls" },
+    { "png", "image/png" },
+    { "qt", "video/quicktime" },
+    { "smi", "application/smil" },
+    { "srt", "text/srt" },
+    { "ssa", "text/x-ssa" },
+    { "sub", "text/x-microdvd" },
+    { "svg", "image/svg+xml" },
+    { "tif", "image/tiff" },
+    { "tiff", "image/tiff" },
+    { "ts", "video/mpeg" },
+    { "ttml", "application/ttml+xml" },
+    { "tts", "video/vnd.dlna.mpeg-tts" },
+    { "vob", "video/mpeg" },
+    { "vtt", "text/vtt" },
+    { "wav", "audio/wav" },
+    { "webm", "video/webm" },
+    { "webp", "image/webp" },
+    { "wma", "audio/x-ms-wma" },
+    { "wmv", "video/x-ms-wmv" },
+    { "wpl", "application/vnd.ms-wpl" },
+    { "wv", "audio/x-wavpack" },
+    { "xspf", "application/xspf+xml" },
+};
+
+constexpr bool IsSorted()
+{
+    for (size_t i = 1; i < std::size(kMimeTypes); ++i)
+    {
+        const char* theLeft = kMimeTypes[i - 1].mExtension;
+        const char* theRight = kMimeTypes[i].mExtension;
+        for (; *theLeft != '\0' && *theLeft == *theRight; ++theLeft)
+            ++theRight;
+        if (*theLeft >= *theRight) { return false; }
+    }
+    return true;
+}
+static_assert(IsSorted(), "look-ups are binary searches");
+
+} // namespace
+
+// The scheme without its ":", empty when the text has none.
+static Run SchemeOf(const char* aURI)
+{
+    size_t theLength = 0;
+    for (; aURI[theLength] != '\0'; ++theLength)
+    {
+        const char theCharacter = ToLower(aURI[theLength]);
+        if (theCharacter >= 'a' && theCharacter <= 'z') { continue; }
+        if (theLength == 0 || !((theCharacter >= '0' && theCharacter <= '9') || strchr("+-.", theCharacter))) { break; }
+    }
+    return { aURI, aURI[theLength] == ':' ? theLength : 0 };
+}
+
+static Run ProtocolOf(Run aScheme)
+{
+    if (aScheme.mLength == 0) { return RunOf("*"); }
+    if (zoDLNARun_Equal(aScheme, RunOf("http")) || zoDLNARun_Equal(aScheme, RunOf("https")))
+    {
+        return RunOf("http-get");
+    }
+    if (zoDLNARun_Equal(aScheme, RunOf("rtsp"))) { return RunOf("rtsp-rtp-udp"); }
+    return aScheme;
+}
+
+// What follows the last "." of the last segment of the path; empty without one.
+static Run ExtensionOf(const char* aHierarchy)
+{
+    const char* thePath = aHierarchy;
+    if (thePath[0] == '/' && thePath[1] == '/') { thePath += 2 + strcspn(thePath + 2, "/?#"); }
+    const char* theEnd = thePath + strcspn(thePath, "?#");
+    for (const char* theBegin = theEnd; theBegin > thePath && theBegin[-1] != '/'; --theBegin)
+    {
+        if (theBegin[-1] == '.') { return { theBegin, static_cast<size_t>(theEnd - theBegin) }; }
+    }
+    return { theEnd, 0 };
+}
+
+static const char* MimeTypeOf(Run anExtension)
+{
+    const MimeTypeOfExtension* theEnd = std::end(kMimeTypes);
+    const MimeTypeOfExtension* theFound = std::lower_bound(std::begin(kMimeTypes), theEnd, anExtension,
+                                                           [](const MimeTypeOfExtension& aLeft, Run aRight) {
+        return zoDLNARun_Compare(RunOf(aLeft.mExtension), aRight) < 0;
+    });
+    const bool fIsKnown = theFound != theEnd && zoDLNARun_Equal(RunOf(theFound->mExtension), anExtension);
+    return fIsKnown ? theFound->mMimeType : "*";
+}
+
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
+{
+    const char* theURI = aURI ? aURI : "";
+    const Run theScheme = SchemeOf(theURI);
+    const char* theHierarchy = theScheme.mLength > 0 ? theURI + theScheme.mLength + 1 : theURI;
+    const Run theMimeType = RunOf(MimeTypeOf(ExtensionOf(theHierarchy)));
+    return NewFromFields({ { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount });
+}
+
+// ---- Asking ----
+
+char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo)
+{
+    const size_t theLength = anInfo ? anInfo->mTextLength : 0;
+    char* theText = static_cast<char*>(zoMalloc(theLength + 1));
+    if (anInfo) { memcpy(theText, anInfo->mText, theLength); }
+    theText[theLength] = '\0';
+    return theText;
+}
+
+const char* zoDLNAProtocolInfo_GetProfile(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return anInfo ? anInfo->mProfile : nullptr;
+}
+
+int zoDLNAProtocolInfo_MatchPN(const zoDLNAProtocolInfo_t* anInfo, const char* aProfile)
+{
+    const char* theProfile = zoDLNAProtocolInfo_GetProfile(anInfo);
+    return theProfile && aProfile && strcmp(theProfile, aProfile) == 0;
+}
+
+int zoDLNAProtocolInfo_IsThumbnail(const zoDLNAProtocolInfo_t* anInfo) { return anInfo ? anInfo->mfThumbnail : 0; }
+
+int zoDLNAProtocolInfo_GetConversionIndicator(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return anInfo ? anInfo->mfConverted : 0;
+}
+
+void zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfo_t* anInfo, int aUserData)
+{
+    if (anInfo) { anInfo->mUserData = aUserData; }
+}
+
+int zoDLNAProtocolInfo_GetUserData(const zoDLNAProtocolInfo_t* anInfo) { return anInfo ? anInfo->mUserData : 0; }
