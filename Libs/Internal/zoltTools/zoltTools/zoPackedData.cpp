@@ -219,28 +219,27 @@ static void Clear(zoPackedData_t* aRecord)
     memset(aRecord->mFewPositions, 0xFF, sizeof(aRecord->mFewPositions));
 }
 
-// Makes room for one more element, or for as many as are expected. The first few elements lie in the record itself.
+// Makes room for so many elements. The first few lie in the record itself.
 template <typename Element>
-static void ReserveElement(Element** anArray, const Element* aFew, uint32 aCount, uint32 aWanted, uint32* aCapacity)
+static void ReserveElements(Element** anArray, const Element* aFew, uint32 aWanted, uint32* aCapacity)
 {
     if (aWanted <= *aCapacity) { return; }
-    *aCapacity = std::max(aWanted, *aCapacity * 2);
+    const uint32 theBefore = *aCapacity;
     const bool fWereFew = *anArray == aFew;
-    Element* theArray =
-        static_cast<Element*>(zoRealloc(fWereFew ? nullptr : *anArray, size_t{ *aCapacity } * sizeof(Element)));
-    if (fWereFew) { memcpy(theArray, aFew, aCount * sizeof(Element)); }
-    *anArray = theArray;
+    *aCapacity = std::max(aWanted, theBefore * 2);
+    void* theArray = zoRealloc(fWereFew ? nullptr : *anArray, size_t{ *aCapacity } * sizeof(Element));
+    if (fWereFew) { memcpy(theArray, aFew, theBefore * sizeof(Element)); }
+    *anArray = static_cast<Element*>(theArray);
 }
 
 static void ReserveRows(zoPackedData_t* aRecord, uint32 aWanted)
 {
-    ReserveElement(&aRecord->mRows, aRecord->mFewRows, aRecord->mRowCount, aWanted, &aRecord->mRowCapacity);
+    ReserveElements(&aRecord->mRows, aRecord->mFewRows, aWanted, &aRecord->mRowCapacity);
 }
 
 static void ReserveEntries(zoPackedData_t* aRecord, uint32 aWanted)
 {
-    ReserveElement(&aRecord->mEntryEnds, aRecord->mFewEntryEnds, aRecord->mEntryCount, aWanted,
-                   &aRecord->mEntryCapacity);
+    ReserveElements(&aRecord->mEntryEnds, aRecord->mFewEntryEnds, aWanted, &aRecord->mEntryCapacity);
 }
 
 zoPackedData_t* zoPackedData_New(uint32 aCount)
@@ -357,8 +356,7 @@ void zoPackedData_AddNewEntry(zoPackedData_t* aRecord)
 static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
 {
     const uint32 theBefore = aRecord->mPositionCapacity;
-    ReserveElement(&aRecord->mPositions, aRecord->mFewPositions, theBefore, uint32{ aTag } + 1,
-                   &aRecord->mPositionCapacity);
+    ReserveElements(&aRecord->mPositions, aRecord->mFewPositions, uint32{ aTag } + 1, &aRecord->mPositionCapacity);
     memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
 }
 

@@ -137,11 +137,10 @@ static bool ParseAuthority(Parts& aParts, const char* aBegin, const char* anEnd)
         theHost = static_cast<const char*>(theAt) + 1;
     }
 
-    const char* theHostEnd = theHost;
     const bool theAddress = theHost != anEnd && *theHost == '[';
     const void* theFound = memchr(theHost, theAddress ? ']' : ':', static_cast<size_t>(anEnd - theHost));
     if (theAddress && !theFound) { return false; }
-    theHostEnd = theFound ? static_cast<const char*>(theFound) + (theAddress ? 1 : 0) : anEnd;
+    const char* theHostEnd = theFound ? static_cast<const char*>(theFound) + (theAddress ? 1 : 0) : anEnd;
     aParts.mHostName = Between(theHost, theHostEnd);
     if (theHostEnd == anEnd) { return true; }
     if (*theHostEnd != ':') { return false; }
@@ -287,10 +286,10 @@ char* zoURI_GetStr(const zoURI* aURI)
     const ParsedURI* theURI = static_cast<const ParsedURI*>(aURI);
     char theDigits[sizeof("65535")];
     Slice thePort = SliceOf(theURI->mPortText);
-    if (aURI->mPort != theURI->mPortTextNumber)
+    if (aURI->mPort != theURI->mPortTextNumber) // set by somebody else
     {
-        const int theLength = zo_snprintf(theDigits, sizeof(theDigits), "%u", static_cast<unsigned>(aURI->mPort));
-        thePort = { aURI->mPort ? theDigits : nullptr, aURI->mPort ? static_cast<size_t>(theLength) : 0 };
+        zo_snprintf(theDigits, sizeof(theDigits), "%u", static_cast<unsigned>(aURI->mPort));
+        thePort = SliceOf(aURI->mPort != 0 ? theDigits : nullptr);
     }
     const Parts theParts = { SliceOf(aURI->mScheme), SliceOf(aURI->mUserInfo), SliceOf(aURI->mHostName), thePort,
                              SliceOf(aURI->mPath),   SliceOf(aURI->mQuery),    SliceOf(aURI->mFragment), 0 };

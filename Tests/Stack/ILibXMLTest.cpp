@@ -1,0 +1,124 @@
+#include "TestSupport.h"
+#include <gtest/gtest.h>
+
+namespace
+{
+
+std::string Text(const char* aBegin, int aLength) { return { aBegin ? aBegin : "", static_cast<size_t>(aLength) }; }
+
+// One line for a document: its tags as they are linked, e.g. "a[x=1] (b:c) " for <a x="1"><b:c/></a>, or the error.
+std::string Outline(std::string_view aText)
+{
+    char* theText = strndup(aText.data(), aText.size());
+    ILibXMLNode* theNodes = ILibParseXML(theText, 0, aText.size());
+    const int theError = ILibProcessXMLNodeList(theNodes);
+    std::string theOutline = theError ? "error " + std::to_string(theError) : "";
+    for (ILibXMLNode* theNode = theError ? nullptr : theNodes; theNode; theNode = theNode->Next)
+    {
+        if (!theNode->StartTag)
+        {
+            theOutline += ")";
+            EXPECT_EQ(theNode, theNode->StartingTag->ClosingTag);
+            continue;
+        }
+        if (theNode->Peer) { EXPECT_EQ(theNode->Parent, theNode->Peer->Parent); }
+        theOutline += "(" + Text(theNode->NSTag, theNode->NSLength) + (theNode->NSTag ? ":" : "") +
+                      Text(theNode->Name, theNode->NameLength);
+        ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
+        for (ILibXMLAttribute* theAttribute = theAttributes; theAttribute; theAttribute = theAttribute->Next)
+        {
+            theOutline += " " + Text(theAttribute->Prefix, theAttribute->PrefixLength) +
+                          (theAttribute->Prefix ? ":" : "") + Text(theAttribute->Name, theAttribute->NameLength) + "=" +
+                          Text(theAttribute->Value, theAttribute->ValueLength);
+        }
+        ILibDestructXMLAttributeList(theAttributes);
+        char* theInner = nullptr;
+        const int theLength = ILibReadInnerXML(theNode, &theInner);
+        if (theNode->Next == theNode->ClosingTag && theLength > 0) { theOutline += "|" + Text(theInner, theLength); }
+    }
+    ILibDestructXMLNodeList(theNodes);
+    free(theText);
+    return theOutline;
+}
+
+} // namespace
+
+TEST(ILibXMLTest, ReadsWhatServersSend)
+{
+    static const struct
+    {
+        const char* mText;
+        const char* mOutline;
+    } kCases[] = {
+        { "<a><b>x</b><b>y</b></a>", "(a(b|x)(b|y))" },
+        { "<d:a  x='1'\r\n\tn:y = \"2>\" ><c/></d:a >", "(d:a x=1 n:y=2>(c))" },
+        { "<a x=\"1\"y='2'/>", "(a x=1 y=2)" },       // nothing between attributes
+        { "<a x='\"' y=\"'\"></a>", "(a x=\" y=')" }, // the other quote inside
+        { "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<!-- <b> --><a/>\n", "(a)" },
+        { "<!DOCTYPE a [ <!ENTITY e \"]>'\"> <!-- ' --> <?p ' ?> ] ><a>&e;</a>", "(a|&e;)" },
+        { "<a><![CDATA[<b>]] ]]]>]]></a>", "(a|<![CDATA[<b>]] ]]]>]]>)" },
+        { "<a>1 & 2</a>", "(a|1 & 2)" },
+        { "<a:b:c :x='' y:=''/>", "(a:b:c :x= y:=)" }, // only a first colon inside splits
+        { "<ab></ab><a/>", "(ab)(a)" },
+        { "no tag", "" },
+        { "<a><b></a></b>", "error -2" },
+        { "<a></A>", "error -2" },
+        { "<a></aa>", "error -2" },
+        { "</a>", "error -1" },
+        { "<a/></b>", "error -1" },
+        { "<a>", "error -3" },
+        { "<a></a><", "error -3" },
+        { "<", "error -3" },
+        { "<a></a", "error -3" },
+        { "<a x></a>", "error -3" },
+        { "<a x=1></a>", "error -3" },
+        { "<a x='1></a>", "error -3" },
+        { "<a / ></a>", "error -3" },
+        { "< a></a>", "error -3" },
+        { "<a><!-->--</a>", "error -3" },
+        { "<a><![CDATA[]></a>", "error -3" },
+        { "<!DOCTYPE a [ <!ENTITY ><a/>", "error -3" },
+    };
+    for (const auto& theCase : kCases)
+        EXPECT_EQ(theCase.mOutline, Outline(theCase.mText)) << theCase.mText;
+}
+
+// An attribute list and the nodes are released in either order.
+TEST(ILibXMLTest, KeepsAttributesWithoutTheirNodes)
+{
+    char theText[] = "<a x='1'><b y='2'/></a>";
+    ILibXMLNode* theNodes = ILibParseXML(theText, 0, strlen(theText));
+    ASSERT_EQ(kILibProcessXML_NoError, ILibProcessXMLNodeList(theNodes));
+    ILibXMLAttribute* theFirst = ILibGetXMLAttributes(theNodes);
+    ILibXMLAttribute* theSecond = ILibGetXMLAttributes(theNodes->Next);
+    ILibDestructXMLAttributeList(theFirst);
+    ILibDestructXMLNodeList(theNodes);
+    EXPECT_EQ("y=2", Text(theSecond->Name, 1) + "=" + Text(theSecond->Value, theSecond->ValueLength));
+    ILibDestructXMLAttributeList(theSecond);
+}
+
+TEST(ILibXMLTest, ResolvesReferences)
+{
+    static const struct
+    {
+        const char* mText;
+        const char* mResolved;
+    } kCases[] = {
+        { "a&amp;lt;b &lt;&gt;&quot;&apos;", "a&lt;b <>\"'" },
+        { "&#65;&#x42;&#X63;&#0000000000000000068;", "ABcD" },
+        { "&#xE9;&#x20AC;&#x1F600;&#x10FFFF;", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF" },
+        { "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1", "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1" },
+        { "&AMP;&nbsp;&amp &;&", "&AMP;&nbsp;&amp &;&" },
+        { "<![CDATA[a&amp;b]]>&amp;<![CDATA[]]]]><![CDATA[>]]>", "a&amp;b&]]>" },
+        { "<b>&lt;<![CDATA[x", "<b><<![CDATA[x" },
+        { "<![CDATA[ <![CDATA[ ]]> ]]>", " <![CDATA[  ]]>" },
+        { "", "" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        char* theText = strdup(theCase.mText);
+        EXPECT_EQ(strlen(theCase.mResolved), static_cast<size_t>(ILibInPlaceXmlUnEscape(theText))) << theCase.mText;
+        EXPECT_STREQ(theCase.mResolved, theText);
+        free(theText);
+    }
+}

@@ -1,0 +1,226 @@
+#include "TestSupport.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+#include <vector>
+#include <zoltTools/zoBuffer.h>
+
+namespace
+{
+
+typedef std::vector<std::pair<uint16, std::string>> PlainEntry;
+typedef std::vector<uint16> Tags;
+
+// All that can be read of a record, through its index of tags and through the order of adding.
+void ExpectSame(const std::vector<PlainEntry>& aPlain, const zoPackedData_t* aRecord)
+{
+    ASSERT_EQ(aPlain.size(), zoPackedData_GetEntryCount(aRecord));
+    for (uint32 i = 0; i < aPlain.size(); ++i)
+    {
+        ASSERT_EQ(aPlain[i].size(), zoPackedData_GetTagCount(aRecord, i));
+        for (size_t k = 0; k < aPlain[i].size(); ++k)
+        {
+            const auto& [theTag, theBytes] = aPlain[i][k];
+            ASSERT_EQ(theTag, zoPackedData_GetTagAt(aRecord, i, static_cast<uint16>(k)));
+            size_t theSize = 99;
+            const char* theData = zoPackedData_GetData(aRecord, i, theTag, &theSize);
+            ASSERT_EQ(theBytes.empty(), theData == nullptr);
+            ASSERT_EQ(theBytes, std::string(theData ? theData : "", theSize));
+        }
+    }
+}
+
+struct Filled
+{
+    std::vector<PlainEntry> mPlain;
+    zoPackedData_t* mRecord;
+};
+
+// Entries of dense tags, of sparse ones, of many, and none, with a value here and there that is empty.
+Filled Fill()
+{
+    std::mt19937 theRandom(4711);
+    Filled theFilled = { {}, zoPackedData_New(2) };
+    for (const uint32 theMaxTag : { 20u, 65535u, 300u, 0u, 65535u, 5000u })
+    {
+        zoPackedData_AddNewEntry(theFilled.mRecord);
+        std::map<uint16, bool> theTags;
+        PlainEntry theEntry;
+        for (uint32 i = 0; i < std::min(theMaxTag, 2000u); ++i)
+        {
+            const uint16 theTag = static_cast<uint16>(theRandom() % (theMaxTag + 1));
+            const std::string theBytes(theRandom() % 20, static_cast<char>(theRandom()));
+            zoPackedData_AddData(theFilled.mRecord, theTag, theBytes.data(), theBytes.size());
+            if (theTags.emplace(theTag, true).second) { theEntry.emplace_back(theTag, theBytes); }
+        }
+        theFilled.mPlain.push_back(theEntry);
+    }
+    return theFilled;
+}
+
+} // namespace
+
+TEST(zoPackedDataTest, ReadsWhatWasAddedInEveryForm)
+{
+    Filled theFilled = Fill();
+    ExpectSame(theFilled.mPlain, theFilled.mRecord);
+    zoPackedData_t* theCopy = zoPackedData_Duplicate(theFilled.mRecord);
+    const uint32 theUsage = zoPackedData_GetMemoryUsage(theFilled.mRecord);
+    zoPackedData_t* theRead = zoPackedData_NewData(zoPackedData_TakeData(theFilled.mRecord));
+    EXPECT_EQ(0u, zoPackedData_GetEntryCount(theFilled.mRecord));
+    EXPECT_EQ(theUsage, zoPackedData_GetMemoryUsage(theRead));
+    ExpectSame(theFilled.mPlain, theRead);
+    ExpectSame(theFilled.mPlain, theCopy);
+
+    // A record made from a block takes more, in the last entry and in new ones.
+    zoPackedData_t* theLonger = zoPackedData_Duplicate(theRead);
+    zoPackedData_AddData(theLonger, theFilled.mPlain.back()[0].first, "ignored", 7);
+    zoPackedData_AddData(theLonger, 65000, "last", 4);
+    zoPackedData_CopyEntry(theRead, 0, theLonger);
+    theFilled.mPlain.back().emplace_back(65000, "last");
+    theFilled.mPlain.push_back(theFilled.mPlain[0]);
+    ExpectSame(theFilled.mPlain, theLonger);
+    for (zoPackedData_t* theRecord : { theFilled.mRecord, theCopy, theRead, theLonger })
+        zoPackedData_Free(theRecord);
+}
+
+TEST(zoPackedDataTest, ReadsNumbersAtTheirWidth)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    zoPackedData_AddData(theRecord, 1, "no entry yet", 5);
+    EXPECT_EQ(0u, zoPackedData_GetEntryCount(theRecord));
+    zoPackedData_AddNewEntry(theRecord);
+    AddNumber(theRecord, 2, uint16{ 0xFFFE });
+    AddNumber(theRecord, 4, uint32{ 0xFFFEFFFD });
+    AddNumber(theRecord, 8, uint64{ 0x100000005 });
+    zoPackedData_AddData(theRecord, 3, "abc", 3);
+    zoPackedData_AddData(theRecord, 0, nullptr, 0);
+    for (const bool fIsSerialized : { false, true })
+    {
+        if (fIsSerialized)
+        {
+            zoPackedData_t* theRead = zoPackedData_NewData(zoPackedData_TakeData(theRecord));
+            zoPackedData_Free(theRecord);
+            theRecord = theRead;
+        }
+        EXPECT_EQ(0xFFFEu, zoPackedData_GetDataAsUInt64(theRecord, 0, 2));
+        EXPECT_EQ(0xFFFDu, zoPackedData_GetDataAsUInt16(theRecord, 0, 4));
+        EXPECT_EQ(0x100000005u, zoPackedData_GetDataAsUInt64(theRecord, 0, 8));
+        EXPECT_EQ(5u, zoPackedData_GetDataAsUInt32(theRecord, 0, 8));
+        for (const uint16 theTag : Tags{ 0, 3, 77 })
+            EXPECT_EQ(0u, zoPackedData_GetDataAsUInt64(theRecord, 0, theTag)) << theTag;
+        EXPECT_EQ(0u, zoPackedData_GetDataAsUInt32(theRecord, 1, 4));
+        EXPECT_EQ(5u, zoPackedData_GetTagCount(theRecord, 0));
+        EXPECT_EQ(0u, zoPackedData_GetTagCount(theRecord, 1));
+    }
+    zoPackedData_Free(theRecord);
+    EXPECT_EQ(0u, zoPackedData_GetTagCount(nullptr, 0));
+    zoPackedData_AddData(nullptr, 0, "x", 1);
+}
+
+TEST(zoPackedDataTest, HoldsAsManyTagsAsThereAre)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(1);
+    zoPackedData_AddNewEntry(theRecord);
+    for (uint32 i = 0; i <= 0xFFFF; ++i)
+        AddNumber(theRecord, static_cast<uint16>(0xFFFF - i), i);
+    EXPECT_EQ(0xFFFFu, zoPackedData_GetTagCount(theRecord, 0)); // the last one finds no place
+    EXPECT_EQ(nullptr, zoPackedData_GetData(theRecord, 0, 0, nullptr));
+    zoPackedData_t* theRead = zoPackedData_NewData(zoPackedData_TakeData(theRecord));
+    for (uint32 i = 0; i < 0xFFFF; ++i)
+        ASSERT_EQ(i, zoPackedData_GetDataAsUInt32(theRead, 0, static_cast<uint16>(0xFFFF - i)));
+    zoPackedData_Free(theRecord);
+    zoPackedData_Free(theRead);
+}
+
+// Each bit of a block is flipped in turn: what comes out is empty or inside the block, and never the wrong size.
+TEST(zoPackedDataTest, SurvivesDamagedBlocks)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    for (int i = 0; i < 3; ++i)
+    {
+        zoPackedData_AddNewEntry(theRecord);
+        for (const uint16 theTag : Tags{ 9, 1, 5 })
+            AddText(theRecord, theTag, "value");
+    }
+    const uint32 theSize = zoPackedData_GetMemoryUsage(theRecord);
+    char* theBlock = zoPackedData_TakeData(theRecord);
+    zoPackedData_Free(theRecord);
+    int theEmptyCount = 0;
+    for (uint32 i = 0; i < theSize * 8; ++i)
+    {
+        const bool fIsSizeField = i / 8 >= 4 && i / 8 < 8; // a block can't be told from a longer one
+        char* theCopy = static_cast<char*>(memcpy(malloc(theSize), theBlock, theSize));
+        theCopy[i / 8] = static_cast<char>(theCopy[i / 8] ^ (1 << i % 8));
+        uint32 theClaimed;
+        memcpy(&theClaimed, theCopy + 4, sizeof(theClaimed));
+        if (fIsSizeField && theClaimed > theSize)
+        {
+            free(theCopy);
+            continue;
+        }
+        zoPackedData_t* theDamaged = zoPackedData_NewData(theCopy);
+        theEmptyCount += zoPackedData_GetEntryCount(theDamaged) == 0;
+        size_t theTotal = 0;
+        for (uint32 k = 0; k < zoPackedData_GetEntryCount(theDamaged); ++k)
+        {
+            for (const uint16 theTag : Tags{ 9, 1, 5 })
+                theTotal += TextOf(theDamaged, k, theTag).size();
+        }
+        EXPECT_LE(theTotal, size_t{ theSize } * 9);
+        zoPackedData_Free(theDamaged);
+    }
+    EXPECT_GT(theEmptyCount, 300);
+    free(theBlock);
+}
+
+TEST(zoArrayTest, KeepsStringsThroughTheRecord)
+{
+    zoArray_t* theArray = zoArray_New();
+    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+    for (const char* theText : { "first", "", "third", "fourth" })
+        zoArray_Append(theArray, strdup(theText));
+    zoArray_RemoveAt(theArray, 2, 1);
+    zoArray_RemoveAt(theArray, 9, 1);
+    zoPackedData_t* theRecord = zoPackedData_New(1);
+    zoPackedData_AddNewEntry(theRecord);
+    zoPackedData_AddArray(theRecord, 16, theArray, zoStringArray_FlattenerFunc);
+    zoPackedData_AddArray(theRecord, 17, nullptr, zoStringArray_FlattenerFunc);
+    zoArray_Delete(theArray);
+    for (const uint16 theTag : Tags{ 16, 17, 18 })
+    {
+        zoArray_t* theRead = zoPackedData_GetDataArray(theRecord, 0, theTag, zoStringArray_UnFlattenerFunc);
+        zoArray_SetFreeFunc(theRead, zoStringArray_FreeFunc);
+        ASSERT_EQ(theTag == 16 ? 3u : 0u, zoArray_GetCount(theRead));
+        if (theTag == 16)
+        {
+            EXPECT_STREQ("first", static_cast<char*>(zoArray_At(theRead, 0)));
+            EXPECT_STREQ("", static_cast<char*>(zoArray_At(theRead, 1)));
+            EXPECT_STREQ("fourth", static_cast<char*>(zoArray_At(theRead, 2)));
+            EXPECT_EQ(nullptr, zoArray_At(theRead, 3));
+        }
+        zoArray_Delete(theRead);
+    }
+    zoPackedData_Free(theRecord);
+}
+
+TEST(zoBufferTest, GrowsAndHandsOver)
+{
+    zoBuffer* theBuffer = zoBuffer_New(0);
+    std::string theExpected;
+    for (int i = 0; i < 1000; ++i)
+    {
+        zoBuffer_AppendStr(theBuffer, std::to_string(i).c_str());
+        theExpected += std::to_string(i);
+    }
+    zoBuffer_AppendStr(theBuffer, nullptr);
+    EXPECT_LE(theBuffer->mPos, theBuffer->mSize);
+    size_t theLength = 0;
+    char* theBytes = zoBuffer_TakeOwnership(theBuffer, &theLength, nullptr);
+    EXPECT_EQ(theExpected, std::string(theBytes, theLength));
+    free(theBytes);
+    zoBuffer_AppendStr(theBuffer, "again");
+    EXPECT_EQ(5u, theBuffer->mPos);
+    zoBuffer_Delete(theBuffer);
+}
