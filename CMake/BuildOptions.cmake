@@ -24,7 +24,8 @@ function(upnp_add_library aName aRoot aDirectory)
     add_library(${aName} SHARED ${theSources})
     target_include_directories(${aName} PUBLIC ${aRoot})
     target_link_libraries(${aName} PUBLIC ${ARGN} PRIVATE BuildOptions)
-    target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti -fno-semantic-interposition)
+    target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti
+        -fno-semantic-interposition -fno-plt) # calls between the libraries are many and short
     set_target_properties(${aName} PROPERTIES
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON

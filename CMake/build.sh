@@ -17,5 +17,5 @@ build_unlocked() {
     if [ -n "$fresh" ] || [ ! -e "$folder/build.ninja" ] || [ "$root/CMakePresets.json" -nt "$folder/build.ninja" ]; then
         quietly env -C "$root" cmake --preset "$preset" -B "$folder" $fresh "$@" || return
     fi
-    quietly cmake --build "$folder" --parallel "$(nproc)" --target "$target"
+    quietly cmake --build "$folder" --parallel "$(nproc)" --target "$target" -- --quiet
 }

@@ -446,7 +446,8 @@ TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
     EXPECT_EQ("c|A & B|xmlns:r=\"1\"|http://h/a/media/42\ni|A & B|xmlns:r=\"1\"|http://h/x\n", theFound);
     ILibDestructXMLNodeList(theNodes);
 
-    // A list that was not processed has no closing tags: the walk's end is a programming error.
+    // An element without an end tag, which ILibProcessXMLNodeList would have told: a programming error.
+    theText = "<item><dc:title>";
     theNodes = ILibParseXML(theText.data(), 0, theText.size());
     AssertionCatcher theCatcher;
     char* theData = nullptr;

@@ -11,7 +11,7 @@
 struct ILibXMLDocument
 {
     uint32 mReferences; // held by the node list and by each attribute list that was given out
-    bool mfMalformed;   // the reader stopped at something that is no tag
+    int mError;         // a kILibProcessXML_*: where there is one, the reader stopped
     struct ILibXMLBlock* mBlocks;
     char* mFree; // mFree to mFreeEnd: the rest of the newest block
     char* mFreeEnd;
@@ -30,7 +30,12 @@ static ILibXMLDocument* NewDocument()
 {
     ILibXMLDocument* theDocument = static_cast<ILibXMLDocument*>(zoMalloc(kMinBlockSize));
     char* theMemory = reinterpret_cast<char*>(theDocument);
-    *theDocument = { 1, false, nullptr, theMemory + sizeof(ILibXMLDocument), theMemory + kMinBlockSize, kMinBlockSize };
+    *theDocument = { 1,
+                     kILibProcessXML_NoError,
+                     nullptr,
+                     theMemory + sizeof(ILibXMLDocument),
+                     theMemory + kMinBlockSize,
+                     kMinBlockSize };
     return theDocument;
 }
 
@@ -77,15 +82,17 @@ namespace
 {
 
 // Reads the text from mPosition to mEnd and appends nodes. The byte before mEnd is a ">": what skips or reads a name
-// ends there without counting. A function that returns false has met something malformed.
+// ends there without counting. Nodes are linked as they are read: what is found out about a tag is used at once. A
+// function that returns false has met something malformed, or an end tag out of place, which is then in the document.
 struct Reader
 {
     ILibXMLDocument* mDocument;
     char* mPosition;
     char* mEnd;
     ILibXMLNode* mFirst;
-    ILibXMLNode** mLink; // where the next node is linked
-    ILibXMLNode* mOpen;  // the node just read when it is a start tag whose end tag is to come, else NULL
+    ILibXMLNode** mLink;    // where the next node is linked
+    ILibXMLNode* mParent;   // the innermost element that is open; NULL at the top
+    ILibXMLNode* mPrevious; // the element before, with that parent; NULL when there is none
 };
 
 struct QName
@@ -181,7 +188,7 @@ static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartT
     theNode->StartTag = afStartTag;
     theNode->EmptyTag = 0;
     theNode->Next = nullptr;
-    theNode->Parent = nullptr;
+    theNode->Parent = aReader->mParent;
     theNode->Peer = nullptr;
     theNode->ClosingTag = nullptr;
     theNode->StartingTag = nullptr;
@@ -191,6 +198,26 @@ static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartT
     *aReader->mLink = theNode;
     aReader->mLink = &theNode->Next;
     return theNode;
+}
+
+static void OpenElement(Reader* aReader, ILibXMLNode* aStartTag)
+{
+    if (aReader->mPrevious) { aReader->mPrevious->Peer = aStartTag; }
+    aReader->mPrevious = nullptr;
+    aReader->mParent = aStartTag;
+}
+
+// Appends the end tag of the innermost open element; the tag itself has been read.
+static ILibXMLNode* CloseElement(Reader* aReader, const QName& aName)
+{
+    ILibXMLNode* theStartTag = aReader->mParent;
+    aReader->mParent = theStartTag->Parent;
+    aReader->mPrevious = theStartTag;
+    ILibXMLNode* theEndTag = AppendNode(aReader, aName, 0);
+    theEndTag->TagEnd = aReader->mPosition;
+    theEndTag->StartingTag = theStartTag;
+    theStartTag->ClosingTag = theEndTag;
+    return theEndTag;
 }
 
 // From the name on, to past the closing quote.
@@ -227,6 +254,7 @@ static bool ReadStartTag(Reader* aReader)
     ++aReader->mPosition;
     if (!ReadName(aReader, &theName)) { return false; }
     ILibXMLNode* theNode = AppendNode(aReader, theName, 1);
+    OpenElement(aReader, theNode);
     ILibXMLAttribute** theLink = &theNode->Attributes;
     for (;;)
     {
@@ -234,7 +262,6 @@ static bool ReadStartTag(Reader* aReader)
         if (*aReader->mPosition == '>')
         {
             theNode->TagEnd = ++aReader->mPosition;
-            aReader->mOpen = theNode;
             return true;
         }
         if (*aReader->mPosition == '/') { break; }
@@ -243,11 +270,9 @@ static bool ReadStartTag(Reader* aReader)
 
     if (aReader->mPosition[1] != '>') { return false; }
     aReader->mPosition += 2;
-    theNode->EmptyTag = 1;
     theNode->TagEnd = aReader->mPosition;
-    ILibXMLNode* theEnd = AppendNode(aReader, theName, 0);
-    theEnd->EmptyTag = 1;
-    theEnd->TagEnd = aReader->mPosition;
+    theNode->EmptyTag = 1;
+    CloseElement(aReader, theName)->EmptyTag = 1;
     return true;
 }
 
@@ -258,30 +283,39 @@ static size_t QualifiedNameLength(const ILibXMLNode* aNode)
     return static_cast<size_t>(aNode->Name + aNode->NameLength - QualifiedName(aNode));
 }
 
-// The name of an end tag that comes right behind its start tag is known without looking at it byte by byte.
-static bool TakeNameOfOpenTag(Reader* aReader, QName* aName)
+// The name of an end tag is that of the innermost open element, so it need not be looked at byte by byte.
+static bool TakeNameOfParent(Reader* aReader, QName* aName)
 {
-    if (!aReader->mOpen) { return false; }
-    const size_t theLength = QualifiedNameLength(aReader->mOpen);
-    const bool fIsSame = static_cast<size_t>(aReader->mEnd - aReader->mPosition) > theLength &&
-                         aReader->mPosition[theLength] == '>' &&
-                         memcmp(aReader->mPosition, QualifiedName(aReader->mOpen), theLength) == 0;
+    const ILibXMLNode* theParent = aReader->mParent;
+    const size_t theLength = QualifiedNameLength(theParent);
+    char* theBegin = aReader->mPosition;
+    const bool fIsSame = static_cast<size_t>(aReader->mEnd - theBegin) > theLength &&
+                         Is(theBegin[theLength], kEndsName) &&
+                         memcmp(theBegin, QualifiedName(theParent), theLength) == 0;
     if (!fIsSame) { return false; }
-    aName->mBegin = aReader->mPosition;
-    aName->mColon = aReader->mOpen->NSTag ? aReader->mPosition + aReader->mOpen->NSLength : nullptr;
-    aName->mEnd = aReader->mPosition += theLength;
+    *aName = { theBegin, theParent->NSTag ? theBegin + theParent->NSLength : nullptr, theBegin + theLength };
+    aReader->mPosition = aName->mEnd;
     return true;
+}
+
+static bool Fail(Reader* aReader, int anError)
+{
+    aReader->mDocument->mError = anError;
+    return false;
 }
 
 static bool ReadEndTag(Reader* aReader)
 {
     QName theName;
     aReader->mPosition += 2;
-    if (!TakeNameOfOpenTag(aReader, &theName) && !ReadName(aReader, &theName)) { return false; }
-    aReader->mOpen = nullptr;
+    const bool fIsOfParent = aReader->mParent && TakeNameOfParent(aReader, &theName);
+    if (!fIsOfParent && !ReadName(aReader, &theName)) { return false; }
     aReader->mPosition = SkipBlanks(aReader->mPosition);
     if (*aReader->mPosition != '>') { return false; }
-    AppendNode(aReader, theName, 0)->TagEnd = ++aReader->mPosition;
+    ++aReader->mPosition;
+    if (!aReader->mParent) { return Fail(aReader, kILibProcessXML_IllegalCloseTag); }
+    if (!fIsOfParent) { return Fail(aReader, kILibProcessXML_IllegalCloseTagOrder); }
+    CloseElement(aReader, theName);
     return true;
 }
 
@@ -351,63 +385,36 @@ static bool ReadTags(Reader* aReader)
 // Reads up to the last ">"; a "<" behind it begins no tag.
 static bool ReadText(Reader* aReader)
 {
-    const size_t theLength = static_cast<size_t>(aReader->mEnd - aReader->mPosition);
-    const void* theLast = memrchr(aReader->mPosition, '>', theLength);
-    char* theTagsEnd = theLast ? aReader->mPosition + (static_cast<const char*>(theLast) + 1 - aReader->mPosition)
-                               : aReader->mPosition;
-    const bool fIsCut = memchr(theTagsEnd, '<', static_cast<size_t>(aReader->mEnd - theTagsEnd)) != nullptr;
-    aReader->mEnd = theTagsEnd;
-    return ReadTags(aReader) && !fIsCut;
+    char* theBegin = aReader->mPosition;
+    const size_t theLength = static_cast<size_t>(aReader->mEnd - theBegin);
+    const void* theLast = memrchr(theBegin, '>', theLength);
+    const size_t theTagsLength = theLast ? static_cast<size_t>(static_cast<const char*>(theLast) + 1 - theBegin) : 0;
+    const bool fIsCut = memchr(theBegin + theTagsLength, '<', theLength - theTagsLength) != nullptr;
+    aReader->mEnd = theBegin + theTagsLength;
+    return ReadTags(aReader) && !fIsCut && !aReader->mParent;
 }
 
 ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
 {
     if (!aText || aLength == 0) { return nullptr; }
     char* theBegin = aText + anOffset;
-    Reader theReader = { NewDocument(), theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr };
-    theReader.mDocument->mfMalformed = aLength > INT_MAX || !ReadText(&theReader);
-    if (!theReader.mFirst)
+    ILibXMLDocument* theDocument = NewDocument();
+    Reader theReader = { theDocument, theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr, nullptr };
+    const bool fIsRead = aLength <= INT_MAX && ReadText(&theReader);
+    if (!fIsRead && theDocument->mError == kILibProcessXML_NoError)
     {
-        if (theReader.mDocument->mfMalformed) { AppendNode(&theReader, { theBegin, nullptr, theBegin }, 0); }
-        else { ReleaseDocument(theReader.mDocument); }
+        theDocument->mError = kILibProcessXML_IncompleteXML;
     }
+    if (!theReader.mFirst && fIsRead) { ReleaseDocument(theDocument); }
+    if (!theReader.mFirst && !fIsRead) { AppendNode(&theReader, { theBegin, nullptr, theBegin }, 0); }
     return theReader.mFirst;
 }
 
 // ---- Using the nodes ----
 
-static bool HaveSameName(const ILibXMLNode* aLeft, const ILibXMLNode* aRight)
-{
-    const size_t theLength = QualifiedNameLength(aLeft);
-    return theLength == QualifiedNameLength(aRight) &&
-           memcmp(QualifiedName(aLeft), QualifiedName(aRight), theLength) == 0;
-}
-
 int ILibProcessXMLNodeList(ILibXMLNode* aNodeList)
 {
-    if (!aNodeList) { return kILibProcessXML_NoError; }
-    if (aNodeList->NameLength == 0) { return kILibProcessXML_IncompleteXML; }
-    ILibXMLNode* theParent = nullptr;
-    ILibXMLNode* thePrevious = nullptr; // the element before, with the same parent
-    for (ILibXMLNode* theNode = aNodeList; theNode; theNode = theNode->Next)
-    {
-        if (theNode->StartTag)
-        {
-            theNode->Parent = theParent;
-            if (thePrevious) { thePrevious->Peer = theNode; }
-            thePrevious = nullptr;
-            theParent = theNode;
-            continue;
-        }
-        if (!theParent) { return kILibProcessXML_IllegalCloseTag; }
-        if (!HaveSameName(theParent, theNode)) { return kILibProcessXML_IllegalCloseTagOrder; }
-        theNode->StartingTag = theParent;
-        theNode->Parent = theParent->Parent;
-        theParent->ClosingTag = theNode;
-        thePrevious = theParent;
-        theParent = theParent->Parent;
-    }
-    return theParent || aNodeList->Document->mfMalformed ? kILibProcessXML_IncompleteXML : kILibProcessXML_NoError;
+    return aNodeList ? aNodeList->Document->mError : kILibProcessXML_NoError;
 }
 
 void ILibDestructXMLNodeList(ILibXMLNode* aNodeList)

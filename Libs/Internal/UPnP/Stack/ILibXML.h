@@ -40,7 +40,7 @@ struct ILibXMLNode
     int EmptyTag; /* 1 for both tags of an empty element */
     struct ILibXMLNode* Next; /* in document order, start and end tags alike */
 
-    /* From ILibProcessXMLNodeList on: */
+    /* When ILibProcessXMLNodeList finds no error: */
     struct ILibXMLNode* Parent;      /* the element around this one; NULL at the top */
     struct ILibXMLNode* Peer;        /* the next element with the same parent */
     struct ILibXMLNode* ClosingTag;  /* of a start tag: its end tag */
@@ -68,11 +68,11 @@ struct ILibXMLAttribute
 /**
  * Reads aLength bytes of aText from anOffset on.
  * @return the first node of a new list, released with ILibDestructXMLNodeList; NULL when there is no tag. What is no
- *         well-formed tag ends the list, and ILibProcessXMLNodeList then reports it, as it does for a text of 2 GiB or
- *         more. When nothing comes before it the list is one node without a name.
+ *         well-formed tag, or an end tag out of place, ends the list, and ILibProcessXMLNodeList then reports it, as it
+ *         does for a text of 2 GiB or more. When nothing comes before it the list is one node without a name.
  */
 UPNPSTACK_API struct ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength);
-/** Links parents, peers, start and end tags. NULL is a list without errors.
+/** Whether the list is in order: every tag well-formed, and start and end tags in pairs. NULL is a list without errors.
  *  @return a kILibProcessXML_*; after an error the links are not complete and not to be used. */
 UPNPSTACK_API int ILibProcessXMLNodeList(struct ILibXMLNode* aNodeList);
 /** Releases the list, given its first node; NULL is ignored. */

@@ -556,9 +556,22 @@ struct TextBuilder
 
 } // namespace
 
-// ASCII letters alone have a case. The first byte tells most names apart.
+template <typename Word>
+static inline bool HaveSameEnds(const char* aLeft, const char* aRight, size_t aLength)
+{
+    Word theWords[4];
+    memcpy(&theWords[0], aLeft, sizeof(Word));
+    memcpy(&theWords[1], aRight, sizeof(Word));
+    memcpy(&theWords[2], aLeft + aLength - sizeof(Word), sizeof(Word));
+    memcpy(&theWords[3], aRight + aLength - sizeof(Word), sizeof(Word));
+    return theWords[0] == theWords[1] && theWords[2] == theWords[3];
+}
+
+// ASCII letters alone have a case. Names of up to 16 bytes that are written as they should be take two comparisons.
 static inline bool EqualsIgnoringCase(const char* aLeft, const char* aRight, size_t aLength)
 {
+    if (aLength >= 8 && aLength <= 16 && HaveSameEnds<uint64>(aLeft, aRight, aLength)) { return true; }
+    if (aLength >= 4 && aLength < 8 && HaveSameEnds<uint32>(aLeft, aRight, aLength)) { return true; }
     for (size_t i = 0; i < aLength; ++i)
     {
         const int theDifference = aLeft[i] ^ aRight[i];
@@ -620,12 +633,16 @@ static bool GetXMLAttribute(const ILibXMLAttribute* anAttributes, const char (&a
     return false;
 }
 
+// Whether there is anything to resolve.
+static bool HasMarkup(const Slice& aText)
+{
+    return memchr(aText.mBegin, '&', aText.mLength) != nullptr || memchr(aText.mBegin, '<', aText.mLength) != nullptr;
+}
+
 // The text with its entities resolved: itself when it has none, else a copy that lasts until the next one.
 static Slice Resolve(Scratch* aScratch, const Slice& aText)
 {
-    const bool fHasMarkup = aText.mLength > 0 && (memchr(aText.mBegin, '&', aText.mLength) != nullptr ||
-                                                  memchr(aText.mBegin, '<', aText.mLength) != nullptr);
-    if (!fHasMarkup) { return aText; }
+    if (aText.mLength == 0 || !HasMarkup(aText)) { return aText; }
     if (aScratch->mSize <= aText.mLength)
     {
         aScratch->mSize = std::max(aText.mLength + 1, aScratch->mSize * 2);
@@ -658,20 +675,59 @@ static inline void Append(TextBuilder* aBuilder, const char* aBytes, size_t aCou
 // Stores the text as it is, with a NUL.
 static void AddText(zoPackedData_t* aRecord, uint16 aTag, const Slice& aText)
 {
+    if (aText.mLength == 0)
+    {
+        zoPackedData_AddData(aRecord, aTag, "", 1);
+        return;
+    }
     const NulTerminated theText(aText);
-    zoPackedData_AddData(aRecord, aTag, theText.c_str(), aText.mLength + 1);
+    zoPackedData_AddData(aRecord, aTag, aText.mBegin, aText.mLength + 1);
 }
 
-// The row of a table whose mName is the name, ignoring case; NULL when there is none.
-template <typename Row, size_t Size>
-static const Row* FindByName(const Row (&aTable)[Size], const char* aName, size_t aLength)
+namespace
 {
-    for (const Row& theRow : aTable)
+
+// Finds rows of a table by their mName, of mLength bytes, ignoring case. Built when compiling: length and last letter
+// tell the names of a table apart, most of them at the first look.
+template <typename Row, size_t Size>
+class NameIndex
+{
+public:
+    constexpr explicit NameIndex(const Row (&aTable)[Size]) : mTable(aTable), mRows()
     {
-        if (theRow.mLength == aLength && EqualsIgnoringCase(theRow.mName, aName, aLength)) { return &theRow; }
+        for (size_t i = 0; i < Size; ++i)
+        {
+            size_t theSlot = SlotOf(aTable[i].mName, aTable[i].mLength);
+            for (; mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots) {}
+            mRows[theSlot] = static_cast<uint8>(i + 1);
+        }
     }
-    return nullptr;
-}
+
+    // NULL when there is none. A name has a byte at least.
+    const Row* Find(const char* aName, size_t aLength) const
+    {
+        for (size_t theSlot = SlotOf(aName, aLength); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
+        {
+            const Row* theRow = mTable + (mRows[theSlot] - 1);
+            if (theRow->mLength == aLength && EqualsIgnoringCase(theRow->mName, aName, aLength)) { return theRow; }
+        }
+        return nullptr;
+    }
+
+private:
+    static const size_t kSlots = 64;
+    static_assert(Size < kSlots, "a search ends");
+
+    static constexpr size_t SlotOf(const char* aName, size_t aLength)
+    {
+        return (aLength * 5 + (static_cast<uint8>(aName[aLength - 1]) & 0x1Fu)) % kSlots;
+    }
+
+    const Row* mTable;
+    uint8 mRows[kSlots]; // 1 plus the row's number; 0 is free
+};
+
+} // namespace
 
 template <typename Number>
 static void AddNumber(zoPackedData_t* aRecord, uint16 aTag, Number aNumber)
@@ -819,7 +875,6 @@ namespace
 
 enum SOAPType
 {
-    kSOAPType_None = 0,
     kSOAPType_Str = 1,
     kSOAPType_UInt32 = 2,
     kSOAPType_BitField = 3,
@@ -829,7 +884,8 @@ enum SOAPType
 // An attribute of the object and what becomes of it.
 struct DIDLParserInfo
 {
-    const char* mIdentifier;
+    const char* mName;
+    size_t mLength;
     SOAPType mItemType;
     uint32 mValue; // the bit of a kSOAPType_BitField
 };
@@ -856,16 +912,17 @@ enum
 
 } // namespace
 
-static const DIDLParserInfo sInfo[kDIDL_Attribute_Count + 1] = {
-    { "id", kSOAPType_Str, 0 },
-    { "parentID", kSOAPType_Str, 0 },
-    { "refID", kSOAPType_Str, 0 },
-    { "childCount", kSOAPType_UInt32, 0 },
-    { "dlnaManaged", kSOAPType_UInt32Hex, 0 },
-    { "restricted", kSOAPType_BitField, kDIDL_Flags_Restricted },
-    { "searchable", kSOAPType_BitField, kDIDL_Flags_Searchable },
-    { "", kSOAPType_None, 0 },
+static constexpr DIDLParserInfo sInfo[kDIDL_Attribute_Count] = {
+    { "id", 2, kSOAPType_Str, 0 },
+    { "parentID", 8, kSOAPType_Str, 0 },
+    { "refID", 5, kSOAPType_Str, 0 },
+    { "childCount", 10, kSOAPType_UInt32, 0 },
+    { "dlnaManaged", 11, kSOAPType_UInt32Hex, 0 },
+    { "restricted", 10, kSOAPType_BitField, kDIDL_Flags_Restricted },
+    { "searchable", 10, kSOAPType_BitField, kDIDL_Flags_Searchable },
 };
+
+static constexpr NameIndex kInfoIndex(sInfo);
 
 static int ParseAttribute(const DIDLParserInfo& anInfo, const Slice& aValue, zoSOAPParserValue aTarget,
                           Scratch* aScratch)
@@ -892,24 +949,16 @@ static int ParseAttribute(const DIDLParserInfo& anInfo, const Slice& aValue, zoS
 
 // Fills the targets, in the order of the table, from the attributes that the table knows under any prefix. The result
 // is 0 when a flag is neither true nor false; the other attributes are read all the same.
-static int ParseAttributes(const DIDLParserInfo* aParserInfo, const ILibXMLAttribute* anAttributes,
-                           const zoSOAPParserValue* aValue, Scratch* aScratch)
+static int ParseAttributes(const ILibXMLAttribute* anAttributes, const zoSOAPParserValue* aTargets, Scratch* aScratch)
 {
     int theResult = 1;
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        const size_t theLength = static_cast<size_t>(theAttribute->NameLength);
-        for (size_t i = 0; aParserInfo[i].mItemType != kSOAPType_None; ++i)
-        {
-            const char* theIdentifier = aParserInfo[i].mIdentifier;
-            if (strlen(theIdentifier) != theLength || !EqualsIgnoringCase(theAttribute->Name, theIdentifier, theLength))
-            {
-                continue;
-            }
-            const Slice theValue = RemoveQuotesFromAttributeValue(theAttribute);
-            if (!ParseAttribute(aParserInfo[i], theValue, aValue[i], aScratch)) { theResult = 0; }
-            break;
-        }
+        const DIDLParserInfo* theRow =
+            kInfoIndex.Find(theAttribute->Name, static_cast<size_t>(theAttribute->NameLength));
+        if (!theRow) { continue; }
+        const Slice theValue = RemoveQuotesFromAttributeValue(theAttribute);
+        if (!ParseAttribute(*theRow, theValue, aTargets[theRow - sInfo], aScratch)) { theResult = 0; }
     }
     return theResult;
 }
@@ -1043,7 +1092,7 @@ static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const IL
     if (IncludesDerived(anAttributes)) { Append(theList, ",1", 2); }
 }
 
-static const Element kElements[] = {
+static constexpr Element kElements[] = {
     { "dc:title", 8, ParseSingleText, kSingleText_Title },
     { "upnp:class", 10, ParseSingleText, kSingleText_Class },
     { "dc:creator", 10, ParseSingleText, kSingleText_Creator },
@@ -1056,6 +1105,8 @@ static const Element kElements[] = {
     { "upnp:storageMedium", 18, ParseSingleText, kSingleText_StorageMedium },
     { "av:bgmURI", 9, ParseBGMURI, 0 },
 };
+
+static constexpr NameIndex kElementIndex(kElements);
 
 // An element that the object has no field for.
 static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode)
@@ -1080,7 +1131,7 @@ static void ParseElement(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXM
     if (aNode->NSTag)
     {
         const Slice theName = QualifiedName(aNode);
-        const Element* theElement = FindByName(kElements, theName.mBegin, theName.mLength);
+        const Element* theElement = kElementIndex.Find(theName.mBegin, theName.mLength);
         if (theElement) { theElement->mHandler(aParser, aNode, anAttributes, theElement->mParameter); }
         else { ParseExtraElement(aParser, aNode); }
     }
@@ -1169,7 +1220,7 @@ static void ReadLifeTime(const Slice& aValue, Resource* aResource)
     aResource->mLifeTime = std::min(std::max(theTime, 5u), 15u);
 }
 
-static const ResourceAttribute kResourceAttributes[] = {
+static constexpr ResourceAttribute kResourceAttributes[] = {
     { "protocolInfo", 12, nullptr, ReadText<&Resource::mProtocolInfo> },
     { "resolution", 10, nullptr, ReadText<&Resource::mResolution> },
     { "duration", 8, nullptr, ReadDuration },
@@ -1186,11 +1237,13 @@ static const ResourceAttribute kResourceAttributes[] = {
     { "uploadInfo", 10, "dtcp", ReadText<&Resource::mDTCPUploadInfo> },
 };
 
+static constexpr NameIndex kResourceAttributeIndex(kResourceAttributes);
+
 // The attribute's row in the table, its prefix considered; NULL when it is none that a resource has a field for.
 static const ResourceAttribute* FindResourceAttribute(const ILibXMLAttribute* anAttribute)
 {
     const size_t theLength = static_cast<size_t>(anAttribute->NameLength);
-    const ResourceAttribute* theRow = FindByName(kResourceAttributes, anAttribute->Name, theLength);
+    const ResourceAttribute* theRow = kResourceAttributeIndex.Find(anAttribute->Name, theLength);
     if (!theRow || !theRow->mPrefix) { return theRow; }
     const size_t thePrefixLength = static_cast<size_t>(anAttribute->PrefixLength);
     const bool fHasPrefix = thePrefixLength > 0 && thePrefixLength <= 4 &&
@@ -1243,11 +1296,13 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 {
     Slice theText = { nullptr, 0 };
     if (TakeInnerXML(aParser, aNode, &theText)) { theText = Resolve(&aParser->mScratch, theText); }
-    const NulTerminated theURI(theText);
-    char* theAbsolute =
-        aParser->mBaseURL && theText.mLength > 0 ? MakeAbsolute(aParser->mBaseURL, theURI.c_str()) : nullptr;
-    const char* theStored = theAbsolute ? theAbsolute : theURI.c_str();
-    zoPackedData_AddData(aParser->mResources, kCDSResourceInfo_URI, theStored, strlen(theStored) + 1);
+    char* theAbsolute = nullptr;
+    if (aParser->mBaseURL && theText.mLength > 0)
+    {
+        theAbsolute = MakeAbsolute(aParser->mBaseURL, NulTerminated(theText).c_str());
+    }
+    if (theAbsolute) { theText = { theAbsolute, strlen(theAbsolute) }; }
+    AddText(aParser->mResources, kCDSResourceInfo_URI, theText);
     free(theAbsolute);
 }
 
@@ -1389,7 +1444,7 @@ static int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* 
     theTargets[kDIDL_Attribute_Managed_Index].mUInt32 = &aParser->mManaged;
     theTargets[kDIDL_Attribute_Flags1_Index].mBitField = &aParser->mFlags;
     theTargets[kDIDL_Attribute_Flags2_Index].mBitField = &aParser->mFlags;
-    return ParseAttributes(sInfo, anAttributes, theTargets, &aParser->mScratch);
+    return ParseAttributes(anAttributes, theTargets, &aParser->mScratch);
 }
 
 static void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode* aNode, int afIsItem)

@@ -22,14 +22,16 @@ static inline int ReadNumber(const char* aText, const char* anEnd, uint32 aBase,
     if (theNegative) { ++thePosition; }
 
     const char* const theDigits = thePosition;
+    const Number theMaximum = static_cast<Number>(-1);
+    const Number theLimit = static_cast<Number>(theMaximum / aBase); // up to here another digit fits
     Number theNumber = 0;
     bool theOverflow = false;
     for (; thePosition != anEnd; ++thePosition)
     {
         const uint32 theDigit = DigitOf(*thePosition);
         if (theDigit >= aBase) { break; }
-        theOverflow |= __builtin_mul_overflow(theNumber, aBase, &theNumber);
-        theOverflow |= __builtin_add_overflow(theNumber, theDigit, &theNumber);
+        if (theNumber >= theLimit && (theNumber > theLimit || theDigit > theMaximum % aBase)) { theOverflow = true; }
+        theNumber = static_cast<Number>(theNumber * aBase + theDigit);
     }
 
     const bool theWhole = anEnd ? thePosition == anEnd : *thePosition == '\0';

@@ -136,25 +136,33 @@ static Fields SplitFields(Run aText)
     return theFields;
 }
 
-// The value of a parameter of that name: everything after its first "=". mData is NULL when the name is another.
-static Run ValueOf(Run aParameter, const char* aName)
+// Where the value of a parameter belongs, when it is one that is looked for and not yet found; else NULL. Both names
+// are "DLNA.ORG_" and two letters; the letters tell most parameters apart.
+static Run* TargetOf(Parameters* aParameters, Run aParameter)
 {
-    const Run theName = RunOf(aName);
-    if (aParameter.mLength <= theName.mLength || aParameter.mData[theName.mLength] != '=') { return { nullptr, 0 }; }
-    if (!zoDLNARun_Equal({ aParameter.mData, theName.mLength }, theName)) { return { nullptr, 0 }; }
-    return { aParameter.mData + theName.mLength + 1, aParameter.mLength - theName.mLength - 1 };
+    const Run thePrefix = { "DLNA.ORG_", 9 };
+    const size_t kNameLength = 11;
+    if (aParameter.mLength <= kNameLength || aParameter.mData[kNameLength] != '=') { return nullptr; }
+    const char theFirst = ToLower(aParameter.mData[kNameLength - 2]);
+    const char theSecond = ToLower(aParameter.mData[kNameLength - 1]);
+    Run* theTarget = theFirst == 'p' && theSecond == 'n'   ? &aParameters->mProfile
+                     : theFirst == 'c' && theSecond == 'i' ? &aParameters->mConverted
+                                                           : nullptr;
+    if (!theTarget || theTarget->mData) { return nullptr; }
+    return zoDLNARun_Equal({ aParameter.mData, thePrefix.mLength }, thePrefix) ? theTarget : nullptr;
 }
 
 static Parameters ReadParameters(Run anAdditional)
 {
+    const size_t kValueBegin = 12;
     Parameters theParameters = {};
     Run thePiece;
     while (NextPiece(&anAdditional, ';', &thePiece))
     {
         const Run thePart = zoDLNARun_Trim(thePiece);
         if (thePart.mLength != thePiece.mLength) { theParameters.mfHasBlanks = true; }
-        if (!theParameters.mProfile.mData) { theParameters.mProfile = ValueOf(thePart, "DLNA.ORG_PN"); }
-        if (!theParameters.mConverted.mData) { theParameters.mConverted = ValueOf(thePart, "DLNA.ORG_CI"); }
+        Run* theTarget = TargetOf(&theParameters, thePart);
+        if (theTarget) { *theTarget = { thePart.mData + kValueBegin, thePart.mLength - kValueBegin }; }
     }
     return theParameters;
 }
@@ -236,8 +244,11 @@ static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
 {
     const Parameters theParameters = ReadParameters(aFields.mField[kField_Additional]);
     const Run theMimeType = aFields.mField[kField_MimeType];
+    const bool fHasMimeParameters = memchr(theMimeType.mData, ';', theMimeType.mLength) != nullptr;
     const size_t theMimeParameterBound =
-        static_cast<size_t>(std::count(theMimeType.mData, theMimeType.mData + theMimeType.mLength, ';'));
+        fHasMimeParameters
+            ? static_cast<size_t>(std::count(theMimeType.mData, theMimeType.mData + theMimeType.mLength, ';'))
+            : 0;
 
     const size_t theTextSize = BoundTextSize(aFields, theParameters.mProfile);
     if (theMimeParameterBound > (SIZE_MAX / 2 - theTextSize - sizeof(zoDLNAProtocolInfo_t)) / sizeof(Run)) { abort(); }

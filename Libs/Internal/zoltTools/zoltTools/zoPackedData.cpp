@@ -328,6 +328,14 @@ static void CloseEntry(zoPackedData_t* aRecord)
     aRecord->mRowLimit = 0;
 }
 
+// Rows are added at once while they fit their array and their entry; in a block that is near its greatest size, never.
+static void SetRowLimit(zoPackedData_t* aRecord)
+{
+    const uint64 theMostFits = aRecord->mBlockCapacity + uint64{ aRecord->mRowCapacity } * sizeof(Row);
+    const bool fHasRoom = HasRoom(aRecord, 0, static_cast<size_t>(std::min(theMostFits, uint64{ kMaxBlockSize })));
+    aRecord->mRowLimit = fHasRoom ? std::min(aRecord->mRowCapacity, aRecord->mOpenBegin + kMaxRowsPerEntry) : 0;
+}
+
 // Opens an entry whose first row is the next one.
 static void OpenEntry(zoPackedData_t* aRecord)
 {
@@ -338,7 +346,7 @@ static void OpenEntry(zoPackedData_t* aRecord)
     aRecord->mfOpen = true;
     aRecord->mMaxTag = 0;
     aRecord->mOpenBegin = aRecord->mRowCount;
-    aRecord->mRowLimit = 0;
+    SetRowLimit(aRecord);
 }
 
 void zoPackedData_AddNewEntry(zoPackedData_t* aRecord)
@@ -358,14 +366,6 @@ static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
     const uint32 theBefore = aRecord->mPositionCapacity;
     ReserveElements(&aRecord->mPositions, aRecord->mFewPositions, uint32{ aTag } + 1, &aRecord->mPositionCapacity);
     memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
-}
-
-// Rows are added at once while they fit their array and their entry; in a block that is near its greatest size, never.
-static void SetRowLimit(zoPackedData_t* aRecord)
-{
-    const uint64 theMostFits = aRecord->mBlockCapacity + uint64{ aRecord->mRowCapacity } * sizeof(Row);
-    const bool fHasRoom = HasRoom(aRecord, 0, static_cast<size_t>(std::min(theMostFits, uint64{ kMaxBlockSize })));
-    aRecord->mRowLimit = fHasRoom ? std::min(aRecord->mRowCapacity, aRecord->mOpenBegin + kMaxRowsPerEntry) : 0;
 }
 
 // Notes the position in the open entry of a tag for which there is room.
@@ -391,22 +391,8 @@ static void ReopenEntry(zoPackedData_t* aRecord)
     }
 }
 
-// Most values are numbers or short texts.
-static void CopyValue(char* aTarget, const void* aData, size_t aSize)
-{
-    switch (aSize)
-    {
-    case 0: return;
-    case 1: *aTarget = *static_cast<const char*>(aData); return;
-    case 2: memcpy(aTarget, aData, 2); return;
-    case 4: memcpy(aTarget, aData, 4); return;
-    case 8: memcpy(aTarget, aData, 8); return;
-    default: memcpy(aTarget, aData, aSize); return;
-    }
-}
-
 // Makes room for a value in the open entry; false when the tag is there already, or there can be no room.
-__attribute__((noinline)) static bool MakeRoom(zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
+static bool MakeRoom(zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
 {
     if (!aRecord || aRecord->mEntryCount == 0) { return false; }
     if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
@@ -420,21 +406,40 @@ __attribute__((noinline)) static bool MakeRoom(zoPackedData_t* aRecord, uint16 a
 }
 
 // Whether there is room already, and the tag is new.
-static bool HasRoomAtOnce(const zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
+static inline bool HasRoomAtOnce(const zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
 {
     return aRecord && aRecord->mRowCount < aRecord->mRowLimit &&
            aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd && aTag < aRecord->mPositionCapacity &&
            aRecord->mPositions[aTag] == kNoPosition;
 }
 
-void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
+// Stores a value for which there is room. Most are numbers or short texts.
+static inline void AppendValue(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
-    if (!HasRoomAtOnce(aRecord, aTag, aSize) && !MakeRoom(aRecord, aTag, aSize)) { return; }
+    char* theTarget = aRecord->mBlock + aRecord->mValuesEnd;
     NoteTag(aRecord, aTag, aRecord->mRowCount);
     aRecord->mRows[aRecord->mRowCount++] = { static_cast<uint32>(aRecord->mValuesEnd), aTag, 0 };
-    CopyValue(aRecord->mBlock + aRecord->mValuesEnd, aData, aSize);
     aRecord->mValuesEnd += aSize;
-    aRecord->mBlock[aRecord->mValuesEnd] = 0;
+    theTarget[aSize] = 0;
+    switch (aSize)
+    {
+    case 0: break;
+    case 1: *theTarget = *static_cast<const char*>(aData); break;
+    case 4: memcpy(theTarget, aData, 4); break;
+    case 8: memcpy(theTarget, aData, 8); break;
+    default: memcpy(theTarget, aData, aSize); break;
+    }
+}
+
+__attribute__((noinline)) static void AddSlowly(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
+{
+    if (MakeRoom(aRecord, aTag, aSize)) { AppendValue(aRecord, aTag, aData, aSize); }
+}
+
+void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
+{
+    if (HasRoomAtOnce(aRecord, aTag, aSize)) { AppendValue(aRecord, aTag, aData, aSize); }
+    else { AddSlowly(aRecord, aTag, aData, aSize); }
 }
 
 void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,

@@ -156,6 +156,20 @@ static const char* SkipScheme(const char* aText)
     return aText;
 }
 
+static const char* SkipAuthority(const char* aText)
+{
+    while (*aText && *aText != '/' && *aText != '?' && *aText != '#')
+        ++aText;
+    return aText;
+}
+
+static const char* SkipPath(const char* aText)
+{
+    while (*aText && *aText != '?' && *aText != '#')
+        ++aText;
+    return aText;
+}
+
 static bool Parse(const char* aText, Parts& aParts)
 {
     aParts = {};
@@ -169,11 +183,11 @@ static bool Parse(const char* aText, Parts& aParts)
     if (thePosition[0] == '/' && thePosition[1] == '/')
     {
         const char* theAuthority = thePosition + 2;
-        thePosition = theAuthority + strcspn(theAuthority, "/?#");
+        thePosition = SkipAuthority(theAuthority);
         if (!ParseAuthority(aParts, theAuthority, thePosition)) { return false; }
     }
 
-    const char* thePathEnd = thePosition + strcspn(thePosition, "?#");
+    const char* thePathEnd = SkipPath(thePosition);
     aParts.mPath = Between(thePosition, thePathEnd);
     const char* theQueryEnd = thePathEnd;
     if (*thePathEnd == '?')
@@ -565,7 +579,7 @@ static char* AppendPath(char* anEnd, const Parts& aTarget, const Slice& aDirecto
     if (!aTarget.mHostName.mText && theLength > 1 && anEnd[0] == '/' && anEnd[1] == '/')
     {
         memmove(anEnd + 2, anEnd, theLength); // else the path would read as a host
-        memcpy(anEnd, "/.", 2);
+        anEnd[1] = '.';
         theLength += 2;
     }
     return anEnd + theLength;
