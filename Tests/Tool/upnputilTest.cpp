@@ -1,0 +1,310 @@
+#include "TestSupport.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+// The tool is run as a program, as its users do.
+namespace
+{
+
+typedef std::vector<std::string> Words;
+
+struct Result
+{
+    int mStatus; // -1 when it didn't end by itself
+    std::string mOutput;
+    std::string mError;
+};
+
+// A file without a name, closed at the end.
+struct ScratchFile
+{
+    explicit ScratchFile(const std::string& aText = "") : mFile(tmpfile())
+    {
+        fwrite(aText.data(), 1, aText.size(), mFile);
+        rewind(mFile);
+    }
+    ~ScratchFile() { fclose(mFile); }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    std::string Read() const
+    {
+        std::string theText;
+        rewind(mFile);
+        for (int theByte; (theByte = fgetc(mFile)) != EOF;)
+            theText += static_cast<char>(theByte);
+        return theText;
+    }
+    std::string Path() const { return "/proc/self/fd/" + std::to_string(Descriptor()); }
+    int Descriptor() const { return fileno(mFile); }
+
+    FILE* mFile;
+};
+
+Result RunTool(const Words& anArguments, const std::string& anInput = "", const char* anOutputPath = nullptr)
+{
+    const ScratchFile theInput(anInput), theOutput, theError;
+    const pid_t theChild = fork();
+    if (theChild == 0)
+    {
+        std::vector<char*> theArguments = { const_cast<char*>(TEST_TOOL) };
+        for (const std::string& theArgument : anArguments)
+            theArguments.push_back(const_cast<char*>(theArgument.c_str()));
+        theArguments.push_back(nullptr);
+        dup2(theInput.Descriptor(), STDIN_FILENO);
+        dup2(anOutputPath ? open(anOutputPath, O_WRONLY) : theOutput.Descriptor(), STDOUT_FILENO);
+        dup2(theError.Descriptor(), STDERR_FILENO);
+        execv(TEST_TOOL, theArguments.data());
+        _exit(127);
+    }
+    int theStatus = 0;
+    waitpid(theChild, &theStatus, 0);
+    return { WIFEXITED(theStatus) ? WEXITSTATUS(theStatus) : -1, theOutput.Read(), theError.Read() };
+}
+
+Words Lines(const std::string& aText)
+{
+    Words theLines;
+    for (size_t theBegin = 0, theEnd; (theEnd = aText.find('\n', theBegin)) != std::string::npos; theBegin = theEnd + 1)
+        theLines.push_back(aText.substr(theBegin, theEnd - theBegin));
+    return theLines;
+}
+
+bool HasLine(const Result& aResult, const std::string& aLine)
+{
+    const Words theLines = Lines(aResult.mOutput);
+    return std::find(theLines.begin(), theLines.end(), aLine) != theLines.end();
+}
+
+std::string Item(const std::string& aContent) { return "<item id=\"1\">" + aContent + "</item>"; }
+
+void AddFacts(std::set<std::string>& aFacts, const std::string& aSubject, const Words& anArguments)
+{
+    const Result theResult = RunTool(anArguments);
+    for (const std::string& theLine : Lines(theResult.mOutput))
+        aFacts.insert(aSubject + theLine);
+    aFacts.insert(aSubject + "exit: " + std::to_string(theResult.mStatus));
+}
+
+// What show and, for three renderers, select say about a document; "exit" is the exit status.
+std::set<std::string> FactsOf(const std::string& aDocument)
+{
+    const std::string theSinks = std::string(TEST_DATA) + "/sinks/";
+    std::set<std::string> theFacts;
+    AddFacts(theFacts, "show ", { "show", aDocument });
+    AddFacts(theFacts, "television ", { "select", aDocument, "--sink-file", theSinks + "handmade-dlna-tv.txt" });
+    AddFacts(theFacts, "player ", { "select", aDocument, "--sink-file", theSinks + "gmediarender.txt" });
+    AddFacts(theFacts, "streamer ", { "select", aDocument, "--sink-file", theSinks + "handmade-audio-streamer.txt" });
+    return theFacts;
+}
+
+} // namespace
+
+TEST(ToolTest, Documents)
+{
+    for (const char* theFolder : { "didl", "didl-odd", "didl-multi" })
+    {
+        int theCount = 0;
+        for (const auto& theEntry : std::filesystem::directory_iterator(std::string(TEST_DATA) + "/" + theFolder))
+        {
+            if (theEntry.path().extension() != ".xml") { continue; }
+            const std::string theName = std::string(theFolder) + "/" + theEntry.path().filename().string();
+            const Words theExpected = Lines(ReadTestFile(theName + ".expected"));
+            EXPECT_FALSE(theExpected.empty()) << theName << " has no expected facts";
+            const std::set<std::string> theFacts = FactsOf(theEntry.path());
+            for (const std::string& theFact : theExpected)
+                EXPECT_TRUE(theFacts.count(theFact)) << theName << " lacks: " << theFact;
+            ++theCount;
+        }
+        EXPECT_GT(theCount, 0) << theFolder;
+    }
+}
+
+TEST(ToolTest, RefusesInOneLine)
+{
+    static const struct
+    {
+        Words mArguments;
+        std::string mInput;
+        int mStatus;
+        const char* mReason;
+    } kCases[] = {
+        { {}, "", 2, "a subcommand is missing" },
+        { { "sing" }, "", 2, "\"sing\"" },
+        { { "show" }, "", 2, "FILE is missing" },
+        { { "show", "-", "x" }, "", 2, "\"x\" is one argument too many" },
+        { { "show", "--", "--help" }, "", 2, "--help: No such file" },
+        { { "show", "/a\nb" }, "", 2, "/a\\nb: No such file" },
+        { { "show", "/" }, "", 2, "/: Is a directory" },
+        { { "show", "-", "--base" }, "", 2, "--base needs a value (URL)" },
+        { { "show", "-", "--base=media/" }, "", 2, "absolute" },
+        { { "show", "-", "--b", "x" }, "", 2, "\"--b\"" },
+        { { "select", "-" }, "", 2, "one of --sink and --sink-file" },
+        { { "select", "-", "--sink=x", "--sink-file=y" }, "", 2, "one of --sink and --sink-file" },
+        { { "select", "-", "--sink", "x", "--sink", "y" }, "", 2, "--sink is given twice" },
+        { { "select", "-", "--sink-file", "-" }, "", 2, "both FILE and the sink file" },
+        { { "select", "-", "--sink", "x", "--target", "10.0.0.256" }, "", 2, "10.0.0.256" },
+        { { "unlock", "http://h/p?lock=" }, "", 2, "--pin is needed" },
+        { { "unlock", "http://h/p?block=", "--pin", "1" }, "", 1, "no lock argument" },
+        { { "show", "-" }, "", 1, "no object" },
+        { { "show", "-" }, "<DIDL-Lite><desc><item/></desc></DIDL-Lite>", 1, "no object" },
+        { { "show", "-" }, std::string("<item/>\0", 8), 2, "standard input: a NUL byte at offset 7" },
+        { { "show", "-" }, "<item>\n<a>\n</b></item>", 2, "\"b\" in line 3" },
+        { { "show", "-" }, "<item>\n<a/>", 2, "in line 2 or later" },
+        { { "show", "-" }, "<", 2, "in line 1 or later" },
+        { { "show", "-" }, "<R><Result>&lt;item></Result></R>", 2, "in line 1 or later" },
+        { { "select", "-", "--sink", "x" }, "", 1, "no object" },
+        { { "select", "-", "--sink", "x" }, "<item></itm>", 2, "\"itm\" in line 1" },
+        { { "select", "-", "--sink", "x" }, "<DIDL-Lite><item/><item/></DIDL-Lite>", 2, "more than one object" },
+        { { "select", "-", "--sink", "x" }, "<item restricted='maybe'/>", 2, "neither true nor false" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult = RunTool(theCase.mArguments, theCase.mInput);
+        EXPECT_EQ(theCase.mStatus, theResult.mStatus) << theCase.mReason;
+        EXPECT_EQ("", theResult.mOutput) << theCase.mReason;
+        EXPECT_NE(std::string::npos, theResult.mError.find(theCase.mReason)) << theResult.mError;
+        EXPECT_EQ(1u, Lines(theResult.mError).size()) << theResult.mError;
+    }
+    EXPECT_NE(std::string::npos,
+              RunTool({ "show", "--help" }, "", "/dev/full").mError.find("standard output: No space"));
+    EXPECT_EQ(2, RunTool({ "show", "-" }, Item(""), "/dev/full").mStatus);
+}
+
+TEST(ToolTest, Help)
+{
+    for (const Words& theArguments : { Words{ "--help" }, Words{ "select", "--help" }, Words{ "show", "x", "--help" },
+                                       Words{ "unlock", "--help" } })
+    {
+        const Result theResult = RunTool(theArguments);
+        EXPECT_EQ(0, theResult.mStatus) << theArguments[0];
+        EXPECT_EQ(0u, theResult.mOutput.find("Usage: upnputil ")) << theArguments[0];
+    }
+    EXPECT_EQ(0u, RunTool({ "--version" }).mOutput.find("upnputil "));
+}
+
+TEST(ToolTest, ValuesStayInTheirLines)
+{
+    static const struct
+    {
+        const char* mTitle;
+        const char* mShown;
+    } kCases[] = {
+        { "a&#10;objects: 9&#13;&#9;", "a\\nobjects: 9\\r\\t" },
+        { "back\\slash", "back\\\\slash" },
+        { "\x1B[2J&#127;", "\\x1B[2J\\x7F" },
+        { "&#x85;&#x9B;&#xA0;", "\\xC2\\x85\\xC2\\x9B\xC2\xA0" }, // C1 controls, then a mere blank
+        { "&#x2027;&#x2028;&#x2029;", "\xE2\x80\xA7\\xE2\\x80\\xA8\\xE2\\x80\\xA9" },
+        { "\x9B \xC3", "\\x9B \\xC3" },                            // no UTF-8
+        { "\xC0\x8A \xE0\x80\x8A", "\\xC0\\x8A \\xE0\\x80\\x8A" }, // line ends, too long
+        { "\xED\xA0\x80 \xF4\x90\x80\x80", "\\xED\\xA0\\x80 \\xF4\\x90\\x80\\x80" },
+        { "\xF0\x9F\x8E\xB5\xC3\xA9", "\xF0\x9F\x8E\xB5\xC3\xA9" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult =
+            RunTool({ "show", "-" }, Item("<dc:title>" + std::string(theCase.mTitle) + "</dc:title>"));
+        EXPECT_TRUE(HasLine(theResult, std::string("object 0 title: ") + theCase.mShown)) << theResult.mOutput;
+        EXPECT_TRUE(HasLine(theResult, "objects: 1"));
+    }
+}
+
+TEST(ToolTest, Select)
+{
+    const auto theRes = [](const std::string& anInfo, const std::string& aURI)
+    { return "<res protocolInfo=\"http-get:*:" + anInfo + "\">" + aURI + "</res>"; };
+    const std::string theObject =
+        Item(theRes("audio/mpeg:*", "http://10.0.0.5/a?lock=") + theRes("audio/mpeg:*", "http://192.168.1.20/b") +
+             theRes("image/png:DLNA.ORG_PN=PNG_TN", "http://h/c.png") +
+             "<res protocolInfo=\"http-get:*:text/srt:ZOLT.COM_SUB=1\" subtitleLabel=\"English\" "
+             "subtitleType=\"srt\">http://h/d.srt</res>");
+    static const struct
+    {
+        Words mOptions;
+        const char* mFact;
+    } kCases[] = {
+        { { "--sink", "http-get:*:audio/mpeg:*" }, "choice: 0" },
+        { { "--sink", "http-get:*:audio/mpeg:*", "--target", "10.0.0.9", "--target", "192.168.1.9" }, "choice: 0" },
+        { { "--sink", "http-get:*:audio/mpeg:*", "--target", "192.168.1.9" }, "choice: 1" },
+        { { "--sink", "http-get:*:text/srt:*" }, "choice: 3" },
+        { { "--sink", "rtsp-rtp-udp:*:audio/mpeg:*" }, "confidence: will not (0)" },
+        { { "--sink", "http-get:*:audio/mpeg:*", "--scheme", "rtsp" }, "choice: none" },
+        { { "--sink", "x", "--profiles", "JPEG_TN" }, "kind: item" },
+        { { "--sink", "http-get:*:audio/mpeg:*" }, "thumbnail profile: PNG_TN" },
+        { { "--sink", "http-get:*:audio/mpeg:*" }, "parental lock: yes" },
+        { { "--sink", "http-get:*:audio/mpeg:*", "--pin", "1234" },
+          "unlocked uri: http://10.0.0.5/a?lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D" },
+        { { "--sink", "x" }, "subtitle 0 label: English" },
+        { { "--sink", "x" }, "subtitle 0 type: srt" },
+        { { "--sink", "x" }, "subtitle 0 uri: http://h/d.srt" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        Words theArguments = { "select", "-" };
+        theArguments.insert(theArguments.end(), theCase.mOptions.begin(), theCase.mOptions.end());
+        const Result theResult = RunTool(theArguments, theObject);
+        EXPECT_TRUE(HasLine(theResult, theCase.mFact)) << theCase.mFact << '\n' << theResult.mOutput;
+        EXPECT_EQ(HasLine(theResult, "choice: none") ? 1 : 0, theResult.mStatus) << theCase.mFact;
+    }
+    EXPECT_FALSE(HasLine(RunTool({ "select", "-", "--sink", "x", "--profiles", "JPEG_TN" }, theObject),
+                         "thumbnail: http://h/c.png"));
+    const ScratchFile theSinks("http-get:*:text/plain:*\r\nhttp-get:*:text/srt:*\n");
+    EXPECT_TRUE(HasLine(RunTool({ "select", "-", "--sink-file", theSinks.Path() }, theObject), "choice: 3"));
+    EXPECT_TRUE(HasLine(RunTool({ "unlock", "--pin=1234", "http://h:1/a?x=1&lock=old" }),
+                        "unlocked uri: http://h:1/a?x=1&lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D"));
+}
+
+TEST(ToolTest, ShowFindsTheObjects)
+{
+    static const struct
+    {
+        const char* mDocument;
+        Words mFacts;
+    } kCases[] = {
+        { "<container id='1'><dc:title>a</dc:title><item id='2'><dc:title>b</dc:title><res>u</res></item>"
+          "<container id='3'/><av:x>y</av:x></container>",
+          { "object 0 title: a", "object 0 extra 0 av:x: y", "object 0 resources: 0", "object 1 title: b",
+            "object 1 resources: 1", "object 2 id: 3", "objects: 3" } },
+        { "<item id='1'><desc><DIDL-Lite><item id='2'/></DIDL-Lite></desc></item>", { "objects: 1" } },
+        { "<e:Envelope><e:Body><u:BrowseResponse><Result>&lt;DIDL-Lite xmlns:a=\"b,c\">&lt;item id=\"&amp;lt;\"/>"
+          "&lt;/DIDL-Lite></Result><TotalMatches>1</TotalMatches></u:BrowseResponse></e:Body></e:Envelope>",
+          { "object 0 id: <", "object 0 namespace 0: xmlns:a=\"b,c\"", "objects: 1" } },
+        { "<item restricted='maybe'/><ITEM restricted='0'/>",
+          { "object 0 invalid: \"restricted\" or \"searchable\" is neither true nor false",
+            "object 1 flags: none (0)" } },
+        { "<item><res duration='100:00:01' bitrate='536870911' dlna:lifetime='0:01:00'>u/v</res></item>",
+          { "object 0 resource 0 duration: 01:00:01.000 (360001 s)", "object 0 resource 0 bit rate: 4294967288",
+            "object 0 resource 0 lifetime: 00:00:15.000 (15 s)", "object 0 resource 0 uri: http://h/d/u/v" } },
+        { "<container childCount='0' dlna:dlnaManaged='101'/>",
+          { "object 0 child count: 0", "object 0 dlna managed: upload content (0x00000101)" } },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult = RunTool({ "show", "-", "--base", "http://h/d/" }, theCase.mDocument);
+        for (const std::string& theFact : theCase.mFacts)
+            EXPECT_TRUE(HasLine(theResult, theFact)) << theFact << '\n' << theResult.mOutput;
+    }
+    EXPECT_FALSE(HasLine(RunTool({ "show", "-" }, "<item><res bitrate='536870912'>u</res></item>"),
+                         "object 0 resource 0 bit rate: 4294967295"));
+}
+
+// Time that grows with the square of the depth would take minutes here.
+TEST(ToolTest, ShowGoesDeep)
+{
+    std::string theDocument, theEnd;
+    for (int i = 0; i < 50000; ++i)
+    {
+        theDocument += "<container><dc:title>t</dc:title>";
+        theEnd += "</container>";
+    }
+    const Result theResult = RunTool({ "show", "-" }, theDocument + theEnd);
+    EXPECT_TRUE(HasLine(theResult, "object 49999 title: t"));
+    EXPECT_TRUE(HasLine(theResult, "objects: 50000"));
+}
