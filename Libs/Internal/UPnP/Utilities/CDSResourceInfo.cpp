@@ -400,16 +400,17 @@ static bool IsCandidate(const Resource* aResource, const zoDLNAProtocolInfoList_
 }
 
 // The resources that match the sink's list, or all without one, each with its index as user data. When the sink's
-// protocol infos are known, what is not converted comes first. The list is new.
+// protocol infos are known, what is not converted comes first. The list is new; NULL when there would be nothing in it.
 static zoDLNAProtocolInfoList_t* GetMatchingResourceList(Resources* aResources, const zoDLNAProtocolInfoList_t* aList,
                                                          bool afSearchingThumbnail, int aProtocolInfoMatchMode)
 {
-    zoDLNAProtocolInfoList_t* theCandidates = zoDLNAProtocolInfoList_New("", 0);
+    zoDLNAProtocolInfoList_t* theCandidates = nullptr;
     const bool fSinkHasProtocolInfo = zoDLNAProtocolInfoList_GetCount(aList) > 0;
     int theUnconvertedCount = 0;
     for (uint32 i = 0; i < aResources->GetCount(); ++i)
     {
         if (!IsCandidate(aResources->Read(i), aList, afSearchingThumbnail, aProtocolInfoMatchMode)) { continue; }
+        if (!theCandidates) { theCandidates = zoDLNAProtocolInfoList_New("", 0); }
         zoDLNAProtocolInfo_t* theInfo = aResources->TakeInfo(i);
         zoDLNAProtocolInfo_SetUserData(theInfo, static_cast<int>(i));
         const bool fGoesFirst = fSinkHasProtocolInfo && zoDLNAProtocolInfo_GetConversionIndicator(theInfo) == 0;
@@ -469,6 +470,56 @@ static int FindHeaviest(const Resources& aResources, const zoArray_t* anArray, i
     return static_cast<int>(theBest);
 }
 
+namespace
+{
+
+// What a choice is made for.
+struct Renderer
+{
+    const zoDLNAProtocolInfoList_t* mSinkList; // NULL when it isn't known
+    const zoCString& mSupportedProtocols;
+    const zoCString& mSchemeOrder;
+    Targets mTargets;
+    bool mfSearchingThumbnail;
+};
+
+struct Choice
+{
+    int mResource; // -1 for none
+    int mConfidence;
+};
+
+} // namespace
+
+// The choice among the candidates of one stage, which are released; -1 when no transport fits.
+static int ChooseCandidate(const Resources& aResources, zoDLNAProtocolInfoList_t* aCandidates,
+                           const Renderer& aRenderer, int aConfidence)
+{
+    zoArray_t* theArray = zoArray_New();
+    PutResourceIndexInArray(aCandidates, aRenderer.mSchemeOrder, aRenderer.mSupportedProtocols, theArray);
+    const int theBest =
+        zoArray_GetCount(theArray) > 0 ? FindHeaviest(aResources, theArray, aConfidence, aRenderer.mTargets) : -1;
+    zoArray_Delete(theArray);
+    zoDLNAProtocolInfoList_Delete(aCandidates);
+    return theBest;
+}
+
+// The choice of the first stage that makes one with the least confidence or more.
+static Choice Choose(Resources* aResources, const Renderer& aRenderer, int aLeastConfidence)
+{
+    for (const Stage& theStage : kStages)
+    {
+        if (theStage.mConfidence < aLeastConfidence) { break; }
+        zoDLNAProtocolInfoList_t* theCandidates =
+            GetMatchingResourceList(aResources, theStage.mfUsesSinkList ? aRenderer.mSinkList : nullptr,
+                                    aRenderer.mfSearchingThumbnail, theStage.mMatchFlags);
+        if (!theCandidates) { continue; }
+        const int theBest = ChooseCandidate(*aResources, theCandidates, aRenderer, theStage.mConfidence);
+        if (theBest >= 0) { return { theBest, theStage.mConfidence }; }
+    }
+    return { -1, kRendererPlayConfidence_WillNot };
+}
+
 int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList,
                                             const zoCString& aSupportedProtocolSchemeList,
                                             zoPackedData_t* aResourceInfo, int* aConfidence,
@@ -476,27 +527,11 @@ int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProto
                                             uint32 aTargetIpCount, bool afSearchingThumbnail)
 {
     Resources theResources(aResourceInfo);
-    int theBest = -1;
-    int theConfidence = kRendererPlayConfidence_WillNot;
-    for (const Stage& theStage : kStages)
-    {
-        zoDLNAProtocolInfoList_t* theCandidates =
-            GetMatchingResourceList(&theResources, theStage.mfUsesSinkList ? aSinkProtocolInfoList : nullptr,
-                                    afSearchingThumbnail, theStage.mMatchFlags);
-        zoArray_t* theArray = zoArray_New();
-        PutResourceIndexInArray(theCandidates, aPreferredSchemeOrder, aSupportedProtocolSchemeList, theArray);
-        if (zoArray_GetCount(theArray) > 0)
-        {
-            theConfidence = theStage.mConfidence;
-            theBest =
-                FindHeaviest(theResources, theArray, theConfidence, TargetsOf(aTargetIPAddresses, aTargetIpCount));
-        }
-        zoArray_Delete(theArray);
-        zoDLNAProtocolInfoList_Delete(theCandidates);
-        if (theBest >= 0) { break; }
-    }
-    if (aConfidence) { *aConfidence = theConfidence; }
-    return theBest;
+    const Renderer theRenderer = { aSinkProtocolInfoList, aSupportedProtocolSchemeList, aPreferredSchemeOrder,
+                                   TargetsOf(aTargetIPAddresses, aTargetIpCount), afSearchingThumbnail };
+    const Choice theChoice = Choose(&theResources, theRenderer, kRendererPlayConfidence_ShouldNot);
+    if (aConfidence) { *aConfidence = theChoice.mConfidence; }
+    return theChoice.mResource;
 }
 
 int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int* aConfidence,
@@ -629,17 +664,39 @@ zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDLis
     return theBest;
 }
 
+// Chooses for a renderer that shows pictures of one profile, and perhaps others of its MIME type; -1 for no picture.
+static int ChooseThumbnail(Resources* aResources, const char* aThumbnailType, Targets aTargets)
+{
+    const char* theMimeType = strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg";
+    zoCString theSink;
+    theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", theMimeType, aThumbnailType);
+    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(theSink.c_str(), 0);
+    const zoCString theSupportedProtocols = SupportedProtocols(theList);
+    const zoCString theSchemeOrder = "http";
+    const Renderer theRenderer = { theList, theSupportedProtocols, theSchemeOrder, aTargets, true };
+    const Choice theChoice = Choose(aResources, theRenderer, kRendererPlayConfidence_May);
+    zoDLNAProtocolInfoList_Delete(theList);
+    return theChoice.mResource;
+}
+
 int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses,
                                                   uint32 aTargetIPCount)
 {
     if (!aThumbnailType) { return -1; }
-    const char* theMimeType = strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg";
-    zoCString theSink;
-    theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", theMimeType, aThumbnailType);
-    int theConfidence = kRendererPlayConfidence_WillNot;
-    const int theIndex =
-        GetBestResourceIndexFromStr(theSink, &theConfidence, "http", aTargetIPAddresses, aTargetIPCount, true);
-    return theConfidence >= kRendererPlayConfidence_May ? theIndex : -1;
+    Resources theResources(mPackedData);
+    return ChooseThumbnail(&theResources, aThumbnailType, TargetsOf(aTargetIPAddresses, aTargetIPCount));
+}
+
+// The thumbnail of the first listed profile that has one; -1 when none has.
+static int ChooseThumbnailOfProfiles(const zoPackedData_t* aRecord, const zoCString& aProfiles, Targets aTargets)
+{
+    Resources theResources(aRecord);
+    zoCStringTokenizer theTokenizer;
+    theTokenizer.SetString(aProfiles, ",", kTokenizerMode_Default);
+    int theIndex = -1;
+    while (theIndex < 0 && theTokenizer.HasMoreTokens())
+        theIndex = ChooseThumbnail(&theResources, theTokenizer.GetNextToken().c_str(), aTargets);
+    return theIndex;
 }
 
 zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
@@ -652,13 +709,8 @@ zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDLi
     int theIndex = -1;
     if (theAlbumArt.IsEmpty() || !theProfiles.Contains(theAlbumArtProfile))
     {
-        zoCStringTokenizer theTokenizer;
-        theTokenizer.SetString(theProfiles, ",", kTokenizerMode_Default);
-        while (theIndex < 0 && theTokenizer.HasMoreTokens())
-        {
-            theIndex =
-                GetResourceIndexForThumbnail(theTokenizer.GetNextToken().c_str(), aTargetIPAddresses, aTargetIPCount);
-        }
+        const Targets theTargets = TargetsOf(aTargetIPAddresses, aTargetIPCount);
+        theIndex = ChooseThumbnailOfProfiles(mPackedData, theProfiles, theTargets);
     }
 
     zoCString theResult;
