@@ -225,7 +225,8 @@ static bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*
 {
     QName theName;
     if (!ReadName(aReader, &theName)) { return false; }
-    char* thePosition = SkipBlanks(aReader->mPosition);
+    char* thePosition = aReader->mPosition;
+    if (*thePosition != '=') { thePosition = SkipBlanks(thePosition); }
     if (*thePosition != '=') { return false; }
     thePosition = SkipBlanks(thePosition + 1);
     if (*thePosition != '"' && *thePosition != '\'') { return false; }

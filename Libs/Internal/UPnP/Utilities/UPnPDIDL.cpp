@@ -499,7 +499,7 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
 
 // ---- Parsing: pieces of the document ----
 
-static const size_t kFirstBuilderSize = 256;
+static const size_t kFirstBuilderSize = 512;
 
 namespace
 {
@@ -748,10 +748,10 @@ struct NamespaceList
     {
         kFew = 16
     };
-    TextBuilder mText;
-    size_t mCount;
-    Slice mNames[kFew];
-    zoCustomHashTable* mTable; // NULL while there are few
+    TextBuilder mText = { nullptr, 0, 0 };
+    size_t mCount = 0;
+    zoCustomHashTable* mTable = nullptr; // NULL while there are few
+    Slice mNames[kFew];                  // the first mCount of them, or all, are set
 };
 
 } // namespace
@@ -985,30 +985,30 @@ enum SingleText
 // What is known of the object while its elements are walked.
 struct ObjectParser
 {
-    const char* mBaseURL;
-    zoPackedData_t* mEntry;
-    zoPackedData_t* mResources;
-    Scratch mScratch;
+    const char* mBaseURL = nullptr;
+    zoPackedData_t* mEntry = nullptr;
+    zoPackedData_t* mResources = nullptr;
+    Scratch mScratch = { nullptr, 0 };
     NamespaceList mNamespaces;
-    zoArray_t* mAlbumArt;
+    zoArray_t* mAlbumArt = nullptr;
 
     // Elements that can be many may stand inside each other, and the text of each holds those inside. What is stored of
     // them all ends once it has passed a multiple of the object's text, which without nesting it never does.
-    size_t mStored;
-    size_t mStoredLimit;
+    size_t mStored = 0;
+    size_t mStoredLimit = 0;
 
-    ILibXMLNode* mLast[kSingleText_Count]; // NULL when there is none
-    Slice mBGMProtocolInfo;
-    TextBuilder mCreateClass; // the list, without a NUL
-    uint32 mChannelNr;
-    uint32 mNextExtraTag;
+    ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL when there is none
+    Slice mBGMProtocolInfo = { nullptr, 0 };
+    TextBuilder mCreateClass = { nullptr, 0, 0 }; // the list, without a NUL
+    uint32 mChannelNr = 0;
+    uint32 mNextExtraTag = kCDSEntryInfo_Count;
 
-    Slice mID;
-    Slice mParentID;
-    Slice mRefID;
-    uint32 mChildCount;
-    uint32 mManaged;
-    uint32 mFlags;
+    Slice mID = { nullptr, 0 };
+    Slice mParentID = { nullptr, 0 };
+    Slice mRefID = { nullptr, 0 };
+    uint32 mChildCount = 0xFFFFFFFF;
+    uint32 mManaged = 0;
+    uint32 mFlags = kDIDL_Flags_Restricted;
 };
 
 typedef void (*ElementHandler_t)(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes,
@@ -1381,7 +1381,9 @@ static void ParseElementsOf(ObjectParser* aParser, ILibXMLNode* anObject)
 // Stores the text of the last element of its kind, "" when there was none.
 static void AddLastText(ObjectParser* aParser, uint16 aTag, SingleText aSingleText)
 {
-    AddResolvedText(aParser, aParser->mEntry, aTag, GetInnerXML(aParser->mLast[aSingleText]));
+    ILibXMLNode* theNode = aParser->mLast[aSingleText];
+    if (theNode) { AddResolvedText(aParser, aParser->mEntry, aTag, GetInnerXML(theNode)); }
+    else { AddText(aParser->mEntry, aTag, { nullptr, 0 }); }
 }
 
 // The same, but with no bytes when there was none.
@@ -1393,11 +1395,16 @@ static void AddLastTextIfAny(ObjectParser* aParser, uint16 aTag, SingleText aSin
 
 static void AddDate(ObjectParser* aParser)
 {
-    Slice theText = Resolve(&aParser->mScratch, GetInnerXML(aParser->mLast[kSingleText_Date]));
+    ILibXMLNode* theNode = aParser->mLast[kSingleText_Date];
+    if (!theNode)
+    {
+        zoPackedData_AddData(aParser->mEntry, kCDSEntryInfo_Date, nullptr, 0);
+        return;
+    }
+    Slice theText = Resolve(&aParser->mScratch, GetInnerXML(theNode));
     int32 theParts[kzoDLNADatePart_Count];
     if (zoConvert_dlnadatestrtodate(NulTerminated(theText).c_str(), theParts) != 0) { theText = { nullptr, 0 }; }
-    if (aParser->mLast[kSingleText_Date]) { AddText(aParser->mEntry, kCDSEntryInfo_Date, theText); }
-    else { zoPackedData_AddData(aParser->mEntry, kCDSEntryInfo_Date, nullptr, 0); }
+    AddText(aParser->mEntry, kCDSEntryInfo_Date, theText);
 }
 
 // Stores a text that was built here.
@@ -1452,9 +1459,7 @@ static void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode
     const Slice theObject = GetInnerXML(aNode);
     aParser->mBaseURL = aBaseURL;
     aParser->mStoredLimit = std::max(theObject.mLength * kStoredPerText, kStoredAtLeast);
-    aParser->mNextExtraTag = kCDSEntryInfo_Count;
-    aParser->mChildCount = 0xFFFFFFFF;
-    aParser->mFlags = kDIDL_Flags_Restricted | (afIsItem ? 0 : kDIDL_Flags_Searchable);
+    if (!afIsItem) { aParser->mFlags |= kDIDL_Flags_Searchable; }
     aParser->mEntry = zoPackedData_New(1);
     zoPackedData_AddNewEntry(aParser->mEntry);
     aParser->mResources = zoPackedData_New(aNode ? CountResources(aNode) : 0);
@@ -1478,7 +1483,7 @@ static void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
 int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
                    int afIsItem, char** aData, char** aRes)
 {
-    ObjectParser theParser = {};
+    ObjectParser theParser;
     StartObject(&theParser, aBaseURL, aNode, afIsItem);
     const int theResult = ParseObjectAttributes(&theParser, anAttributes);
     if (aDIDLNode) { AddRootNameSpaces(aDIDLNode, &theParser.mNamespaces); }

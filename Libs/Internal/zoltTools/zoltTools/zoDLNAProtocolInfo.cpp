@@ -20,6 +20,7 @@ struct Fields
 {
     Run mField[kFieldCount];
     int mCount;
+    bool mfHasBlanks; // perhaps; inside the fields, too
 };
 
 // What is looked for in the fourth field; the first of a name counts.
@@ -123,16 +124,34 @@ int zoDLNARun_NextPart(Run* aRest, char aSeparator, Run* aPart)
 
 // ---- From text to fields ----
 
+// Whether there is a blank, or another control byte. It looks at all bytes, which compilers make many at a time of.
+static bool HasBlanks(Run aText)
+{
+    uint8 theCount = 0;
+    for (size_t i = 0; i < aText.mLength; ++i)
+        theCount = static_cast<uint8>(theCount | (static_cast<uint8>(aText.mData[i]) <= ' '));
+    return theCount != 0;
+}
+
 static Fields SplitFields(Run aText)
 {
     Fields theFields = {};
+    const bool fHasBlanks = HasBlanks(aText);
     Run theRest = aText;
-    while (theFields.mCount < kField_Additional &&
-           zoDLNARun_NextPart(&theRest, ':', &theFields.mField[theFields.mCount]))
-        ++theFields.mCount;
-    if (theRest.mData) { theFields.mField[theFields.mCount++] = zoDLNARun_Trim(theRest); }
+    while (theRest.mData)
+    {
+        Run* theField = &theFields.mField[theFields.mCount];
+        if (theFields.mCount++ < kField_Additional) { NextPiece(&theRest, ':', theField); }
+        else
+        {
+            *theField = theRest;
+            theRest.mData = nullptr;
+        }
+        if (fHasBlanks) { *theField = zoDLNARun_Trim(*theField); }
+    }
     for (int i = theFields.mCount; i < kFieldCount; ++i)
         theFields.mField[i] = { "", 0 };
+    theFields.mfHasBlanks = fHasBlanks;
     return theFields;
 }
 
@@ -152,14 +171,15 @@ static Run* TargetOf(Parameters* aParameters, Run aParameter)
     return zoDLNARun_Equal({ aParameter.mData, thePrefix.mLength }, thePrefix) ? theTarget : nullptr;
 }
 
-static Parameters ReadParameters(Run anAdditional)
+static Parameters ReadParameters(const Fields& aFields)
 {
     const size_t kValueBegin = 12;
     Parameters theParameters = {};
+    Run theRest = aFields.mField[kField_Additional];
     Run thePiece;
-    while (NextPiece(&anAdditional, ';', &thePiece))
+    while (NextPiece(&theRest, ';', &thePiece))
     {
-        const Run thePart = zoDLNARun_Trim(thePiece);
+        const Run thePart = aFields.mfHasBlanks ? zoDLNARun_Trim(thePiece) : thePiece;
         if (thePart.mLength != thePiece.mLength) { theParameters.mfHasBlanks = true; }
         Run* theTarget = TargetOf(&theParameters, thePart);
         if (theTarget) { *theTarget = { thePart.mData + kValueBegin, thePart.mLength - kValueBegin }; }
@@ -242,7 +262,7 @@ static size_t BoundTextSize(const Fields& aFields, Run aProfile)
 
 static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
 {
-    const Parameters theParameters = ReadParameters(aFields.mField[kField_Additional]);
+    const Parameters theParameters = ReadParameters(aFields);
     const Run theMimeType = aFields.mField[kField_MimeType];
     const bool fHasMimeParameters = memchr(theMimeType.mData, ';', theMimeType.mLength) != nullptr;
     const size_t theMimeParameterBound =
@@ -440,7 +460,7 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
     const Run theScheme = SchemeOf(theURI);
     const char* theHierarchy = theScheme.mLength > 0 ? theURI + theScheme.mLength + 1 : theURI;
     const Run theMimeType = RunOf(MimeTypeOf(ExtensionOf(theHierarchy)));
-    return NewFromFields({ { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount });
+    return NewFromFields({ { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount, false });
 }
 
 // ---- Asking ----
