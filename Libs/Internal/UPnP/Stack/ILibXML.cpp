@@ -299,8 +299,10 @@ static bool TakeNameOfParent(Reader* aReader, QName* aName)
     return true;
 }
 
-static bool Fail(Reader* aReader, int anError)
+// An end tag out of place is the last node of the list, without a start tag of its own.
+static bool Refuse(Reader* aReader, const QName& aName, int anError)
 {
+    AppendNode(aReader, aName, 0)->TagEnd = aReader->mPosition;
     aReader->mDocument->mError = anError;
     return false;
 }
@@ -314,8 +316,8 @@ static bool ReadEndTag(Reader* aReader)
     aReader->mPosition = SkipBlanks(aReader->mPosition);
     if (*aReader->mPosition != '>') { return false; }
     ++aReader->mPosition;
-    if (!aReader->mParent) { return Fail(aReader, kILibProcessXML_IllegalCloseTag); }
-    if (!fIsOfParent) { return Fail(aReader, kILibProcessXML_IllegalCloseTagOrder); }
+    if (!aReader->mParent) { return Refuse(aReader, theName, kILibProcessXML_IllegalCloseTag); }
+    if (!fIsOfParent) { return Refuse(aReader, theName, kILibProcessXML_IllegalCloseTagOrder); }
     CloseElement(aReader, theName);
     return true;
 }
