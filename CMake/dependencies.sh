@@ -8,7 +8,7 @@ has_package() {
     ccache) command -v ccache || ! can_install ;; # builds go without it, too
     ninja-build) command -v ninja ;;
     g++) command -v g++ && command -v gcc ;;
-    g++-multilib) [ -e "$(g++ -m32 -print-file-name=libstdc++.a)" ] ;;
+    g++-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
     clang) command -v clang && command -v clang++ ;;
     libclang-rt-14-dev) compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' ;;

@@ -65,8 +65,8 @@ struct LogCatcher
         zoLog_SetSink(
             [](int aMessageLevel, int aModule, const char* aFile, int, const char* aText, void* aUserData)
             {
-                static_cast<LogCatcher*>(aUserData)->mText +=
-                    std::to_string(aMessageLevel) + "/" + std::to_string(aModule) + " " + aFile + ": " + aText;
+            static_cast<LogCatcher*>(aUserData)->mText +=
+                std::to_string(aMessageLevel) + "/" + std::to_string(aModule) + " " + aFile + ": " + aText;
             },
             this);
     }

@@ -21,7 +21,7 @@ std::string Tokens(const std::string& aText, size_t anOffset, const char* aDelim
                                                    anEscape)
                  : zoCStringParser_Tokenize(theCopy.data(), anOffset, theLength, aDelimiter, theDelimiterLength);
     std::string theTokens;
-    for (const zoCStringParserToken* theToken = theList->mFirstToken; theToken; theToken = theToken->mNextToken)
+    for (const zoCStringParser_Token* theToken = theList->mFirstToken; theToken; theToken = theToken->mNextToken)
         theTokens += '<' + std::string(theToken->mData, theToken->mDataLength) + '>';
     EXPECT_EQ(std::count(theTokens.begin(), theTokens.end(), '<'), static_cast<int>(theList->mTokenCount));
     zoCStringParser_Delete(theList);

@@ -1,8 +1,8 @@
 #pragma once
 
 /* A small XML reader. A document is read in one pass into a list of nodes, one a tag, whose names and values point into
- * the text: nothing is copied, nothing recurses, time and memory are linear in the text, and nodes and attributes lie in
- * a few blocks. It reads what devices send: a byte-order mark, XML declaration, DOCTYPE, comments, processing
+ * the text: nothing is copied, nothing recurses, time and memory are linear in the text, and nodes and attributes lie
+ * in a few blocks. It reads what devices send: a byte-order mark, XML declaration, DOCTYPE, comments, processing
  * instructions, CDATA sections, either quote, blanks and line ends between attributes and around "=", attributes
  * without a blank between them, a stray "&". Entities of a DOCTYPE are not expanded.
  *
@@ -36,8 +36,8 @@ struct ILibXMLNode
     char* NSTag; /* the start of the qualified name, NSLength bytes of prefix; NULL without a prefix */
     int NameLength;
     int NSLength;
-    int StartTag; /* 1 for a start tag, 0 for an end tag */
-    int EmptyTag; /* 1 for both tags of an empty element */
+    int StartTag;             /* 1 for a start tag, 0 for an end tag */
+    int EmptyTag;             /* 1 for both tags of an empty element */
     struct ILibXMLNode* Next; /* in document order, start and end tags alike */
 
     /* When ILibProcessXMLNodeList finds no error: */

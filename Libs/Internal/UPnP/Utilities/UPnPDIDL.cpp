@@ -414,9 +414,9 @@ static void AppendNamespaces(zoBuffer* aBuffer, const char* aNamespaces)
         LogNoNamespaces();
         return;
     }
-    zoCStringParserTokenList* theList =
+    zoCStringParser_TokenList* theList =
         zoCStringParser_TokenizeEscaped(aNamespaces, 0, strlen(aNamespaces), ",", 1, '\\');
-    for (const zoCStringParserToken* theToken = theList->mFirstToken; theToken; theToken = theToken->mNextToken)
+    for (const zoCStringParser_Token* theToken = theList->mFirstToken; theToken; theToken = theToken->mNextToken)
         AppendDeclaration(aBuffer, theToken->mData, theToken->mDataLength);
     zoCStringParser_Delete(theList);
 }

@@ -25,9 +25,9 @@ enum
 /**
  * Writes one object as an item element, for instance the metadata that goes with a URI to be played. Values are escaped
  * and cut at a character: 255 bytes for titles, classes, names, dates, profiles, resolutions and extra attributes, 1024
- * for IDs, URIs, protocol infos and extra elements. Resources come in the order of preference: the selected URI, JPEG_TN
- * and PNG_TN thumbnails, what is not converted, the rest; once the text has passed 15360 bytes no further one is
- * written, and the number of those left out is logged.
+ * for IDs, URIs, protocol infos and extra elements. Resources come in the order of preference: the selected URI,
+ * JPEG_TN and PNG_TN thumbnails, what is not converted, the rest; once the text has passed 15360 bytes no further one
+ * is written, and the number of those left out is logged.
  * @param aMediaData             the entry record; NULL writes an empty item without resources.
  * @param aResourceInfo          the resource record, or NULL for no resources.
  * @param afIncludeHeaderFooter  0 leaves out "<DIDL-Lite" and "</DIDL-Lite>", which the caller then puts around the

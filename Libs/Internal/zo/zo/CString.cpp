@@ -31,8 +31,7 @@ zoCString::zoCString(const char* aText, size_t aLength) : mLength(aText ? strnle
 
 zoCString::zoCString(const zoCString& aString)
     : mText(CopyText(aString.mText, aString.mLength)), mLength(aString.mLength)
-{
-}
+{}
 
 zoCString::zoCString(zoCString&& aString) noexcept : mText(aString.mText), mLength(aString.mLength)
 {

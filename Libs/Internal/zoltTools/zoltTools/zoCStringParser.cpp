@@ -45,21 +45,21 @@ static size_t CountTokens(const Splitter& aSplitter, const char* aText)
 }
 
 // The tokens stand behind their list, in one block.
-static zoCStringParserTokenList* NewList(size_t aTokenCount)
+static zoCStringParser_TokenList* NewList(size_t aTokenCount)
 {
-    static_assert(alignof(zoCStringParserToken) <= alignof(zoCStringParserTokenList), "a token may follow the list");
-    if (aTokenCount > SIZE_MAX / sizeof(zoCStringParserToken) - 1) { abort(); } // more than memory can hold
-    zoCStringParserTokenList* theList = static_cast<zoCStringParserTokenList*>(
-        zoMalloc(sizeof(zoCStringParserTokenList) + aTokenCount * sizeof(zoCStringParserToken)));
-    theList->mFirstToken = static_cast<zoCStringParserToken*>(static_cast<void*>(theList + 1));
+    static_assert(alignof(zoCStringParser_Token) <= alignof(zoCStringParser_TokenList), "a token may follow the list");
+    if (aTokenCount > SIZE_MAX / sizeof(zoCStringParser_Token) - 1) { abort(); } // more than memory can hold
+    zoCStringParser_TokenList* theList = static_cast<zoCStringParser_TokenList*>(
+        zoMalloc(sizeof(zoCStringParser_TokenList) + aTokenCount * sizeof(zoCStringParser_Token)));
+    theList->mFirstToken = static_cast<zoCStringParser_Token*>(static_cast<void*>(theList + 1));
     theList->mTokenCount = aTokenCount;
     return theList;
 }
 
-static zoCStringParserTokenList* Split(const Splitter& aSplitter, const char* aText)
+static zoCStringParser_TokenList* Split(const Splitter& aSplitter, const char* aText)
 {
-    zoCStringParserTokenList* theList = NewList(CountTokens(aSplitter, aText));
-    zoCStringParserToken* theToken = theList->mFirstToken;
+    zoCStringParser_TokenList* theList = NewList(CountTokens(aSplitter, aText));
+    zoCStringParser_Token* theToken = theList->mFirstToken;
     const char* theBegin = aText;
     for (const char* theEnd = TokenEnd(aSplitter, theBegin); theEnd != aSplitter.mEnd; ++theToken)
     {
@@ -71,24 +71,24 @@ static zoCStringParserTokenList* Split(const Splitter& aSplitter, const char* aT
     return theList;
 }
 
-static zoCStringParserTokenList* Tokenize(const char* aText, size_t anOffset, size_t aLength, const char* aDelimiter,
-                                          size_t aDelimiterLength, const char* anEscape)
+static zoCStringParser_TokenList* Tokenize(const char* aText, size_t anOffset, size_t aLength, const char* aDelimiter,
+                                           size_t aDelimiterLength, const char* anEscape)
 {
     const char* theText = aText ? aText + anOffset : "";
     return Split({ theText + (aText ? aLength : 0), aDelimiter, aDelimiterLength, anEscape }, theText);
 }
 
-zoCStringParserTokenList* zoCStringParser_Tokenize(const char* aText, size_t anOffset, size_t aLength,
-                                                   const char* aDelimiter, size_t aDelimiterLength)
+zoCStringParser_TokenList* zoCStringParser_Tokenize(const char* aText, size_t anOffset, size_t aLength,
+                                                    const char* aDelimiter, size_t aDelimiterLength)
 {
     return Tokenize(aText, anOffset, aLength, aDelimiter, aDelimiterLength, nullptr);
 }
 
-zoCStringParserTokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset, size_t aLength,
-                                                          const char* aDelimiter, size_t aDelimiterLength,
-                                                          char anEscape)
+zoCStringParser_TokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset, size_t aLength,
+                                                           const char* aDelimiter, size_t aDelimiterLength,
+                                                           char anEscape)
 {
     return Tokenize(aText, anOffset, aLength, aDelimiter, aDelimiterLength, &anEscape);
 }
 
-void zoCStringParser_Delete(zoCStringParserTokenList* aList) { free(aList); }
+void zoCStringParser_Delete(zoCStringParser_TokenList* aList) { free(aList); }

@@ -9,32 +9,32 @@
 extern "C" {
 #endif
 
-typedef struct zoCStringParserToken
+typedef struct zoCStringParser_Token
 {
     const char* mData; /* mDataLength bytes of the text, not NUL-terminated */
     size_t mDataLength;
-    struct zoCStringParserToken* mNextToken; /* NULL after the last */
-} zoCStringParserToken;
+    struct zoCStringParser_Token* mNextToken; /* NULL after the last */
+} zoCStringParser_Token;
 
-typedef struct zoCStringParserTokenList
+typedef struct zoCStringParser_TokenList
 {
-    zoCStringParserToken* mFirstToken; /* never NULL: a text without a delimiter is one token, "" too */
+    zoCStringParser_Token* mFirstToken; /* never NULL: a text without a delimiter is one token, "" too */
     size_t mTokenCount;
-} zoCStringParserTokenList;
+} zoCStringParser_TokenList;
 
 /**
  * Splits aLength bytes of aText, from anOffset on, at each delimiter. Empty tokens count; blanks stay.
  * @param aDelimiter  aDelimiterLength bytes, at least one.
  * @return a new list, released with zoCStringParser_Delete.
  */
-ZOLTTOOLS_API zoCStringParserTokenList* zoCStringParser_Tokenize(const char* aText, size_t anOffset, size_t aLength,
-                                                                 const char* aDelimiter, size_t aDelimiterLength);
+ZOLTTOOLS_API zoCStringParser_TokenList* zoCStringParser_Tokenize(const char* aText, size_t anOffset, size_t aLength,
+                                                                  const char* aDelimiter, size_t aDelimiterLength);
 /** As zoCStringParser_Tokenize, but a delimiter right after anEscape does not split; the escape stays in the token. */
-ZOLTTOOLS_API zoCStringParserTokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset,
-                                                                        size_t aLength, const char* aDelimiter,
-                                                                        size_t aDelimiterLength, char anEscape);
+ZOLTTOOLS_API zoCStringParser_TokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset,
+                                                                         size_t aLength, const char* aDelimiter,
+                                                                         size_t aDelimiterLength, char anEscape);
 /** Releases the list; NULL is ignored. */
-ZOLTTOOLS_API void zoCStringParser_Delete(zoCStringParserTokenList* aList);
+ZOLTTOOLS_API void zoCStringParser_Delete(zoCStringParser_TokenList* aList);
 
 #ifdef __cplusplus
 }

@@ -6,54 +6,53 @@
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
 #ifdef __cplusplus
-extern "C"
-{
+extern "C" {
 #endif
 
-    /* A piece of a text, not NUL-terminated. */
-    typedef struct zoDLNARun_t
-    {
-        const char* mData;
-        size_t mLength;
-    } zoDLNARun_t;
+/* A piece of a text, not NUL-terminated. */
+typedef struct zoDLNARun_t
+{
+    const char* mData;
+    size_t mLength;
+} zoDLNARun_t;
 
-    /* One block: this record, the MIME parameters, the text, the profile. Everything points into the block; nothing but
-     * the user data changes after parsing. Equal fields have equal hashes, so that most comparisons end at a number. */
-    struct zoDLNAProtocolInfo_t
-    {
-        const char* mText; /* normalised, mTextLength bytes and a NUL */
-        size_t mTextLength;
-        zoDLNARun_t mProtocol;
-        zoDLNARun_t mNetwork;
-        zoDLNARun_t mMimeType;              /* type/subtype, without the parameters */
-        const zoDLNARun_t* mMimeParameters; /* sorted, ignoring case */
-        size_t mMimeParameterCount;
-        const char* mProfile; /* NUL-terminated; NULL without one */
+/* One block: this record, the MIME parameters, the text, the profile. Everything points into the block; nothing but
+ * the user data changes after parsing. Equal fields have equal hashes, so that most comparisons end at a number. */
+struct zoDLNAProtocolInfo_t
+{
+    const char* mText; /* normalised, mTextLength bytes and a NUL */
+    size_t mTextLength;
+    zoDLNARun_t mProtocol;
+    zoDLNARun_t mNetwork;
+    zoDLNARun_t mMimeType;              /* type/subtype, without the parameters */
+    const zoDLNARun_t* mMimeParameters; /* sorted, ignoring case */
+    size_t mMimeParameterCount;
+    const char* mProfile; /* NUL-terminated; NULL without one */
 
-        uint32 mProtocolHash; /* ignoring case */
-        uint32 mNetworkHash;  /* ignoring case */
-        uint32 mMimeTypeHash; /* ignoring case; the lowest bit is set for a wild card and for nothing else */
-        uint32 mProfileHash;  /* 0 without a profile and never else */
+    uint32 mProtocolHash; /* ignoring case */
+    uint32 mNetworkHash;  /* ignoring case */
+    uint32 mMimeTypeHash; /* ignoring case; the lowest bit is set for a wild card and for nothing else */
+    uint32 mProfileHash;  /* 0 without a profile and never else */
 
-        int mUserData;
-        uint8 mfConverted;
-        uint8 mfThumbnail;
-    };
+    int mUserData;
+    uint8 mfConverted;
+    uint8 mfThumbnail;
+};
 
-    /** @return a hash that ignores the case of ASCII letters. */
-    uint32 zoDLNARun_Hash(zoDLNARun_t aRun);
-    /** @return below 0, 0 or above 0, ignoring the case of ASCII letters. */
-    int zoDLNARun_Compare(zoDLNARun_t aLeft, zoDLNARun_t aRight);
-    /** Whether the two are equal, ignoring the case of ASCII letters. */
-    int zoDLNARun_Equal(zoDLNARun_t aLeft, zoDLNARun_t aRight);
-    /** @return the run without the blanks at its ends. */
-    zoDLNARun_t zoDLNARun_Trim(zoDLNARun_t aRun);
-    /**
-     * Takes the part before the next separator off the rest. The rest's mData is NULL after the last part.
-     * @param aPart out: the part without the blanks at its ends.
-     * @return 0 when there was no part left.
-     */
-    int zoDLNARun_NextPart(zoDLNARun_t* aRest, char aSeparator, zoDLNARun_t* aPart);
+/** @return a hash that ignores the case of ASCII letters. */
+uint32 zoDLNARun_Hash(zoDLNARun_t aRun);
+/** @return below 0, 0 or above 0, ignoring the case of ASCII letters. */
+int zoDLNARun_Compare(zoDLNARun_t aLeft, zoDLNARun_t aRight);
+/** Whether the two are equal, ignoring the case of ASCII letters. */
+int zoDLNARun_Equal(zoDLNARun_t aLeft, zoDLNARun_t aRight);
+/** @return the run without the blanks at its ends. */
+zoDLNARun_t zoDLNARun_Trim(zoDLNARun_t aRun);
+/**
+ * Takes the part before the next separator off the rest. The rest's mData is NULL after the last part.
+ * @param aPart out: the part without the blanks at its ends.
+ * @return 0 when there was no part left.
+ */
+int zoDLNARun_NextPart(zoDLNARun_t* aRest, char aSeparator, zoDLNARun_t* aPart);
 
 #ifdef __cplusplus
 }

@@ -409,8 +409,7 @@ struct QueryArgument
           mNameEnd(aText + strcspn(aText, "=&")),
           mName(aText),
           mValue(*mNameEnd == '=' ? mNameEnd + 1 : mNameEnd)
-    {
-    }
+    {}
     bool IsNamed(const char* aName) const
     {
         const char* thePosition = mName;

@@ -1,0 +1,111 @@
+#include "Document.h"
+
+#include <algorithm>
+#include <string_view>
+
+// Of a name in a message.
+static const size_t kMaxNameLength = 64;
+
+static char ToLower(char aCharacter)
+{
+    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter - 'A' + 'a') : aCharacter;
+}
+
+static bool IsCalled(const ILibXMLNode* aNode, std::string_view aName)
+{
+    const std::string_view theName(aNode->Name, static_cast<size_t>(aNode->NameLength));
+    return std::equal(theName.begin(), theName.end(), aName.begin(), aName.end(),
+                      [](char aLeft, char aRight) { return ToLower(aLeft) == ToLower(aRight); });
+}
+
+Document::Document(std::vector<char> aText) : mText(std::move(aText))
+{
+    Parse();
+    if (mFault.empty() && mObjects.empty() && TakeResult()) { Parse(); }
+}
+
+Document::~Document() { ILibDestructXMLNodeList(mNodes); }
+
+// What is wrong, and in which line. Only end tags before the fault know their start tags.
+static std::string DescribeFault(const ILibXMLNode* aNodes, int aResult, const std::vector<char>& aText)
+{
+    const ILibXMLNode* theNode = aNodes;
+    while (theNode->Next && (theNode->StartTag || theNode->StartingTag))
+        theNode = theNode->Next;
+    const auto theLine = std::to_string(1 + std::count(aText.data(), static_cast<const char*>(theNode->Name), '\n'));
+    if (aResult == kILibProcessXML_IncompleteXML)
+    {
+        return "not well-formed: a tag that is none, or an element without its end, in line " + theLine + " or later";
+    }
+    const std::string theName(theNode->Name, std::min(static_cast<size_t>(theNode->NameLength), kMaxNameLength));
+    return "not well-formed: the end tag of \"" + theName + "\" in line " + theLine + " has no start tag to end";
+}
+
+void Document::Parse()
+{
+    ILibDestructXMLNodeList(mNodes);
+    mNodes = ILibParseXML(mText.data(), 0, mText.size() - 1);
+    const int theResult = ILibProcessXMLNodeList(mNodes);
+    if (theResult != kILibProcessXML_NoError) { mFault = DescribeFault(mNodes, theResult, mText); }
+    else { FindObjects(); }
+}
+
+bool Document::TakeResult()
+{
+    for (ILibXMLNode* theNode = mNodes; theNode; theNode = theNode->Next)
+    {
+        const bool fIsTextOnly = theNode->StartTag && theNode->Next == theNode->ClosingTag;
+        if (!fIsTextOnly || !IsCalled(theNode, "Result")) { continue; }
+        char* theStart = nullptr;
+        const int theLength = ILibReadInnerXML(theNode, &theStart);
+        std::vector<char> theText(theStart, theStart + theLength);
+        theText.push_back('\0');
+        theText.resize(static_cast<size_t>(ILibInPlaceXmlUnEscape(theText.data())) + 1);
+        mText.swap(theText);
+        return true;
+    }
+    return false;
+}
+
+namespace
+{
+
+// What holds between the tags of an open element.
+struct Surroundings
+{
+    ILibXMLNode* mDIDL;
+    bool mfHoldsObjects;
+    bool mfInObject;
+};
+
+} // namespace
+
+void Document::FindObjects()
+{
+    std::vector<Surroundings> theOpen = { { nullptr, true, false } };
+    ILibXMLNode* theBefore = nullptr;
+    for (ILibXMLNode* theNode = mNodes; theNode; theBefore = theNode, theNode = theNode->Next)
+    {
+        if (!theNode->StartTag)
+        {
+            theOpen.pop_back();
+            continue;
+        }
+        const Surroundings theOuter = theOpen.back();
+        Surroundings theInner = { theOuter.mDIDL, false, theOuter.mfInObject };
+        const bool fIsContainer = IsCalled(theNode, "container");
+        if (theOuter.mfHoldsObjects && (fIsContainer || IsCalled(theNode, "item")))
+        {
+            mObjects.push_back({ theNode, theOuter.mDIDL, !fIsContainer, theOuter.mfInObject ? theBefore : nullptr });
+            theInner = { theOuter.mDIDL, fIsContainer, true };
+        }
+        else if (!theOuter.mfInObject && IsCalled(theNode, "DIDL-Lite")) { theInner = { theNode, true, false }; }
+        theOpen.push_back(theInner);
+    }
+
+    // From the last to the first: what comes after an object then is final.
+    for (auto theObject = mObjects.rbegin(); theObject != mObjects.rend(); ++theObject)
+    {
+        if (theObject->mBefore) { theObject->mBefore->Next = theObject->mNode->ClosingTag->Next; }
+    }
+}

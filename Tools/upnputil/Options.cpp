@@ -1,0 +1,93 @@
+#include "Options.h"
+
+#include "Output.h"
+#include "Subcommand.h"
+
+#include <string.h>
+
+int Options::BadUsage(const std::string& aMessage) const
+{
+    return Fail(std::string(mUsage.mName) + ": " + aMessage + "; see upnputil " + mUsage.mName + " --help");
+}
+
+bool Options::Refuse(const std::string& aMessage)
+{
+    mStatus = BadUsage(aMessage);
+    return false;
+}
+
+void Options::Help(Output& anOutput) const
+{
+    anOutput.Text(std::string("Usage: upnputil ") + mUsage.mName + " " + mUsage.mOperand + " " + mUsage.mSynopsis +
+                  "\n\n" + mUsage.mHelp + "\nOptions:\n");
+    for (const Option& theOption : mUsage.mOptions)
+        anOutput.Row(std::string(theOption.mName) + " " + theOption.mValue, theOption.mHelp);
+    anOutput.Row("--help", "print this text");
+}
+
+const Option* Options::Find(const std::string& aName) const
+{
+    for (const Option& theOption : mUsage.mOptions)
+    {
+        if (aName == theOption.mName) { return &theOption; }
+    }
+    return nullptr;
+}
+
+bool Options::ReadOption(const Arguments& anArguments, size_t* anIndex)
+{
+    const char* theArgument = anArguments[*anIndex];
+    const char* theEqualSign = strchr(theArgument, '=');
+    const std::string theName(theArgument,
+                              theEqualSign ? static_cast<size_t>(theEqualSign - theArgument) : strlen(theArgument));
+    const Option* theOption = Find(theName);
+    if (!theOption) { return Refuse("no option is called \"" + theName + "\""); }
+    if (!theOption->mfRepeats && Get(theOption->mName)) { return Refuse(theName + " is given twice"); }
+    if (!theEqualSign && ++*anIndex == anArguments.size())
+    {
+        return Refuse(theName + " needs a value (" + theOption->mValue + ")");
+    }
+    mGiven.push_back({ theOption, theEqualSign ? theEqualSign + 1 : anArguments[*anIndex] });
+    return true;
+}
+
+bool Options::ReadOperand(const char* anArgument)
+{
+    if (mOperand) { return Refuse("\"" + std::string(anArgument) + "\" is one argument too many"); }
+    mOperand = anArgument;
+    return true;
+}
+
+bool Options::Read(const Arguments& anArguments, Output& anOutput)
+{
+    bool fOptionsEnded = false;
+    for (size_t i = 0; i < anArguments.size(); ++i)
+    {
+        const char* theArgument = anArguments[i];
+        const bool fIsOperand = fOptionsEnded || theArgument[0] != '-' || theArgument[1] == '\0';
+        if (!fIsOperand && strcmp(theArgument, "--help") == 0)
+        {
+            Help(anOutput);
+            return false;
+        }
+        if (!fIsOperand && strcmp(theArgument, "--") == 0) { fOptionsEnded = true; }
+        else if (!(fIsOperand ? ReadOperand(theArgument) : ReadOption(anArguments, &i))) { return false; }
+    }
+    return mOperand || Refuse(std::string(mUsage.mOperand) + " is missing");
+}
+
+const char* Options::Get(const char* aName) const
+{
+    const std::vector<const char*> theValues = GetAll(aName);
+    return theValues.empty() ? nullptr : theValues.front();
+}
+
+std::vector<const char*> Options::GetAll(const char* aName) const
+{
+    std::vector<const char*> theValues;
+    for (const Given& theGiven : mGiven)
+    {
+        if (strcmp(theGiven.mOption->mName, aName) == 0) { theValues.push_back(theGiven.mValue); }
+    }
+    return theValues;
+}

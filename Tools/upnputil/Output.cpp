@@ -1,0 +1,140 @@
+#include "Output.h"
+
+#include "Subcommand.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <unistd.h>
+
+static const size_t kPieceSize = 65536;
+static const size_t kHelpColumn = 22;
+
+// The length of the UTF-8 character that aText, not empty, begins with; 0 when it begins with none.
+static size_t CharacterLength(std::string_view aText)
+{
+    const auto theByte = [aText](size_t anIndex) { return static_cast<unsigned char>(aText[anIndex]); };
+    const unsigned char theFirst = theByte(0);
+    if (theFirst < 0x80) { return 1; }
+    const size_t theLength = theFirst >= 0xF0 ? 4 : theFirst >= 0xE0 ? 3 : 2;
+    if (theFirst < 0xC2 || theFirst > 0xF4 || aText.size() < theLength) { return 0; }
+    for (size_t i = 1; i < theLength; ++i)
+    {
+        if ((theByte(i) & 0xC0) != 0x80) { return 0; }
+    }
+    const unsigned char theSecond = theByte(1);
+    const bool fIsOverlong = (theFirst == 0xE0 && theSecond < 0xA0) || (theFirst == 0xF0 && theSecond < 0x90);
+    const bool fIsNoCharacter = (theFirst == 0xED && theSecond > 0x9F) || (theFirst == 0xF4 && theSecond > 0x8F);
+    return fIsOverlong || fIsNoCharacter ? 0 : theLength;
+}
+
+// Whether a character can be printed as it is: not a control character, and not one that some reader takes for a line
+// end (U+0085, U+2028, U+2029).
+static bool IsPlain(std::string_view aCharacter)
+{
+    if (aCharacter.empty()) { return false; }
+    const unsigned char theFirst = static_cast<unsigned char>(aCharacter[0]);
+    if (aCharacter.size() == 1) { return theFirst >= 0x20 && theFirst != 0x7F && theFirst != '\\'; }
+    if (aCharacter.size() == 2) { return theFirst != 0xC2 || static_cast<unsigned char>(aCharacter[1]) >= 0xA0; }
+    return aCharacter != "\xE2\x80\xA8" && aCharacter != "\xE2\x80\xA9";
+}
+
+static void AppendByte(std::string& aTarget, char aByte)
+{
+    static const char kDigits[] = "0123456789ABCDEF";
+    const unsigned char theByte = static_cast<unsigned char>(aByte);
+    switch (aByte)
+    {
+    case '\n': aTarget += "\\n"; break;
+    case '\r': aTarget += "\\r"; break;
+    case '\t': aTarget += "\\t"; break;
+    case '\\': aTarget += "\\\\"; break;
+    default: (aTarget += "\\x") += { kDigits[theByte >> 4], kDigits[theByte & 15] }; break;
+    }
+}
+
+static void AppendEscaped(std::string& aTarget, std::string_view aText)
+{
+    while (!aText.empty())
+    {
+        const size_t theLength = CharacterLength(aText);
+        const std::string_view theCharacter = aText.substr(0, theLength);
+        if (IsPlain(theCharacter)) { aTarget += theCharacter; }
+        else
+        {
+            for (const char theByte : aText.substr(0, theLength == 0 ? 1 : theLength))
+                AppendByte(aTarget, theByte);
+        }
+        aText.remove_prefix(theLength == 0 ? 1 : theLength);
+    }
+}
+
+std::string Escaped(std::string_view aText)
+{
+    std::string theText;
+    theText.reserve(aText.size());
+    AppendEscaped(theText, aText);
+    return theText;
+}
+
+void Output::Fact(std::string_view aName, std::string_view aValue)
+{
+    mBuffer += mSubject;
+    AppendEscaped(mBuffer, aName);
+    mBuffer += ": ";
+    AppendEscaped(mBuffer, aValue);
+    mBuffer += '\n';
+    WriteWhenFull();
+}
+
+void Output::FactIfAny(std::string_view aName, std::string_view aValue)
+{
+    if (!aValue.empty()) { Fact(aName, aValue); }
+}
+
+void Output::Text(std::string_view aText)
+{
+    mBuffer += aText;
+    WriteWhenFull();
+}
+
+void Output::Row(std::string_view aName, std::string_view aHelp)
+{
+    std::string theName = "  " + std::string(aName);
+    theName.resize(theName.size() < kHelpColumn - 1 ? kHelpColumn : theName.size() + 1, ' ');
+    Text(theName + std::string(aHelp) + "\n");
+}
+
+void Output::WriteWhenFull()
+{
+    if (mBuffer.size() >= kPieceSize) { Finish(); }
+}
+
+int Output::Finish()
+{
+    for (size_t theWritten = 0; mError == 0 && theWritten < mBuffer.size();)
+    {
+        const ssize_t theSize = write(STDOUT_FILENO, mBuffer.data() + theWritten, mBuffer.size() - theWritten);
+        if (theSize >= 0) { theWritten += static_cast<size_t>(theSize); }
+        else if (errno != EINTR) { mError = errno; }
+    }
+    mBuffer.clear();
+    return mError;
+}
+
+void Say(const std::string& aMessage)
+{
+    const std::string theLine = "upnputil: " + Escaped(aMessage) + "\n";
+    fwrite(theLine.data(), 1, theLine.size(), stderr);
+}
+
+int Fail(const std::string& aMessage)
+{
+    Say(aMessage);
+    return kExit_Bad;
+}
+
+int FailToFind(const std::string& aMessage)
+{
+    Say(aMessage);
+    return kExit_NotFound;
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/* Standard output, written in large pieces. Facts are lines "name: value": whatever a value holds, it can't look like
+ * the end of its line or like another line. */
+class Output
+{
+public:
+    /** Words in front of the names of the facts that follow ("object 0 "). */
+    void SetSubject(std::string aSubject) { mSubject = std::move(aSubject); }
+    void Fact(std::string_view aName, std::string_view aValue);
+    /** As Fact, but nothing for "". */
+    void FactIfAny(std::string_view aName, std::string_view aValue);
+
+    /** Text of our own, as it is. */
+    void Text(std::string_view aText);
+    /** One line of a help text's table. */
+    void Row(std::string_view aName, std::string_view aHelp);
+
+    /** Writes what is left. @return 0, or the error number of the first write that failed. */
+    int Finish();
+
+private:
+    void WriteWhenFull();
+
+    std::string mBuffer;
+    std::string mSubject;
+    int mError = 0; // once it is set nothing is written any more
+};
+
+/** @return aText with line ends, other control characters, bytes that are no UTF-8, and the backslash written as "\n",
+ *          "\r", "\t", "\\" or "\xHH". */
+std::string Escaped(std::string_view aText);
+
+/** Says something on standard error, in one line. */
+void Say(const std::string& aMessage);
+/** Says on standard error, in one line, why the program can't do what it was asked for. @return kExit_Bad. */
+int Fail(const std::string& aMessage);
+/** Says on standard error, in one line, what there is not. @return kExit_NotFound. */
+int FailToFind(const std::string& aMessage);

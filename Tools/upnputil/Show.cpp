@@ -1,0 +1,268 @@
+#include "Document.h"
+#include "Input.h"
+#include "MediaObject.h"
+#include "Subcommand.h"
+
+#include <UPnP/Utilities/UPnPDIDL.h>
+#include <UPnP/Utilities/UPnPUtility.h>
+#include <stdio.h>
+#include <string.h>
+#include <zoltTools/zoCStringParser.h>
+#include <zoltTools/zoURI.h>
+
+static const Usage kUsage = {
+    "show",
+    "[OPTION...]",
+    "FILE",
+    "Prints every field of every object of a DIDL-Lite document, or of the response to a Browse action.\n"
+    "FILE holds any number of objects; \"-\" is standard input.\n",
+    {
+        { "--base", "URL", false, "what relative URIs of resources are resolved against" },
+    },
+};
+
+namespace
+{
+
+enum FieldKind
+{
+    kText,
+    kNumber,  // 0: not set
+    kCount,   // 0xFFFFFFFF: not set
+    kBitRate, // both: not set
+    kTime     // 0: not set
+};
+
+// A field of the entry record or of the resource record.
+struct Field
+{
+    uint16 mTag;
+    FieldKind mKind;
+    const char* mName;
+};
+
+struct Flag
+{
+    uint32 mBit;
+    const char* mName;
+};
+
+} // namespace
+
+static const Field kEntryFields[] = {
+    { kCDSEntryInfo_ItemID, kText, "id" },
+    { kCDSEntryInfo_ParentID, kText, "parent id" },
+    { kCDSEntryInfo_RefID, kText, "ref id" },
+    { kCDSEntryInfo_ItemClassName, kText, "class" },
+    { kCDSEntryInfo_Title, kText, "title" },
+    { kCDSEntryInfo_Creator, kText, "creator" },
+    { kCDSEntryInfo_Date, kText, "date" },
+    { kCDSEntryInfo_Genre, kText, "genre" },
+    { kCDSEntryInfo_Album, kText, "album" },
+    { kCDSEntryInfo_ChannelNr, kNumber, "channel number" },
+    { kCDSEntryInfo_ChildCount, kCount, "child count" },
+    { kCDSEntryInfo_UpdateID, kNumber, "update id" },
+    { kCDSEntryInfo_CreateClass, kText, "create class" },
+    { kCDSEntryInfo_StorageMedium, kText, "storage medium" },
+    { kCDSEntryInfo_BGMURI, kText, "background music uri" },
+    { kCDSEntryInfo_BGMURIProtocolInfo, kText, "background music protocol info" },
+};
+
+static const Field kResourceFields[] = {
+    { kCDSResourceInfo_URI, kText, "uri" },
+    { kCDSResourceInfo_ProtocolInfo, kText, "protocol info" },
+    { kCDSResourceInfo_Resolution, kText, "resolution" },
+    { kCDSResourceInfo_Duration, kTime, "duration" },
+    { kCDSResourceInfo_BitRate, kBitRate, "bit rate" },
+    { kCDSResourceInfo_ColorDepth, kNumber, "color depth" },
+    { kCDSResourceInfo_Size, kNumber, "size" },
+    { kCDSResourceInfo_AudioChannelCount, kNumber, "audio channels" },
+    { kCDSResourceInfo_TrackTotal, kNumber, "track total" },
+    { kCDSResourceInfo_IFOFileURI, kText, "ifo file uri" },
+    { kCDSResourceInfo_ImportURI, kText, "import uri" },
+    { kCDSResourceInfo_ResumeUpload, kNumber, "resume upload" },
+    { kCDSResourceInfo_UploadedSize, kNumber, "uploaded size" },
+    { kCDSResourceInfo_LifeTime, kTime, "lifetime" },
+    { kCDSResourceInfo_DTCPUploadInfo, kText, "dtcp upload info" },
+};
+
+static const Flag kFlags[] = {
+    { kDIDL_Flags_Restricted, "restricted" },
+    { kDIDL_Flags_Searchable, "searchable" },
+};
+
+static const Flag kManagedFlags[] = {
+    { kDLNAManaged_UploadContent, "upload content" },   { kDLNAManaged_CreateChildContainer, "create child container" },
+    { kDLNAManaged_DestroyItem, "destroy item" },       { kDLNAManaged_UploadWithDestroy, "upload with destroy" },
+    { kDLNAManaged_ChangeMetaData, "change metadata" },
+};
+
+static std::string TimeText(uint32 aSeconds)
+{
+    char theText[sizeof(kUPnP_UnknownTimeString)];
+    UPnPUtil_SetTimeString(theText, aSeconds);
+    return theText + (aSeconds == kUPnP_UnknownTime ? "" : " (" + std::to_string(aSeconds) + " s)");
+}
+
+static bool IsSet(FieldKind aKind, uint64 aValue)
+{
+    if ((aKind == kCount || aKind == kBitRate) && aValue == 0xFFFFFFFFu) { return false; }
+    return aKind == kCount || aValue != 0;
+}
+
+static void PrintField(const Field& aField, const zoPackedData_t* aRecord, uint32 anEntry, Output& anOutput)
+{
+    if (aField.mKind == kText)
+    {
+        const char* theText = zoPackedData_GetData(aRecord, anEntry, aField.mTag, nullptr);
+        anOutput.FactIfAny(aField.mName, theText ? theText : "");
+        return;
+    }
+    const uint64 theValue = zoPackedData_GetDataAsUInt64(aRecord, anEntry, aField.mTag);
+    if (!IsSet(aField.mKind, theValue)) { return; }
+    anOutput.Fact(aField.mName,
+                  aField.mKind == kTime ? TimeText(static_cast<uint32>(theValue)) : std::to_string(theValue));
+}
+
+template <size_t kSize>
+static std::string FlagWords(const Flag (&aTable)[kSize], uint32 aFlags)
+{
+    std::string theWords;
+    for (const Flag& theFlag : aTable)
+    {
+        if (aFlags & theFlag.mBit) { (theWords += theWords.empty() ? "" : ", ") += theFlag.mName; }
+    }
+    return theWords.empty() ? "none" : theWords;
+}
+
+static void PrintFlags(CDSEntryInfo& anEntry, Output& anOutput)
+{
+    const uint32 theFlags = static_cast<uint32>(anEntry.GetInfoAsULong(kCDSEntryInfo_Flags));
+    anOutput.Fact("flags", FlagWords(kFlags, theFlags) + " (" + std::to_string(theFlags) + ")");
+    const uint32 theManaged = static_cast<uint32>(anEntry.GetInfoAsULong(kCDSEntryInfo_DLNAManaged));
+    if (theManaged == 0) { return; }
+    char theNumber[sizeof(" (0x00000000)")];
+    snprintf(theNumber, sizeof theNumber, " (0x%08X)", static_cast<unsigned>(theManaged));
+    anOutput.Fact("dlna managed", FlagWords(kManagedFlags, theManaged) + theNumber);
+}
+
+static void PrintAlbumArt(CDSEntryInfo& anEntry, Output& anOutput)
+{
+    zoArray_t* thePairs =
+        zoPackedData_GetDataArray(anEntry.mPackedData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
+    zoArray_SetFreeFunc(thePairs, zoStringArray_FreeFunc);
+    for (size_t i = 0; i + 1 < zoArray_GetCount(thePairs); i += 2)
+    {
+        const std::string theName = "album art " + std::to_string(i / 2);
+        anOutput.Fact(theName + " uri", static_cast<const char*>(zoArray_At(thePairs, i)));
+        anOutput.FactIfAny(theName + " profile", static_cast<const char*>(zoArray_At(thePairs, i + 1)));
+    }
+    zoArray_Delete(thePairs);
+}
+
+// A declaration as it was in the document: the list protects commas with a backslash.
+static std::string Declaration(std::string_view aText)
+{
+    std::string theText;
+    for (size_t i = 0; i < aText.size(); ++i)
+    {
+        if (aText.substr(i, 2) != "\\,") { theText += aText[i]; }
+    }
+    return theText;
+}
+
+static void PrintNamespaces(CDSEntryInfo& anEntry, Output& anOutput)
+{
+    const zoCString theList = anEntry.GetInfoAsCString(kCDSEntryInfo_XMLNS);
+    if (theList.IsEmpty()) { return; }
+    zoCStringParserTokenList* theTokens =
+        zoCStringParser_TokenizeEscaped(theList.c_str(), 0, theList.length(), ",", 1, '\\');
+    size_t theIndex = 0;
+    for (const zoCStringParserToken* theToken = theTokens->mFirstToken; theToken; theToken = theToken->mNextToken)
+        anOutput.Fact("namespace " + std::to_string(theIndex++),
+                      Declaration({ theToken->mData, theToken->mDataLength }));
+    zoCStringParser_Delete(theTokens);
+}
+
+static std::string ExtraName(int anIndex, const zoCString& aName)
+{
+    return "extra " + std::to_string(anIndex) + " " + aName.c_str();
+}
+
+static void PrintEntry(MediaObject& anObject, Output& anOutput)
+{
+    CDSEntryInfo& theEntry = anObject.mEntry;
+    anOutput.Fact("kind", anObject.GetKind());
+    for (const Field& theField : kEntryFields)
+        PrintField(theField, theEntry.mPackedData, 0, anOutput);
+    PrintFlags(theEntry, anOutput);
+    PrintAlbumArt(theEntry, anOutput);
+    PrintNamespaces(theEntry, anOutput);
+    const int theCount = theEntry.GetExtraInfoCount();
+    for (int i = 0; i < theCount; ++i)
+        anOutput.Fact(ExtraName(i, theEntry.GetExtraInfoName(i)), theEntry.GetExtraInfoData(i).c_str());
+}
+
+static void PrintResource(CDSResourceInfo& aResources, uint32 anIndex, Output& anOutput)
+{
+    for (const Field& theField : kResourceFields)
+        PrintField(theField, aResources.mPackedData, anIndex, anOutput);
+    const int theCount = aResources.GetExtraInfoCount(anIndex);
+    for (int i = 0; i < theCount; ++i)
+    {
+        anOutput.Fact(ExtraName(i, aResources.GetExtraInfoName(anIndex, i)),
+                      aResources.GetExtraInfoData(anIndex, i).c_str());
+    }
+}
+
+static void PrintObject(const DocumentObject& anObject, size_t anIndex, const char* aBaseURL, Output& anOutput)
+{
+    char* theEntry = nullptr;
+    char* theResources = nullptr;
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(anObject.mNode);
+    const int theResult = UPnPDIDL_Parse(aBaseURL, anObject.mDIDL, anObject.mNode, theAttributes, anObject.mfIsItem,
+                                         &theEntry, &theResources);
+    ILibDestructXMLAttributeList(theAttributes);
+
+    MediaObject theObject(theEntry, theResources);
+    const std::string theSubject = "object " + std::to_string(anIndex) + " ";
+    anOutput.SetSubject(theSubject);
+    PrintEntry(theObject, anOutput);
+    if (!theResult) { anOutput.Fact("invalid", "\"restricted\" or \"searchable\" is neither true nor false"); }
+    const uint32 theCount = theObject.mResources.GetResourceCount();
+    anOutput.Fact("resources", std::to_string(theCount));
+    for (uint32 i = 0; i < theCount; ++i)
+    {
+        anOutput.SetSubject(theSubject + "resource " + std::to_string(i) + " ");
+        PrintResource(theObject.mResources, i, anOutput);
+    }
+}
+
+static bool IsAbsoluteURL(const char* aURL)
+{
+    zoURI* theURI = zoURI_NewFromEscapedStr(aURL);
+    const bool fIsAbsolute = theURI && theURI->mScheme && *theURI->mScheme;
+    zoURI_Delete(theURI);
+    return fIsAbsolute;
+}
+
+int Show(const Arguments& anArguments, Output& anOutput)
+{
+    Options theOptions(kUsage);
+    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
+    const char* theBaseURL = theOptions.Get("--base");
+    if (theBaseURL && !IsAbsoluteURL(theBaseURL)) { return theOptions.BadUsage("--base needs an absolute URL"); }
+
+    std::vector<char> theText;
+    if (!ReadInput(theOptions.Operand(), theText)) { return kExit_Bad; }
+    const Document theDocument(std::move(theText));
+    const std::string theName = InputName(theOptions.Operand());
+    if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
+    const std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
+    if (theObjects.empty()) { return FailToFind(theName + ": no object"); }
+    for (size_t i = 0; i < theObjects.size(); ++i)
+        PrintObject(theObjects[i], i, theBaseURL, anOutput);
+    anOutput.SetSubject("");
+    anOutput.Fact("objects", std::to_string(theObjects.size()));
+    return kExit_Done;
+}
