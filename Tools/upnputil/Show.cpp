@@ -178,7 +178,7 @@ static void PrintNamespaces(CDSEntryInfo& anEntry, Output& anOutput)
     zoCStringParserTokenList* theTokens =
         zoCStringParser_TokenizeEscaped(theList.c_str(), 0, theList.length(), ",", 1, '\\');
     size_t theIndex = 0;
-    for (const zoCStringParserToken* theToken = theTokens->mFirstToken; theToken; theToken = theToken->mNextToken)
+    for (const zoCStringParser_Token* theToken = theTokens->mFirstToken; theToken; theToken = theToken->mNextToken)
         anOutput.Fact("namespace " + std::to_string(theIndex++),
                       Declaration({ theToken->mData, theToken->mDataLength }));
     zoCStringParser_Delete(theTokens);
