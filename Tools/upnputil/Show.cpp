@@ -175,7 +175,7 @@ static void PrintNamespaces(CDSEntryInfo& anEntry, Output& anOutput)
 {
     const zoCString theList = anEntry.GetInfoAsCString(kCDSEntryInfo_XMLNS);
     if (theList.IsEmpty()) { return; }
-    zoCStringParserTokenList* theTokens =
+    zoCStringParser_TokenList* theTokens =
         zoCStringParser_TokenizeEscaped(theList.c_str(), 0, theList.length(), ",", 1, '\\');
     size_t theIndex = 0;
     for (const zoCStringParser_Token* theToken = theTokens->mFirstToken; theToken; theToken = theToken->mNextToken)
