@@ -23,7 +23,8 @@ struct Row
 {
     uint32 mOffset; // where the value's bytes begin, counted from the block's begin
     uint16 mTag;
-    uint16 mSorted; // in row k of an entry: the position, in the entry, of the row with the k-th smallest tag
+    uint16 mSorted; // in row k of an entry of more than kMostUnsorted rows: the position, in the entry, of the row with
+                    // the k-th smallest tag; else 0
 };
 
 const uint32 kMagic = 0x7A6F5044; // "zoPD"
@@ -32,6 +33,7 @@ const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxRowsPerEntry = 0xFFFF;
 const uint16 kNoPosition = 0xFFFF; // a position is below kMaxRowsPerEntry
 const size_t kFirstBlockSize = 1000;
+const uint32 kMostUnsorted = 32; // rows of an entry that are looked through faster than found by their order
 const uint32 kFewTags = 64;
 const uint32 kFewRows = 48;
 const uint32 kFewEntries = 4;
@@ -71,11 +73,17 @@ struct zoPackedData_t
 
 // ---- Reading rows and entries, wherever they are ----
 
+// The rows as bytes: in a block they are not aligned.
+static const char* RowBytes(const zoPackedData_t* aRecord)
+{
+    return aRecord->mfSerialized ? aRecord->mBlock + aRecord->mValuesEnd
+                                 : reinterpret_cast<const char*>(aRecord->mRows);
+}
+
 static Row RowAt(const zoPackedData_t* aRecord, uint32 anIndex)
 {
-    if (!aRecord->mfSerialized) { return aRecord->mRows[anIndex]; }
     Row theRow;
-    memcpy(&theRow, aRecord->mBlock + aRecord->mValuesEnd + size_t{ anIndex } * sizeof(Row), sizeof(Row));
+    memcpy(&theRow, RowBytes(aRecord) + size_t{ anIndex } * sizeof(Row), sizeof(Row));
     return theRow;
 }
 
@@ -115,6 +123,36 @@ static bool HasEntry(const zoPackedData_t* aRecord, uint32 anEntry)
     return aRecord && anEntry < aRecord->mEntryCount;
 }
 
+// The position in the entry of the row with the tag; the number of its rows when there is none.
+static uint32 FindAmongFew(const zoPackedData_t* aRecord, uint32 aBegin, uint32 aCount, uint16 aTag)
+{
+    const char* theTags = RowBytes(aRecord) + size_t{ aBegin } * sizeof(Row) + offsetof(Row, mTag);
+    for (uint32 thePosition = 0; thePosition < aCount; ++thePosition)
+    {
+        uint16 theTag;
+        memcpy(&theTag, theTags + thePosition * sizeof(Row), sizeof(theTag));
+        if (theTag == aTag) { return thePosition; }
+    }
+    return aCount;
+}
+
+// As FindAmongFew, by the rows' order of tags.
+static uint32 FindAmongMany(const zoPackedData_t* aRecord, uint32 aBegin, uint32 aCount, uint16 aTag)
+{
+    uint32 theLow = 0;
+    uint32 theHigh = aCount;
+    while (theLow < theHigh)
+    {
+        const uint32 theMiddle = theLow + (theHigh - theLow) / 2;
+        const uint32 thePosition = RowAt(aRecord, aBegin + theMiddle).mSorted;
+        const uint16 theTag = RowAt(aRecord, aBegin + thePosition).mTag;
+        if (theTag == aTag) { return thePosition; }
+        if (theTag < aTag) { theLow = theMiddle + 1; }
+        else { theHigh = theMiddle; }
+    }
+    return aCount;
+}
+
 // The index of the entry's row with the tag; the row count when there is none.
 static uint32 FindRow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
@@ -124,19 +162,10 @@ static uint32 FindRow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag
         const uint16 thePosition = aTag < aRecord->mPositionCapacity ? aRecord->mPositions[aTag] : kNoPosition;
         return thePosition != kNoPosition ? theBegin + thePosition : aRecord->mRowCount;
     }
-
-    uint32 theLow = 0;
-    uint32 theHigh = EntryEnd(aRecord, anEntry) - theBegin;
-    while (theLow < theHigh)
-    {
-        const uint32 theMiddle = theLow + (theHigh - theLow) / 2;
-        const uint32 theRow = theBegin + RowAt(aRecord, theBegin + theMiddle).mSorted;
-        const uint16 theTag = RowAt(aRecord, theRow).mTag;
-        if (theTag == aTag) { return theRow; }
-        if (theTag < aTag) { theLow = theMiddle + 1; }
-        else { theHigh = theMiddle; }
-    }
-    return aRecord->mRowCount;
+    const uint32 theCount = EntryEnd(aRecord, anEntry) - theBegin;
+    const uint32 thePosition = theCount <= kMostUnsorted ? FindAmongFew(aRecord, theBegin, theCount, aTag)
+                                                         : FindAmongMany(aRecord, theBegin, theCount, aTag);
+    return thePosition < theCount ? theBegin + thePosition : aRecord->mRowCount;
 }
 
 const char* zoPackedData_GetData(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, size_t* aSize)
@@ -299,6 +328,7 @@ static void SortOpenEntry(zoPackedData_t* aRecord)
 {
     Row* theRows = aRecord->mRows + aRecord->mOpenBegin;
     const uint32 theCount = aRecord->mRowCount - aRecord->mOpenBegin;
+    if (theCount <= kMostUnsorted) { return; }
     if (aRecord->mMaxTag / 16 < theCount) // tags are dense: walk them in order
     {
         uint32 theSorted = 0;
@@ -512,6 +542,7 @@ char* zoPackedData_TakeData(zoPackedData_t* aRecord)
 // Whether the entry's rows hold each position once, in the order of tags that grow.
 static bool IsSorted(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
 {
+    if (anEnd - aBegin <= kMostUnsorted) { return true; }
     int32 theLast = -1;
     for (uint32 i = aBegin; i < anEnd; ++i)
     {
