@@ -244,7 +244,7 @@ void Register(const std::string& aName, const std::function<std::string(int64_t)
                                  [aDocument](benchmark::State& aState) { Growth(aState, aDocument); })
         ->RangeMultiplier(10)
         ->Range(aFrom, aTo)
-        ->Complexity(benchmark::oAuto);
+        ->Complexity(benchmark::oN);
 }
 
 // The whole road over many resources, from the text to the written choice.
@@ -257,7 +257,7 @@ void BM_RoadOfResources(benchmark::State& aState)
     aState.SetComplexityN(aState.range(0));
     zoDLNAProtocolInfoList_Delete(theSink);
 }
-BENCHMARK(BM_RoadOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oAuto);
+BENCHMARK(BM_RoadOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
 
 // ---- Ratios ----
 

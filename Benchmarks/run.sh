@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# Builds as shipped and measures: allocations per operation, times and ratios, and how time grows. Arguments go to Google
-# Benchmark; without any, the ratios alone are measured, with repetitions.
+# Builds as shipped and measures: allocations per operation, and times and ratios over the documents of real servers.
+# ./run.sh --growth measures how time grows with the input; other arguments go to Google Benchmark. Wants a quiet machine.
 set -euo pipefail
-cd "$(dirname "$0")/.."
-cmake --preset bench >/dev/null
-cmake --build --preset bench --target Benchmarks MemoryReport >/dev/null
-build/bench/bin/MemoryReport
-if [ $# -gt 0 ]; then
-    exec build/bench/bin/Benchmarks "$@"
-fi
-exec build/bench/bin/Benchmarks --benchmark_filter='BM_(Parse|Road|Write|PugixmlParse|PugixmlParseAndCopy|Libxml2Parse)$' \
-    --benchmark_repetitions=15 --benchmark_report_aggregates_only --benchmark_enable_random_interleaving=true \
-    --benchmark_min_time=0.05
+root=$(cd "$(dirname "$0")/.." && pwd -P)
+. "$root/CMake/dependencies.sh"
+. "$root/CMake/build.sh"
+
+require cmake ninja-build g++ ccache libbenchmark-dev libpugixml-dev libxml2-dev
+build bench "$root/build/bench" all
+"$root/build/bench/bin/MemoryReport"
+case ${1-} in
+"") set -- --benchmark_filter='BM_(Parse|Write|Road|PugixmlParse|PugixmlParseAndCopy|Libxml2Parse)$' \
+    --benchmark_repetitions=15 --benchmark_report_aggregates_only --benchmark_min_time=0.1 ;;
+--growth) set -- --benchmark_filter='BM_(Growth|RoadOfResources)' --benchmark_min_time=0.1 ;;
+esac
+exec "$root/build/bench/bin/Benchmarks" "$@"

@@ -10,6 +10,9 @@ has_package() {
     g++) command -v g++ && command -v gcc ;;
     g++-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
+    libbenchmark-dev) [ -e /usr/include/benchmark/benchmark.h ] ;;
+    libpugixml-dev) [ -e /usr/include/pugixml.hpp ] ;;
+    libxml2-dev) [ -e /usr/include/libxml2/libxml/parser.h ] ;;
     clang) command -v clang && command -v clang++ ;;
     libclang-rt-14-dev) compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' ;;
     *) false ;;
