@@ -515,6 +515,14 @@ TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
         if (strcmp(theName, "x:stored") == 0) { EXPECT_GT(TextOf(theObject.mEntry, 0, 22).size(), kLevels); }
     }
 
+    // What some elements store is not missing for others.
+    std::string theDeep = std::string(20000, 'x');
+    for (int i = 0; i < 10; ++i)
+        theDeep = "<a:b>" + theDeep + "</a:b>";
+    const ParsedObject theOther(Item("", theDeep + "<res>u</res><upnp:albumArtURI>v</upnp:albumArtURI>"));
+    EXPECT_EQ("u", TextOf(theOther.mResources, 0, kCDSResourceInfo_URI));
+    EXPECT_EQ("v", TextOf(theOther.mEntry, 0, kCDSEntryInfo_AlbumArtURI));
+
     std::string theMany;
     for (int i = 0; i < 33000; ++i)
         theMany += "<x:e>" + std::to_string(i) + "</x:e>";

@@ -189,7 +189,7 @@ TEST(zoDLNAProtocolInfoListTest, RanksByTransport)
     static const char* const kCases[][3] = {
         // order, supported, the elements in the order of draining
         { "*", "", "0123456" },
-        { "*", "rtsp-rtp-udp,HTTP-GET", "01345" }, // "*" (4) always takes part
+        { "*", "rtsp-rtp-udp,HTTP-GET", "0135" }, // an element's "*" (4) is a name like others
         { "*", "http-get,*", "0123456" },
         { "http", "", "1356" },
         { "rtsp , http,*", "", "0135624" },

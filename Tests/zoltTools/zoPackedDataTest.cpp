@@ -81,6 +81,16 @@ TEST(zoPackedDataTest, ReadsWhatWasAddedInEveryForm)
     theFilled.mPlain.back().emplace_back(65000, "last");
     theFilled.mPlain.push_back(theFilled.mPlain[0]);
     ExpectSame(theFilled.mPlain, theLonger);
+
+    // A record that was emptied can be filled again, and emptied when it is empty.
+    for (zoPackedData_t* theRecord : { theFilled.mRecord, theRead })
+    {
+        free(zoPackedData_TakeData(theRecord));
+        free(zoPackedData_TakeData(theRecord));
+        EXPECT_EQ(20u, zoPackedData_GetMemoryUsage(theRecord));
+        zoPackedData_CopyEntry(theLonger, 0, theRecord);
+        ExpectSame({ theFilled.mPlain[0] }, theRecord);
+    }
     for (zoPackedData_t* theRecord : { theFilled.mRecord, theCopy, theRead, theLonger })
         zoPackedData_Free(theRecord);
 }
@@ -173,6 +183,26 @@ TEST(zoPackedDataTest, SurvivesDamagedBlocks)
     }
     EXPECT_GT(theEmptyCount, 300);
     free(theBlock);
+}
+
+// A tag that comes twice would be found once and then lost.
+TEST(zoPackedDataTest, RefusesRepeatedTags)
+{
+    for (const uint16 theTag : Tags{ 7, 700 })
+    {
+        zoPackedData_t* theRecord = zoPackedData_New(1);
+        zoPackedData_AddNewEntry(theRecord);
+        zoPackedData_AddData(theRecord, 1, "a", 1);
+        zoPackedData_AddData(theRecord, 2, "b", 1);
+        char* theBlock = zoPackedData_TakeData(theRecord);
+        zoPackedData_Free(theRecord);
+        for (const size_t theRow :
+             { 18, 26 }) // behind the header and two bytes: rows of 8 bytes, the tag in the middle
+            memcpy(theBlock + theRow + 4, &theTag, sizeof(theTag));
+        theRecord = zoPackedData_NewData(theBlock);
+        EXPECT_EQ(0u, zoPackedData_GetEntryCount(theRecord));
+        zoPackedData_Free(theRecord);
+    }
 }
 
 TEST(zoArrayTest, KeepsStringsThroughTheRecord)

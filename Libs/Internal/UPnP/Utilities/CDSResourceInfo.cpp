@@ -85,14 +85,21 @@ uint16 CDSResourceInfo::GetExtraInfoCount(uint32 aResourceIndex)
 }
 
 // The tag of a pair's name, the pairs being counted in the order in which they were stored; 0 when there are not that
-// many. A record made by the parser begins with its pairs, so the first look usually finds it.
+// many. A record made by the parser begins with its pairs, in the order of their tags, so the first look finds it.
 static uint16 FindNameTag(const zoPackedData_t* aRecord, uint32 anEntry, int anIndex)
 {
     const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
     if (anIndex < 0 || static_cast<uint32>(anIndex) >= theTagCount / 2) { return 0; }
+    const auto theHasOwnTag = [=](uint32 aPosition)
+    {
+        const uint16 thePosition = static_cast<uint16>(aPosition);
+        return zoPackedData_GetTagAt(aRecord, anEntry, thePosition) == kCDSResourceInfo_Count + aPosition;
+    };
     const uint32 theGuess = 2 * static_cast<uint32>(anIndex);
-    const uint16 theTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(theGuess));
-    if (theTag == kCDSResourceInfo_Count + theGuess) { return theTag; }
+    if (theHasOwnTag(0) && theHasOwnTag(theGuess) && (theGuess == 0 || theHasOwnTag(theGuess - 1)))
+    {
+        return static_cast<uint16>(kCDSResourceInfo_Count + theGuess);
+    }
 
     int theIndex = 0;
     for (uint32 thePosition = 0; thePosition < theTagCount; ++thePosition)
@@ -262,7 +269,8 @@ void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKee
 
     free(theMustKeep);
     zoPackedData_Free(mPackedData);
-    mPackedData = theRecord;
+    mPackedData = zoPackedData_NewData(zoPackedData_TakeData(theRecord)); // as a block it holds no more than it says
+    zoPackedData_Free(theRecord);
 }
 
 // ---- The hosts of URIs ----

@@ -139,11 +139,13 @@ static void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, s
     for (;;)
     {
         const char* theRun = thePosition;
-        const char* theRunLimit = theRun + (theCount < theLimit ? theLimit - theCount : 0);
-        while (thePosition < theRunLimit && kReplacementIndex.mIndex[static_cast<uint8>(*thePosition)] == 0)
-            ++thePosition;
-        AppendBytes(aBuffer, theRun, static_cast<size_t>(thePosition - theRun));
-        theCount += static_cast<size_t>(thePosition - theRun);
+        const size_t theRoom = theCount < theLimit ? theLimit - theCount : 0;
+        size_t theLength = 0;
+        while (theLength < theRoom && kReplacementIndex.mIndex[static_cast<uint8>(theRun[theLength])] == 0)
+            ++theLength;
+        AppendBytes(aBuffer, theRun, theLength);
+        thePosition += theLength;
+        theCount += theLength;
 
         const uint8 theIndex = kReplacementIndex.mIndex[static_cast<uint8>(*thePosition)];
         if (*thePosition == 0) { return; }
@@ -153,7 +155,7 @@ static void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, s
             return;
         }
         const Replacement& theReplacement = kReplacements[theIndex - 1];
-        const size_t theLength = afDoubleEscape ? theReplacement.mDoubleLength : theReplacement.mLength;
+        theLength = afDoubleEscape ? theReplacement.mDoubleLength : theReplacement.mLength;
         if (theCount >= kMaxSize || (aMaxSize > 0 && theCount + theLength > aMaxSize)) { return; }
         AppendBytes(aBuffer, afDoubleEscape ? theReplacement.mDoubleText : theReplacement.mText, theLength);
         theCount += theLength;
@@ -687,8 +689,8 @@ static void AddText(zoPackedData_t* aRecord, uint16 aTag, const Slice& aText)
 namespace
 {
 
-// Finds rows of a table by their mName, of mLength bytes, ignoring case. Built when compiling: length and last letter
-// tell the names of a table apart, most of them at the first look.
+// Finds rows of a table by their mIdentifier, of mLength bytes, ignoring case. Built when compiling: length and last
+// letter tell the names of a table apart, most of them at the first look.
 template <typename Row, size_t Size>
 class NameIndex
 {
@@ -697,7 +699,7 @@ public:
     {
         for (size_t i = 0; i < Size; ++i)
         {
-            size_t theSlot = SlotOf(aTable[i].mName, aTable[i].mLength);
+            size_t theSlot = SlotOf(aTable[i].mIdentifier, aTable[i].mLength);
             for (; mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots) {}
             mRows[theSlot] = static_cast<uint8>(i + 1);
         }
@@ -709,7 +711,10 @@ public:
         for (size_t theSlot = SlotOf(aName, aLength); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
         {
             const Row* theRow = mTable + (mRows[theSlot] - 1);
-            if (theRow->mLength == aLength && EqualsIgnoringCase(theRow->mName, aName, aLength)) { return theRow; }
+            if (theRow->mLength == aLength && EqualsIgnoringCase(theRow->mIdentifier, aName, aLength))
+            {
+                return theRow;
+            }
         }
         return nullptr;
     }
@@ -884,7 +889,7 @@ enum SOAPType
 // An attribute of the object and what becomes of it.
 struct DIDLParserInfo
 {
-    const char* mName;
+    const char* mIdentifier;
     size_t mLength;
     SOAPType mItemType;
     uint32 mValue; // the bit of a kSOAPType_BitField
@@ -982,6 +987,17 @@ enum SingleText
     kSingleText_Count
 };
 
+// Elements that all count.
+enum ManyTexts
+{
+    kManyTexts_URI,
+    kManyTexts_AlbumArt,
+    kManyTexts_ChannelNr,
+    kManyTexts_CreateClass,
+    kManyTexts_ExtraInfo,
+    kManyTexts_Count
+};
+
 // What is known of the object while its elements are walked.
 struct ObjectParser
 {
@@ -993,8 +1009,8 @@ struct ObjectParser
     zoArray_t* mAlbumArt = nullptr;
 
     // Elements that can be many may stand inside each other, and the text of each holds those inside. What is stored of
-    // them all ends once it has passed a multiple of the object's text, which without nesting it never does.
-    size_t mStored = 0;
+    // a kind ends once it has passed a multiple of the object's text, which without nesting it never does.
+    size_t mStored[kManyTexts_Count] = {};
     size_t mStoredLimit = 0;
 
     ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL when there is none
@@ -1016,7 +1032,7 @@ typedef void (*ElementHandler_t)(ObjectParser* aParser, ILibXMLNode* aNode, cons
 
 struct Element
 {
-    const char* mName;
+    const char* mIdentifier;
     size_t mLength;
     ElementHandler_t mHandler;
     int mParameter;
@@ -1028,12 +1044,12 @@ static const size_t kStoredPerText = 4;
 static const size_t kStoredAtLeast = 64 * 1024;
 static const uint32 kLastExtraTag = 0xFFFE; // of a value: an entry has room for 65535 values
 
-// The element's text as written; false when enough is stored.
-static bool TakeInnerXML(ObjectParser* aParser, ILibXMLNode* aNode, Slice* aText)
+// The element's text as written; false when enough of its kind is stored.
+static bool TakeInnerXML(ObjectParser* aParser, ILibXMLNode* aNode, ManyTexts aKind, Slice* aText)
 {
-    if (aParser->mStored > aParser->mStoredLimit) { return false; }
+    if (aParser->mStored[aKind] > aParser->mStoredLimit) { return false; }
     *aText = GetInnerXML(aNode);
-    aParser->mStored += aText->mLength;
+    aParser->mStored[aKind] += aText->mLength;
     return true;
 }
 
@@ -1051,7 +1067,7 @@ static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXML
 static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute*, int)
 {
     Slice theText;
-    if (!TakeInnerXML(aParser, aNode, &theText)) { return; }
+    if (!TakeInnerXML(aParser, aNode, kManyTexts_ChannelNr, &theText)) { return; }
     theText = Resolve(&aParser->mScratch, theText);
     zoConvert_strntouint32(theText.mBegin, theText.mLength, &aParser->mChannelNr);
 }
@@ -1059,7 +1075,7 @@ static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILib
 static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
 {
     Slice theText;
-    if (!TakeInnerXML(aParser, aNode, &theText)) { return; }
+    if (!TakeInnerXML(aParser, aNode, kManyTexts_AlbumArt, &theText)) { return; }
     theText = Resolve(&aParser->mScratch, theText);
     if (theText.mLength == 0) { return; }
     Slice theProfile = { nullptr, 0 };
@@ -1083,7 +1099,7 @@ static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
 static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
 {
     Slice theText;
-    if (!TakeInnerXML(aParser, aNode, &theText)) { return; }
+    if (!TakeInnerXML(aParser, aNode, kManyTexts_CreateClass, &theText)) { return; }
     theText = Resolve(&aParser->mScratch, theText);
     if (theText.mLength == 0) { return; }
     TextBuilder* theList = &aParser->mCreateClass;
@@ -1115,7 +1131,7 @@ static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode)
     const bool fIsDeclaration = BeginsWithXMLNS(theName);
     Slice theText;
     if (!fIsDeclaration && aParser->mNextExtraTag + 1 > kLastExtraTag) { return; }
-    if (!TakeInnerXML(aParser, aNode, &theText)) { return; }
+    if (!TakeInnerXML(aParser, aNode, kManyTexts_ExtraInfo, &theText)) { return; }
     if (fIsDeclaration)
     {
         AppendXMLNS(&aParser->mNamespaces, theName, theText); // as written: it is written into a tag again
@@ -1167,7 +1183,7 @@ typedef void (*ResourceReader_t)(const Slice& aValue, Resource* aResource);
 
 struct ResourceAttribute
 {
-    const char* mName;
+    const char* mIdentifier;
     size_t mLength;
     const char* mPrefix; // what the attribute's prefix must be a beginning of, and not ""; NULL: any or none
     ResourceReader_t mReader;
@@ -1295,7 +1311,7 @@ static char* MakeAbsolute(const char* aBaseURL, const char* aURI)
 static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 {
     Slice theText = { nullptr, 0 };
-    if (TakeInnerXML(aParser, aNode, &theText)) { theText = Resolve(&aParser->mScratch, theText); }
+    if (TakeInnerXML(aParser, aNode, kManyTexts_URI, &theText)) { theText = Resolve(&aParser->mScratch, theText); }
     char* theAbsolute = nullptr;
     if (aParser->mBaseURL && theText.mLength > 0)
     {

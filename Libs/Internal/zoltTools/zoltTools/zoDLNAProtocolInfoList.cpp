@@ -440,7 +440,7 @@ static uint32 FindRank(const WordTable& aTable, Run aWord, uint32 aHash)
 
 static bool TakesPart(const zoDLNAProtocolInfo_t* anInfo, const WordTable& aSupported)
 {
-    if (aSupported.mCount == 0 || aSupported.mAnyRank != kNoRank || IsAny(anInfo->mProtocol)) { return true; }
+    if (aSupported.mCount == 0 || aSupported.mAnyRank != kNoRank) { return true; }
     return FindRank(aSupported, anInfo->mProtocol, anInfo->mProtocolHash) != kNoRank;
 }
 

@@ -67,7 +67,7 @@ ZOLTTOOLS_API char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNA
  * @param anOrder      transports separated by commas, best first: a protocol ("http-get"), its first part ("http"
  *                     covers "http-get"), or "*" for all; case is ignored.
  * @param aSupported   protocols separated by commas: only elements with one of them take part; "" or one that holds
- *                     "*": all do. An element whose protocol is "*" takes part too.
+ *                     "*": all do.
  * @return the position of the first element that the earliest item of anOrder covers; -1 when no element takes part.
  *         Draining a list (ask, remove, ask again with the same texts) takes time linear in its length.
  */

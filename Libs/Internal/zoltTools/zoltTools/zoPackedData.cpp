@@ -33,6 +33,7 @@ const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxRowsPerEntry = 0xFFFF;
 const uint16 kNoPosition = 0xFFFF; // a position is below kMaxRowsPerEntry
 const size_t kFirstBlockSize = 1000;
+const size_t kFewBytes = 392; // with these and the few others a record is as large as allocators are quick to give out
 const uint32 kMostUnsorted = 32; // rows of an entry that are looked through faster than found by their order
 const uint32 kFewTags = 64;
 const uint32 kFewRows = 48;
@@ -40,22 +41,33 @@ const uint32 kFewEntries = 4;
 
 static_assert(sizeof(Header) == 16 && sizeof(Row) == 8, "the block's layout has no gaps");
 
+// What a new record begins with, in one allocation with it, so that a small one needs no other.
+struct Room
+{
+    Row mRows[kFewRows];
+    uint32 mEntryEnds[kFewEntries];
+    uint16 mPositions[kFewTags];
+    char mBytes[kFewBytes];
+};
+
 } // namespace
 
 struct zoPackedData_t
 {
-    char* mBlock;      // owned; NULL while nothing was added
+    Room* mRoom;       // behind the record; NULL in a record over a serialized block
+    char* mBlock;      // the room's bytes, or owned
     size_t mValuesEnd; // header and values are mBlock[0] to mBlock[mValuesEnd - 1]; then comes at least one 0
     size_t mBlockCapacity;
 
-    // Rows and entries: in a serialized block they lie behind the values, else in these arrays.
+    // Rows and entries: in a serialized block they lie behind the values, else in these arrays. Each is the room's or
+    // owned, and NULL while there is neither.
     bool mfSerialized;
     uint32 mRowCount;
     uint32 mRowCapacity;
     uint32 mEntryCount;
     uint32 mEntryCapacity;
-    Row* mRows;         // mFewRows, or owned
-    uint32* mEntryEnds; // mFewEntryEnds, or owned; for each entry the index of the row after its last
+    Row* mRows;
+    uint32* mEntryEnds; // for each entry the index of the row after its last
 
     // The open entry, the last one while mfOpen: mPositions[tag] is the tag's position in it, or kNoPosition. Its rows
     // get their sorted order when it is closed.
@@ -64,11 +76,7 @@ struct zoPackedData_t
     uint32 mOpenBegin; // the index of its first row
     uint32 mRowLimit;  // the open entry takes rows up to this count without anything else to be looked at; else 0
     uint32 mPositionCapacity;
-    uint16* mPositions; // mFewPositions, or owned
-
-    Row mFewRows[kFewRows];
-    uint32 mFewEntryEnds[kFewEntries];
-    uint16 mFewPositions[kFewTags];
+    uint16* mPositions;
 };
 
 // ---- Reading rows and entries, wherever they are ----
@@ -238,56 +246,78 @@ uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint
 // Leaves a record without entries; what it held is the caller's business.
 static void Clear(zoPackedData_t* aRecord)
 {
-    memset(aRecord, 0, offsetof(zoPackedData_t, mFewRows));
-    aRecord->mRows = aRecord->mFewRows;
+    Room* theRoom = aRecord->mRoom;
+    *aRecord = {};
+    aRecord->mValuesEnd = sizeof(Header);
+    if (!theRoom) { return; }
+    aRecord->mRoom = theRoom;
+    aRecord->mBlock = theRoom->mBytes;
+    aRecord->mBlockCapacity = kFewBytes;
+    aRecord->mRows = theRoom->mRows;
     aRecord->mRowCapacity = kFewRows;
-    aRecord->mEntryEnds = aRecord->mFewEntryEnds;
+    aRecord->mEntryEnds = theRoom->mEntryEnds;
     aRecord->mEntryCapacity = kFewEntries;
-    aRecord->mPositions = aRecord->mFewPositions;
+    aRecord->mPositions = theRoom->mPositions;
     aRecord->mPositionCapacity = kFewTags;
-    memset(aRecord->mFewPositions, 0xFF, sizeof(aRecord->mFewPositions));
+    memset(theRoom->mPositions, 0xFF, sizeof(theRoom->mPositions));
+    theRoom->mBytes[sizeof(Header)] = 0;
 }
 
-// Makes room for so many elements. The first few lie in the record itself.
 template <typename Element>
-static void ReserveElements(Element** anArray, const Element* aFew, uint32 aWanted, uint32* aCapacity)
+static bool IsInRoom(const zoPackedData_t* aRecord, const Element* anArray)
+{
+    const char* theArray = reinterpret_cast<const char*>(anArray);
+    const char* theRoom = reinterpret_cast<const char*>(aRecord->mRoom);
+    return theRoom && theArray >= theRoom && theArray < theRoom + sizeof(Room);
+}
+
+template <typename Element>
+static void FreeArray(const zoPackedData_t* aRecord, Element* anArray)
+{
+    if (!IsInRoom(aRecord, anArray)) { free(anArray); }
+}
+
+// The array, aUsed elements of it, moved to where there is place for aCapacity elements.
+template <typename Element>
+static Element* Moved(const zoPackedData_t* aRecord, Element* anArray, size_t aUsed, size_t aCapacity)
+{
+    if (!IsInRoom(aRecord, anArray)) { return static_cast<Element*>(zoRealloc(anArray, aCapacity * sizeof(Element))); }
+    return static_cast<Element*>(memcpy(zoMalloc(aCapacity * sizeof(Element)), anArray, aUsed * sizeof(Element)));
+}
+
+// Makes room for so many elements.
+template <typename Element>
+static void ReserveElements(const zoPackedData_t* aRecord, Element** anArray, uint32 aWanted, uint32* aCapacity)
 {
     if (aWanted <= *aCapacity) { return; }
     const uint32 theBefore = *aCapacity;
-    const bool fWereFew = *anArray == aFew;
     *aCapacity = std::max(aWanted, theBefore * 2);
-    void* theArray = zoRealloc(fWereFew ? nullptr : *anArray, size_t{ *aCapacity } * sizeof(Element));
-    if (fWereFew) { memcpy(theArray, aFew, theBefore * sizeof(Element)); }
-    *anArray = static_cast<Element*>(theArray);
+    *anArray = Moved(aRecord, *anArray, theBefore, *aCapacity);
 }
 
 static void ReserveRows(zoPackedData_t* aRecord, uint32 aWanted)
 {
-    ReserveElements(&aRecord->mRows, aRecord->mFewRows, aWanted, &aRecord->mRowCapacity);
+    ReserveElements(aRecord, &aRecord->mRows, aWanted, &aRecord->mRowCapacity);
 }
 
 static void ReserveEntries(zoPackedData_t* aRecord, uint32 aWanted)
 {
-    ReserveElements(&aRecord->mEntryEnds, aRecord->mFewEntryEnds, aWanted, &aRecord->mEntryCapacity);
+    ReserveElements(aRecord, &aRecord->mEntryEnds, aWanted, &aRecord->mEntryCapacity);
 }
 
 zoPackedData_t* zoPackedData_New(uint32 aCount)
 {
     const uint32 kMostExpected = 0x10000; // a hint is no reason to run out of memory
-    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t)));
+    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t) + sizeof(Room)));
+    theRecord->mRoom = reinterpret_cast<Room*>(theRecord + 1);
     Clear(theRecord);
     ReserveEntries(theRecord, std::min(aCount, kMostExpected));
     return theRecord;
 }
 
-static size_t ValuesEnd(const zoPackedData_t* aRecord)
-{
-    return aRecord->mBlock ? aRecord->mValuesEnd : sizeof(Header);
-}
-
 static uint64 BlockSize(const zoPackedData_t* aRecord)
 {
-    return uint64{ ValuesEnd(aRecord) } + uint64{ aRecord->mRowCount } * sizeof(Row) +
+    return uint64{ aRecord->mValuesEnd } + uint64{ aRecord->mRowCount } * sizeof(Row) +
            uint64{ aRecord->mEntryCount } * sizeof(uint32) + kTrailerSize;
 }
 
@@ -300,14 +330,12 @@ static bool HasRoom(const zoPackedData_t* aRecord, size_t aDirectorySize, size_t
 // Room for aSize bytes behind the values and the 0 that ends them.
 static void ReserveValue(zoPackedData_t* aRecord, size_t aSize)
 {
-    const size_t theUsed = ValuesEnd(aRecord);
-    const size_t theNeeded = theUsed + aSize + 1;
+    const size_t theNeeded = aRecord->mValuesEnd + aSize + 1;
     if (theNeeded <= aRecord->mBlockCapacity) { return; }
     const size_t theDoubled =
         aRecord->mBlockCapacity <= kMaxBlockSize / 2 ? aRecord->mBlockCapacity * 2 : kMaxBlockSize;
     aRecord->mBlockCapacity = std::max(theNeeded, std::max(theDoubled, kFirstBlockSize));
-    aRecord->mBlock = static_cast<char*>(zoRealloc(aRecord->mBlock, aRecord->mBlockCapacity));
-    aRecord->mValuesEnd = theUsed;
+    aRecord->mBlock = Moved(aRecord, aRecord->mBlock, aRecord->mValuesEnd, aRecord->mBlockCapacity);
 }
 
 // A record over a serialized block gets its rows and entries back into arrays, so that more can be added.
@@ -394,7 +422,7 @@ void zoPackedData_AddNewEntry(zoPackedData_t* aRecord)
 static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
 {
     const uint32 theBefore = aRecord->mPositionCapacity;
-    ReserveElements(&aRecord->mPositions, aRecord->mFewPositions, uint32{ aTag } + 1, &aRecord->mPositionCapacity);
+    ReserveElements(aRecord, &aRecord->mPositions, uint32{ aTag } + 1, &aRecord->mPositionCapacity);
     memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
 }
 
@@ -502,17 +530,25 @@ uint32 zoPackedData_GetMemoryUsage(const zoPackedData_t* aRecord)
 
 static void FreeArrays(zoPackedData_t* aRecord)
 {
-    if (aRecord->mRows != aRecord->mFewRows) { free(aRecord->mRows); }
-    if (aRecord->mEntryEnds != aRecord->mFewEntryEnds) { free(aRecord->mEntryEnds); }
-    if (aRecord->mPositions != aRecord->mFewPositions) { free(aRecord->mPositions); }
+    FreeArray(aRecord, aRecord->mRows);
+    FreeArray(aRecord, aRecord->mEntryEnds);
+    FreeArray(aRecord, aRecord->mPositions);
 }
 
-// The block at its final size. A first block is quicker given back and had again than cut down.
-static char* Resized(char* aBlock, size_t aCapacity, size_t aValuesEnd, size_t aSize)
+// The end of what was appended; aBytes may be NULL when there are none.
+static char* Append(char* anEnd, const void* aBytes, size_t aCount)
 {
-    if (aCapacity != kFirstBlockSize) { return static_cast<char*>(zoRealloc(aBlock, aSize)); }
-    char* theBlock = static_cast<char*>(memcpy(zoMalloc(aSize), aBlock, aValuesEnd));
-    free(aBlock);
+    if (aCount > 0) { memcpy(anEnd, aBytes, aCount); }
+    return anEnd + aCount;
+}
+
+// The block at its final size, owned. A first block is quicker given back and had again than cut down.
+static char* TakeBlock(zoPackedData_t* aRecord, size_t aSize)
+{
+    if (aRecord->mBlockCapacity > kFirstBlockSize) { return static_cast<char*>(zoRealloc(aRecord->mBlock, aSize)); }
+    char* theBlock = static_cast<char*>(zoMalloc(aSize));
+    Append(theBlock, aRecord->mBlock, aRecord->mBlock ? aRecord->mValuesEnd : 0);
+    FreeArray(aRecord, aRecord->mBlock);
     return theBlock;
 }
 
@@ -526,23 +562,36 @@ char* zoPackedData_TakeData(zoPackedData_t* aRecord)
         const size_t theSize = static_cast<size_t>(BlockSize(aRecord));
         const size_t theRowBytes = size_t{ aRecord->mRowCount } * sizeof(Row);
         const size_t theEntryBytes = size_t{ aRecord->mEntryCount } * sizeof(uint32);
-        const size_t theValuesEnd = ValuesEnd(aRecord);
+        const size_t theValuesEnd = aRecord->mValuesEnd;
         const Header theHeader = { kMagic, static_cast<uint32>(theSize), aRecord->mEntryCount, aRecord->mRowCount };
-        theBlock = Resized(theBlock, aRecord->mBlockCapacity, theValuesEnd, theSize);
+        theBlock = TakeBlock(aRecord, theSize);
         memcpy(theBlock, &theHeader, sizeof(theHeader));
-        memcpy(theBlock + theValuesEnd, aRecord->mRows, theRowBytes);
-        memcpy(theBlock + theValuesEnd + theRowBytes, aRecord->mEntryEnds, theEntryBytes);
-        memset(theBlock + theSize - kTrailerSize, 0, kTrailerSize);
+        char* theEnd = Append(theBlock + theValuesEnd, aRecord->mRows, theRowBytes);
+        memset(Append(theEnd, aRecord->mEntryEnds, theEntryBytes), 0, kTrailerSize);
     }
     FreeArrays(aRecord);
     Clear(aRecord);
     return theBlock;
 }
 
-// Whether the entry's rows hold each position once, in the order of tags that grow.
-static bool IsSorted(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
+// Whether no tag comes twice among the few rows of an entry.
+static bool AreUnique(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
 {
-    if (anEnd - aBegin <= kMostUnsorted) { return true; }
+    uint64 theSeen = 0; // tags below 64, nearly all
+    for (uint32 i = aBegin; i < anEnd; ++i)
+    {
+        const uint16 theTag = RowAt(aRecord, i).mTag;
+        const uint64 theBit = theTag < 64 ? uint64{ 1 } << theTag : 0;
+        if (theSeen & theBit) { return false; }
+        theSeen |= theBit;
+        if (theBit == 0 && FindAmongFew(aRecord, aBegin, i - aBegin, theTag) < i - aBegin) { return false; }
+    }
+    return true;
+}
+
+// Whether the many rows of an entry hold each position once, in the order of tags that grow.
+static bool AreSorted(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
+{
     int32 theLast = -1;
     for (uint32 i = aBegin; i < anEnd; ++i)
     {
@@ -562,7 +611,9 @@ static bool AreEntriesValid(const zoPackedData_t* aRecord)
     {
         const uint32 theEnd = EntryEndAt(aRecord, i);
         if (theEnd < theBegin || theEnd > aRecord->mRowCount || theEnd - theBegin > kMaxRowsPerEntry) { return false; }
-        if (!IsSorted(aRecord, theBegin, theEnd)) { return false; }
+        const bool fAreTagsValid = theEnd - theBegin <= kMostUnsorted ? AreUnique(aRecord, theBegin, theEnd)
+                                                                      : AreSorted(aRecord, theBegin, theEnd);
+        if (!fAreTagsValid) { return false; }
         theBegin = theEnd;
     }
     return theBegin == aRecord->mRowCount;
@@ -602,13 +653,12 @@ static bool AdoptBlock(zoPackedData_t* aRecord, char* aBlock)
 
 zoPackedData_t* zoPackedData_NewData(char* aBlock)
 {
-    zoPackedData_t* theRecord = zoPackedData_New(0);
-    if (aBlock && !AdoptBlock(theRecord, aBlock))
-    {
-        Clear(theRecord);
-        free(aBlock);
-    }
-    return theRecord;
+    if (!aBlock) { return zoPackedData_New(0); }
+    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMallocZeroed(sizeof(zoPackedData_t)));
+    if (AdoptBlock(theRecord, aBlock)) { return theRecord; }
+    free(aBlock);
+    free(theRecord);
+    return zoPackedData_New(0);
 }
 
 zoPackedData_t* zoPackedData_Duplicate(const zoPackedData_t* aRecord)
@@ -628,6 +678,6 @@ void zoPackedData_Free(zoPackedData_t* aRecord)
 {
     if (!aRecord) { return; }
     FreeArrays(aRecord);
-    free(aRecord->mBlock);
+    FreeArray(aRecord, aRecord->mBlock);
     free(aRecord);
 }
