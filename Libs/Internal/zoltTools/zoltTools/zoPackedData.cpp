@@ -23,8 +23,8 @@ struct Row
 {
     uint32 mOffset; // where the value's bytes begin, counted from the block's begin
     uint16 mTag;
-    uint16 mSorted; // in row k of an entry of more than kMostUnsorted rows: the position, in the entry, of the row with
-                    // the k-th smallest tag; else 0
+    uint16 mSorted; // in row k of an entry of more than kFewRows rows: the position, in the entry, of the row with the
+                    // k-th smallest tag; else 0
 };
 
 const uint32 kMagic = 0x7A6F5044; // "zoPD"
@@ -33,10 +33,9 @@ const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxRowsPerEntry = 0xFFFF;
 const uint16 kNoPosition = 0xFFFF; // a position is below kMaxRowsPerEntry
 const size_t kFirstBlockSize = 1000;
-const size_t kFewBytes = 392; // with these and the few others a record is as large as allocators are quick to give out
-const uint32 kMostUnsorted = 32; // rows of an entry that are looked through faster than found by their order
-const uint32 kFewTags = 64;
-const uint32 kFewRows = 48;
+const size_t kFewBytes = 512; // with these and the few others a record is as large as allocators are quick to give out
+const uint32 kFewRows = 48;   // of an entry: so many are looked through about as fast as found by their order
+const uint16 kLowTags = 64;   // tags below have a bit in mSeen
 const uint32 kFewEntries = 4;
 
 static_assert(sizeof(Header) == 16 && sizeof(Row) == 8, "the block's layout has no gaps");
@@ -46,7 +45,6 @@ struct Room
 {
     Row mRows[kFewRows];
     uint32 mEntryEnds[kFewEntries];
-    uint16 mPositions[kFewTags];
     char mBytes[kFewBytes];
 };
 
@@ -69,14 +67,17 @@ struct zoPackedData_t
     Row* mRows;
     uint32* mEntryEnds; // for each entry the index of the row after its last
 
-    // The open entry, the last one while mfOpen: mPositions[tag] is the tag's position in it, or kNoPosition. Its rows
-    // get their sorted order when it is closed.
+    // The open entry, the last one while mfOpen. Of few rows with low tags mSeen has the tags' bits; once there are
+    // more or others, mfMany, mPositions[tag] is the tag's position in it, or kNoPosition, and closing the entry sorts
+    // it.
     bool mfOpen;
+    bool mfMany;
     uint16 mMaxTag;
     uint32 mOpenBegin; // the index of its first row
     uint32 mRowLimit;  // the open entry takes rows up to this count without anything else to be looked at; else 0
+    uint64 mSeen;
     uint32 mPositionCapacity;
-    uint16* mPositions;
+    uint16* mPositions; // owned; NULL while no entry was of many
 };
 
 // ---- Reading rows and entries, wherever they are ----
@@ -165,14 +166,14 @@ static uint32 FindAmongMany(const zoPackedData_t* aRecord, uint32 aBegin, uint32
 static uint32 FindRow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
     const uint32 theBegin = EntryBegin(aRecord, anEntry);
-    if (IsOpen(aRecord, anEntry))
+    if (IsOpen(aRecord, anEntry) && aRecord->mfMany)
     {
         const uint16 thePosition = aTag < aRecord->mPositionCapacity ? aRecord->mPositions[aTag] : kNoPosition;
         return thePosition != kNoPosition ? theBegin + thePosition : aRecord->mRowCount;
     }
     const uint32 theCount = EntryEnd(aRecord, anEntry) - theBegin;
-    const uint32 thePosition = theCount <= kMostUnsorted ? FindAmongFew(aRecord, theBegin, theCount, aTag)
-                                                         : FindAmongMany(aRecord, theBegin, theCount, aTag);
+    const uint32 thePosition = theCount <= kFewRows ? FindAmongFew(aRecord, theBegin, theCount, aTag)
+                                                    : FindAmongMany(aRecord, theBegin, theCount, aTag);
     return thePosition < theCount ? theBegin + thePosition : aRecord->mRowCount;
 }
 
@@ -257,9 +258,6 @@ static void Clear(zoPackedData_t* aRecord)
     aRecord->mRowCapacity = kFewRows;
     aRecord->mEntryEnds = theRoom->mEntryEnds;
     aRecord->mEntryCapacity = kFewEntries;
-    aRecord->mPositions = theRoom->mPositions;
-    aRecord->mPositionCapacity = kFewTags;
-    memset(theRoom->mPositions, 0xFF, sizeof(theRoom->mPositions));
     theRoom->mBytes[sizeof(Header)] = 0;
 }
 
@@ -356,7 +354,7 @@ static void SortOpenEntry(zoPackedData_t* aRecord)
 {
     Row* theRows = aRecord->mRows + aRecord->mOpenBegin;
     const uint32 theCount = aRecord->mRowCount - aRecord->mOpenBegin;
-    if (theCount <= kMostUnsorted) { return; }
+    if (theCount <= kFewRows) { return; }
     if (aRecord->mMaxTag / 16 < theCount) // tags are dense: walk them in order
     {
         uint32 theSorted = 0;
@@ -391,17 +389,20 @@ static void SetRowLimit(zoPackedData_t* aRecord)
 {
     const uint64 theMostFits = aRecord->mBlockCapacity + uint64{ aRecord->mRowCapacity } * sizeof(Row);
     const bool fHasRoom = HasRoom(aRecord, 0, static_cast<size_t>(std::min(theMostFits, uint64{ kMaxBlockSize })));
-    aRecord->mRowLimit = fHasRoom ? std::min(aRecord->mRowCapacity, aRecord->mOpenBegin + kMaxRowsPerEntry) : 0;
+    const uint32 theEntryLimit = aRecord->mOpenBegin + (aRecord->mfMany ? kMaxRowsPerEntry : kFewRows);
+    aRecord->mRowLimit = fHasRoom ? std::min(aRecord->mRowCapacity, theEntryLimit) : 0;
 }
 
 // Opens an entry whose first row is the next one.
 static void OpenEntry(zoPackedData_t* aRecord)
 {
-    for (uint32 i = aRecord->mOpenBegin; i < aRecord->mRowCount; ++i) // the tags of the one before
+    for (uint32 i = aRecord->mOpenBegin; aRecord->mfMany && i < aRecord->mRowCount; ++i) // the tags of the one before
         aRecord->mPositions[aRecord->mRows[i].mTag] = kNoPosition;
     ReserveEntries(aRecord, aRecord->mEntryCount + 1);
     ++aRecord->mEntryCount;
     aRecord->mfOpen = true;
+    aRecord->mfMany = false;
+    aRecord->mSeen = 0;
     aRecord->mMaxTag = 0;
     aRecord->mOpenBegin = aRecord->mRowCount;
     SetRowLimit(aRecord);
@@ -426,11 +427,21 @@ static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
     memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
 }
 
-// Notes the position in the open entry of a tag for which there is room.
-static void NoteTag(zoPackedData_t* aRecord, uint16 aTag, uint32 aRow)
+static void NotePosition(zoPackedData_t* aRecord, uint16 aTag, uint32 aRow)
 {
     aRecord->mPositions[aTag] = static_cast<uint16>(aRow - aRecord->mOpenBegin);
     aRecord->mMaxTag = std::max(aRecord->mMaxTag, aTag);
+}
+
+// From now on the open entry's tags are found by their positions.
+static void BecomeMany(zoPackedData_t* aRecord)
+{
+    aRecord->mfMany = true;
+    for (uint32 i = aRecord->mOpenBegin; i < aRecord->mRowCount; ++i)
+    {
+        ReservePositions(aRecord, aRecord->mRows[i].mTag);
+        NotePosition(aRecord, aRecord->mRows[i].mTag, i);
+    }
 }
 
 // The last entry of a record that was serialized takes values again.
@@ -441,12 +452,15 @@ static void ReopenEntry(zoPackedData_t* aRecord)
     const uint32 theEnd = aRecord->mRowCount;
     aRecord->mRowCount = aRecord->mOpenBegin = EntryBegin(aRecord, aRecord->mEntryCount);
     OpenEntry(aRecord);
-    for (; aRecord->mRowCount < theEnd; ++aRecord->mRowCount)
-    {
-        const uint16 theTag = aRecord->mRows[aRecord->mRowCount].mTag;
-        ReservePositions(aRecord, theTag);
-        NoteTag(aRecord, theTag, aRecord->mRowCount);
-    }
+    aRecord->mRowCount = theEnd;
+    BecomeMany(aRecord);
+}
+
+// Whether the open entry can note the tag as it is and has not got it.
+static inline bool IsNewTag(const zoPackedData_t* aRecord, uint16 aTag)
+{
+    if (!aRecord->mfMany) { return aTag < kLowTags && (aRecord->mSeen >> aTag & 1) == 0; }
+    return aTag < aRecord->mPositionCapacity && aRecord->mPositions[aTag] == kNoPosition;
 }
 
 // Makes room for a value in the open entry; false when the tag is there already, or there can be no room.
@@ -456,26 +470,28 @@ static bool MakeRoom(zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
     if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
     const bool fIsFull = aRecord->mRowCount - aRecord->mOpenBegin == kMaxRowsPerEntry;
     if (fIsFull || !HasRoom(aRecord, sizeof(Row), aSize)) { return false; }
-    ReservePositions(aRecord, aTag);
+    const bool fIsOfFew = aTag < kLowTags && aRecord->mRowCount - aRecord->mOpenBegin < kFewRows;
+    if (!aRecord->mfMany && !fIsOfFew) { BecomeMany(aRecord); }
+    if (aRecord->mfMany) { ReservePositions(aRecord, aTag); }
     ReserveRows(aRecord, aRecord->mRowCount + 1);
     ReserveValue(aRecord, aSize);
     SetRowLimit(aRecord);
-    return aRecord->mPositions[aTag] == kNoPosition;
+    return IsNewTag(aRecord, aTag);
 }
 
 // Whether there is room already, and the tag is new.
 static inline bool HasRoomAtOnce(const zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
 {
     return aRecord && aRecord->mRowCount < aRecord->mRowLimit &&
-           aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd && aTag < aRecord->mPositionCapacity &&
-           aRecord->mPositions[aTag] == kNoPosition;
+           aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd && IsNewTag(aRecord, aTag);
 }
 
 // Stores a value for which there is room. Most are numbers or short texts.
 static inline void AppendValue(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
     char* theTarget = aRecord->mBlock + aRecord->mValuesEnd;
-    NoteTag(aRecord, aTag, aRecord->mRowCount);
+    if (aRecord->mfMany) { NotePosition(aRecord, aTag, aRecord->mRowCount); }
+    else { aRecord->mSeen |= uint64{ 1 } << aTag; }
     aRecord->mRows[aRecord->mRowCount++] = { static_cast<uint32>(aRecord->mValuesEnd), aTag, 0 };
     aRecord->mValuesEnd += aSize;
     theTarget[aSize] = 0;
@@ -577,11 +593,11 @@ char* zoPackedData_TakeData(zoPackedData_t* aRecord)
 // Whether no tag comes twice among the few rows of an entry.
 static bool AreUnique(const zoPackedData_t* aRecord, uint32 aBegin, uint32 anEnd)
 {
-    uint64 theSeen = 0; // tags below 64, nearly all
+    uint64 theSeen = 0; // low tags, nearly all
     for (uint32 i = aBegin; i < anEnd; ++i)
     {
         const uint16 theTag = RowAt(aRecord, i).mTag;
-        const uint64 theBit = theTag < 64 ? uint64{ 1 } << theTag : 0;
+        const uint64 theBit = theTag < kLowTags ? uint64{ 1 } << theTag : 0;
         if (theSeen & theBit) { return false; }
         theSeen |= theBit;
         if (theBit == 0 && FindAmongFew(aRecord, aBegin, i - aBegin, theTag) < i - aBegin) { return false; }
@@ -611,8 +627,8 @@ static bool AreEntriesValid(const zoPackedData_t* aRecord)
     {
         const uint32 theEnd = EntryEndAt(aRecord, i);
         if (theEnd < theBegin || theEnd > aRecord->mRowCount || theEnd - theBegin > kMaxRowsPerEntry) { return false; }
-        const bool fAreTagsValid = theEnd - theBegin <= kMostUnsorted ? AreUnique(aRecord, theBegin, theEnd)
-                                                                      : AreSorted(aRecord, theBegin, theEnd);
+        const bool fAreTagsValid =
+            theEnd - theBegin <= kFewRows ? AreUnique(aRecord, theBegin, theEnd) : AreSorted(aRecord, theBegin, theEnd);
         if (!fAreTagsValid) { return false; }
         theBegin = theEnd;
     }

@@ -8,7 +8,7 @@
  *     header   magic number, total size, number of entries, number of values (4 bytes each, the machine's byte order)
  *     values   the bytes of all values in the order in which they were added, one after the other
  *     rows     8 bytes a value, entry by entry: offset of its bytes (4), its tag (2), and in row k of an entry of more
- *              than 32 values the position of the value with the k-th smallest tag (2), else 0; the bytes end where the
+ *              than 48 values the position of the value with the k-th smallest tag (2), else 0; the bytes end where the
  *              next row's begin
  *     entries  4 bytes an entry: the index of the row that follows its last
  *     end      4 bytes, 0: a text without its NUL still ends inside the block
