@@ -17,9 +17,11 @@ struct zoArray_t
 
 zoArray_t* zoArray_New(void)
 {
-    zoArray_t* theArray = static_cast<zoArray_t*>(zoMallocZeroed(sizeof(zoArray_t)));
+    zoArray_t* theArray = static_cast<zoArray_t*>(zoMalloc(sizeof(zoArray_t)));
     theArray->mValues = theArray->mFewValues;
+    theArray->mCount = 0;
     theArray->mCapacity = kFewValues;
+    theArray->mFreeFunc = nullptr;
     return theArray;
 }
 

@@ -187,13 +187,6 @@ static Parameters ReadParameters(const Fields& aFields)
     return theParameters;
 }
 
-static bool IsWildCard(Run aMimeType)
-{
-    const size_t theLength = aMimeType.mLength;
-    if (theLength == 0 || aMimeType.mData[theLength - 1] != '*') { return false; }
-    return theLength == 1 || aMimeType.mData[theLength - 2] == '/';
-}
-
 // ---- Building the block ----
 
 static Run AppendRun(char** anEnd, Run aRun)
@@ -231,7 +224,6 @@ static void WriteText(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Fields* aField
 static void ReadMimeType(zoDLNAProtocolInfo_t* anInfo, Run* aParameters, Run aField)
 {
     zoDLNARun_NextPart(&aField, ';', &anInfo->mMimeType);
-    anInfo->mMimeTypeHash = (zoDLNARun_Hash(anInfo->mMimeType) & ~1u) | (IsWildCard(anInfo->mMimeType) ? 1u : 0u);
 
     anInfo->mMimeParameters = aParameters;
     Run thePart;
@@ -248,7 +240,6 @@ static void WriteProfile(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Run aProfil
     if (aProfile.mLength == 0) { return; }
     anInfo->mProfile = AppendRun(anEnd, aProfile).mData;
     *(*anEnd)++ = '\0';
-    anInfo->mProfileHash = zoDLNARun_Hash(aProfile) | 1u;
     anInfo->mfThumbnail = strcmp(anInfo->mProfile, "JPEG_TN") == 0 || strcmp(anInfo->mProfile, "PNG_TN") == 0;
 }
 
@@ -284,8 +275,6 @@ static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
     ReadMimeType(theInfo, theMimeParameters, aFields.mField[kField_MimeType]);
     theInfo->mProtocol = aFields.mField[kField_Protocol];
     theInfo->mNetwork = aFields.mField[kField_Network];
-    theInfo->mProtocolHash = zoDLNARun_Hash(theInfo->mProtocol);
-    theInfo->mNetworkHash = zoDLNARun_Hash(theInfo->mNetwork);
     theInfo->mfConverted = zoDLNARun_Equal(theParameters.mConverted, RunOf("1")) != 0;
     return theInfo;
 }
@@ -464,6 +453,23 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
 }
 
 // ---- Asking ----
+
+int zoDLNARun_IsWildCard(Run aMimeType)
+{
+    const size_t theLength = aMimeType.mLength;
+    if (theLength == 0 || aMimeType.mData[theLength - 1] != '*') { return false; }
+    return theLength == 1 || aMimeType.mData[theLength - 2] == '/';
+}
+
+uint32 zoDLNAProtocolInfo_HashMimeType(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return (zoDLNARun_Hash(anInfo->mMimeType) & ~1u) | (zoDLNARun_IsWildCard(anInfo->mMimeType) ? 1u : 0u);
+}
+
+uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return anInfo->mProfile ? zoDLNARun_Hash(RunOf(anInfo->mProfile)) | 1u : 0;
+}
 
 char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo)
 {

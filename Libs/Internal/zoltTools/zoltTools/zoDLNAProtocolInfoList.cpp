@@ -232,8 +232,9 @@ void zoDLNAProtocolInfoList_Add(zoDLNAProtocolInfoList_t* aList, zoDLNAProtocolI
     }
     DropCursor(aList);
     const size_t thePosition = HasPosition(aList, aPosition) ? static_cast<size_t>(aPosition) : CountOf(aList);
-    aList->mWildCardCount += anInfo->mMimeTypeHash & 1u;
-    *InsertSlot(aList, thePosition) = { anInfo, anInfo->mMimeTypeHash, anInfo->mProfileHash, kNoRank };
+    const uint32 theMimeTypeHash = zoDLNAProtocolInfo_HashMimeType(anInfo);
+    aList->mWildCardCount += theMimeTypeHash & 1u;
+    *InsertSlot(aList, thePosition) = { anInfo, theMimeTypeHash, zoDLNAProtocolInfo_HashProfile(anInfo), kNoRank };
 }
 
 void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList, int aPosition)
@@ -254,9 +255,9 @@ void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList, int aPositio
 
 // ---- Matching ----
 
-static bool IsSameOrAny(Run anElement, uint32 anElementHash, Run aField, uint32 aFieldHash)
+static bool IsSameOrAny(Run anElement, Run aField)
 {
-    return (anElementHash == aFieldHash && zoDLNARun_Equal(anElement, aField)) || IsAny(anElement) || IsAny(aField);
+    return zoDLNARun_Equal(anElement, aField) || IsAny(anElement) || IsAny(aField);
 }
 
 static bool HasParameter(const zoDLNAProtocolInfo_t* anInfo, Run aParameter)
@@ -278,7 +279,7 @@ static bool MimeTypeMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAP
 {
     if (aFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck) { return true; }
     const bool fTakesWildCard = (aFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck) != 0;
-    const bool fIsWildCard = fTakesWildCard && (anElement->mMimeTypeHash & 1u);
+    const bool fIsWildCard = fTakesWildCard && zoDLNARun_IsWildCard(anElement->mMimeType);
     if (fIsWildCard ? !CoversMimeType(anElement->mMimeType, anInfo->mMimeType)
                     : !zoDLNARun_Equal(anElement->mMimeType, anInfo->mMimeType))
     {
@@ -291,20 +292,15 @@ static bool MimeTypeMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAP
 static bool ProfileMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
     if (aFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck) { return true; }
-    if (anElement->mProfile && anInfo->mProfile)
-    {
-        return anElement->mProfileHash == anInfo->mProfileHash && strcmp(anElement->mProfile, anInfo->mProfile) == 0;
-    }
+    if (anElement->mProfile && anInfo->mProfile) { return strcmp(anElement->mProfile, anInfo->mProfile) == 0; }
     if (aFlags & kzoDLNAProtocolInfoMatch_ProfileNotNULL) { return false; }
     return (aFlags & kzoDLNAProtocolInfoMatch_AnyProfile) || anElement->mProfile == anInfo->mProfile;
 }
 
 static bool ElementMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    return ProfileMatches(anElement, anInfo, aFlags) &&
-           IsSameOrAny(anElement->mProtocol, anElement->mProtocolHash, anInfo->mProtocol, anInfo->mProtocolHash) &&
-           IsSameOrAny(anElement->mNetwork, anElement->mNetworkHash, anInfo->mNetwork, anInfo->mNetworkHash) &&
-           MimeTypeMatches(anElement, anInfo, aFlags);
+    return ProfileMatches(anElement, anInfo, aFlags) && IsSameOrAny(anElement->mProtocol, anInfo->mProtocol) &&
+           IsSameOrAny(anElement->mNetwork, anInfo->mNetwork) && MimeTypeMatches(anElement, anInfo, aFlags);
 }
 
 // Whether an element that passes the test on its slot matches.
@@ -321,8 +317,8 @@ static bool AnyMatches(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtoc
 int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
     if (!aList || !anInfo) { return 0; }
-    const uint32 theMimeType = anInfo->mMimeTypeHash;
-    const uint32 theProfile = anInfo->mProfileHash;
+    const uint32 theMimeType = zoDLNAProtocolInfo_HashMimeType(anInfo);
+    const uint32 theProfile = zoDLNAProtocolInfo_HashProfile(anInfo);
     if (aFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)
     {
         if (aFlags & (kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile))
@@ -346,15 +342,13 @@ static bool IsBeforeAsText(const Slot* aLeft, const Slot* aRight)
 {
     const zoDLNAProtocolInfo_t* theLeft = aLeft->mInfo;
     const zoDLNAProtocolInfo_t* theRight = aRight->mInfo;
-    if (theLeft->mProtocolHash != theRight->mProtocolHash) { return theLeft->mProtocolHash < theRight->mProtocolHash; }
     const int theOrder = zoDLNARun_Compare(theLeft->mProtocol, theRight->mProtocol);
     return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
 }
 
 static bool HasSameProtocol(const Slot* aLeft, const Slot* aRight)
 {
-    return aLeft->mInfo->mProtocolHash == aRight->mInfo->mProtocolHash &&
-           zoDLNARun_Equal(aLeft->mInfo->mProtocol, aRight->mInfo->mProtocol);
+    return zoDLNARun_Equal(aLeft->mInfo->mProtocol, aRight->mInfo->mProtocol);
 }
 
 // Collects an element for each protocol, in the list's order. A few protocols are told apart as they come; what passes
@@ -429,32 +423,33 @@ static WordTable NewWordTable(const char* aText)
 }
 
 // The rank of the first word that equals aWord, ignoring case; kNoRank when there is none.
-static uint32 FindRank(const WordTable& aTable, Run aWord, uint32 aHash)
+static uint32 FindRank(const WordTable& aTable, Run aWord)
 {
+    const uint32 theHash = zoDLNARun_Hash(aWord);
     const Word* theBegin = aTable.mWords;
     const Word* theEnd = theBegin + aTable.mCount;
-    const Word* theFound = std::lower_bound(theBegin, theEnd, Word{ aWord, aHash, 0 }, IsWordBefore);
-    const bool fIsThere = theFound != theEnd && theFound->mHash == aHash && zoDLNARun_Equal(theFound->mText, aWord);
+    const Word* theFound = std::lower_bound(theBegin, theEnd, Word{ aWord, theHash, 0 }, IsWordBefore);
+    const bool fIsThere = theFound != theEnd && theFound->mHash == theHash && zoDLNARun_Equal(theFound->mText, aWord);
     return fIsThere ? theFound->mRank : kNoRank;
 }
 
 static bool TakesPart(const zoDLNAProtocolInfo_t* anInfo, const WordTable& aSupported)
 {
     if (aSupported.mCount == 0 || aSupported.mAnyRank != kNoRank) { return true; }
-    return FindRank(aSupported, anInfo->mProtocol, anInfo->mProtocolHash) != kNoRank;
+    return FindRank(aSupported, anInfo->mProtocol) != kNoRank;
 }
 
 static uint32 RankOf(const zoDLNAProtocolInfo_t* anInfo, const WordTable& anOrder, const WordTable& aSupported)
 {
     if (!TakesPart(anInfo, aSupported)) { return kNoRank; }
     const Run theProtocol = anInfo->mProtocol;
-    uint32 theRank = std::min(anOrder.mAnyRank, FindRank(anOrder, theProtocol, anInfo->mProtocolHash));
+    uint32 theRank = std::min(anOrder.mAnyRank, FindRank(anOrder, theProtocol));
     const void* theHyphen = memchr(theProtocol.mData, '-', theProtocol.mLength);
     if (theHyphen)
     {
         const size_t theLength = static_cast<size_t>(static_cast<const char*>(theHyphen) - theProtocol.mData);
         const Run theFirstPart = { theProtocol.mData, theLength };
-        theRank = std::min(theRank, FindRank(anOrder, theFirstPart, zoDLNARun_Hash(theFirstPart)));
+        theRank = std::min(theRank, FindRank(anOrder, theFirstPart));
     }
     return theRank;
 }

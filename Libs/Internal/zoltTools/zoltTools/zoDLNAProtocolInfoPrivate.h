@@ -17,7 +17,7 @@ typedef struct zoDLNARun_t
 } zoDLNARun_t;
 
 /* One block: this record, the MIME parameters, the text, the profile. Everything points into the block; nothing but
- * the user data changes after parsing. Equal fields have equal hashes, so that most comparisons end at a number. */
+ * the user data changes after parsing. */
 struct zoDLNAProtocolInfo_t
 {
     const char* mText; /* normalised, mTextLength bytes and a NUL */
@@ -29,22 +29,24 @@ struct zoDLNAProtocolInfo_t
     size_t mMimeParameterCount;
     const char* mProfile; /* NUL-terminated; NULL without one */
 
-    uint32 mProtocolHash; /* ignoring case */
-    uint32 mNetworkHash;  /* ignoring case */
-    uint32 mMimeTypeHash; /* ignoring case; the lowest bit is set for a wild card and for nothing else */
-    uint32 mProfileHash;  /* 0 without a profile and never else */
-
     int mUserData;
     uint8 mfConverted;
     uint8 mfThumbnail;
 };
 
-/** @return a hash that ignores the case of ASCII letters. */
+/** @return a hash that ignores the case of ASCII letters: equal runs have equal ones. */
 uint32 zoDLNARun_Hash(zoDLNARun_t aRun);
+/** @return a hash of the MIME type without its parameters, whose lowest bit is set for a wild card and for nothing
+ * else. */
+uint32 zoDLNAProtocolInfo_HashMimeType(const zoDLNAProtocolInfo_t* anInfo);
+/** @return a hash of the profile; 0 without one and never else. */
+uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo);
 /** @return below 0, 0 or above 0, ignoring the case of ASCII letters. */
 int zoDLNARun_Compare(zoDLNARun_t aLeft, zoDLNARun_t aRight);
 /** Whether the two are equal, ignoring the case of ASCII letters. */
 int zoDLNARun_Equal(zoDLNARun_t aLeft, zoDLNARun_t aRight);
+/** Whether a MIME type is "*" or ends in "/" and "*". */
+int zoDLNARun_IsWildCard(zoDLNARun_t aMimeType);
 /** @return the run without the blanks at its ends. */
 zoDLNARun_t zoDLNARun_Trim(zoDLNARun_t aRun);
 /**
