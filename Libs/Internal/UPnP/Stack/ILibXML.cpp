@@ -78,6 +78,8 @@ static_assert(sizeof(ILibXMLDocument) % alignof(void*) == 0 && sizeof(ILibXMLBlo
 
 // ---- Reading tags ----
 
+// What reads a tag is put into one function when compiling, so that the reader's position stays in a register.
+
 namespace
 {
 
@@ -90,7 +92,7 @@ struct Reader
     char* mPosition;
     char* mEnd;
     ILibXMLNode* mFirst;
-    ILibXMLNode** mLink;    // where the next node is linked
+    ILibXMLNode* mLast;
     ILibXMLNode* mParent;   // the innermost element that is open; NULL at the top
     ILibXMLNode* mPrevious; // the element before, with that parent; NULL when there is none
 };
@@ -129,7 +131,7 @@ constexpr ByteClasses kBytes;
 static bool Is(char aByte, uint8 aClass) { return (kBytes.mClass[static_cast<uint8>(aByte)] & aClass) != 0; }
 
 // Ends at the last ">" of the text at the latest.
-static char* SkipBlanks(char* aPosition)
+[[gnu::always_inline]] static inline char* SkipBlanks(char* aPosition)
 {
     while (Is(*aPosition, kBlank))
         ++aPosition;
@@ -159,7 +161,7 @@ static char* FindPast(char* aPosition, const char* anEnd, const char* aTerminato
 }
 
 // A prefix counts when there is something on both sides of the first colon.
-static bool ReadName(Reader* aReader, QName* aName)
+[[gnu::always_inline]] static inline bool ReadName(Reader* aReader, QName* aName)
 {
     char* theBegin = aReader->mPosition;
     char* thePosition = theBegin;
@@ -178,7 +180,7 @@ static bool ReadName(Reader* aReader, QName* aName)
     return thePosition > theBegin;
 }
 
-static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartTag)
+[[gnu::always_inline]] static inline ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartTag)
 {
     ILibXMLNode* theNode = Cut<ILibXMLNode>(aReader->mDocument);
     theNode->Name = aName.mColon ? aName.mColon + 1 : aName.mBegin;
@@ -195,12 +197,13 @@ static ILibXMLNode* AppendNode(Reader* aReader, const QName& aName, int afStartT
     theNode->Attributes = nullptr;
     theNode->TagEnd = nullptr;
     theNode->Document = aReader->mDocument;
-    *aReader->mLink = theNode;
-    aReader->mLink = &theNode->Next;
+    if (aReader->mLast) { aReader->mLast->Next = theNode; }
+    else { aReader->mFirst = theNode; }
+    aReader->mLast = theNode;
     return theNode;
 }
 
-static void OpenElement(Reader* aReader, ILibXMLNode* aStartTag)
+[[gnu::always_inline]] static inline void OpenElement(Reader* aReader, ILibXMLNode* aStartTag)
 {
     if (aReader->mPrevious) { aReader->mPrevious->Peer = aStartTag; }
     aReader->mPrevious = nullptr;
@@ -208,7 +211,7 @@ static void OpenElement(Reader* aReader, ILibXMLNode* aStartTag)
 }
 
 // Appends the end tag of the innermost open element; the tag itself has been read.
-static ILibXMLNode* CloseElement(Reader* aReader, const QName& aName)
+[[gnu::always_inline]] static inline ILibXMLNode* CloseElement(Reader* aReader, const QName& aName)
 {
     ILibXMLNode* theStartTag = aReader->mParent;
     aReader->mParent = theStartTag->Parent;
@@ -221,7 +224,7 @@ static ILibXMLNode* CloseElement(Reader* aReader, const QName& aName)
 }
 
 // From the name on, to past the closing quote.
-static bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*** aLink)
+[[gnu::always_inline]] static inline bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*** aLink)
 {
     QName theName;
     if (!ReadName(aReader, &theName)) { return false; }
@@ -249,7 +252,7 @@ static bool ReadAttribute(Reader* aReader, ILibXMLNode* aNode, ILibXMLAttribute*
     return true;
 }
 
-static bool ReadStartTag(Reader* aReader)
+[[gnu::always_inline]] static inline bool ReadStartTag(Reader* aReader)
 {
     QName theName;
     ++aReader->mPosition;
@@ -285,7 +288,7 @@ static size_t QualifiedNameLength(const ILibXMLNode* aNode)
 }
 
 // The name of an end tag is that of the innermost open element, so it need not be looked at byte by byte.
-static bool TakeNameOfParent(Reader* aReader, QName* aName)
+[[gnu::always_inline]] static inline bool TakeNameOfParent(Reader* aReader, QName* aName)
 {
     const ILibXMLNode* theParent = aReader->mParent;
     const size_t theLength = QualifiedNameLength(theParent);
@@ -307,7 +310,7 @@ static bool Refuse(Reader* aReader, const QName& aName, int anError)
     return false;
 }
 
-static bool ReadEndTag(Reader* aReader)
+[[gnu::always_inline]] static inline bool ReadEndTag(Reader* aReader)
 {
     QName theName;
     aReader->mPosition += 2;
@@ -362,7 +365,7 @@ static bool SkipMarkup(Reader* aReader)
     return aReader->mPosition != nullptr;
 }
 
-static bool ReadTags(Reader* aReader)
+[[gnu::always_inline]] static inline bool ReadTags(Reader* aReader)
 {
     while (aReader->mPosition < aReader->mEnd)
     {
@@ -386,7 +389,7 @@ static bool ReadTags(Reader* aReader)
 }
 
 // Reads up to the last ">"; a "<" behind it begins no tag.
-static bool ReadText(Reader* aReader)
+[[gnu::always_inline]] static inline bool ReadText(Reader* aReader)
 {
     char* theBegin = aReader->mPosition;
     const size_t theLength = static_cast<size_t>(aReader->mEnd - theBegin);
@@ -402,7 +405,7 @@ ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
     if (!aText || aLength == 0) { return nullptr; }
     char* theBegin = aText + anOffset;
     ILibXMLDocument* theDocument = NewDocument();
-    Reader theReader = { theDocument, theBegin, theBegin + aLength, nullptr, &theReader.mFirst, nullptr, nullptr };
+    Reader theReader = { theDocument, theBegin, theBegin + aLength, nullptr, nullptr, nullptr, nullptr };
     const bool fIsRead = aLength <= INT_MAX && ReadText(&theReader);
     if (!fIsRead && theDocument->mError == kILibProcessXML_NoError)
     {

@@ -592,19 +592,19 @@ static bool IsName(const char* aBytes, int aLength, const char (&aName)[Size])
 }
 
 // Prefix, colon and local name, or the local name alone.
-static Slice QualifiedName(const ILibXMLNode* aNode)
+static inline Slice QualifiedName(const ILibXMLNode* aNode)
 {
     char* theBegin = aNode->NSTag ? aNode->NSTag : aNode->Name;
     return { theBegin, static_cast<size_t>(aNode->Name + aNode->NameLength - theBegin) };
 }
 
-static Slice QualifiedName(const ILibXMLAttribute* anAttribute)
+static inline Slice QualifiedName(const ILibXMLAttribute* anAttribute)
 {
     char* theBegin = anAttribute->Prefix ? anAttribute->Prefix : anAttribute->Name;
     return { theBegin, static_cast<size_t>(anAttribute->Name + anAttribute->NameLength - theBegin) };
 }
 
-static Slice RemoveQuotesFromAttributeValue(const ILibXMLAttribute* anAttribute)
+static inline Slice RemoveQuotesFromAttributeValue(const ILibXMLAttribute* anAttribute)
 {
     Slice theValue = { anAttribute->Value, static_cast<size_t>(anAttribute->ValueLength) };
     const bool fIsQuoted = theValue.mLength >= 2 && (*theValue.mBegin == '"' || *theValue.mBegin == '\'');
@@ -612,7 +612,7 @@ static Slice RemoveQuotesFromAttributeValue(const ILibXMLAttribute* anAttribute)
 }
 
 // The text between an element's tags as it is written, child elements and all; none for NULL.
-static Slice GetInnerXML(ILibXMLNode* aNode)
+static inline Slice GetInnerXML(ILibXMLNode* aNode)
 {
     if (!aNode) { return { nullptr, 0 }; }
     char* theBegin = nullptr;
@@ -657,7 +657,7 @@ static Slice Resolve(Scratch* aScratch, const Slice& aText)
 }
 
 // Makes room for aCount further bytes and gives their place.
-static char* Extend(TextBuilder* aBuilder, size_t aCount)
+static inline char* Extend(TextBuilder* aBuilder, size_t aCount)
 {
     if (aCount > aBuilder->mSize - aBuilder->mLength)
     {
@@ -675,7 +675,7 @@ static inline void Append(TextBuilder* aBuilder, const char* aBytes, size_t aCou
 }
 
 // Stores the text as it is, with a NUL.
-static void AddText(zoPackedData_t* aRecord, uint16 aTag, const Slice& aText)
+static inline void AddText(zoPackedData_t* aRecord, uint16 aTag, const Slice& aText)
 {
     if (aText.mLength == 0)
     {
