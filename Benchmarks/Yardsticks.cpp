@@ -31,12 +31,12 @@ std::size_t PugixmlParse(std::string& aText)
     return theCount;
 }
 
-std::size_t PugixmlParseAndCopy(std::string& aText)
+std::size_t PugixmlParseAndCopy(std::string& aText, std::size_t aReserved)
 {
     pugi::xml_document theDocument;
     theDocument.load_buffer_inplace(aText.data(), aText.size());
     Facts theFacts;
-    theFacts.reserve(64);
+    theFacts.reserve(aReserved);
     std::size_t theCount = 0;
     const pugi::xml_node theRoot = theDocument.first_child();
     const pugi::xml_node theObject = theRoot.first_child();
