@@ -4,7 +4,7 @@ can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
 
 has_package() {
     case $1 in
-    cmake | clang-format) command -v "$1" ;;
+    cmake | clang-format | clang-tidy) command -v "$1" ;;
     ccache) command -v ccache || ! can_install ;; # builds go without it, too
     ninja-build) command -v ninja ;;
     g++) command -v g++ && command -v gcc ;;

@@ -1041,7 +1041,7 @@ struct Element
 } // namespace
 
 static const size_t kStoredPerText = 4;
-static const size_t kStoredAtLeast = 64 * 1024;
+static const size_t kStoredAtLeast = size_t{ 64 } * 1024;
 static const uint32 kLastExtraTag = 0xFFFE; // of a value: an entry has room for 65535 values
 
 // The element's text as written; false when enough of its kind is stored.
