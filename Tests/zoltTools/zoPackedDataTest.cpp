@@ -197,7 +197,7 @@ TEST(zoPackedDataTest, RefusesRepeatedTags)
         char* theBlock = zoPackedData_TakeData(theRecord);
         zoPackedData_Free(theRecord);
         for (const size_t theRow :
-             { 18, 26 }) // behind the header and two bytes: rows of 8 bytes, the tag in the middle
+             { size_t{ 18 }, size_t{ 26 } }) // behind the header and two bytes: rows of 8 bytes, the tag in the middle
             memcpy(theBlock + theRow + 4, &theTag, sizeof(theTag));
         theRecord = zoPackedData_NewData(theBlock);
         EXPECT_EQ(0u, zoPackedData_GetEntryCount(theRecord));
