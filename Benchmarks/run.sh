@@ -11,7 +11,8 @@ build bench "$root/build/bench" all
 "$root/build/bench/bin/MemoryReport"
 case ${1-} in
 "") set -- --benchmark_filter='BM_(Parse|Write|Road|PugixmlParse|PugixmlParseAndCopy|PugixmlParseAndCopyReserved|Libxml2Parse)$' \
-    --benchmark_repetitions=15 --benchmark_report_aggregates_only --benchmark_min_time=0.1 ;;
+    --benchmark_repetitions=25 --benchmark_report_aggregates_only --benchmark_min_time=0.03 \
+    --benchmark_enable_random_interleaving=true ;;
 --growth) set -- --benchmark_filter='BM_(Growth|RoadOfResources)' --benchmark_min_time=0.1 ;;
 esac
 exec "$root/build/bench/bin/Benchmarks" "$@"

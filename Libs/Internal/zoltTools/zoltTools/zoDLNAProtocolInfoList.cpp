@@ -356,10 +356,16 @@ static bool HasSameProtocol(const Slot* aLeft, const Slot* aRight)
 static size_t CollectDistinct(const zoDLNAProtocolInfoList_t* aList, const Slot** aDistinct)
 {
     size_t theCount = 0;
-    for (size_t i = 0; i < CountOf(aList); ++i)
+    Run thePrevious = { "", 0 };
+    const size_t theElementCount = CountOf(aList);
+    for (size_t i = 0; i < theElementCount; ++i)
     {
         const Slot* theSlot = SlotAt(aList, i);
-        if (theSlot->mInfo->mProtocol.mLength == 0) { continue; }
+        const Run theProtocol = theSlot->mInfo->mProtocol;
+        const bool fIsAsBefore = theProtocol.mLength == thePrevious.mLength &&
+                                 memcmp(theProtocol.mData, thePrevious.mData, theProtocol.mLength) == 0;
+        if (fIsAsBefore || theProtocol.mLength == 0) { continue; }
+        thePrevious = theProtocol;
         const bool fIsKnown = std::any_of(aDistinct, aDistinct + std::min(theCount, kFewDistinct),
                                           [=](const Slot* aKnown) { return HasSameProtocol(aKnown, theSlot); });
         if (!fIsKnown) { aDistinct[theCount++] = theSlot; }
