@@ -55,7 +55,9 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
 /**
  * Parses one object of a document that the caller has read with ILibParseXML and found in order with
  * ILibProcessXMLNodeList, a browse result with many objects for instance. The text must be writable, as for
- * UPnPDIDL_ParseElements, and the byte after it, too.
+ * UPnPDIDL_ParseElements, and outlive the call; it can be parsed again. Elements with a prefix that stand inside each
+ * other are stored each with all that it holds, until what is stored of them passes four times the object's text, and
+ * 64 KiB: then no more of them are.
  * @param aBaseURL      what relative resource URIs are resolved against; NULL leaves them as they are.
  * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its namespaces; NULL for none.
  * @param aNode         the object's start tag.
