@@ -6,7 +6,6 @@
 #include <benchmark/benchmark.h>
 #include <cstring>
 #include <functional>
-#include <map>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
 // Every document is read from a fresh copy, by us and by the yardsticks, since those change it.
@@ -269,43 +268,7 @@ void BM_RoadOfResources(benchmark::State& aState)
 }
 BENCHMARK(BM_RoadOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
 
-// ---- Ratios ----
-
-// Prints as usual, and at the end what is compared with what.
-class RatioReporter : public benchmark::ConsoleReporter
-{
-public:
-    bool ReportContext(const Context& aContext) override { return ConsoleReporter::ReportContext(aContext); }
-    void ReportRuns(const std::vector<Run>& aRuns) override
-    {
-        ConsoleReporter::ReportRuns(aRuns);
-        for (const Run& theRun : aRuns)
-        {
-            const bool fCounts = theRun.run_type == Run::RT_Iteration || theRun.aggregate_name == "median";
-            if (fCounts) { mTimes[theRun.run_name.str()] = theRun.GetAdjustedCPUTime(); }
-        }
-    }
-    void Finalize() override
-    {
-        Print("parse / pugixml in place and copied out", "BM_Parse", "BM_PugixmlParseAndCopy");
-        Print("parse / pugixml in place and copied out to room made beforehand", "BM_Parse",
-              "BM_PugixmlParseAndCopyReserved");
-        Print("parse / pugixml in place", "BM_Parse", "BM_PugixmlParse");
-        Print("whole road / libxml2 tree", "BM_Road", "BM_Libxml2Parse");
-    }
-
-private:
-    void Print(const char* aText, const char* aName, const char* aYardstick)
-    {
-        if (mTimes.count(aName) == 0 || mTimes.count(aYardstick) == 0) { return; }
-        GetOutputStream() << "ratio " << aText << ": " << mTimes[aName] / mTimes[aYardstick] << "\n";
-    }
-    std::map<std::string, double> mTimes;
-};
-
-} // namespace
-
-int main(int argc, char** argv)
+const bool kfRegistered = []
 {
     Register("Resources", Resources, 10, 10000);
     Register("ExtraInfo", ExtraInfo, 10, 10000);
@@ -316,10 +279,7 @@ int main(int argc, char** argv)
     Register("NestedPlain", Nested("plain"), 100, 100000);
     Register("NestedStored", Nested("x:stored"), 100, 100000);
     Register("NestedTitle", Nested("dc:title"), 100, 100000);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) { return 2; }
-    if (Documents().empty() || SinkList().empty()) { return 2; }
-    RatioReporter theReporter;
-    benchmark::RunSpecifiedBenchmarks(&theReporter);
-    return 0;
-}
+    return true;
+}();
+
+} // namespace

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <zoLog/Log.h>
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoPackedData.h>
 
@@ -99,4 +100,34 @@ public:
 
 private:
     zoAssertHandler_t mBefore;
+};
+
+// Catches log messages below a level while it lives, each as "level/module file: text".
+class LogCatcher
+{
+public:
+    explicit LogCatcher(int aLevel = ZOLOGLEVEL_DEBUG) : mLevel(_zoLog_Level)
+    {
+        _zoLog_Level = aLevel;
+        zoLog_SetSink([](int aMessageLevel, int aModule, const char* aFile, int, const char* aText, void* aCatcher)
+                      { static_cast<LogCatcher*>(aCatcher)->Add(aMessageLevel, aModule, aFile, aText); },
+                      this);
+    }
+    ~LogCatcher()
+    {
+        zoLog_SetSink(nullptr, nullptr);
+        _zoLog_Level = mLevel;
+    }
+    LogCatcher(const LogCatcher&) = delete;
+    LogCatcher& operator=(const LogCatcher&) = delete;
+
+    std::string mText;
+
+private:
+    void Add(int aLevel, int aModule, const char* aFile, const char* aText)
+    {
+        mText += std::to_string(aLevel) + "/" + std::to_string(aModule) + " " + aFile + ": " + aText;
+    }
+
+    int mLevel;
 };

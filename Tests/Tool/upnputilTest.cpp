@@ -1,87 +1,12 @@
+#include "RunTool.h"
 #include "TestSupport.h"
 
-#include <algorithm>
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
 
-// The tool is run as a program, as its users do.
 namespace
 {
-
-typedef std::vector<std::string> Words;
-
-struct Result
-{
-    int mStatus; // -1 when it didn't end by itself
-    std::string mOutput;
-    std::string mError;
-};
-
-// A file without a name, closed at the end.
-struct ScratchFile
-{
-    explicit ScratchFile(const std::string& aText = "") : mFile(tmpfile())
-    {
-        fwrite(aText.data(), 1, aText.size(), mFile);
-        rewind(mFile);
-    }
-    ~ScratchFile() { fclose(mFile); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    std::string Read() const
-    {
-        std::string theText;
-        rewind(mFile);
-        for (int theByte; (theByte = fgetc(mFile)) != EOF;)
-            theText += static_cast<char>(theByte);
-        return theText;
-    }
-    std::string Path() const { return "/proc/self/fd/" + std::to_string(Descriptor()); }
-    int Descriptor() const { return fileno(mFile); }
-
-    FILE* mFile;
-};
-
-Result RunTool(const Words& anArguments, const std::string& anInput = "", const char* anOutputPath = nullptr)
-{
-    const ScratchFile theInput(anInput), theOutput, theError;
-    const pid_t theChild = fork();
-    if (theChild == 0)
-    {
-        std::vector<char*> theArguments = { const_cast<char*>(TEST_TOOL) };
-        for (const std::string& theArgument : anArguments)
-            theArguments.push_back(const_cast<char*>(theArgument.c_str()));
-        theArguments.push_back(nullptr);
-        dup2(theInput.Descriptor(), STDIN_FILENO);
-        dup2(anOutputPath ? open(anOutputPath, O_WRONLY) : theOutput.Descriptor(), STDOUT_FILENO);
-        dup2(theError.Descriptor(), STDERR_FILENO);
-        execv(TEST_TOOL, theArguments.data());
-        _exit(127);
-    }
-    int theStatus = 0;
-    waitpid(theChild, &theStatus, 0);
-    return { WIFEXITED(theStatus) ? WEXITSTATUS(theStatus) : -1, theOutput.Read(), theError.Read() };
-}
-
-Words Lines(const std::string& aText)
-{
-    Words theLines;
-    for (size_t theBegin = 0, theEnd; (theEnd = aText.find('\n', theBegin)) != std::string::npos; theBegin = theEnd + 1)
-        theLines.push_back(aText.substr(theBegin, theEnd - theBegin));
-    return theLines;
-}
-
-bool HasLine(const Result& aResult, const std::string& aLine)
-{
-    const Words theLines = Lines(aResult.mOutput);
-    return std::find(theLines.begin(), theLines.end(), aLine) != theLines.end();
-}
 
 std::string Item(const std::string& aContent) { return "<item id=\"1\">" + aContent + "</item>"; }
 

@@ -57,28 +57,6 @@ std::string Item(const std::string& anAttributes, const std::string& aContent)
     return "<item" + anAttributes + ">" + aContent + "</item>";
 }
 
-struct LogCatcher
-{
-    explicit LogCatcher(int aLevel) : mLevel(_zoLog_Level)
-    {
-        _zoLog_Level = aLevel;
-        zoLog_SetSink(
-            [](int aMessageLevel, int aModule, const char* aFile, int, const char* aText, void* aUserData)
-            {
-            static_cast<LogCatcher*>(aUserData)->mText +=
-                std::to_string(aMessageLevel) + "/" + std::to_string(aModule) + " " + aFile + ": " + aText;
-            },
-            this);
-    }
-    ~LogCatcher()
-    {
-        zoLog_SetSink(nullptr, nullptr);
-        _zoLog_Level = mLevel;
-    }
-    std::string mText;
-    int mLevel;
-};
-
 } // namespace
 
 TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)

@@ -1,0 +1,63 @@
+#include "Documents.h"
+
+#include <benchmark/benchmark.h>
+#include <map>
+
+namespace
+{
+
+// What is compared with what in the same run.
+struct Ratio
+{
+    const char* mText;
+    const char* mName;
+    const char* mYardstick;
+};
+const Ratio kRatios[] = {
+    { "parse / pugixml in place and copied out", "BM_Parse", "BM_PugixmlParseAndCopy" },
+    { "parse / pugixml in place and copied out to room made beforehand", "BM_Parse", "BM_PugixmlParseAndCopyReserved" },
+    { "parse / pugixml in place", "BM_Parse", "BM_PugixmlParse" },
+    { "whole road / libxml2 tree", "BM_Road", "BM_Libxml2Parse" },
+};
+
+// Prints as usual, and the ratios at the end.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    bool ReportContext(const Context& aContext) override { return ConsoleReporter::ReportContext(aContext); }
+    void ReportRuns(const std::vector<Run>& aRuns) override
+    {
+        ConsoleReporter::ReportRuns(aRuns);
+        for (const Run& theRun : aRuns)
+        {
+            const bool fCounts = theRun.run_type == Run::RT_Iteration || theRun.aggregate_name == "median";
+            if (fCounts) { mTimes[theRun.run_name.str()] = theRun.GetAdjustedCPUTime(); }
+        }
+    }
+    void Finalize() override
+    {
+        for (const Ratio& theRatio : kRatios)
+            Print(theRatio);
+    }
+
+private:
+    void Print(const Ratio& aRatio)
+    {
+        if (mTimes.count(aRatio.mName) == 0 || mTimes.count(aRatio.mYardstick) == 0) { return; }
+        GetOutputStream() << "ratio " << aRatio.mText << ": " << mTimes[aRatio.mName] / mTimes[aRatio.mYardstick]
+                          << "\n";
+    }
+    std::map<std::string, double> mTimes;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) { return 2; }
+    if (Documents().empty()) { return 2; }
+    RatioReporter theReporter;
+    benchmark::RunSpecifiedBenchmarks(&theReporter);
+    return 0;
+}

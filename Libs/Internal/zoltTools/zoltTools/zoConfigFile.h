@@ -1,0 +1,100 @@
+#pragma once
+
+/* The device's configuration file: sections of string values under keys. Its text form:
+ *
+ *     # a comment, also with ";"
+ *     [Section]
+ *     key=value
+ *
+ * Blanks around section, key and value are not part of them; lines end with "\n" or "\r\n". In names and values "\\",
+ * "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a blank at either end, so
+ * that every value survives a save and a load byte for byte; any other backslash is itself. Names are compared byte by
+ * byte. Of several lines with the same key the last one counts; a section that appears twice is one section; keys
+ * before the first section are in the section "".
+ *
+ * A file is used by one thread at a time. Loading is linear in the text, a look-up is O(1). NULL where a file, a
+ * section or a key is asked for reads as absent, and sets nothing. */
+
+#include <zoOS/zoTypes.h>
+#include <zoltTools/Export.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct zoConfigFile zoConfigFile;
+
+/** Replaces the place-holders of a value. @return a new text, released with free. */
+typedef char* (*zoStringSubstitution_t)(const char* aText);
+
+/**
+ * Loads a configuration file.
+ * @param aPath  a missing file is an empty configuration; NULL keeps the configuration in memory.
+ * @return a new configuration, released with zoConfigFile_Delete. When a file is there but can't be read, that is
+ *         logged, the configuration is empty, and zoConfigFile_Save refuses to replace what could not be read.
+ */
+ZOLTTOOLS_API zoConfigFile* zoConfigFile_New(const char* aPath);
+/** Reads aLength bytes of text, which may hold anything but is cut at a NUL, as a configuration kept in memory.
+ *  @return a new configuration, released with zoConfigFile_Delete. */
+ZOLTTOOLS_API zoConfigFile* zoConfigFile_NewFromText(const char* aText, size_t aLength);
+/** @return whether the file at the configuration's path was read, or was not there: 1; 0 when it could not be read. */
+ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
+/**
+ * Writes the configuration to its path, with the comments, order and other lines that it was loaded with. Atomic and
+ * durable: a temporary file beside the target is flushed to disk and renamed over it, so that a crash at any point
+ * leaves the old file or the new one. The file's permissions stay; a symbolic link stays, and what it points to is
+ * replaced.
+ * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
+ *         file is then as it was.
+ */
+ZOLTTOOLS_API int zoConfigFile_Save(zoConfigFile* aConfigFile);
+/** Frees the configuration without saving it; NULL is ignored. */
+ZOLTTOOLS_API void zoConfigFile_Delete(zoConfigFile* aConfigFile);
+/** @return the text that zoConfigFile_Save writes, NUL-terminated, released with free; *aLength (may be NULL) is its
+ *          length. */
+ZOLTTOOLS_API char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength);
+
+/** @return the value of a key, borrowed until the key is set again or the file deleted; aDefaultValue, which may be
+ *          NULL, when the key is absent. */
+ZOLTTOOLS_API const char* zoConfigFile_GetString(const zoConfigFile* aConfigFile, const char* aSection,
+                                                 const char* aKey, const char* aDefaultValue);
+/** @return the value, or the default, after aSubstitution: a new text, released with free. NULL when the key is absent
+ *          and the default is NULL. A NULL aSubstitution copies. */
+ZOLTTOOLS_API char* zoConfigFile_GetStringWithSubstitution(const zoConfigFile* aConfigFile, const char* aSection,
+                                                           const char* aKey, const char* aDefaultValue,
+                                                           zoStringSubstitution_t aSubstitution);
+/** The number that a value is: decimal, or hexadecimal with "0x"; signed where the reader is signed.
+ *  @return the default when the key is absent, its value no number, or out of the reader's range. */
+ZOLTTOOLS_API uint32 zoConfigFile_GetUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                            uint32 aDefaultValue);
+ZOLTTOOLS_API uint16 zoConfigFile_GetUInt16(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                            uint16 aDefaultValue);
+ZOLTTOOLS_API uint8 zoConfigFile_GetUInt8(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                          uint8 aDefaultValue);
+ZOLTTOOLS_API int32 zoConfigFile_GetInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                          int32 aDefaultValue);
+/** @return 1 for "1", "true", "yes" and "on", 0 for "0", "false", "no", "off" and "", whatever the case of the letters;
+ *          aDefaultValue when the key is absent or its value another text. */
+ZOLTTOOLS_API int zoConfigFile_OptionIsSet(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                           int aDefaultValue);
+
+/** Sets a key to a copy of aValue, in memory; a new key goes to the end of its section, a new section to the end of the
+ *  file. A NULL value removes the key. aValue may be a value of this file. */
+ZOLTTOOLS_API void zoConfigFile_SetString(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                          const char* aValue);
+
+/** @return the number of sections that hold a key or stand in the file. */
+ZOLTTOOLS_API size_t zoConfigFile_GetSectionCount(const zoConfigFile* aConfigFile);
+/** @return the name of a section, in the order of the file, borrowed; NULL past the end. */
+ZOLTTOOLS_API const char* zoConfigFile_GetSectionAt(const zoConfigFile* aConfigFile, size_t anIndex);
+/** @return the number of keys of a section. */
+ZOLTTOOLS_API size_t zoConfigFile_GetKeyCount(const zoConfigFile* aConfigFile, const char* aSection);
+/** @return a key of a section, in the order of the file, borrowed; NULL past the end. */
+ZOLTTOOLS_API const char* zoConfigFile_GetKeyAt(const zoConfigFile* aConfigFile, const char* aSection, size_t anIndex);
+
+/** A zoStringSubstitution_t: replaces each "%HOSTNAME%" by the host's name. NULL gives NULL. */
+ZOLTTOOLS_API char* zoStringSubstitution_Replace_HostName(const char* aText);
+
+#ifdef __cplusplus
+}
+#endif
