@@ -83,20 +83,6 @@ TEST(ILibXMLTest, ReadsWhatServersSend)
         EXPECT_EQ(theCase.mOutline, Outline(theCase.mText)) << theCase.mText;
 }
 
-// An attribute list and the nodes are released in either order.
-TEST(ILibXMLTest, KeepsAttributesWithoutTheirNodes)
-{
-    char theText[] = "<a x='1'><b y='2'/></a>";
-    ILibXMLNode* theNodes = ILibParseXML(theText, 0, strlen(theText));
-    ASSERT_EQ(kILibProcessXML_NoError, ILibProcessXMLNodeList(theNodes));
-    ILibXMLAttribute* theFirst = ILibGetXMLAttributes(theNodes);
-    ILibXMLAttribute* theSecond = ILibGetXMLAttributes(theNodes->Next);
-    ILibDestructXMLAttributeList(theFirst);
-    ILibDestructXMLNodeList(theNodes);
-    EXPECT_EQ("y=2", Text(theSecond->Name, 1) + "=" + Text(theSecond->Value, theSecond->ValueLength));
-    ILibDestructXMLAttributeList(theSecond);
-}
-
 TEST(ILibXMLTest, ResolvesReferences)
 {
     static const struct

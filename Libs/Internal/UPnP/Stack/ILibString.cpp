@@ -51,13 +51,14 @@ uint32 ILibString_ParseTimeString(const char* aText)
     uint64 theSeconds = 0;
     for (int theUnit = 0; theUnit < 3; ++theUnit)
     {
-        const char* theEnd = SkipDigits(thePosition);
-        if (theEnd == thePosition || (theUnit > 0 && theEnd - thePosition > 2)) { return kUPnP_UnknownTime; }
         uint64 theNumber = 0;
-        for (; thePosition < theEnd && theNumber <= UINT32_MAX; ++thePosition)
-            theNumber = theNumber * 10 + static_cast<uint64>(*thePosition - '0');
+        const char* theEnd = thePosition;
+        for (; IsDigit(*theEnd); ++theEnd)
+        {
+            if (theNumber <= UINT32_MAX) { theNumber = theNumber * 10 + static_cast<uint64>(*theEnd - '0'); }
+        }
+        if (theEnd == thePosition || (theUnit > 0 && theEnd - thePosition > 2)) { return kUPnP_UnknownTime; }
         if (theNumber > UINT32_MAX || (theUnit > 0 && theNumber >= 60)) { return kUPnP_UnknownTime; }
-
         theSeconds = theSeconds * 60 + theNumber;
         if (*theEnd != ':')
         {

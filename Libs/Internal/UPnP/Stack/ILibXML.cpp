@@ -10,8 +10,7 @@
 
 struct ILibXMLDocument
 {
-    uint32 mReferences; // held by the node list and by each attribute list that was given out
-    int mError;         // a kILibProcessXML_*: where there is one, the reader stopped
+    int mError; // a kILibProcessXML_*: where there is one, the reader stopped
     struct ILibXMLBlock* mBlocks;
     char* mFree; // mFree to mFreeEnd: the rest of the newest block
     char* mFreeEnd;
@@ -30,18 +29,13 @@ static ILibXMLDocument* NewDocument()
 {
     ILibXMLDocument* theDocument = static_cast<ILibXMLDocument*>(zoMalloc(kMinBlockSize));
     char* theMemory = reinterpret_cast<char*>(theDocument);
-    *theDocument = { 1,
-                     kILibProcessXML_NoError,
-                     nullptr,
-                     theMemory + sizeof(ILibXMLDocument),
-                     theMemory + kMinBlockSize,
+    *theDocument = { kILibProcessXML_NoError, nullptr, theMemory + sizeof(ILibXMLDocument), theMemory + kMinBlockSize,
                      kMinBlockSize };
     return theDocument;
 }
 
 static void ReleaseDocument(ILibXMLDocument* aDocument)
 {
-    if (--aDocument->mReferences > 0) { return; }
     for (ILibXMLBlock* theBlock = aDocument->mBlocks; theBlock;)
     {
         ILibXMLBlock* theNext = theBlock->mNext;
@@ -227,7 +221,6 @@ static inline unsigned FirstByte(uint64 aMask)
     theNode->StartingTag = nullptr;
     theNode->Attributes = nullptr;
     theNode->TagEnd = nullptr;
-    theNode->Document = aReader->mDocument;
     if (aReader->mLast) { aReader->mLast->Next = theNode; }
     else { aReader->mFirst = theNode; }
     aReader->mLast = theNode;
@@ -262,7 +255,8 @@ static inline unsigned FirstByte(uint64 aMask)
     char* thePosition = aReader->mPosition;
     if (*thePosition != '=') { thePosition = SkipBlanks(thePosition); }
     if (*thePosition != '=') { return false; }
-    thePosition = SkipBlanks(thePosition + 1);
+    ++thePosition;
+    if (*thePosition != '"') { thePosition = SkipBlanks(thePosition); }
     if (*thePosition != '"' && *thePosition != '\'') { return false; }
     char* theValue = thePosition + 1;
     char* theQuote = static_cast<char*>(memchr(theValue, *thePosition, static_cast<size_t>(aReader->mEnd - theValue)));
@@ -293,7 +287,10 @@ static inline unsigned FirstByte(uint64 aMask)
     ILibXMLAttribute** theLink = &theNode->Attributes;
     for (;;)
     {
-        aReader->mPosition = SkipBlanks(aReader->mPosition);
+        if (*aReader->mPosition <= ' ')
+        {
+            aReader->mPosition = SkipBlanks(aReader->mPosition + (*aReader->mPosition == ' '));
+        }
         if (*aReader->mPosition == '>')
         {
             theNode->TagEnd = ++aReader->mPosition;
@@ -347,7 +344,7 @@ static bool Refuse(Reader* aReader, const QName& aName, int anError)
     aReader->mPosition += 2;
     const bool fIsOfParent = aReader->mParent && TakeNameOfParent(aReader, &theName);
     if (!fIsOfParent && !ReadName(aReader, &theName)) { return false; }
-    aReader->mPosition = SkipBlanks(aReader->mPosition);
+    if (*aReader->mPosition != '>') { aReader->mPosition = SkipBlanks(aReader->mPosition); }
     if (*aReader->mPosition != '>') { return false; }
     ++aReader->mPosition;
     if (!aReader->mParent) { return Refuse(aReader, theName, kILibProcessXML_IllegalCloseTag); }
@@ -449,27 +446,23 @@ ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
 
 // ---- Using the nodes ----
 
+// The first node is the first record of its document.
+static ILibXMLDocument* DocumentOf(ILibXMLNode* aFirst) { return reinterpret_cast<ILibXMLDocument*>(aFirst) - 1; }
+
 int ILibProcessXMLNodeList(ILibXMLNode* aNodeList)
 {
-    return aNodeList ? aNodeList->Document->mError : kILibProcessXML_NoError;
+    return aNodeList ? DocumentOf(aNodeList)->mError : kILibProcessXML_NoError;
 }
 
 void ILibDestructXMLNodeList(ILibXMLNode* aNodeList)
 {
-    if (aNodeList) { ReleaseDocument(aNodeList->Document); }
+    if (aNodeList) { ReleaseDocument(DocumentOf(aNodeList)); }
 }
 
-ILibXMLAttribute* ILibGetXMLAttributes(ILibXMLNode* aNode)
-{
-    if (!aNode || !aNode->Attributes) { return nullptr; }
-    ++aNode->Document->mReferences;
-    return aNode->Attributes;
-}
+ILibXMLAttribute* ILibGetXMLAttributes(ILibXMLNode* aNode) { return aNode ? aNode->Attributes : nullptr; }
 
-void ILibDestructXMLAttributeList(ILibXMLAttribute* aList)
-{
-    if (aList) { ReleaseDocument(aList->Parent->Document); }
-}
+// The attributes are the document's.
+void ILibDestructXMLAttributeList(ILibXMLAttribute* /*aList*/) {}
 
 int ILibReadInnerXML(ILibXMLNode* aNode, char** aStart)
 {

@@ -49,7 +49,6 @@ struct ILibXMLNode
     /* For the reader's own use: */
     struct ILibXMLAttribute* Attributes;
     char* TagEnd; /* past the ">" */
-    struct ILibXMLDocument* Document;
 };
 
 /* One attribute of a start tag. */
@@ -79,7 +78,7 @@ UPNPSTACK_API int ILibProcessXMLNodeList(struct ILibXMLNode* aNodeList);
 UPNPSTACK_API void ILibDestructXMLNodeList(struct ILibXMLNode* aNodeList);
 
 /** @return the attributes of a start tag in their order, NULL when it has none; released with
- *          ILibDestructXMLAttributeList, before or after the nodes are. They don't change when the text does. */
+ *          ILibDestructXMLAttributeList before the nodes are. They don't change when the text does. */
 UPNPSTACK_API struct ILibXMLAttribute* ILibGetXMLAttributes(struct ILibXMLNode* aNode);
 /** Releases an attribute list (not the text), given its first attribute; NULL is ignored. */
 UPNPSTACK_API void ILibDestructXMLAttributeList(struct ILibXMLAttribute* aList);

@@ -540,12 +540,27 @@ private:
     char mSaved = 0;
 };
 
+// Where the object's text has nothing to resolve: most of it, or all.
+struct PlainText
+{
+    const char* mBegin; // the object's first byte
+    const char* mFirst; // "&" and "!" are met from here on
+    const char* mLast;  // up to here
+    const char* mEnd;   // past the object's last byte
+
+    bool Holds(const char* aBegin, const char* anEnd) const
+    {
+        return (aBegin >= mBegin && anEnd <= mFirst) || (aBegin >= mLast && anEnd <= mEnd);
+    }
+};
+
 // Memory for a text whose entities are resolved: the document itself stays as it is, since an element's text is also
 // part of the text of the elements around it.
 struct Scratch
 {
     char* mText;
     size_t mSize;
+    PlainText mPlain; // what needs no copy
 };
 
 // A text that grows: mLength of mSize bytes are written.
@@ -635,14 +650,29 @@ static bool GetXMLAttribute(const ILibXMLAttribute* anAttributes, const char (&a
     return false;
 }
 
-// Whether there is anything to resolve.
+// Whether there is anything to resolve: a reference, or perhaps a CDATA section.
 static bool HasMarkup(const Slice& aText)
 {
-    return memchr(aText.mBegin, '&', aText.mLength) != nullptr || memchr(aText.mBegin, '<', aText.mLength) != nullptr;
+    return memchr(aText.mBegin, '&', aText.mLength) != nullptr || memchr(aText.mBegin, '!', aText.mLength) != nullptr;
 }
 
-// The text with its entities resolved: itself when it has none, else a copy that lasts until the next one.
-static Slice Resolve(Scratch* aScratch, const Slice& aText)
+// Looks once at all of the object's text for what texts would otherwise be looked through for one by one.
+static PlainText FindPlainText(const char* aBegin, const char* anEnd)
+{
+    PlainText thePlain = { aBegin, anEnd, aBegin, anEnd };
+    const size_t theLength = static_cast<size_t>(anEnd - aBegin);
+    for (const char theMark : { '&', '!' })
+    {
+        const void* theFirst = memchr(aBegin, theMark, theLength);
+        if (!theFirst) { continue; }
+        const void* theLast = memrchr(aBegin, theMark, theLength);
+        thePlain.mFirst = std::min(thePlain.mFirst, static_cast<const char*>(theFirst));
+        thePlain.mLast = std::max(thePlain.mLast, static_cast<const char*>(theLast) + 1);
+    }
+    return thePlain;
+}
+
+static Slice ResolveCopy(Scratch* aScratch, const Slice& aText)
 {
     if (aText.mLength == 0 || !HasMarkup(aText)) { return aText; }
     if (aScratch->mSize <= aText.mLength)
@@ -654,6 +684,13 @@ static Slice Resolve(Scratch* aScratch, const Slice& aText)
     memcpy(aScratch->mText, aText.mBegin, aText.mLength);
     aScratch->mText[aText.mLength] = 0;
     return { aScratch->mText, static_cast<size_t>(ILibInPlaceXmlUnEscape(aScratch->mText)) };
+}
+
+// The text with its entities resolved: itself when it has none, else a copy that lasts until the next one.
+static inline Slice Resolve(Scratch* aScratch, const Slice& aText)
+{
+    const bool fIsPlain = aScratch->mPlain.Holds(aText.mBegin, aText.mBegin + aText.mLength);
+    return fIsPlain ? aText : ResolveCopy(aScratch, aText);
 }
 
 // Makes room for aCount further bytes and gives their place.
@@ -812,22 +849,20 @@ static void AppendToList(TextBuilder* aBuilder, const Slice& aText)
     }
 }
 
-// Whether the document itself has the declaration in the form name="value", to be appended as it stands.
+// Whether the document itself has the declaration in the form name="value".
 static bool IsWrittenAsStored(const Slice& aName, const Slice& aValue)
 {
     const char* theNameEnd = aName.mBegin + aName.mLength;
-    const Slice theWhole = { aName.mBegin, aName.mLength + 2 + aValue.mLength };
-    return aValue.mBegin == theNameEnd + 2 && memcmp(theNameEnd, "=\"", 2) == 0 && !Contains(theWhole, ',') &&
-           !Contains(theWhole, '<');
+    return aValue.mBegin == theNameEnd + 2 && memcmp(theNameEnd, "=\"", 2) == 0;
 }
 
-// Adds a declaration, unless one of that name is there: the first one counts.
-static void AppendXMLNS(NamespaceList* aNamespaces, const Slice& aName, const Slice& aValue)
+// Adds a declaration, unless one of that name is there: the first one counts. Plain ones have no comma and no "<".
+static void AppendXMLNS(NamespaceList* aNamespaces, const Slice& aName, const Slice& aValue, bool afIsPlain = false)
 {
     if (!TakeName(aNamespaces, aName)) { return; }
     TextBuilder* theList = &aNamespaces->mText;
     if (theList->mLength > 0) { Append(theList, ",", 1); }
-    if (IsWrittenAsStored(aName, aValue))
+    if (afIsPlain && IsWrittenAsStored(aName, aValue))
     {
         Append(theList, aName.mBegin, aName.mLength + 2 + aValue.mLength + 1);
         return;
@@ -855,15 +890,25 @@ static void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes, NamespaceList
     }
 }
 
+// Whether all attributes of an element, which end where its text begins, are free of commas and "<".
+static bool ArePlain(const ILibXMLAttribute* aFirst, const Slice& anInnerXML)
+{
+    char* theBegin = QualifiedName(aFirst).mBegin;
+    const Slice theAttributes = { theBegin, static_cast<size_t>(anInnerXML.mBegin - theBegin) };
+    return !Contains(theAttributes, ',') && !Contains(theAttributes, '<');
+}
+
 // The declarations of the root: its attributes without a prefix, or with one that "xmlns" begins with.
 static void AddRootNameSpaces(ILibXMLNode* aDIDLNode, NamespaceList* aNamespaces)
 {
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aDIDLNode);
+    const Slice theText = GetInnerXML(aDIDLNode);
+    const bool fArePlain = theAttributes && theText.mBegin && ArePlain(theAttributes, theText);
     for (const ILibXMLAttribute* theAttribute = theAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
         const size_t theLength = static_cast<size_t>(theAttribute->PrefixLength);
         if (theLength > 5 || (theLength > 0 && memcmp(theAttribute->Prefix, "xmlns", theLength) != 0)) { continue; }
-        AppendXMLNS(aNamespaces, QualifiedName(theAttribute), ValueAsWritten(theAttribute));
+        AppendXMLNS(aNamespaces, QualifiedName(theAttribute), ValueAsWritten(theAttribute), fArePlain);
     }
     ILibDestructXMLAttributeList(theAttributes);
 }
@@ -1004,7 +1049,7 @@ struct ObjectParser
     const char* mBaseURL = nullptr;
     zoPackedData_t* mEntry = nullptr;
     zoPackedData_t* mResources = nullptr;
-    Scratch mScratch = { nullptr, 0 };
+    Scratch mScratch = { nullptr, 0, { nullptr, nullptr, nullptr, nullptr } };
     NamespaceList mNamespaces;
     zoArray_t* mAlbumArt = nullptr;
 
@@ -1375,14 +1420,6 @@ static ILibXMLNode* NextStartTag(ILibXMLNode* aNode, const ILibXMLNode* anEnd)
     return aNode;
 }
 
-static uint32 CountResources(ILibXMLNode* anObject)
-{
-    uint32 theCount = 0;
-    for (ILibXMLNode* theNode = anObject; (theNode = NextStartTag(theNode, anObject->ClosingTag)) != nullptr;)
-        theCount += IsResource(theNode);
-    return theCount;
-}
-
 static void ParseElementsOf(ObjectParser* aParser, ILibXMLNode* anObject)
 {
     for (ILibXMLNode* theNode = anObject; (theNode = NextStartTag(theNode, anObject->ClosingTag)) != nullptr;)
@@ -1474,11 +1511,15 @@ static void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode
 {
     const Slice theObject = GetInnerXML(aNode);
     aParser->mBaseURL = aBaseURL;
+    if (theObject.mBegin)
+    {
+        aParser->mScratch.mPlain = FindPlainText(QualifiedName(aNode).mBegin, theObject.mBegin + theObject.mLength);
+    }
     aParser->mStoredLimit = std::max(theObject.mLength * kStoredPerText, kStoredAtLeast);
     if (!afIsItem) { aParser->mFlags |= kDIDL_Flags_Searchable; }
     aParser->mEntry = zoPackedData_New(1);
     zoPackedData_AddNewEntry(aParser->mEntry);
-    aParser->mResources = zoPackedData_New(aNode ? CountResources(aNode) : 0);
+    aParser->mResources = zoPackedData_New(0);
     aParser->mAlbumArt = zoArray_New();
     zoArray_SetFreeFunc(aParser->mAlbumArt, zoStringArray_FreeFunc);
 }

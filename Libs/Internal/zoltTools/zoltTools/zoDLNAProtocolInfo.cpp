@@ -21,6 +21,7 @@ struct Fields
     Run mField[kFieldCount];
     int mCount;
     bool mfHasBlanks; // perhaps; inside the fields, too
+    Run mWhole;       // the text that the fields are in, when nothing is to be removed from it; else none
 };
 
 // What is looked for in the fourth field; the first of a name counts.
@@ -124,35 +125,39 @@ int zoDLNARun_NextPart(Run* aRest, char aSeparator, Run* aPart)
 
 // ---- From text to fields ----
 
-// Whether there is a blank, or another control byte. It looks at all bytes, which compilers make many at a time of.
-static bool HasBlanks(Run aText)
+// Whether one of eight bytes is a blank or another control byte.
+static uint64 HasBlank(const char* aBytes)
 {
-    uint8 theCount = 0;
-    for (size_t i = 0; i < aText.mLength; ++i)
-        theCount = static_cast<uint8>(theCount | (static_cast<uint8>(aText.mData[i]) <= ' '));
-    return theCount != 0;
+    uint64 theWord;
+    memcpy(&theWord, aBytes, sizeof(theWord));
+    return (theWord - 0x2121212121212121u) & ~theWord & 0x8080808080808080u;
 }
 
-static Fields SplitFields(Run aText)
+static bool HasBlanks(Run aText)
 {
-    Fields theFields = {};
+    uint64 theBlanks = 0;
+    const char* theEnd = aText.mData + aText.mLength;
+    if (aText.mLength < sizeof(uint64)) { return std::any_of(aText.mData, theEnd, IsBlank); }
+    for (const char* theWord = aText.mData; theWord < theEnd - sizeof(uint64); theWord += sizeof(uint64))
+        theBlanks |= HasBlank(theWord);
+    return (theBlanks | HasBlank(theEnd - sizeof(uint64))) != 0;
+}
+
+static void SplitFields(Fields* aFields, Run aText)
+{
     const bool fHasBlanks = HasBlanks(aText);
     Run theRest = aText;
-    while (theRest.mData)
-    {
-        Run* theField = &theFields.mField[theFields.mCount];
-        if (theFields.mCount++ < kField_Additional) { NextPiece(&theRest, ':', theField); }
-        else
-        {
-            *theField = theRest;
-            theRest.mData = nullptr;
-        }
-        if (fHasBlanks) { *theField = zoDLNARun_Trim(*theField); }
-    }
-    for (int i = theFields.mCount; i < kFieldCount; ++i)
-        theFields.mField[i] = { "", 0 };
-    theFields.mfHasBlanks = fHasBlanks;
-    return theFields;
+    int theCount = 0;
+    while (theCount < kField_Additional && NextPiece(&theRest, ':', &aFields->mField[theCount]))
+        ++theCount;
+    if (theRest.mData) { aFields->mField[theCount++] = theRest; }
+    for (int i = 0; fHasBlanks && i < theCount; ++i)
+        aFields->mField[i] = zoDLNARun_Trim(aFields->mField[i]);
+    for (int i = theCount; i < kFieldCount; ++i)
+        aFields->mField[i] = { "", 0 };
+    aFields->mCount = theCount;
+    aFields->mfHasBlanks = fHasBlanks;
+    aFields->mWhole = fHasBlanks ? Run{ nullptr, 0 } : aText;
 }
 
 // Where the value of a parameter belongs, when it is one that is looked for and not yet found; else NULL. Both names
@@ -168,7 +173,9 @@ static Run* TargetOf(Parameters* aParameters, Run aParameter)
                      : theFirst == 'c' && theSecond == 'i' ? &aParameters->mConverted
                                                            : nullptr;
     if (!theTarget || theTarget->mData) { return nullptr; }
-    return zoDLNARun_Equal({ aParameter.mData, thePrefix.mLength }, thePrefix) ? theTarget : nullptr;
+    const bool fHasPrefix = memcmp(aParameter.mData, thePrefix.mData, thePrefix.mLength) == 0 ||
+                            zoDLNARun_Equal({ aParameter.mData, thePrefix.mLength }, thePrefix);
+    return fHasPrefix ? theTarget : nullptr;
 }
 
 static Parameters ReadParameters(const Fields& aFields)
@@ -207,25 +214,44 @@ static void AppendParameters(char** anEnd, Run anAdditional)
     }
 }
 
-// Writes the fields' text at anEnd and points the first three at it.
-static void WriteText(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Fields* aFields, bool afHasBlanks)
+// Writes the text, which needs no change, at anEnd and points the first three fields at it.
+static void WriteWhole(char** anEnd, Fields* aFields)
 {
-    anInfo->mText = *anEnd;
+    const Run theCopy = AppendRun(anEnd, aFields->mWhole);
+    const char* theField = theCopy.mData;
+    for (int i = 0; i < aFields->mCount && i < kField_Additional; ++i)
+    {
+        aFields->mField[i].mData = theField;
+        theField += aFields->mField[i].mLength + 1;
+    }
+}
+
+// As WriteWhole, without the blanks.
+static void WriteFields(char** anEnd, Fields* aFields, bool afHasBlanks)
+{
     for (int i = 0; i < aFields->mCount; ++i)
     {
         if (i > 0) { *(*anEnd)++ = ':'; }
         if (i == kField_Additional && afHasBlanks) { AppendParameters(anEnd, aFields->mField[i]); }
         else { aFields->mField[i] = AppendRun(anEnd, aFields->mField[i]); }
     }
+}
+
+static void WriteText(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Fields* aFields, bool afHasBlanks)
+{
+    anInfo->mText = *anEnd;
+    if (aFields->mWhole.mData) { WriteWhole(anEnd, aFields); }
+    else { WriteFields(anEnd, aFields, afHasBlanks); }
     anInfo->mTextLength = static_cast<size_t>(*anEnd - anInfo->mText);
     *(*anEnd)++ = '\0';
 }
 
-static void ReadMimeType(zoDLNAProtocolInfo_t* anInfo, Run* aParameters, Run aField)
+static void ReadMimeType(zoDLNAProtocolInfo_t* anInfo, Run* aParameters, Run aField, bool afHasParameters)
 {
-    zoDLNARun_NextPart(&aField, ';', &anInfo->mMimeType);
-
+    anInfo->mMimeType = aField;
     anInfo->mMimeParameters = aParameters;
+    if (!afHasParameters) { return; }
+    zoDLNARun_NextPart(&aField, ';', &anInfo->mMimeType);
     Run thePart;
     while (zoDLNARun_NextPart(&aField, ';', &thePart))
     {
@@ -251,17 +277,18 @@ static size_t BoundTextSize(const Fields& aFields, Run aProfile)
     return theSize;
 }
 
-static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
+// Changes the fields.
+static zoDLNAProtocolInfo_t* NewFromFields(Fields* aFields)
 {
-    const Parameters theParameters = ReadParameters(aFields);
-    const Run theMimeType = aFields.mField[kField_MimeType];
+    const Parameters theParameters = ReadParameters(*aFields);
+    const Run theMimeType = aFields->mField[kField_MimeType];
     const bool fHasMimeParameters = memchr(theMimeType.mData, ';', theMimeType.mLength) != nullptr;
     const size_t theMimeParameterBound =
         fHasMimeParameters
             ? static_cast<size_t>(std::count(theMimeType.mData, theMimeType.mData + theMimeType.mLength, ';'))
             : 0;
 
-    const size_t theTextSize = BoundTextSize(aFields, theParameters.mProfile);
+    const size_t theTextSize = BoundTextSize(*aFields, theParameters.mProfile);
     if (theMimeParameterBound > (SIZE_MAX / 2 - theTextSize - sizeof(zoDLNAProtocolInfo_t)) / sizeof(Run)) { abort(); }
     char* theBlock =
         static_cast<char*>(zoMalloc(sizeof(zoDLNAProtocolInfo_t) + theMimeParameterBound * sizeof(Run) + theTextSize));
@@ -270,19 +297,21 @@ static zoDLNAProtocolInfo_t* NewFromFields(Fields aFields)
     Run* theMimeParameters = reinterpret_cast<Run*>(theInfo + 1);
     char* theEnd = reinterpret_cast<char*>(theMimeParameters + theMimeParameterBound);
 
-    WriteText(theInfo, &theEnd, &aFields, theParameters.mfHasBlanks);
+    WriteText(theInfo, &theEnd, aFields, theParameters.mfHasBlanks);
     WriteProfile(theInfo, &theEnd, theParameters.mProfile);
-    ReadMimeType(theInfo, theMimeParameters, aFields.mField[kField_MimeType]);
-    theInfo->mProtocol = aFields.mField[kField_Protocol];
-    theInfo->mNetwork = aFields.mField[kField_Network];
-    theInfo->mfConverted = zoDLNARun_Equal(theParameters.mConverted, RunOf("1")) != 0;
+    ReadMimeType(theInfo, theMimeParameters, aFields->mField[kField_MimeType], fHasMimeParameters);
+    theInfo->mProtocol = aFields->mField[kField_Protocol];
+    theInfo->mNetwork = aFields->mField[kField_Network];
+    theInfo->mfConverted = theParameters.mConverted.mLength == 1 && *theParameters.mConverted.mData == '1';
     return theInfo;
 }
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
 {
     const char* theText = aText ? aText : "";
-    return NewFromFields(SplitFields({ theText, aText ? strnlen(aText, aLength) : 0 }));
+    Fields theFields;
+    SplitFields(&theFields, { theText, aText ? strnlen(aText, aLength) : 0 });
+    return NewFromFields(&theFields);
 }
 
 void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo) { free(anInfo); }
@@ -449,7 +478,10 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
     const Run theScheme = SchemeOf(theURI);
     const char* theHierarchy = theScheme.mLength > 0 ? theURI + theScheme.mLength + 1 : theURI;
     const Run theMimeType = RunOf(MimeTypeOf(ExtensionOf(theHierarchy)));
-    return NewFromFields({ { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount, false });
+    Fields theFields = {
+        { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount, false, { nullptr, 0 }
+    };
+    return NewFromFields(&theFields);
 }
 
 // ---- Asking ----

@@ -68,8 +68,8 @@ struct zoPackedData_t
     uint32* mEntryEnds; // for each entry the index of the row after its last
 
     // The open entry, the last one while mfOpen. Of few rows with low tags mSeen has the tags' bits; once there are
-    // more or others, mfMany, mPositions[tag] is the tag's position in it, or kNoPosition, and closing the entry sorts
-    // it.
+    // more or others, mfMany, mSeen has all bits, mPositions[tag] is the tag's position in it, or kNoPosition, and
+    // closing the entry sorts it.
     bool mfOpen;
     bool mfMany;
     uint16 mMaxTag;
@@ -437,6 +437,7 @@ static void NotePosition(zoPackedData_t* aRecord, uint16 aTag, uint32 aRow)
 static void BecomeMany(zoPackedData_t* aRecord)
 {
     aRecord->mfMany = true;
+    aRecord->mSeen = ~uint64{ 0 };
     for (uint32 i = aRecord->mOpenBegin; i < aRecord->mRowCount; ++i)
     {
         ReservePositions(aRecord, aRecord->mRows[i].mTag);
@@ -479,19 +480,17 @@ static bool MakeRoom(zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
     return IsNewTag(aRecord, aTag);
 }
 
-// Whether there is room already, and the tag is new.
+// Whether a low tag is new to an entry of few, and there is room already.
 static inline bool HasRoomAtOnce(const zoPackedData_t* aRecord, uint16 aTag, size_t aSize)
 {
-    return aRecord && aRecord->mRowCount < aRecord->mRowLimit &&
-           aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd && IsNewTag(aRecord, aTag);
+    return aRecord && aTag < kLowTags && (aRecord->mSeen >> aTag & 1) == 0 && aRecord->mRowCount < aRecord->mRowLimit &&
+           aSize < aRecord->mBlockCapacity - aRecord->mValuesEnd;
 }
 
 // Stores a value for which there is room. Most are numbers or short texts.
 static inline void AppendValue(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
     char* theTarget = aRecord->mBlock + aRecord->mValuesEnd;
-    if (aRecord->mfMany) { NotePosition(aRecord, aTag, aRecord->mRowCount); }
-    else { aRecord->mSeen |= uint64{ 1 } << aTag; }
     aRecord->mRows[aRecord->mRowCount++] = { static_cast<uint32>(aRecord->mValuesEnd), aTag, 0 };
     aRecord->mValuesEnd += aSize;
     theTarget[aSize] = 0;
@@ -507,13 +506,21 @@ static inline void AppendValue(zoPackedData_t* aRecord, uint16 aTag, const void*
 
 __attribute__((noinline)) static void AddSlowly(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
-    if (MakeRoom(aRecord, aTag, aSize)) { AppendValue(aRecord, aTag, aData, aSize); }
+    if (!MakeRoom(aRecord, aTag, aSize)) { return; }
+    if (aRecord->mfMany) { NotePosition(aRecord, aTag, aRecord->mRowCount); }
+    else { aRecord->mSeen |= uint64{ 1 } << aTag; }
+    AppendValue(aRecord, aTag, aData, aSize);
 }
 
 void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
-    if (HasRoomAtOnce(aRecord, aTag, aSize)) { AppendValue(aRecord, aTag, aData, aSize); }
-    else { AddSlowly(aRecord, aTag, aData, aSize); }
+    if (!HasRoomAtOnce(aRecord, aTag, aSize))
+    {
+        AddSlowly(aRecord, aTag, aData, aSize);
+        return;
+    }
+    aRecord->mSeen |= uint64{ 1 } << aTag;
+    AppendValue(aRecord, aTag, aData, aSize);
 }
 
 void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,
