@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 #include <cstring>
 #include <functional>
+#include <list>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
 // Every document is read from a fresh copy, by us and by the yardsticks, since those change it.
@@ -124,33 +125,114 @@ void BM_Road(benchmark::State& aState)
 }
 BENCHMARK(BM_Road);
 
-void BM_Write(benchmark::State& aState)
+// The records of an object.
+struct Records
 {
-    std::vector<std::pair<zoPackedData_t*, zoPackedData_t*>> theRecords;
-    for (const std::string& theDocument : Documents())
+    explicit Records(const std::string& aText)
     {
-        Parsed theObject(theDocument);
-        theRecords.emplace_back(zoPackedData_NewData(theObject.mData), zoPackedData_NewData(theObject.mRes));
+        Parsed theObject(aText);
+        mEntry = zoPackedData_NewData(theObject.mData);
+        mResources = zoPackedData_NewData(theObject.mRes);
         theObject.mData = theObject.mRes = nullptr;
     }
+    ~Records()
+    {
+        zoPackedData_Free(mEntry);
+        zoPackedData_Free(mResources);
+    }
+    Records(const Records&) = delete;
+    Records& operator=(const Records&) = delete;
+
+    zoPackedData_t* mEntry;
+    zoPackedData_t* mResources;
+};
+
+std::string Written(const Records& aRecords)
+{
+    char* theText = UPnPDIDL_Get(aRecords.mEntry, aRecords.mResources, 1, 1, nullptr);
+    std::string theCopy(theText);
+    free(theText);
+    return theCopy;
+}
+
+void BM_Write(benchmark::State& aState)
+{
+    std::list<Records> theRecords;
+    for (const std::string& theDocument : Documents())
+        theRecords.emplace_back(theDocument);
     size_t theSize = 0;
     for (auto _ : aState)
     {
-        for (const auto& [theEntry, theResources] : theRecords)
+        for (const Records& theObject : theRecords)
         {
-            char* theText = UPnPDIDL_Get(theEntry, theResources, 1, 1, nullptr);
-            theSize += strlen(theText);
+            char* theText = UPnPDIDL_Get(theObject.mEntry, theObject.mResources, 1, 1, nullptr);
+            benchmark::DoNotOptimize(theText);
             free(theText);
         }
     }
-    aState.SetBytesProcessed(static_cast<int64_t>(theSize));
-    for (const auto& [theEntry, theResources] : theRecords)
-    {
-        zoPackedData_Free(theEntry);
-        zoPackedData_Free(theResources);
-    }
+    for (const Records& theObject : theRecords)
+        theSize += Written(theObject).size();
+    aState.SetBytesProcessed(static_cast<int64_t>(aState.iterations() * theSize));
 }
 BENCHMARK(BM_Write);
+
+// ---- The choice among many ----
+
+const int kManyResources = 30;
+const int kManySinks = 300;
+
+// An object whose resources differ, and a renderer that plays, of hundreds of formats, the one of the last resource.
+std::string ObjectOfManyResources()
+{
+    std::string theText = "<DIDL-Lite><item id=\"1\">";
+    for (int i = 0; i < kManyResources; ++i)
+    {
+        const std::string theNumber = std::to_string(i);
+        theText += "<res protocolInfo=\"http-get:*:video/x-type" + theNumber + ":DLNA.ORG_PN=PROFILE_" + theNumber +
+                   ";DLNA.ORG_OP=01;DLNA.ORG_CI=0\" size=\"123456789\" duration=\"1:02:03\" resolution=\"1920x1080\">"
+                   "http://192.0.2.20:8200/MediaItems/" +
+                   theNumber + ".mkv</res>";
+    }
+    return theText + "</item></DIDL-Lite>";
+}
+
+std::string ManySinks()
+{
+    std::string theText;
+    for (int i = kManyResources - 1; i < kManyResources - 1 + kManySinks; ++i)
+    {
+        const std::string theNumber = std::to_string(i);
+        theText += "http-get:*:video/x-type" + theNumber + ":DLNA.ORG_PN=PROFILE_" + theNumber + ",";
+    }
+    theText.pop_back();
+    return theText;
+}
+
+void BM_ChooseAmongMany(benchmark::State& aState)
+{
+    Records theRecords(ObjectOfManyResources());
+    zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(ManySinks().c_str(), 0);
+    CDSResourceInfo theInfo(zoPackedData_TakeData(theRecords.mResources), theRecords.mEntry);
+    int theConfidence = 0;
+    for (auto _ : aState)
+    {
+        const int theIndex = theInfo.GetBestResourceIndex(theSink, &theConfidence, "*", nullptr, 0);
+        if (theIndex != kManyResources - 1) { aState.SkipWithError("wrong answer"); }
+    }
+    zoDLNAProtocolInfoList_Delete(theSink);
+}
+BENCHMARK(BM_ChooseAmongMany);
+
+#if WITH_LIBXML2
+void BM_Libxml2ParseMany(benchmark::State& aState)
+{
+    const std::string theText = ObjectOfManyResources();
+    if (Libxml2Parse(theText) != kManyResources) { aState.SkipWithError("wrong answer"); }
+    for (auto _ : aState)
+        benchmark::DoNotOptimize(Libxml2Parse(theText));
+}
+BENCHMARK(BM_Libxml2ParseMany);
+#endif
 
 #if WITH_PUGIXML
 void BM_PugixmlParse(benchmark::State& aState) { OverDocuments(aState, PugixmlParse, PugixmlParse); }
@@ -171,6 +253,24 @@ void BM_PugixmlParseAndCopyReserved(benchmark::State& aState)
     OverDocuments(aState, theReader, theReader);
 }
 BENCHMARK(BM_PugixmlParseAndCopyReserved);
+
+// What was written, read again.
+void BM_PugixmlParseAndCopyWritten(benchmark::State& aState)
+{
+    std::vector<std::string> theTexts;
+    for (const std::string& theDocument : Documents())
+        theTexts.push_back(Written(Records(theDocument)));
+    std::string theCopy;
+    for (auto _ : aState)
+    {
+        for (const std::string& theText : theTexts)
+        {
+            theCopy.assign(theText);
+            benchmark::DoNotOptimize(PugixmlParseAndCopy(theCopy, 0));
+        }
+    }
+}
+BENCHMARK(BM_PugixmlParseAndCopyWritten);
 #endif
 
 #if WITH_LIBXML2

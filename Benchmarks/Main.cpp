@@ -17,6 +17,8 @@ const Ratio kRatios[] = {
     { "parse / pugixml in place and copied out", "BM_Parse", "BM_PugixmlParseAndCopy" },
     { "parse / pugixml in place and copied out to room made beforehand", "BM_Parse", "BM_PugixmlParseAndCopyReserved" },
     { "parse / pugixml in place", "BM_Parse", "BM_PugixmlParse" },
+    { "write / pugixml in place and copied out", "BM_Write", "BM_PugixmlParseAndCopyWritten" },
+    { "choice among 30 for 300 sinks / libxml2 tree", "BM_ChooseAmongMany", "BM_Libxml2ParseMany" },
     { "whole road / libxml2 tree", "BM_Road", "BM_Libxml2Parse" },
 };
 

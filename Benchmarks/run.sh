@@ -10,7 +10,7 @@ require cmake ninja-build g++ ccache libbenchmark-dev libpugixml-dev libxml2-dev
 build bench "$root/build/bench" all
 "$root/build/bench/bin/MemoryReport"
 case ${1-} in
-"") set -- --benchmark_filter='BM_(Parse|Write|Road|PugixmlParse|PugixmlParseAndCopy|PugixmlParseAndCopyReserved|Libxml2Parse)$' \
+"") set -- --benchmark_filter='BM_(Parse|Write|Road|ChooseAmongMany|Pugixml.*|Libxml2.*)$' \
     --benchmark_repetitions=25 --benchmark_report_aggregates_only --benchmark_min_time=0.03 \
     --benchmark_enable_random_interleaving=true ;;
 --growth) set -- --benchmark_filter='BM_(Growth|RoadOfResources)' --benchmark_min_time=0.1 ;;

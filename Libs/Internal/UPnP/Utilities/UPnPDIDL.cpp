@@ -9,7 +9,6 @@
 #include <zoLog/Log.h>
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoBuffer.h>
-#include <zoltTools/zoCStringParser.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
@@ -61,6 +60,7 @@ static const struct
 static const size_t kMaxSize = 10240;                 // no value takes more input once it has this many bytes
 static const size_t kLimitResourceBufferSize = 15360; // no further resource is written past this
 static const size_t kFirstBufferSize = 1024;
+static const uint32 kFewResources = 32; // so many are noted without memory from the heap
 static const int kMaxSize_Text = 255;
 static const int kMaxSize_URI = 1024; // also IDs, protocol infos and extra elements
 
@@ -370,7 +370,10 @@ static void AppendResources(zoBuffer* aBuffer, int afIncludeResExtraInfo, zoPack
     };
     const uint32 theCount = zoPackedData_GetEntryCount(aResourceInfo);
     if (theCount == 0) { return; }
-    uint32* theAdded = static_cast<uint32*>(zoMallocZeroed(size_t{ theCount } * sizeof(uint32)));
+    uint32 theFewAdded[kFewResources] = {};
+    const bool fAreFew = theCount <= kFewResources;
+    uint32* theAdded =
+        fAreFew ? theFewAdded : static_cast<uint32*>(zoMallocZeroed(size_t{ theCount } * sizeof(uint32)));
     for (const auto& thePass : kPasses)
     {
         if (UPnPDIDL_BuildResource(aBuffer, afIncludeResExtraInfo, aResourceInfo, theCount, thePass.mURI,
@@ -381,7 +384,7 @@ static void AppendResources(zoBuffer* aBuffer, int afIncludeResExtraInfo, zoPack
             break;
         }
     }
-    free(theAdded);
+    if (!fAreFew) { free(theAdded); }
 }
 
 static void LogNoNamespaces()
@@ -393,38 +396,29 @@ static void LogNoNamespaces()
     zoLog_End(theRecord);
 }
 
-// One declaration, without the backslashes that protect its commas in the list.
-static void AppendDeclaration(zoBuffer* aBuffer, const char* aText, size_t aLength)
+// The list of declarations, each after a blank, and without the backslashes that protect the commas in it.
+static void AppendDeclarations(zoBuffer* aBuffer, const char* aList)
 {
     AppendLiteral(aBuffer, " ");
-    const char* theEnd = aText + aLength;
-    for (const char* thePosition = aText; thePosition < theEnd;)
+    const char* theComma;
+    for (; (theComma = strchr(aList, ',')) != nullptr; aList = theComma + 1)
     {
-        const void* theFound = memchr(thePosition, '\\', static_cast<size_t>(theEnd - thePosition));
-        const char* theBackslash = theFound ? static_cast<const char*>(theFound) : theEnd;
-        AppendBytes(aBuffer, thePosition, static_cast<size_t>(theBackslash - thePosition));
-        thePosition = theBackslash;
-        if (theEnd - thePosition > 1 && thePosition[1] == ',') { ++thePosition; }
-        if (thePosition < theEnd) { AppendBytes(aBuffer, thePosition++, 1); }
+        const bool fIsProtected = theComma > aList && theComma[-1] == '\\';
+        AppendBytes(aBuffer, aList, static_cast<size_t>(theComma - aList) - fIsProtected);
+        AppendBytes(aBuffer, fIsProtected ? "," : " ", 1);
     }
+    zoBuffer_AppendStr(aBuffer, aList);
 }
 
 static void AppendNamespaces(zoBuffer* aBuffer, const char* aNamespaces)
 {
-    if (!aNamespaces)
-    {
-        LogNoNamespaces();
-        return;
-    }
-    zoCStringParser_TokenList* theList =
-        zoCStringParser_TokenizeEscaped(aNamespaces, 0, strlen(aNamespaces), ",", 1, '\\');
-    for (const zoCStringParser_Token* theToken = theList->mFirstToken; theToken; theToken = theToken->mNextToken)
-        AppendDeclaration(aBuffer, theToken->mData, theToken->mDataLength);
-    zoCStringParser_Delete(theList);
+    if (aNamespaces) { AppendDeclarations(aBuffer, aNamespaces); }
+    else { LogNoNamespaces(); }
 }
 
 static void AppendAlbumArt(zoBuffer* aBuffer, zoPackedData_t* aMediaData)
 {
+    if (!GetText(aMediaData, 0, kCDSEntryInfo_AlbumArtURI)) { return; } // most objects have none
     zoArray_t* thePairs =
         zoPackedData_GetDataArray(aMediaData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
     zoArray_SetFreeFunc(thePairs, zoStringArray_FreeFunc);
