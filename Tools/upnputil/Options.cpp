@@ -22,6 +22,7 @@ void Options::Help(Output& anOutput) const
                   "\n\n" + mUsage.mHelp + "\nOptions:\n");
     for (const Option& theOption : mUsage.mOptions)
         anOutput.Row(std::string(theOption.mName) + " " + theOption.mValue, theOption.mHelp);
+    if (mUsage.mfPrintsFacts) { anOutput.Row("--json", "print the facts as one JSON object"); }
     anOutput.Row("--help", "print this text");
 }
 
@@ -58,6 +59,8 @@ bool Options::ReadOperand(const char* anArgument)
     return true;
 }
 
+bool Options::IsJSON(const char* anArgument) const { return mUsage.mfPrintsFacts && strcmp(anArgument, "--json") == 0; }
+
 bool Options::Read(const Arguments& anArguments, Output& anOutput)
 {
     bool fOptionsEnded = false;
@@ -71,9 +74,12 @@ bool Options::Read(const Arguments& anArguments, Output& anOutput)
             return false;
         }
         if (!fIsOperand && strcmp(theArgument, "--") == 0) { fOptionsEnded = true; }
+        else if (!fIsOperand && IsJSON(theArgument)) { mfJSON = true; }
         else if (!(fIsOperand ? ReadOperand(theArgument) : ReadOption(anArguments, &i))) { return false; }
     }
-    return mOperand || Refuse(std::string(mUsage.mOperand) + " is missing");
+    if (!mOperand) { return Refuse(std::string(mUsage.mOperand) + " is missing"); }
+    if (mfJSON) { anOutput.UseJSON(); }
+    return true;
 }
 
 const char* Options::Get(const char* aName) const

@@ -24,6 +24,7 @@ struct Usage
     const char* mOperand;  // what its one operand is called
     const char* mHelp;     // whole lines
     std::vector<Option> mOptions;
+    bool mfPrintsFacts = true; // so that it can print them as JSON, too
 };
 
 /* The arguments of a subcommand, taken apart. "--" ends the options; "-" is an operand. */
@@ -57,9 +58,11 @@ private:
     bool ReadOption(const Arguments& anArguments, size_t* anIndex);
     bool ReadOperand(const char* anArgument);
     bool Refuse(const std::string& aMessage);
+    bool IsJSON(const char* anArgument) const;
 
     const Usage& mUsage;
     std::vector<Given> mGiven;
     const char* mOperand = nullptr;
     int mStatus = 0;
+    bool mfJSON = false;
 };

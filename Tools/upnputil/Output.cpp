@@ -1,31 +1,15 @@
 #include "Output.h"
 
 #include "Subcommand.h"
+#include "UTF8.h"
 
 #include <errno.h>
 #include <stdio.h>
 #include <unistd.h>
+#include <utility>
 
 static const size_t kPieceSize = 65536;
 static const size_t kHelpColumn = 22;
-
-// The length of the UTF-8 character that aText, not empty, begins with; 0 when it begins with none.
-static size_t CharacterLength(std::string_view aText)
-{
-    const auto theByte = [aText](size_t anIndex) { return static_cast<unsigned char>(aText[anIndex]); };
-    const unsigned char theFirst = theByte(0);
-    if (theFirst < 0x80) { return 1; }
-    const size_t theLength = theFirst >= 0xF0 ? 4 : theFirst >= 0xE0 ? 3 : 2;
-    if (theFirst < 0xC2 || theFirst > 0xF4 || aText.size() < theLength) { return 0; }
-    for (size_t i = 1; i < theLength; ++i)
-    {
-        if ((theByte(i) & 0xC0) != 0x80) { return 0; }
-    }
-    const unsigned char theSecond = theByte(1);
-    const bool fIsOverlong = (theFirst == 0xE0 && theSecond < 0xA0) || (theFirst == 0xF0 && theSecond < 0x90);
-    const bool fIsNoCharacter = (theFirst == 0xED && theSecond > 0x9F) || (theFirst == 0xF4 && theSecond > 0x8F);
-    return fIsOverlong || fIsNoCharacter ? 0 : theLength;
-}
 
 // Whether a character can be printed as it is: not a control character, and not one that some reader takes for a line
 // end (U+0085, U+2028, U+2029).
@@ -78,6 +62,11 @@ std::string Escaped(std::string_view aText)
 
 void Output::Fact(std::string_view aName, std::string_view aValue)
 {
+    if (mJSON)
+    {
+        mJSON->Add(mSubject + std::string(aName), aValue);
+        return;
+    }
     mBuffer += mSubject;
     AppendEscaped(mBuffer, aName);
     mBuffer += ": ";
@@ -106,10 +95,17 @@ void Output::Row(std::string_view aName, std::string_view aHelp)
 
 void Output::WriteWhenFull()
 {
-    if (mBuffer.size() >= kPieceSize) { Finish(); }
+    if (mBuffer.size() >= kPieceSize) { Flush(); }
 }
 
 int Output::Finish()
+{
+    if (mJSON) { mBuffer += std::exchange(mJSON, std::nullopt)->Text(); }
+    Flush();
+    return mError;
+}
+
+void Output::Flush()
 {
     for (size_t theWritten = 0; mError == 0 && theWritten < mBuffer.size();)
     {
@@ -118,7 +114,6 @@ int Output::Finish()
         else if (errno != EINTR) { mError = errno; }
     }
     mBuffer.clear();
-    return mError;
 }
 
 void Say(const std::string& aMessage)

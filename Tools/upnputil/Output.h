@@ -1,5 +1,8 @@
 #pragma once
 
+#include "JSON.h"
+
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +13,8 @@ class Output
 public:
     /** Words in front of the names of the facts that follow ("object 0 "). */
     void SetSubject(std::string aSubject) { mSubject = std::move(aSubject); }
+    /** From now on facts make up one JSON object, written at the end. */
+    void UseJSON() { mJSON.emplace(); }
     void Fact(std::string_view aName, std::string_view aValue);
     /** As Fact, but nothing for "". */
     void FactIfAny(std::string_view aName, std::string_view aValue);
@@ -24,9 +29,11 @@ public:
 
 private:
     void WriteWhenFull();
+    void Flush();
 
     std::string mBuffer;
     std::string mSubject;
+    std::optional<JSONFacts> mJSON;
     int mError = 0; // once it is set nothing is written any more
 };
 
