@@ -5,6 +5,8 @@
 
 #include <errno.h>
 #include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 #include <utility>
 
@@ -60,6 +62,16 @@ std::string Escaped(std::string_view aText)
     return theText;
 }
 
+// Whether names are set off from values: on a terminal whose user has not said otherwise (https://no-color.org).
+static bool WantsColours()
+{
+    const char* theNoColour = getenv("NO_COLOR");
+    const char* theTerminal = getenv("TERM");
+    return isatty(STDOUT_FILENO) && !(theNoColour && *theNoColour) && theTerminal && strcmp(theTerminal, "dumb") != 0;
+}
+
+Output::Output() : mfColours(WantsColours()) {}
+
 void Output::Fact(std::string_view aName, std::string_view aValue)
 {
     if (mJSON)
@@ -67,9 +79,10 @@ void Output::Fact(std::string_view aName, std::string_view aValue)
         mJSON->Add(mSubject + std::string(aName), aValue);
         return;
     }
+    mBuffer += mfColours ? "\x1B[36m" : "";
     mBuffer += mSubject;
     AppendEscaped(mBuffer, aName);
-    mBuffer += ": ";
+    mBuffer += mfColours ? ":\x1B[0m " : ": ";
     AppendEscaped(mBuffer, aValue);
     mBuffer += '\n';
     WriteWhenFull();

@@ -11,6 +11,8 @@
 class Output
 {
 public:
+    Output();
+
     /** Words in front of the names of the facts that follow ("object 0 "). */
     void SetSubject(std::string aSubject) { mSubject = std::move(aSubject); }
     /** From now on facts make up one JSON object, written at the end. */
@@ -34,6 +36,7 @@ private:
     std::string mBuffer;
     std::string mSubject;
     std::optional<JSONFacts> mJSON;
+    const bool mfColours;
     int mError = 0; // once it is set nothing is written any more
 };
 

@@ -1,6 +1,7 @@
 #include "Document.h"
 #include "Input.h"
 #include "MediaObject.h"
+#include "Progress.h"
 #include "Subcommand.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
@@ -260,8 +261,12 @@ int Show(const Arguments& anArguments, Output& anOutput)
     if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
     const std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
     if (theObjects.empty()) { return FailToFind(theName + ": no object"); }
+    Progress theProgress(theObjects.size(), "objects");
     for (size_t i = 0; i < theObjects.size(); ++i)
+    {
         PrintObject(theObjects[i], i, theBaseURL, anOutput);
+        theProgress.Step();
+    }
     anOutput.SetSubject("");
     anOutput.Fact("objects", std::to_string(theObjects.size()));
     return kExit_Done;

@@ -1,0 +1,34 @@
+#include "Progress.h"
+
+#include <stdio.h>
+#include <unistd.h>
+
+static const std::chrono::seconds kInterval(1);
+static const size_t kStepsPerLook = 64; // at the clock
+
+Progress::Progress(size_t aTotal, const char* aThings)
+    : mTotal(aTotal),
+      mThings(aThings),
+      mfTerminal(isatty(STDERR_FILENO) != 0),
+      mNext(std::chrono::steady_clock::now() + kInterval)
+{}
+
+Progress::~Progress()
+{
+    if (mfPrinted && mfTerminal) { fputc('\n', stderr); }
+}
+
+void Progress::Step()
+{
+    if (++mDone % kStepsPerLook != 0 || std::chrono::steady_clock::now() < mNext) { return; }
+    Print();
+    mNext = std::chrono::steady_clock::now() + kInterval;
+}
+
+void Progress::Print()
+{
+    fprintf(stderr, "%supnputil: %zu of %zu %s%s", mfTerminal ? "\r" : "", mDone, mTotal, mThings,
+            mfTerminal ? "" : "\n");
+    fflush(stderr);
+    mfPrinted = true;
+}
