@@ -315,6 +315,25 @@ static size_t QualifiedNameLength(const ILibXMLNode* aNode)
     return static_cast<size_t>(aNode->Name + aNode->NameLength - QualifiedName(aNode));
 }
 
+template <typename Word>
+[[gnu::always_inline]] static inline bool HaveSameEnds(const char* aLeft, const char* aRight, size_t aLength)
+{
+    Word theWords[4];
+    memcpy(&theWords[0], aLeft, sizeof(Word));
+    memcpy(&theWords[1], aRight, sizeof(Word));
+    memcpy(&theWords[2], aLeft + aLength - sizeof(Word), sizeof(Word));
+    memcpy(&theWords[3], aRight + aLength - sizeof(Word), sizeof(Word));
+    return theWords[0] == theWords[1] && theWords[2] == theWords[3];
+}
+
+// As memcmp, but only whether they are equal; names are short.
+[[gnu::always_inline]] static inline bool AreEqual(const char* aLeft, const char* aRight, size_t aLength)
+{
+    if (aLength >= 8 && aLength <= 16) { return HaveSameEnds<uint64>(aLeft, aRight, aLength); }
+    if (aLength >= 2 && aLength <= 4) { return HaveSameEnds<uint16>(aLeft, aRight, aLength); }
+    return memcmp(aLeft, aRight, aLength) == 0;
+}
+
 // The name of an end tag is that of the innermost open element, so it need not be looked at byte by byte.
 [[gnu::always_inline]] static inline bool TakeNameOfParent(Reader* aReader, QName* aName)
 {
@@ -322,8 +341,7 @@ static size_t QualifiedNameLength(const ILibXMLNode* aNode)
     const size_t theLength = QualifiedNameLength(theParent);
     char* theBegin = aReader->mPosition;
     const bool fIsSame = static_cast<size_t>(aReader->mEnd - theBegin) > theLength &&
-                         Is(theBegin[theLength], kEndsName) &&
-                         memcmp(theBegin, QualifiedName(theParent), theLength) == 0;
+                         Is(theBegin[theLength], kEndsName) && AreEqual(theBegin, QualifiedName(theParent), theLength);
     if (!fIsSame) { return false; }
     *aName = { theBegin, theParent->NSTag ? theBegin + theParent->NSLength : nullptr, theBegin + theLength };
     aReader->mPosition = aName->mEnd;
@@ -537,7 +555,7 @@ static size_t ResolveReference(const char* aText, char* aTarget, size_t* aTarget
     }
     for (const Entity& theEntity : kEntities)
     {
-        if (strncmp(aText, theEntity.mName, theEntity.mLength) != 0) { continue; }
+        if (aText[1] != theEntity.mName[1] || strncmp(aText, theEntity.mName, theEntity.mLength) != 0) { continue; }
         *aTarget = theEntity.mCharacter;
         *aTargetLength = 1;
         return theEntity.mLength;

@@ -892,6 +892,13 @@ static bool ArePlain(const ILibXMLAttribute* aFirst, const Slice& anInnerXML)
     return !Contains(theAttributes, ',') && !Contains(theAttributes, '<');
 }
 
+// Whether "xmlns" begins with the prefix; most are that, or none.
+static bool IsPartOfXMLNS(const char* aPrefix, size_t aLength)
+{
+    if (aLength == 5) { return memcmp(aPrefix, "xmlns", 5) == 0; }
+    return aLength == 0 || (aLength < 5 && memcmp(aPrefix, "xmlns", aLength) == 0);
+}
+
 // The declarations of the root: its attributes without a prefix, or with one that "xmlns" begins with.
 static void AddRootNameSpaces(ILibXMLNode* aDIDLNode, NamespaceList* aNamespaces)
 {
@@ -900,8 +907,7 @@ static void AddRootNameSpaces(ILibXMLNode* aDIDLNode, NamespaceList* aNamespaces
     const bool fArePlain = theAttributes && theText.mBegin && ArePlain(theAttributes, theText);
     for (const ILibXMLAttribute* theAttribute = theAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        const size_t theLength = static_cast<size_t>(theAttribute->PrefixLength);
-        if (theLength > 5 || (theLength > 0 && memcmp(theAttribute->Prefix, "xmlns", theLength) != 0)) { continue; }
+        if (!IsPartOfXMLNS(theAttribute->Prefix, static_cast<size_t>(theAttribute->PrefixLength))) { continue; }
         AppendXMLNS(aNamespaces, QualifiedName(theAttribute), ValueAsWritten(theAttribute), fArePlain);
     }
     ILibDestructXMLAttributeList(theAttributes);
@@ -1045,7 +1051,7 @@ struct ObjectParser
     zoPackedData_t* mResources = nullptr;
     Scratch mScratch = { nullptr, 0, { nullptr, nullptr, nullptr, nullptr } };
     NamespaceList mNamespaces;
-    zoArray_t* mAlbumArt = nullptr;
+    zoArray_t* mAlbumArt = nullptr; // NULL while there is none
 
     // Elements that can be many may stand inside each other, and the text of each holds those inside. What is stored of
     // a kind ends once it has passed a multiple of the object's text, which without nesting it never does.
@@ -1111,6 +1117,13 @@ static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILib
     zoConvert_strntouint32(theText.mBegin, theText.mLength, &aParser->mChannelNr);
 }
 
+static zoArray_t* NewStringArray()
+{
+    zoArray_t* theArray = zoArray_New();
+    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+    return theArray;
+}
+
 static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
 {
     Slice theText;
@@ -1119,6 +1132,7 @@ static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const IL
     if (theText.mLength == 0) { return; }
     Slice theProfile = { nullptr, 0 };
     GetXMLAttribute(anAttributes, "dlna", "profileID", &theProfile);
+    if (!aParser->mAlbumArt) { aParser->mAlbumArt = NewStringArray(); }
     zoArray_Append(aParser->mAlbumArt, zoStrndup(theText.mBegin, theText.mLength));
     zoArray_Append(aParser->mAlbumArt, zoStrndup(theProfile.mBegin ? theProfile.mBegin : "", theProfile.mLength));
 }
@@ -1461,6 +1475,16 @@ static void AddBuilt(zoPackedData_t* aRecord, uint16 aTag, TextBuilder* aBuilder
     zoPackedData_AddData(aRecord, aTag, aBuilder->mText, aBuilder->mLength);
 }
 
+// An empty array has no bytes.
+static void AddAlbumArt(zoPackedData_t* anEntry, const zoArray_t* anAlbumArt)
+{
+    if (anAlbumArt)
+    {
+        zoPackedData_AddArray(anEntry, kCDSEntryInfo_AlbumArtURI, anAlbumArt, zoStringArray_FlattenerFunc);
+    }
+    else { zoPackedData_AddData(anEntry, kCDSEntryInfo_AlbumArtURI, nullptr, 0); }
+}
+
 static void AddFields(ObjectParser* aParser, int afIsItem)
 {
     zoPackedData_t* theEntry = aParser->mEntry;
@@ -1485,7 +1509,7 @@ static void AddFields(ObjectParser* aParser, int afIsItem)
     AddResolvedText(aParser, theEntry, kCDSEntryInfo_RefID, aParser->mRefID);
     AddLastTextIfAny(aParser, kCDSEntryInfo_StorageMedium, kSingleText_StorageMedium);
     if (aParser->mNamespaces.mCount > 0) { AddBuilt(theEntry, kCDSEntryInfo_XMLNS, &aParser->mNamespaces.mText); }
-    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt, zoStringArray_FlattenerFunc);
+    AddAlbumArt(theEntry, aParser->mAlbumArt);
 }
 
 static int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttributes)
@@ -1514,8 +1538,6 @@ static void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode
     aParser->mEntry = zoPackedData_New(1);
     zoPackedData_AddNewEntry(aParser->mEntry);
     aParser->mResources = zoPackedData_New(0);
-    aParser->mAlbumArt = zoArray_New();
-    zoArray_SetFreeFunc(aParser->mAlbumArt, zoStringArray_FreeFunc);
 }
 
 static void FinishObject(ObjectParser* aParser, char** aData, char** aRes)

@@ -264,9 +264,8 @@ static void Clear(zoPackedData_t* aRecord)
 template <typename Element>
 static bool IsInRoom(const zoPackedData_t* aRecord, const Element* anArray)
 {
-    const char* theArray = reinterpret_cast<const char*>(anArray);
-    const char* theRoom = reinterpret_cast<const char*>(aRecord->mRoom);
-    return theRoom && theArray >= theRoom && theArray < theRoom + sizeof(Room);
+    const uintptr_t theRoom = reinterpret_cast<uintptr_t>(aRecord->mRoom);
+    return theRoom != 0 && reinterpret_cast<uintptr_t>(anArray) - theRoom < sizeof(Room);
 }
 
 template <typename Element>
