@@ -9,6 +9,7 @@
 #include <zoLog/Log.h>
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoBuffer.h>
+#include <zoltTools/zoCStringParser.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
@@ -18,11 +19,26 @@
 // ---- Texts of DIDL-Lite ----
 
 static const char kMiniDIDL_Header[] = "<DIDL-Lite";
+static const char kDIDL_Header[] = "<DIDL-Lite"
+                                   " xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
+                                   " xmlns:dlna=\"urn:schemas-dlna-org:metadata-1-0/\""
+                                   " xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\""
+                                   " xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\">";
 static const char kDIDL_Footer[] = "</DIDL-Lite>";
 static const char kDIDL_Quote[] = "\"";
 static const char kDIDL_Item_Start_Part[] = "<item";
 static const char kDIDL_Item_Start[] = "<item>";
 static const char kDIDL_Item_End[] = "</item>";
+static const char kDIDL_Container_Start_Part[] = "<container";
+static const char kDIDL_Container_End[] = "</container>";
+
+static const char kDIDL_Tag_Title_Start[] = "<dc:title>";
+static const char kDIDL_Tag_Title_End[] = "</dc:title>";
+static const char kDIDL_Tag_Class_Start[] = "<upnp:class>";
+static const char kDIDL_Tag_Class_End[] = "</upnp:class>";
+static const char kDIDL_Tag_CreateClass_Start[] = "<upnp:createClass>";
+static const char kDIDL_Tag_CreateClass_Derived_Start[] = "<upnp:createClass includeDerived=\"1\">";
+static const char kDIDL_Tag_CreateClass_End[] = "</upnp:createClass>";
 
 static const char kDIDL_Tag_ChannelNr_Start[] = "<upnp:channelNr>";
 static const char kDIDL_Tag_ChannelNr_End[] = "</upnp:channelNr>";
@@ -49,8 +65,8 @@ static const struct
     const char* mStart;
     const char* mEnd;
 } kDIDL_TextElements[] = {
-    { kCDSEntryInfo_Title, "<dc:title>", "</dc:title>" },
-    { kCDSEntryInfo_ItemClassName, "<upnp:class>", "</upnp:class>" },
+    { kCDSEntryInfo_Title, kDIDL_Tag_Title_Start, kDIDL_Tag_Title_End },
+    { kCDSEntryInfo_ItemClassName, kDIDL_Tag_Class_Start, kDIDL_Tag_Class_End },
     { kCDSEntryInfo_Creator, "<dc:creator>", "</dc:creator>" },
     { kCDSEntryInfo_Date, "<dc:date>", "</dc:date>" },
     { kCDSEntryInfo_Genre, "<upnp:genre>", "</upnp:genre>" },
@@ -196,6 +212,15 @@ static void AppendValue64IfNotZero(zoBuffer* aBuffer, const char* aStartStr, uin
 static void AppendValueIfNotZero(zoBuffer* aBuffer, const char* aStartStr, uint32 aValue, const char* aEndStr)
 {
     AppendValue64IfNotZero(aBuffer, aStartStr, aValue, aEndStr);
+}
+
+// Eight digits.
+static void AppendHexValue(zoBuffer* aBuffer, uint32 aValue)
+{
+    char theDigits[8];
+    for (size_t i = sizeof(theDigits); i-- > 0; aValue >>= 4)
+        theDigits[i] = "0123456789ABCDEF"[aValue & 15];
+    AppendBytes(aBuffer, theDigits, sizeof(theDigits));
 }
 
 // Hours, minutes and seconds; as many digits of hours as it takes, two at least.
@@ -493,6 +518,161 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
     return theText;
 }
 
+// ---- Writing: the documents of an upload ----
+
+static const uint32 kNoDTCPUploadInfo = 0xFFFFFFFF;
+
+static void AppendText(zoBuffer* aBuffer, const char* aText, size_t aMaxSize)
+{
+    if (aText) { AppendStr(aBuffer, aText, 0, aMaxSize); }
+}
+
+// The document's header and the object's start tag.
+static void AppendCreatedObject(zoBuffer* aBuffer, bool afIsItem, const char* anID, const char* aParentID,
+                                uint32 aDLNAManagedFlags)
+{
+    AppendLiteral(aBuffer, kDIDL_Header);
+    zoBuffer_AppendStr(aBuffer, afIsItem ? kDIDL_Item_Start_Part : kDIDL_Container_Start_Part);
+    AppendLiteral(aBuffer, " id=\"");
+    AppendText(aBuffer, anID, kMaxSize_URI);
+    AppendLiteral(aBuffer, "\" parentID=\"");
+    AppendText(aBuffer, aParentID, kMaxSize_URI);
+    AppendLiteral(aBuffer, "\" restricted=\"0\"");
+    AppendLiteral(aBuffer, " dlna:dlnaManaged=\"");
+    AppendHexValue(aBuffer, aDLNAManagedFlags);
+    AppendLiteral(aBuffer, "\">");
+}
+
+static void AppendTitleAndClass(zoBuffer* aBuffer, const char* aTitle, const char* aClassName)
+{
+    AppendStrIfNotEmpty(aBuffer, kDIDL_Tag_Title_Start, aTitle, kDIDL_Tag_Title_End, kMaxSize_Text, 0);
+    AppendStrIfNotEmpty(aBuffer, kDIDL_Tag_Class_Start, aClassName, kDIDL_Tag_Class_End, kMaxSize_Text, 0);
+}
+
+// "object.item,1" is a class with those derived from it.
+static void AppendCreateClass(zoBuffer* aBuffer, const char* aName, size_t aLength)
+{
+    const bool fHasSuffix = aLength >= 2 && aName[aLength - 2] == ',';
+    const bool fIncludesDerived = fHasSuffix && aName[aLength - 1] != '0';
+    const size_t theLength = fHasSuffix ? aLength - 2 : aLength;
+    if (theLength == 0) { return; }
+    zoBuffer_AppendStr(aBuffer, fIncludesDerived ? kDIDL_Tag_CreateClass_Derived_Start : kDIDL_Tag_CreateClass_Start);
+    AppendBytes(aBuffer, aName, theLength);
+    AppendLiteral(aBuffer, kDIDL_Tag_CreateClass_End);
+}
+
+static void AppendCreateClasses(zoBuffer* aBuffer, const char* aCreateClassNameList)
+{
+    if (zoStrEmpty(aCreateClassNameList)) { return; }
+    zoCStringParser_TokenList* theNames =
+        zoCStringParser_Tokenize(aCreateClassNameList, 0, strlen(aCreateClassNameList), ";", 1);
+    for (const zoCStringParser_Token* theName = theNames->mFirstToken; theName; theName = theName->mNextToken)
+        AppendCreateClass(aBuffer, theName->mData, theName->mDataLength);
+    zoCStringParser_Delete(theNames);
+}
+
+static void AppendDTCPUploadInfo(zoBuffer* aBuffer, uint32 aDTCPUploadInfo)
+{
+    if (aDTCPUploadInfo == kNoDTCPUploadInfo) { return; }
+    AppendLiteral(aBuffer, " dtcp:uploadInfo=\"");
+    AppendHexValue(aBuffer, aDTCPUploadInfo);
+    AppendLiteral(aBuffer, kDIDL_Quote);
+}
+
+static char* TakeDocument(zoBuffer* aBuffer)
+{
+    zoBuffer_Append(aBuffer, kDIDL_Footer, sizeof(kDIDL_Footer));
+    char* theText = zoBuffer_TakeOwnership(aBuffer, nullptr, nullptr);
+    zoBuffer_Delete(aBuffer);
+    return theText;
+}
+
+char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle, uint32 aDLNAManagedFlags,
+                                            const char* aClassName, const char* aCreateClassNameList)
+{
+    zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
+    AppendCreatedObject(theBuffer, false, nullptr, aParentID, aDLNAManagedFlags);
+    AppendTitleAndClass(theBuffer, aTitle, aClassName);
+    AppendCreateClasses(theBuffer, aCreateClassNameList);
+    AppendLiteral(theBuffer, kDIDL_Container_End);
+    return TakeDocument(theBuffer);
+}
+
+static void AppendFileLength(zoBuffer* aBuffer, zoFileOffset aFileLength)
+{
+    if (aFileLength == 0) { return; }
+    zoULongLong theLength;
+    zoULongLong_SetFileOffset(&theLength, aFileLength);
+    char* theText = zoULongLong_ToString(&theLength);
+    AppendLiteral(aBuffer, " size = \"");
+    zoBuffer_AppendStr(aBuffer, theText);
+    AppendLiteral(aBuffer, kDIDL_Quote);
+    free(theText);
+}
+
+char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle, uint32 aDLNAManagedFlags,
+                                       const char* aClassName, const char* aDLNAInfo, zoFileOffset aFileLength,
+                                       uint32 aDTCPUploadInfo)
+{
+    zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
+    AppendCreatedObject(theBuffer, true, nullptr, aParentID, aDLNAManagedFlags);
+    AppendTitleAndClass(theBuffer, aTitle, aClassName);
+    AppendLiteral(theBuffer, kDIDL_Res_Start);
+    AppendProtocolInfo(theBuffer, aDLNAInfo);
+    AppendLiteral(theBuffer, " dlna:resumeUpload=\"1\"");
+    AppendFileLength(theBuffer, aFileLength);
+    AppendDTCPUploadInfo(theBuffer, aDTCPUploadInfo);
+    AppendLiteral(theBuffer, ">");
+    AppendLiteral(theBuffer, kDIDL_Res_End);
+    AppendLiteral(theBuffer, kDIDL_Item_End);
+    return TakeDocument(theBuffer);
+}
+
+// The resource to which the content is uploaded.
+static void AppendImportResource(zoBuffer* aBuffer, const char* anImportURI, const char* anImportIFOURI,
+                                 const char* aProtocolInfo, int afEnableResumeUpload, uint32 aDTCPUploadInfo)
+{
+    AppendLiteral(aBuffer, kDIDL_Res_Start);
+    if (afEnableResumeUpload) { AppendLiteral(aBuffer, " dlna:resumeUpload=\"1\" dlna:uploadedSize=\"0\""); }
+    AppendLiteral(aBuffer, " importUri=\"");
+    AppendText(aBuffer, anImportURI, kMaxSize_URI);
+    AppendLiteral(aBuffer, kDIDL_Quote);
+    AppendProtocolInfo(aBuffer, aProtocolInfo);
+    if (anImportIFOURI)
+    {
+        AppendLiteral(aBuffer, " dlna:ifoFileURI=\"\" dlna:importIfoFileURI=\"");
+        AppendText(aBuffer, anImportIFOURI, kMaxSize_URI);
+        AppendLiteral(aBuffer, kDIDL_Quote);
+    }
+    AppendDTCPUploadInfo(aBuffer, aDTCPUploadInfo);
+    AppendLiteral(aBuffer, "/>");
+}
+
+char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMediaData, const char* anImportURI,
+                                          const char* anImportIFOURI, zoDLNAProtocolInfo_t* aDLNAProtocolInfo,
+                                          const char* anID, const char* aParentID, int afEnableResumeUpload,
+                                          uint32 aDTCPUploadInfo)
+{
+    const bool fIsItem = anImportURI != nullptr;
+    const uint32 theFlags =
+        fIsItem ? kDLNAManaged_DestroyItem : kDLNAManaged_UploadContent | kDLNAManaged_CreateChildContainer;
+    zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
+    AppendCreatedObject(theBuffer, fIsItem, anID, aParentID, theFlags);
+    AppendTitleAndClass(theBuffer, GetText(aMediaData, 0, kCDSEntryInfo_Title),
+                        GetText(aMediaData, 0, kCDSEntryInfo_ItemClassName));
+    AppendStrIfNotEmpty(theBuffer, kDIDL_Tag_CreateClass_Derived_Start,
+                        GetText(aMediaData, 0, kCDSEntryInfo_CreateClass), kDIDL_Tag_CreateClass_End, kMaxSize_Text, 0);
+    if (fIsItem)
+    {
+        char* theProtocolInfo = aDLNAProtocolInfo ? zoDLNAProtocolInfo_GetStr(aDLNAProtocolInfo) : nullptr;
+        AppendImportResource(theBuffer, anImportURI, anImportIFOURI, theProtocolInfo, afEnableResumeUpload,
+                             aDTCPUploadInfo);
+        free(theProtocolInfo);
+    }
+    zoBuffer_AppendStr(theBuffer, fIsItem ? kDIDL_Item_End : kDIDL_Container_End);
+    return TakeDocument(theBuffer);
+}
+
 // ---- Parsing: pieces of the document ----
 
 static const size_t kFirstBuilderSize = 512;
@@ -650,11 +830,14 @@ static bool HasMarkup(const Slice& aText)
     return memchr(aText.mBegin, '&', aText.mLength) != nullptr || memchr(aText.mBegin, '!', aText.mLength) != nullptr;
 }
 
-// Looks once at all of the object's text for what texts would otherwise be looked through for one by one.
+// Looks once at the object's text for what texts would otherwise be looked through for one by one. Not at all of a long
+// one: it may hold other objects, which are looked at themselves.
 static PlainText FindPlainText(const char* aBegin, const char* anEnd)
 {
-    PlainText thePlain = { aBegin, anEnd, aBegin, anEnd };
-    const size_t theLength = static_cast<size_t>(anEnd - aBegin);
+    const size_t kMostLookedAt = 16384;
+    const size_t theLength = std::min(static_cast<size_t>(anEnd - aBegin), kMostLookedAt);
+    const char* theLookedAt = aBegin + theLength;
+    PlainText thePlain = { aBegin, theLookedAt, theLookedAt == anEnd ? aBegin : anEnd, anEnd };
     for (const char theMark : { '&', '!' })
     {
         const void* theFirst = memchr(aBegin, theMark, theLength);

@@ -8,6 +8,7 @@
 #include <UPnP/Stack/UPnPError.h>
 #include <UPnP/Utilities/Export.h>
 #include <UPnP/Utilities/UPnPConst.h>
+#include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoPackedData.h>
 
 #ifdef __cplusplus
@@ -39,6 +40,46 @@ enum
  */
 UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
                                      int afIncludeHeaderFooter, int afIncludeResExtraInfo, const char* aSelectedURI);
+
+/* The documents of an upload (UPnP ContentDirectory, CreateObject; DLNA, upload of content). Texts are escaped and cut
+ * as in UPnPDIDL_Get, and NULL counts as "". Each is a new NUL-terminated text that the caller releases with free. */
+
+/**
+ * Writes the Elements of a request to create a container.
+ * @param aParentID             the ID of the container in which it is to be.
+ * @param aDLNAManagedFlags     kDLNAManaged_* bits.
+ * @param aCreateClassNameList  the classes that may be created in it, separated by ";". A name may end in a comma and
+ *                              one character: any but "0" includes the derived classes. Names are written as they are,
+ *                              neither escaped nor cut.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle,
+                                                              uint32 aDLNAManagedFlags, const char* aClassName,
+                                                              const char* aCreateClassNameList);
+/**
+ * Writes the Elements of a request to create an item whose content is then uploaded.
+ * @param aDLNAInfo        the protocol info of the content; none when it is NULL or "".
+ * @param aFileLength      the content's size in bytes; 0 when it is not known. A negative one is written as 0.
+ * @param aDTCPUploadInfo  kDTCPUploadInfo_* bits; 0xFFFFFFFF for none.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle,
+                                                         uint32 aDLNAManagedFlags, const char* aClassName,
+                                                         const char* aDLNAInfo, zoFileOffset aFileLength,
+                                                         uint32 aDTCPUploadInfo);
+/**
+ * Writes the Result of the answer to such a request: the object with its ID and, for an item, where to upload.
+ * @param aMediaData            the entry record of the object as requested: its title, class and create classes.
+ * @param anImportURI           where the client uploads the content; NULL for a container.
+ * @param anImportIFOURI        where it uploads an IFO file; NULL for nowhere.
+ * @param aDLNAProtocolInfo     of the resource that is created; NULL for none.
+ * @param anID, aParentID       the object's ID, and its parent's.
+ * @param afEnableResumeUpload  whether an upload that broke off can go on.
+ * @param aDTCPUploadInfo       kDTCPUploadInfo_* bits; 0xFFFFFFFF for none.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMediaData, const char* anImportURI,
+                                                            const char* anImportIFOURI,
+                                                            zoDLNAProtocolInfo_t* aDLNAProtocolInfo, const char* anID,
+                                                            const char* aParentID, int afEnableResumeUpload,
+                                                            uint32 aDTCPUploadInfo);
 
 /**
  * Parses a document that describes one object, an item or a container.

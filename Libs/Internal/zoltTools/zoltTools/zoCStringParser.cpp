@@ -52,6 +52,7 @@ static zoCStringParser_TokenList* NewList(size_t aTokenCount)
     zoCStringParser_TokenList* theList = static_cast<zoCStringParser_TokenList*>(
         zoMalloc(sizeof(zoCStringParser_TokenList) + aTokenCount * sizeof(zoCStringParser_Token)));
     theList->mFirstToken = static_cast<zoCStringParser_Token*>(static_cast<void*>(theList + 1));
+    theList->mLastToken = theList->mFirstToken + (aTokenCount - 1);
     theList->mTokenCount = aTokenCount;
     return theList;
 }
@@ -89,6 +90,21 @@ zoCStringParser_TokenList* zoCStringParser_TokenizeEscaped(const char* aText, si
                                                            char anEscape)
 {
     return Tokenize(aText, anOffset, aLength, aDelimiter, aDelimiterLength, &anEscape);
+}
+
+int zoCStringParser_ListContains(const char* aList, const char* aSeparator, const char* anItem)
+{
+    if (!aList || !aSeparator || !anItem || *anItem == '\0') { return 0; }
+    const size_t theItemLength = strlen(anItem);
+    const Splitter theSplitter = { aList + strlen(aList), aSeparator, strlen(aSeparator), nullptr };
+    for (const char* theItem = aList;;)
+    {
+        const char* theEnd = TokenEnd(theSplitter, theItem);
+        const size_t theLength = static_cast<size_t>(theEnd - theItem);
+        if (theLength == theItemLength && memcmp(theItem, anItem, theLength) == 0) { return 1; }
+        if (theEnd == theSplitter.mEnd) { return 0; }
+        theItem = theEnd + theSplitter.mDelimiterLength;
+    }
 }
 
 void zoCStringParser_Delete(zoCStringParser_TokenList* aList) { free(aList); }

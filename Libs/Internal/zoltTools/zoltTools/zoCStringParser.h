@@ -9,6 +9,7 @@
 extern "C" {
 #endif
 
+/* One token of a list. */
 typedef struct zoCStringParser_Token
 {
     const char* mData; /* mDataLength bytes of the text, not NUL-terminated */
@@ -16,9 +17,11 @@ typedef struct zoCStringParser_Token
     struct zoCStringParser_Token* mNextToken; /* NULL after the last */
 } zoCStringParser_Token;
 
+/* The tokens of a text in their order. */
 typedef struct zoCStringParser_TokenList
 {
     zoCStringParser_Token* mFirstToken; /* never NULL: a text without a delimiter is one token, "" too */
+    zoCStringParser_Token* mLastToken;
     size_t mTokenCount;
 } zoCStringParser_TokenList;
 
@@ -33,6 +36,9 @@ ZOLTTOOLS_API zoCStringParser_TokenList* zoCStringParser_Tokenize(const char* aT
 ZOLTTOOLS_API zoCStringParser_TokenList* zoCStringParser_TokenizeEscaped(const char* aText, size_t anOffset,
                                                                          size_t aLength, const char* aDelimiter,
                                                                          size_t aDelimiterLength, char anEscape);
+/** @return 1 when anItem is an item of a list whose items are separated by aSeparator, compared byte by byte, blanks
+ *          included; else 0, as for an empty item, and for NULL. */
+ZOLTTOOLS_API int zoCStringParser_ListContains(const char* aList, const char* aSeparator, const char* anItem);
 /** Releases the list; NULL is ignored. */
 ZOLTTOOLS_API void zoCStringParser_Delete(zoCStringParser_TokenList* aList);
 

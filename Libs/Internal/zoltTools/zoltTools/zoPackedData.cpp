@@ -342,8 +342,11 @@ static void Unserialize(zoPackedData_t* aRecord)
     const char* theDirectory = aRecord->mBlock + aRecord->mValuesEnd;
     ReserveRows(aRecord, aRecord->mRowCount);
     ReserveEntries(aRecord, aRecord->mEntryCount);
-    memcpy(aRecord->mRows, theDirectory, theRowBytes);
-    memcpy(aRecord->mEntryEnds, theDirectory + theRowBytes, size_t{ aRecord->mEntryCount } * sizeof(uint32));
+    if (theRowBytes > 0) { memcpy(aRecord->mRows, theDirectory, theRowBytes); }
+    if (aRecord->mEntryCount > 0)
+    {
+        memcpy(aRecord->mEntryEnds, theDirectory + theRowBytes, size_t{ aRecord->mEntryCount } * sizeof(uint32));
+    }
     aRecord->mBlock[aRecord->mValuesEnd] = 0; // the directory was here: the trailer alone is long enough for it
     aRecord->mfSerialized = false;
 }

@@ -1,0 +1,23 @@
+#pragma once
+
+/* User agents: how HTTP clients name themselves (RFC 7231, section 5.5.3). Tokens are looked for as they stand, in any
+ * place: the user agent "Xbox/2.0.4552.0 UPnP/1.0" has "Xbox/". */
+
+#include <UPnP/Stack/Export.h>
+#include <zoOS/zoTypes.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** @param aUserAgent  NUL-terminated; NULL has no token.
+ *  @param aToken      aTokenLength bytes; an empty one is in no user agent.
+ *  @return 1 when the user agent contains the token, case considered, else 0. */
+UPNPSTACK_API int ILibUserAgentHas(const char* aUserAgent, const char* aToken, size_t aTokenLength);
+/** @param aTokenList  tokens separated by commas, blanks around them ignored, empty ones skipped; NULL has none.
+ *  @return 1 when the user agent contains one of the tokens, else 0. */
+UPNPSTACK_API int ILibUserAgentHasOneOfThem(const char* aUserAgent, const char* aTokenList);
+
+#ifdef __cplusplus
+}
+#endif
