@@ -1,0 +1,32 @@
+#include <UPnP/Stack/ILibHTTP.h>
+#include <gtest/gtest.h>
+#include <zoltTools/zoCStringParser.h>
+
+TEST(ILibHTTPTest, UserAgentTokens)
+{
+    const char kAgent[] = "VLC/3.0.20 LibVLC/3.0.20";
+    EXPECT_TRUE(ILibUserAgentHas(kAgent, "LibVLC/junk", 7));
+    EXPECT_FALSE(ILibUserAgentHas(kAgent, "libvlc/", 7));
+    EXPECT_FALSE(ILibUserAgentHas(kAgent, "", 0));
+    EXPECT_FALSE(ILibUserAgentHas(nullptr, "x", 1));
+
+    EXPECT_TRUE(ILibUserAgentHasOneOfThem(kAgent, " ,\tFoobar2000 , VLC/3 "));
+    EXPECT_TRUE(ILibUserAgentHasOneOfThem(kAgent, "20 LibVLC"));
+    for (const char* theList : { "", " , ,", "vlc",
+                                 "VLC/3.0.20 LibVLC/3.0.20 "
+                                 "x",
+                                 "VLC/4;VLC/3" })
+        EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, theList)) << theList;
+    EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, nullptr));
+    EXPECT_FALSE(ILibUserAgentHasOneOfThem(nullptr, "VLC"));
+}
+
+TEST(ILibHTTPTest, ListsContainWholeItems)
+{
+    EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "SHUFFLE"));
+    EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "REPEAT_ALL"));
+    EXPECT_TRUE(zoCStringParser_ListContains("a, b", ",", " b"));
+    for (const char* theItem : { "REPEAT", "shuffle", "", "SHUFFLE,REPEAT_ALL", "ALL" })
+        EXPECT_FALSE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL,", ",", theItem)) << theItem;
+    EXPECT_FALSE(zoCStringParser_ListContains(nullptr, ",", "a"));
+}
