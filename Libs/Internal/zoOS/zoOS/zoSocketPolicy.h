@@ -10,6 +10,7 @@
 extern "C" {
 #endif
 
+/* Which addresses are used. */
 enum
 {
     kzoSocketPolicy_IP_Other = 0x00,
@@ -19,6 +20,7 @@ enum
     kzoSocketPolicy_IP_Mask = 0x03 /* the bits of a mode that choose the addresses */
 };
 
+/* A policy for the stack's sockets. */
 typedef struct zoSocketPolicy zoSocketPolicy;
 
 /** @param aMode   a kzoSocketPolicy_IP_*.
@@ -30,8 +32,9 @@ ZOOS_API void zoSocketPolicy_Delete(zoSocketPolicy* aSocketPolicy);
 /** @return the mode that the policy was made with; kzoSocketPolicy_IP_All for NULL. */
 ZOOS_API int zoSocketPolicy_GetMode(const zoSocketPolicy* aSocketPolicy);
 
-/** Whether sockets leave the quality of service of their packets alone (0 in a new policy). */
+/** Sets whether sockets leave the quality of service of their packets alone (0 in a new policy). */
 ZOOS_API void zoSocketPolicy_SetQOSDisabled(zoSocketPolicy* aSocketPolicy, int afDisabled);
+/** @return what zoSocketPolicy_SetQOSDisabled has set; 0 for NULL. */
 ZOOS_API int zoSocketPolicy_IsQOSDisabled(const zoSocketPolicy* aSocketPolicy);
 /** Interfaces that are not used: names separated by commas, blanks around them ignored, empty ones skipped. The policy
  *  keeps a copy; NULL excludes none. */

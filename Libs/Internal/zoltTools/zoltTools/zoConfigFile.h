@@ -6,11 +6,14 @@
  *     [Section]
  *     key=value
  *
- * Blanks around section, key and value are not part of them; lines end with "\n" or "\r\n". In names and values "\\",
- * "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a blank at either end, so
- * that every value survives a save and a load byte for byte; any other backslash is itself. Names are compared byte by
- * byte. Of several lines with the same key the last one counts; a section that appears twice is one section; keys
- * before the first section are in the section "".
+ * Blanks (spaces and tabs) around section, key and value are not part of them; lines end with "\n" or "\r\n". In names
+ * and values "\\", "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a space at
+ * either end, so that every value survives a save and a load byte for byte; in names "\xHH", two hexadecimal digits,
+ * stands for a byte that would end the name or begin something else. Any other backslash is itself. Names are compared
+ * byte by byte. Of several lines with the same key the last one counts; a section that appears twice is one section;
+ * keys before the first section are in the section "". A key ends at the first "=", a section's name at the first "]",
+ * what stands behind it is ignored. Other lines, and lines with a NUL byte, say nothing and are kept. A byte-order mark
+ * is skipped and kept.
  *
  * A file is used by one thread at a time. Loading is linear in the text, a look-up is O(1). NULL where a file, a
  * section or a key is asked for reads as absent, and sets nothing. */
@@ -22,6 +25,7 @@
 extern "C" {
 #endif
 
+/* A configuration in memory, with the path of the file that it was loaded from. */
 typedef struct zoConfigFile zoConfigFile;
 
 /** Replaces the place-holders of a value. @return a new text, released with free. */
@@ -34,7 +38,7 @@ typedef char* (*zoStringSubstitution_t)(const char* aText);
  *         logged, the configuration is empty, and zoConfigFile_Save refuses to replace what could not be read.
  */
 ZOLTTOOLS_API zoConfigFile* zoConfigFile_New(const char* aPath);
-/** Reads aLength bytes of text, which may hold anything but is cut at a NUL, as a configuration kept in memory.
+/** Reads aLength bytes of text, which may hold anything, as a configuration kept in memory.
  *  @return a new configuration, released with zoConfigFile_Delete. */
 ZOLTTOOLS_API zoConfigFile* zoConfigFile_NewFromText(const char* aText, size_t aLength);
 /** @return whether the file at the configuration's path was read, or was not there: 1; 0 when it could not be read. */
@@ -42,15 +46,16 @@ ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
 /**
  * Writes the configuration to its path, with the comments, order and other lines that it was loaded with. Atomic and
  * durable: a temporary file beside the target is flushed to disk and renamed over it, so that a crash at any point
- * leaves the old file or the new one. The file's permissions stay; a symbolic link stays, and what it points to is
- * replaced.
+ * leaves the old file or the new one. It is called like the target with ".new" behind it; programs that save the same
+ * file at once wait for each other, and what a killed one has left is used by the next. The file's permissions stay; a
+ * symbolic link stays, and what it points to is replaced.
  * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
- *         file is then as it was.
+ *         file is then as it was, or, when only the folder could not be flushed, the new one is in its place.
  */
 ZOLTTOOLS_API int zoConfigFile_Save(zoConfigFile* aConfigFile);
 /** Frees the configuration without saving it; NULL is ignored. */
 ZOLTTOOLS_API void zoConfigFile_Delete(zoConfigFile* aConfigFile);
-/** @return the text that zoConfigFile_Save writes, NUL-terminated, released with free; *aLength (may be NULL) is its
+/** @return the text that zoConfigFile_Save writes, with a NUL behind it, released with free; *aLength (may be NULL) is its
  *          length. */
 ZOLTTOOLS_API char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength);
 
@@ -67,10 +72,13 @@ ZOLTTOOLS_API char* zoConfigFile_GetStringWithSubstitution(const zoConfigFile* a
  *  @return the default when the key is absent, its value no number, or out of the reader's range. */
 ZOLTTOOLS_API uint32 zoConfigFile_GetUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                             uint32 aDefaultValue);
+/** As zoConfigFile_GetUInt32. */
 ZOLTTOOLS_API uint16 zoConfigFile_GetUInt16(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                             uint16 aDefaultValue);
+/** As zoConfigFile_GetUInt32. */
 ZOLTTOOLS_API uint8 zoConfigFile_GetUInt8(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                           uint8 aDefaultValue);
+/** As zoConfigFile_GetUInt32. */
 ZOLTTOOLS_API int32 zoConfigFile_GetInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                           int32 aDefaultValue);
 /** @return 1 for "1", "true", "yes" and "on", 0 for "0", "false", "no", "off" and "", whatever the case of the letters;
