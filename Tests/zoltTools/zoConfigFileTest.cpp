@@ -1,0 +1,280 @@
+#include "TestSupport.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zoltTools/zoConfigFile.h>
+
+namespace
+{
+
+struct Config
+{
+    explicit Config(const std::string& aText) : mFile(zoConfigFile_NewFromText(aText.data(), aText.size())) {}
+    ~Config() { zoConfigFile_Delete(mFile); }
+    Config(const Config&) = delete;
+    Config& operator=(const Config&) = delete;
+
+    std::string Text() const
+    {
+        size_t theLength = 0;
+        char* theText = zoConfigFile_GetText(mFile, &theLength);
+        std::string theCopy(theText, theLength);
+        free(theText);
+        return theCopy;
+    }
+    std::string Get(const char* aSection, const char* aKey) const
+    {
+        return zoConfigFile_GetString(mFile, aSection, aKey, "(none)");
+    }
+    void Set(const char* aSection, const char* aKey, const char* aValue)
+    {
+        zoConfigFile_SetString(mFile, aSection, aKey, aValue);
+    }
+
+    zoConfigFile* mFile;
+};
+
+// A folder of its own, gone at the end.
+struct ScratchFolder
+{
+    ScratchFolder() { mPath = mkdtemp(mTemplate); }
+    ~ScratchFolder() { std::filesystem::remove_all(mPath); }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    std::string Read(const std::string& aName) const
+    {
+        std::ifstream theFile(mPath + "/" + aName, std::ios::binary);
+        return { std::istreambuf_iterator<char>(theFile), {} };
+    }
+
+    char mTemplate[32] = "/tmp/zoConfigFileTest.XXXXXX";
+    std::string mPath;
+};
+
+bool SaveKey(const std::string& aPath, const char* aValue)
+{
+    zoConfigFile* theFile = zoConfigFile_New(aPath.c_str());
+    zoConfigFile_SetString(theFile, "s", "k", aValue);
+    const bool fIsSaved = zoConfigFile_Save(theFile) != 0;
+    zoConfigFile_Delete(theFile);
+    return fIsSaved;
+}
+
+} // namespace
+
+TEST(zoConfigFileTest, ReadsWhatPeopleWrite)
+{
+    const Config theConfig("\xEF\xBB\xBFtop = 1\r\n"
+                           "# key=comment\n ; key=comment\n[a]\n  spaced \t=\t two words \t\nempty=\n=nameless\n"
+                           "twice=1\ntwice=2\nquoted=\"x\" # no comment\npath=C:\\dir\\new\\x41\\\n"
+                           "no equal sign\n[broken\n[ b ] ; remark\nk=v\n[a]\nmore=3\nesc=\\sa\\\\\\t\\n\\r\\s");
+    const struct
+    {
+        const char* mSection;
+        const char* mKey;
+        const char* mValue;
+    } kValues[] = {
+        { "", "top", "1" },
+        { "a", "spaced", "two words" },
+        { "a", "empty", "" },
+        { "a", "", "nameless" },
+        { "a", "twice", "2" },
+        { "a", "quoted", "\"x\" # no comment" },
+        { "a", "path", "C:\\dir\new\\x41\\" },
+        { "b", "k", "v" },
+        { "a", "more", "3" },
+        { "a", "esc", " a\\\t\n\r " },
+        { "a", "key", "(none)" },
+        { "A", "more", "(none)" },
+        { "a", "More", "(none)" },
+        { "broken", "k", "(none)" },
+    };
+    for (const auto& theValue : kValues)
+        EXPECT_EQ(theValue.mValue, theConfig.Get(theValue.mSection, theValue.mKey)) << theValue.mKey;
+    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig.mFile));
+    EXPECT_STREQ("b", zoConfigFile_GetSectionAt(theConfig.mFile, 2));
+    EXPECT_EQ(nullptr, zoConfigFile_GetSectionAt(theConfig.mFile, 3));
+    EXPECT_EQ(8u, zoConfigFile_GetKeyCount(theConfig.mFile, "a"));
+    EXPECT_STREQ("more", zoConfigFile_GetKeyAt(theConfig.mFile, "a", 6));
+
+    const std::string theNUL("a=1\nb=2\0c=3\nd=4", 15);
+    EXPECT_EQ("(none)", Config(theNUL).Get("", "b"));
+    EXPECT_EQ("4", Config(theNUL).Get("", "d"));
+    EXPECT_EQ(theNUL, Config(theNUL).Text());
+    EXPECT_EQ(nullptr, zoConfigFile_GetString(theConfig.mFile, nullptr, "k", nullptr));
+    EXPECT_EQ(nullptr, zoConfigFile_GetString(nullptr, "a", "more", nullptr));
+}
+
+TEST(zoConfigFileTest, ReadsNumbersAndOptions)
+{
+    const struct
+    {
+        const char* mValue;
+        uint32 mUInt32;
+        uint16 mUInt16;
+        uint8 mUInt8;
+        int32 mInt32;
+        int mfOption;
+    } kCases[] = {
+        { "0", 0, 0, 0, 0, 0 },
+        { "1", 1, 1, 1, 1, 1 },
+        { "0x10", 16, 16, 16, 16, 7 },
+        { "0XfF", 255, 255, 255, 255, 7 },
+        { "256", 256, 256, 7, 256, 7 },
+        { "65536", 65536, 7, 7, 65536, 7 },
+        { "2147483648", 2147483648u, 7, 7, 7, 7 },
+        { "4294967295", 4294967295u, 7, 7, 7, 7 },
+        { "4294967296", 7, 7, 7, 7, 7 },
+        { "-1", 7, 7, 7, -1, 7 },
+        { "-2147483648", 7, 7, 7, INT32_MIN, 7 },
+        { "-2147483649", 7, 7, 7, 7, 7 },
+        { "-0x10", 7, 7, 7, -16, 7 },
+        { "", 7, 7, 7, 7, 0 },
+        { "12x", 7, 7, 7, 7, 7 },
+        { "+1", 7, 7, 7, 7, 7 },
+        { "0x", 7, 7, 7, 7, 7 },
+        { "--1", 7, 7, 7, 7, 7 },
+        { "1 2", 7, 7, 7, 7, 7 },
+        { "True", 7, 7, 7, 7, 1 },
+        { "YES", 7, 7, 7, 7, 1 },
+        { "on", 7, 7, 7, 7, 1 },
+        { "FALSE", 7, 7, 7, 7, 0 },
+        { "no", 7, 7, 7, 7, 0 },
+        { "Off", 7, 7, 7, 7, 0 },
+        { "onn", 7, 7, 7, 7, 7 },
+        { "o", 7, 7, 7, 7, 7 },
+        { nullptr, 7, 7, 7, 7, 7 },
+    };
+    Config theConfig("");
+    for (const auto& theCase : kCases)
+    {
+        SCOPED_TRACE(theCase.mValue ? theCase.mValue : "NULL");
+        theConfig.Set("s", "k", theCase.mValue);
+        EXPECT_EQ(theCase.mUInt32, zoConfigFile_GetUInt32(theConfig.mFile, "s", "k", 7));
+        EXPECT_EQ(theCase.mUInt16, zoConfigFile_GetUInt16(theConfig.mFile, "s", "k", 7));
+        EXPECT_EQ(theCase.mUInt8, zoConfigFile_GetUInt8(theConfig.mFile, "s", "k", 7));
+        EXPECT_EQ(theCase.mInt32, zoConfigFile_GetInt32(theConfig.mFile, "s", "k", 7));
+        EXPECT_EQ(theCase.mfOption, zoConfigFile_OptionIsSet(theConfig.mFile, "s", "k", 7));
+    }
+}
+
+TEST(zoConfigFileTest, KeepsWhatItDoesNotChange)
+{
+    const std::string kText =
+        "# top\r\n\r\n[a]\r\n  k  =  1  \r\n; about the next\r\nk = 2\r\nl=3\r\n\r\n[b]\r\nwhat?\r\nm=4";
+    Config theConfig(kText);
+    EXPECT_EQ(kText, theConfig.Text());
+    theConfig.Set("a", "l", "3"); // what it is already
+    EXPECT_EQ(kText, theConfig.Text());
+    theConfig.Set("a", "k", "new");
+    theConfig.Set("a", "n", "5");
+    theConfig.Set("b", "o", "6");
+    theConfig.Set("c", "p", "7");
+    theConfig.Set("", "q", "8");
+    EXPECT_EQ(
+        "q=8\r\n# top\r\n\r\n[a]\r\n  k  =  1  \r\n; about the next\r\nk = new\r\nl=3\r\nn=5\r\n\r\n[b]\r\nwhat?\r\n"
+        "m=4\r\no=6\r\n\r\n[c]\r\np=7\r\n",
+        theConfig.Text());
+    theConfig.Set("a", "k", nullptr);
+    theConfig.Set("a", "n", nullptr);
+    theConfig.Set("a", "l", nullptr);
+    theConfig.Set("", "q", nullptr);
+    theConfig.Set("x", "y", nullptr);
+    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig.mFile));
+    theConfig.Set("a", "z", zoConfigFile_GetString(theConfig.mFile, "b", "o", nullptr));
+    theConfig.Set("b", "o", zoConfigFile_GetString(theConfig.mFile, "b", "o", nullptr));
+    EXPECT_EQ("# top\r\n\r\n[a]\r\n; about the next\r\nz=6\r\n\r\n[b]\r\nwhat?\r\nm=4\r\no=6\r\n\r\n[c]\r\np=7\r\n",
+              theConfig.Text());
+}
+
+TEST(zoConfigFileTest, AnyNameAndValueSurvives)
+{
+    const std::string kTexts[] = { "",      " ",           "\t",   " a ",    "a b", "\\",           "\\n",
+                                   "\\\\s", "a=b",         "=",    "#c",     ";c",  "[x]",          "]",
+                                   "a\nb",  "\r",          "\r\n", "x\\x3D", "%s",  "\xEF\xBB\xBF", "\xFF\x01\x7F",
+                                   "\"q\"", "caf\xC3\xA9", "a\\ " };
+    Config theConfig("");
+    for (const std::string& theSection : kTexts)
+    {
+        for (const std::string& theText : kTexts)
+            theConfig.Set(theSection.c_str(), theText.c_str(), (theText + theSection).c_str());
+    }
+    const Config theReloaded(theConfig.Text());
+    for (const std::string& theSection : kTexts)
+    {
+        for (const std::string& theText : kTexts)
+            EXPECT_EQ(theText + theSection, theReloaded.Get(theSection.c_str(), theText.c_str())) << theConfig.Text();
+    }
+    EXPECT_EQ(theConfig.Text(), theReloaded.Text());
+}
+
+TEST(zoConfigFileTest, SavesInPlace)
+{
+    const ScratchFolder theFolder;
+    const std::string thePath = theFolder.mPath + "/device.conf";
+    const std::string theLink = theFolder.mPath + "/link.conf";
+    EXPECT_TRUE(SaveKey(thePath, "1"));
+    EXPECT_EQ("[s]\nk=1\n", theFolder.Read("device.conf"));
+    ASSERT_EQ(0, chmod(thePath.c_str(), 0600));
+    ASSERT_EQ(0, symlink("device.conf", theLink.c_str()));
+    std::ofstream(thePath + ".new") << "what a killed program has left, longer than what comes";
+    EXPECT_TRUE(SaveKey(theLink, "2"));
+    EXPECT_EQ("[s]\nk=2\n", theFolder.Read("device.conf"));
+    EXPECT_TRUE(std::filesystem::is_symlink(theLink));
+    EXPECT_FALSE(std::filesystem::exists(thePath + ".new"));
+    struct stat theStatus;
+    ASSERT_EQ(0, stat(thePath.c_str(), &theStatus));
+    EXPECT_EQ(0600u, theStatus.st_mode & 07777u);
+}
+
+TEST(zoConfigFileTest, LosesNothingWhenItFails)
+{
+    const ScratchFolder theFolder;
+    const std::string kFolder = theFolder.mPath;
+    ASSERT_EQ(0, mkfifo((kFolder + "/pipe").c_str(), 0600));
+    ASSERT_EQ(0, symlink("nowhere", (kFolder + "/dangling").c_str()));
+    std::filesystem::create_directory(kFolder + "/blocked.new");
+    std::ofstream(kFolder + "/blocked") << "[s]\nk=old\n";
+    const struct
+    {
+        std::string mPath;
+        const char* mMessages;
+    } kCases[] = {
+        { kFolder, "can't be read" },           // a folder
+        { kFolder + "/pipe", "can't be read" }, // nobody writes to it
+        { kFolder + "/dangling", "can't be written" },
+        { kFolder + "/none/device.conf", "can't be written" }, // no folder to write to
+        { kFolder + "/blocked", "blocked.new' can't be written" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const LogCatcher theLog;
+        EXPECT_FALSE(SaveKey(theCase.mPath, "new")) << theCase.mPath;
+        EXPECT_NE(std::string::npos, theLog.mText.find(theCase.mMessages)) << theLog.mText;
+        EXPECT_EQ("1/0 ", theLog.mText.substr(0, 4));
+    }
+    EXPECT_EQ("[s]\nk=old\n", theFolder.Read("blocked"));
+    EXPECT_FALSE(std::filesystem::exists(kFolder + "/nowhere"));
+    zoConfigFile* theMemory = zoConfigFile_New(nullptr);
+    EXPECT_EQ(1, zoConfigFile_Save(theMemory));
+    zoConfigFile_Delete(theMemory);
+    zoConfigFile_Delete(nullptr);
+}
+
+TEST(zoConfigFileTest, SubstitutesTheHostName)
+{
+    char theHostName[256] = "";
+    ASSERT_EQ(0, gethostname(theHostName, sizeof(theHostName) - 1));
+    const std::string kName = theHostName;
+    const Config theConfig("[s]\nname=%HOSTNAME%: %HOSTNAME%HOSTNAME%\n");
+    EXPECT_EQ(kName + ": " + kName + "HOSTNAME%",
+              Taken(zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "name", nullptr,
+                                                           zoStringSubstitution_Replace_HostName)));
+    EXPECT_EQ("d" + kName, Taken(zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "x", "d%HOSTNAME%",
+                                                                        zoStringSubstitution_Replace_HostName)));
+    EXPECT_EQ(nullptr, zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "x", nullptr,
+                                                              zoStringSubstitution_Replace_HostName));
+}
