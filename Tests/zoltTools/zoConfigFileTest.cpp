@@ -196,7 +196,7 @@ TEST(zoConfigFileTest, AnyNameAndValueSurvives)
                                    "\\\\s", "a=b",         "=",    "#c",     ";c",  "[x]",          "]",
                                    "a\nb",  "\r",          "\r\n", "x\\x3D", "%s",  "\xEF\xBB\xBF", "\xFF\x01\x7F",
                                    "\"q\"", "caf\xC3\xA9", "a\\ " };
-    Config theConfig("");
+    Config theConfig("[z]\nz=\r"); // half a line end at the end, which the next line must not complete to a value
     for (const std::string& theSection : kTexts)
     {
         for (const std::string& theText : kTexts)
@@ -208,6 +208,8 @@ TEST(zoConfigFileTest, AnyNameAndValueSurvives)
         for (const std::string& theText : kTexts)
             EXPECT_EQ(theText + theSection, theReloaded.Get(theSection.c_str(), theText.c_str())) << theConfig.Text();
     }
+    EXPECT_EQ("", theConfig.Get("z", "z"));
+    EXPECT_EQ("", theReloaded.Get("z", "z"));
     EXPECT_EQ(theConfig.Text(), theReloaded.Text());
 }
 

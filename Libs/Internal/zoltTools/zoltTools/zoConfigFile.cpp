@@ -18,7 +18,8 @@ namespace
 
 enum LineEnd : uint8
 {
-    kLineEnd_None, // the last line of a text without a line end
+    kLineEnd_None, // of the last line of a text
+    kLineEnd_CR,   // of the last line of a text, half a line end
     kLineEnd_LF,
     kLineEnd_CRLF
 };
@@ -313,10 +314,10 @@ static Line* TakeLine(const char** aText, const char* anEnd)
     theLine->mLength = static_cast<size_t>((theLineFeed ? theLineFeed : anEnd) - *aText);
     theLine->mEnd = theLineFeed ? kLineEnd_LF : kLineEnd_None;
     *aText = theLineFeed ? theLineFeed + 1 : anEnd;
-    if (theLineFeed && theLine->mLength > 0 && theLine->mText[theLine->mLength - 1] == '\r')
+    if (theLine->mLength > 0 && theLine->mText[theLine->mLength - 1] == '\r')
     {
         --theLine->mLength;
-        theLine->mEnd = kLineEnd_CRLF;
+        theLine->mEnd = theLineFeed ? kLineEnd_CRLF : kLineEnd_CR;
     }
     return theLine;
 }
@@ -390,16 +391,26 @@ void zoConfigFile_Delete(zoConfigFile* aConfigFile)
 
 // ---- Saving ----
 
+// How a line ends that another one follows, even if it was the last one before.
+static LineEnd WholeEnd(const zoConfigFile* aConfigFile, const Line* aLine)
+{
+    switch (aLine->mEnd)
+    {
+    case kLineEnd_None: return aConfigFile->mLineEnd;
+    case kLineEnd_CR: return kLineEnd_CRLF;
+    default: return aLine->mEnd;
+    }
+}
+
 char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength)
 {
-    static const char* const kLineEnds[] = { "", "\n", "\r\n" };
+    static const char* const kLineEnds[] = { "", "\r", "\n", "\r\n" };
     zoBuffer* theBuffer = zoBuffer_New(1024);
     if (aConfigFile && aConfigFile->mfHasByteOrderMark) { zoBuffer_AppendStr(theBuffer, "\xEF\xBB\xBF"); }
     for (const Line* theLine = aConfigFile ? aConfigFile->mFirst : nullptr; theLine; theLine = theLine->mNext)
     {
-        const bool fIsJoined = theLine->mEnd == kLineEnd_None && theLine->mNext; // was the last one
         zoBuffer_Append(theBuffer, theLine->mText, theLine->mLength);
-        zoBuffer_AppendStr(theBuffer, kLineEnds[fIsJoined ? aConfigFile->mLineEnd : theLine->mEnd]);
+        zoBuffer_AppendStr(theBuffer, kLineEnds[theLine->mNext ? WholeEnd(aConfigFile, theLine) : theLine->mEnd]);
     }
     if (aLength) { *aLength = theBuffer->mPos; }
     zoBuffer_Append(theBuffer, "", 1);
