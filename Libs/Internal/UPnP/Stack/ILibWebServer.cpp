@@ -26,3 +26,15 @@ const char* ILibWebServerSession_GetServerUserAgent(const ILibWebServer_Session*
 {
     return aSession ? aSession->mUserAgent : nullptr;
 }
+
+static const ILibConfigBounds_t kBounds[] = {
+    { ILibConfigBounds_Values(ILibWebServerConfig, mSessionIdleTimeOut, kILibWebServer_SessionIdleTimeOut) },
+    {},
+};
+
+const ILibConfigBounds_t* ILibWebServer_GetBounds(void) { return kBounds; }
+
+void ILibWebServer_ValidateConfiguration(ILibWebServerConfig* aWebServerConfig)
+{
+    ILibConfigBounds_Apply(kBounds, aWebServerConfig, "ILibWebServerConfig");
+}

@@ -1,0 +1,3 @@
+#include <UPnP/Stack/ILibNoSSDPClient.h>
+
+void ILibNoSSDPClient_ValidateConfiguration(ILibNoSSDPConfig*) {}

@@ -1,0 +1,200 @@
+#pragma once
+
+/* The stack's settings, from the device's configuration file: single values, and the records that the stack's modules
+ * are started with, each filled from one section.
+ *
+ * The caller makes one socket policy, creates a record, fetches it from a section and hands it to the stack:
+ *
+ *     zoSocketPolicy* thePolicy = UPnPConfig_CreateSocketPolicy(theFile, "Stack");
+ *     ILibSSDPConfig* theConfig = UPnPConfig_CreateSSDPConfig();
+ *     UPnPConfig_FetchSSDPConfig(theConfig, theFile, "SSDP", thePolicy);
+ *     ...
+ *     UPnPConfig_FreeSSDPConfig(theConfig);
+ *     free(theConfig);
+ *
+ * Absent keys give defaults, and nothing fails. A NULL file or section counts as one without keys. Nothing is kept
+ * between calls: what a call reads is safe from other threads as far as the file is. */
+
+#include <UPnP/ControlPoint/Stack/GenericCP.h>
+#include <UPnP/Stack/ILibAsyncServerSocket.h>
+#include <UPnP/Stack/ILibAsyncSocket.h>
+#include <UPnP/Stack/ILibNoSSDPClient.h>
+#include <UPnP/Stack/ILibSSDPClient.h>
+#include <UPnP/Stack/ILibWebClient.h>
+#include <UPnP/Stack/ILibWebServer.h>
+#include <UPnP/Utilities/Export.h>
+#include <UPnP/Utilities/UPnPHook.h>
+#include <zoOS/zoSocketPolicy.h>
+#include <zoOS/zoTypes.h>
+#include <zoltTools/zoConfigFile.h>
+#include <zoltTools/zoCustomHashTable.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Single values ---- */
+
+/** @return the value, or the default, with each "%HOSTNAME%" replaced: a new text, released with free. NULL when the
+ * key is absent and the default is NULL. */
+UPNPUTILITIES_API char* UPnPConfig_GetStringWithSubstitution(zoConfigFile* aConfigFile, const char* aSection,
+                                                             const char* aKey, const char* aDefaultValue);
+/** @return a copy of the value, or of the default when the key is absent, released with free; NULL when the key is
+ *          absent and the default is NULL. */
+UPNPUTILITIES_API char* UPnPConfig_GetString(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                             const char* aDefaultValue);
+/** As UPnPConfig_GetString, but an empty value counts as absent, and the default must not be NULL. */
+UPNPUTILITIES_API char* UPnPConfig_GetStringNotEmpty(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                                     const char* aDefaultValue);
+/** @return the value as zoConfigFile_GetUInt32 reads it. */
+UPNPUTILITIES_API uint32 UPnPConfig_GetUInt32(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                              uint32 aDefaultValue);
+/** @return 1 when zoConfigFile_GetUInt32 reads any number but 0, else 0. */
+UPNPUTILITIES_API uint32 UPnPConfig_GetBoolAsUInt32(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                                    uint32 aDefaultValue);
+
+/**
+ * Stores a copy of a value, or of the default when the key is absent, in a table of texts by text. Nothing is stored,
+ * and an entry that is there stays, when the key is absent and the default is NULL, or when there is no table.
+ * @param aMaxLength  the most bytes that are stored, the value being cut between UTF-8 characters; 0: it is stored
+ *                    whole.
+ */
+UPNPUTILITIES_API void UPnPConfig_AddToHashTable(zoCustomHashTable* anHashTable, const char* aHashTableKey,
+                                                 zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                                 const char* aDefaultValue, size_t aMaxLength);
+/** As UPnPConfig_AddToHashTable; the default isn't shown to the configuration file, but put in place of a value that is
+ *  missing. */
+UPNPUTILITIES_API void UPnPConfig_AddToHashTableIfUnspecified(zoCustomHashTable* anHashTable, const char* aHashTableKey,
+                                                              zoConfigFile* aConfigFile, const char* aSection,
+                                                              const char* aKey, const char* aDefaultValue,
+                                                              size_t aMaxLength);
+
+/* Which of the host's addresses are used: 1 the local host only, 2 all but the local host, any other number all. */
+#define kKey_Stack_UPnPLocal "UPnPLocal"
+
+/** @return a new socket policy as kKey_Stack_UPnPLocal and the policy's own keys (zoSocketPolicyConfig.h) say, released
+ *          with zoSocketPolicy_Delete. It has to outlive all records that are fetched with it. */
+UPNPUTILITIES_API zoSocketPolicy* UPnPConfig_CreateSocketPolicy(zoConfigFile* aConfigFile, const char* aSection);
+
+/* ---- The stack's records ----
+ *
+ * Create gives a new record, all 0, released with free.
+ *
+ * Fetch overwrites the whole record: its user agent, if it holds one, has to be freed before. It stores the borrowed
+ * arguments, reads the keys (kKey_* of the record's header) of the section, the embedded records' from the same one,
+ * and has the stack's validator look at the result. A NULL record is ignored.
+ *
+ * Clone gives a copy that owns what it owns, and shares policy, hook and presentation module; NULL for NULL.
+ *
+ * Free releases the user agent, the one thing that a record owns, but not the record. NULL is ignored. */
+
+UPNPUTILITIES_API ILibAsyncSocketConfig* UPnPConfig_CreateAsyncSocketConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchAsyncSocketConfig(ILibAsyncSocketConfig* anAsyncSocketConfig,
+                                                         zoConfigFile* aConfigFile, const char* aSection,
+                                                         zoSocketPolicy* aSocketPolicy);
+UPNPUTILITIES_API ILibAsyncSocketConfig* UPnPConfig_CloneAsyncSocketConfig(
+    const ILibAsyncSocketConfig* anAsyncSocketConfig);
+
+UPNPUTILITIES_API ILibAsyncServerSocketConfig* UPnPConfig_CreateAsyncServerSocketConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchAsyncServerSocketConfig(ILibAsyncServerSocketConfig* anAsyncServerSocketConfig,
+                                                               zoConfigFile* aConfigFile, const char* aSection,
+                                                               zoSocketPolicy* aSocketPolicy);
+UPNPUTILITIES_API ILibAsyncServerSocketConfig* UPnPConfig_CloneAsyncServerSocketConfig(
+    const ILibAsyncServerSocketConfig* anAsyncServerSocketConfig);
+
+UPNPUTILITIES_API ILibSSDPConfig* UPnPConfig_CreateSSDPConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchSSDPConfig(ILibSSDPConfig* aSSDPConfig, zoConfigFile* aConfigFile,
+                                                  const char* aSection, zoSocketPolicy* aSocketPolicy);
+UPNPUTILITIES_API void UPnPConfig_FreeSSDPConfig(ILibSSDPConfig* aSSDPConfig);
+
+UPNPUTILITIES_API ILibNoSSDPConfig* UPnPConfig_CreateNoSSDPConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchNoSSDPConfig(ILibNoSSDPConfig* aNoSSDPConfig, zoConfigFile* aConfigFile,
+                                                    const char* aSection, zoSocketPolicy* aSocketPolicy);
+
+UPNPUTILITIES_API ILibWebServerConfig* UPnPConfig_CreateWebServerConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchWebServerConfig(ILibWebServerConfig* aWebServerConfig, zoConfigFile* aConfigFile,
+                                                       const char* aSection, zoSocketPolicy* aSocketPolicy,
+                                                       UPnPHook* aUPnPHook, void* aUPnPPresentationModule,
+                                                       ILibWebServer_OnPresentation aUPnPPresentationCallback);
+UPNPUTILITIES_API ILibWebServerConfig* UPnPConfig_CloneWebServerConfig(
+    const ILibWebServerConfig* anILibWebServerConfig);
+UPNPUTILITIES_API void UPnPConfig_FreeWebServerConfig(ILibWebServerConfig* aWebServerConfig);
+
+UPNPUTILITIES_API ILibWebClientConfig* UPnPConfig_CreateWebClientConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchWebClientConfig(ILibWebClientConfig* aWebClientConfig, zoConfigFile* aConfigFile,
+                                                       const char* aSection, zoSocketPolicy* aSocketPolicy);
+UPNPUTILITIES_API ILibWebClientConfig* UPnPConfig_CloneWebClientConfig(const ILibWebClientConfig* aWebClientConfig);
+
+UPNPUTILITIES_API UPnPControlPointConfig* UPnPConfig_CreateControlPointConfig(void);
+UPNPUTILITIES_API void UPnPConfig_FetchControlPointConfig(UPnPControlPointConfig* aControlPointConfig,
+                                                          zoConfigFile* aConfigFile, const char* aSection,
+                                                          zoSocketPolicy* aSocketPolicy, UPnPHook* aUPnPHook);
+UPNPUTILITIES_API void UPnPConfig_FreeControlPointConfig(UPnPControlPointConfig* aControlPointConfig);
+
+/* ---- What the fetches read, for programs that show or edit configuration files ---- */
+
+enum
+{
+    kUPnPConfigRecord_AsyncSocket = 0,
+    kUPnPConfigRecord_AsyncServerSocket = 1,
+    kUPnPConfigRecord_SSDP = 2,
+    kUPnPConfigRecord_NoSSDP = 3,
+    kUPnPConfigRecord_WebServer = 4,
+    kUPnPConfigRecord_WebClient = 5,
+    kUPnPConfigRecord_ControlPoint = 6,
+    kUPnPConfigRecord_Count = 7
+};
+
+/* How a field is filled. */
+enum
+{
+    kUPnPConfigReader_None = 0, /* it stays 0 */
+    kUPnPConfigReader_UInt32 = 1,
+    kUPnPConfigReader_UInt16 = 2,
+    kUPnPConfigReader_UInt8 = 3,
+    kUPnPConfigReader_Option = 4,
+    kUPnPConfigReader_Flag = 5,           /* 1 for a number but 0, else 0 */
+    kUPnPConfigReader_SignedFlag = 6,     /* the same for a number that may have a sign */
+    kUPnPConfigReader_InvertedFlag = 7,   /* 1 for 0, and 0 for a number but 0 */
+    kUPnPConfigReader_Address = 8,        /* an IPv4 address in dotted-quad form, as a number in network byte order */
+    kUPnPConfigReader_UserAgent = 9,      /* char*: the standard part, a blank, and the value or else "Zolt/1.1" */
+    kUPnPConfigReader_DLNAUserAgent = 10, /* the same, with " DLNADOC/" and kKey_ControlPoint_DLNAVersion, "1.50" if
+                                             absent, behind the standard part */
+    kUPnPConfigReader_Policy = 11,        /* this one and the next three: an argument of the fetch */
+    kUPnPConfigReader_Hook = 12,
+    kUPnPConfigReader_PresentationModule = 13,
+    kUPnPConfigReader_PresentationCallback = 14,
+    kUPnPConfigReader_AsyncSocket = 15, /* an embedded record, kUPnPConfigRecord_AsyncSocket */
+    kUPnPConfigReader_AsyncServerSocket = 16
+};
+
+/* A field of a record, and how it is filled. */
+typedef struct UPnPConfigField_t
+{
+    const char* mName;
+    uint16 mOffset;
+    uint8 mSize; /* of a number: 1, 2, 4 or 8; else of no use */
+    uint8 mReader;
+    uint32 mDefault;           /* of a number: what is read when the key is absent or its value can't be read */
+    const char* mKey;          /* NULL: none */
+    const char* mStandardPart; /* of a user agent, else NULL */
+} UPnPConfigField_t;
+
+/* A record and its fields. */
+typedef struct UPnPConfigRecord_t
+{
+    const char* mName; /* as in UPnPConfig_Fetch...Config */
+    const UPnPConfigField_t* mFields;
+    uint16 mFieldCount;
+    uint16 mSize;
+} UPnPConfigRecord_t;
+
+/** @return the description of a kUPnPConfigRecord_*, its fields in their order; NULL for any other number. */
+UPNPUTILITIES_API const UPnPConfigRecord_t* UPnPConfig_GetRecord(int aRecord);
+/** @return what the fetch stores in a number's field before its validator looks at it, with another default. */
+UPNPUTILITIES_API uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, const zoConfigFile* aConfigFile,
+                                               const char* aSection, uint32 aDefaultValue);
+
+#ifdef __cplusplus
+}
+#endif

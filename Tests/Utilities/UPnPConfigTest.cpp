@@ -1,0 +1,387 @@
+#include "TestSupport.h"
+
+#include <UPnP/Utilities/UPnPConfig.h>
+#include <UPnP/Utilities/UPnPUtility.h>
+#include <gtest/gtest.h>
+#include <zoltTools/zoMemory.h>
+
+namespace
+{
+
+// A configuration with one section, "s".
+struct File
+{
+    explicit File(const std::string& aKeys)
+    {
+        const std::string theText = "[s]\n" + aKeys + "\n";
+        mFile = zoConfigFile_NewFromText(theText.data(), theText.size());
+    }
+    ~File() { zoConfigFile_Delete(mFile); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    operator zoConfigFile*() const { return mFile; }
+
+    zoConfigFile* mFile;
+};
+
+int sPolicyObject, sHookObject, sModule;
+zoSocketPolicy* const kPolicy = reinterpret_cast<zoSocketPolicy*>(&sPolicyObject);
+UPnPHook* const kHook = reinterpret_cast<UPnPHook*>(&sHookObject);
+int OnPresentation(ILibWebServer_Session*, struct packetheader*, const char*) { return 0; }
+
+// All fields of a record in their order; borrowed ones as whether they are the test's.
+std::string Words(const char* aFormat, ...) __attribute__((format(printf, 1, 2)));
+std::string Words(const char* aFormat, ...)
+{
+    char theText[512];
+    va_list theArguments;
+    va_start(theArguments, aFormat);
+    vsnprintf(theText, sizeof(theText), aFormat, theArguments);
+    va_end(theArguments);
+    return theText;
+}
+
+std::string TextOf(const ILibAsyncSocketConfig& c)
+{
+    return Words("%zu %zu %u %u %u %d", c.mInitialBufferSize, c.mMaxReadAHeadSize, c.mConnectTimeOut,
+                 c.mDisconnectLingerDuration, c.mDestroyLingerDuration, c.mSocketPolicy == kPolicy);
+}
+
+std::string TextOf(const ILibAsyncServerSocketConfig& c)
+{
+    return Words("%u %u %u %u / ", c.mMaxConnections, c.mPortNumber, c.mfAllowChangePortNumber, c.mBacklogSize) +
+           TextOf(c.mAsyncSocketConfig);
+}
+
+std::string TextOf(const ILibSSDPConfig& c)
+{
+    return Words("%d %u.%u.%u.%u %u %u %u %u %u %u %d %u %d %u %d %u %u %d %s", c.mSocketPolicy == kPolicy,
+                 UPnPUtil_IPPrintf(c.mSSDPMask), c.mSSDPPort, c.mSSDPTTL, c.mSSDPSearchRequestCount,
+                 c.mSSDPByeByeMessageCount, c.mSSDPNotifyCycleSeconds, c.mMSEARCHInfoCacheDuration,
+                 c.mfEnableMSEARCHInfoAny, c.mSSDPMaxDevices, c.mfSSDPMSEARCHResponseMulti, c.mUDPSendDelay,
+                 c.mfSSDPMSEARCHPortStrict, c.mSSDPDeviceMX, c.mSSDPMX, c.mfHandleMSEARCHAsNOTIFY, c.mUserAgent);
+}
+
+std::string TextOf(const ILibNoSSDPConfig& c) { return Words("%d", c.mSocketPolicy == kPolicy); }
+
+std::string TextOf(const ILibWebServerConfig& c)
+{
+    return Words("%u %d %d %d / ", c.mSessionIdleTimeOut, c.mUPnPHook == kHook, c.mUPnPPresentationModule == &sModule,
+                 c.mUPnPPresentationCallback == OnPresentation) +
+           TextOf(c.mAsyncServerSocketConfig) +
+           Words(" / %s %d %d %d %d", c.mUserAgent, c.mfSupportHTTPStalling, c.mfHandleReject,
+                 c.mfSupportHTTP10KeepALive, c.mfDoNotChunk);
+}
+
+std::string TextOf(const ILibWebClientConfig& c)
+{
+    return Words("%u %u %u %u / ", c.mSessionIdleTimeOut, c.mMaxIdleSessions, c.mSessionPoolSize,
+                 c.mConnectRetryCount) +
+           TextOf(c.mAsyncSocketConfig) +
+           Words(" / %d %d %d %u", c.mfAllowSingleConnection, c.mfDoNotChunk, c.mfHandleReject,
+                 c.mSingleConnectionSessionIdleTimeOut);
+}
+
+std::string TextOf(const UPnPControlPointConfig& c)
+{
+    return Words("%d %d %s %d %d %d %d", c.mSocketPolicy == kPolicy, c.mUPnPHook == kHook, c.mUserAgent,
+                 c.mfDisableSSDP, c.mfEnableMSEARCHInfo, c.mfDisableNoSSDP, c.mfDetectOnly);
+}
+
+// What a fetch makes of a record that was full of something else.
+template <typename Record, typename Fetch>
+std::string Fetched(Record* aRecord, Fetch aFetch, void (*aFree)(Record*) = nullptr)
+{
+    memset(aRecord, 0xA5, sizeof(*aRecord));
+    aFetch(aRecord);
+    const std::string theText = TextOf(*aRecord);
+    if (aFree) { aFree(aRecord); }
+    free(aRecord);
+    return theText;
+}
+
+typedef std::string (*Fetcher)(zoConfigFile* aFile);
+
+std::string AsyncSocket(zoConfigFile* aFile)
+{
+    return Fetched(UPnPConfig_CreateAsyncSocketConfig(),
+                   [=](auto* r) { UPnPConfig_FetchAsyncSocketConfig(r, aFile, "s", kPolicy); });
+}
+std::string ServerSocket(zoConfigFile* aFile)
+{
+    return Fetched(UPnPConfig_CreateAsyncServerSocketConfig(),
+                   [=](auto* r) { UPnPConfig_FetchAsyncServerSocketConfig(r, aFile, "s", kPolicy); });
+}
+std::string SSDP(zoConfigFile* aFile)
+{
+    return Fetched(
+        UPnPConfig_CreateSSDPConfig(), [=](auto* r) { UPnPConfig_FetchSSDPConfig(r, aFile, "s", kPolicy); },
+        UPnPConfig_FreeSSDPConfig);
+}
+std::string NoSSDP(zoConfigFile* aFile)
+{
+    return Fetched(UPnPConfig_CreateNoSSDPConfig(),
+                   [=](auto* r) { UPnPConfig_FetchNoSSDPConfig(r, aFile, "s", kPolicy); });
+}
+std::string WebServer(zoConfigFile* aFile)
+{
+    return Fetched(
+        UPnPConfig_CreateWebServerConfig(),
+        [=](auto* r) { UPnPConfig_FetchWebServerConfig(r, aFile, "s", kPolicy, kHook, &sModule, OnPresentation); },
+        UPnPConfig_FreeWebServerConfig);
+}
+std::string WebClient(zoConfigFile* aFile)
+{
+    return Fetched(UPnPConfig_CreateWebClientConfig(),
+                   [=](auto* r) { UPnPConfig_FetchWebClientConfig(r, aFile, "s", kPolicy); });
+}
+std::string ControlPoint(zoConfigFile* aFile)
+{
+    return Fetched(
+        UPnPConfig_CreateControlPointConfig(),
+        [=](auto* r) { UPnPConfig_FetchControlPointConfig(r, aFile, "s", kPolicy, kHook); },
+        UPnPConfig_FreeControlPointConfig);
+}
+
+} // namespace
+
+TEST(UPnPConfigTest, Fetches)
+{
+    static const struct
+    {
+        Fetcher mFetch;
+        const char* mKeys;
+        const char* mRecord;
+    } kCases[] = {
+        { AsyncSocket, "", "0 0 0 0 0 1" },
+        { AsyncSocket,
+          "InitialBufferSize=1024\nMaxReadAHeadSize=0x4000\nConnectTimeOut=11\nDisconnectLingerDuration=61\n"
+          "DestroyLingerDuration=6",
+          "1024 16384 11 61 6 1" },
+        { AsyncSocket, // just outside the bounds, and what is no number
+          "InitialBufferSize=255\nMaxReadAHeadSize=262145\nConnectTimeOut=601\nDisconnectLingerDuration=-1\n"
+          "DestroyLingerDuration=5s",
+          "256 262144 600 0 0 1" },
+        { AsyncSocket, // 2^32 neither wraps nor counts
+          "InitialBufferSize=4294967295\nMaxReadAHeadSize=4294967296\nConnectTimeOut=\nDisconnectLingerDuration=601\n"
+          "DestroyLingerDuration=601",
+          "262144 0 0 600 600 1" },
+        { ServerSocket, "", "0 0 0 0 / 0 0 0 0 0 1" },
+        { ServerSocket, "MaxConnections=31\nPortNumber=8080\nAllowChangePortNumber=2\nBacklogSize=65535",
+          "31 8080 2 65535 / 0 0 0 0 0 1" },
+        { ServerSocket, "MaxConnections=101\nPortNumber=65536\nAllowChangePortNumber=yes\nBacklogSize=65536",
+          "100 0 0 0 / 0 0 0 0 0 1" },
+        { SSDP, "", "1 0.0.0.0 0 0 0 0 0 0 0 0 0 0 1 10 3 1 UPnP/1.0 Zolt/1.1" },
+        { SSDP,
+          "Mask=239.255.0.1\nPort=1901\nTTL=5\nSearchRequestCount=6\nByeByeMessageCount=7\nNotifyCycleSeconds=1801\n"
+          "MSEARCHInfoCacheDuration=99\nMSEARCHInfoAny=on\nMaxDevices=1000\nMSEARCHResponseMulti=True\nUDPSendDelay=21\n"
+          "MSEARCHPortStrict=off\nDeviceMX=9\nMX=4\nHandleMSEARCHAsNOTIFY=no\nUserAgent=Box/2.0",
+          "1 239.255.0.1 1901 5 6 7 1801 0 1 1000 1 21 0 9 4 0 UPnP/1.0 Box/2.0" },
+        { SSDP,
+          "Mask=239.255.0\nPort=65536\nTTL=101\nSearchRequestCount=11\nByeByeMessageCount=11\nNotifyCycleSeconds=119\n"
+          "MSEARCHInfoAny=2\nMaxDevices=-1\nUDPSendDelay=9\nMSEARCHPortStrict=maybe\nDeviceMX=11\nMX=101\n"
+          "HandleMSEARCHAsNOTIFY=01\nUserAgent=",
+          "1 0.0.0.0 0 100 10 10 120 0 0 0 0 10 1 10 100 1 UPnP/1.0 Zolt/1.1" },
+        { SSDP, "Mask=\nTTL=256\nNotifyCycleSeconds=86401\nUDPSendDelay=501\nDeviceMX=0\nMX=0\nMSEARCHPortStrict=",
+          "1 0.0.0.0 0 0 0 0 86400 0 0 0 0 500 0 0 0 1 UPnP/1.0 Zolt/1.1" },
+        { NoSSDP, "Port=1", "1" },
+        { WebServer, "", "0 1 1 1 / 0 0 0 0 / 0 0 0 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 0" },
+        { WebServer,
+          "SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0 (x)\n"
+          "SupportHTTPStalling=0\nHandleReject=5\nSupportHTTP10KeepALive=0\nDoNotChunk=-1",
+          "21 1 1 1 / 0 8080 0 0 / 512 0 0 0 0 1 / UPnP/1.0 Box/2.0 (x) 0 1 0 1" },
+        { WebServer, "SupportHTTPStalling=5\nSupportHTTP10KeepALive=7\nDoNotChunk=-2147483648",
+          "0 1 1 1 / 0 0 0 0 / 0 0 0 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 1" },
+        { WebServer, // a flag without a sign can't read one, and one with a sign has 31 bits
+          "SessionIdleTimeOut=2\nMaxConnections=1000\nConnectTimeOut=1000\nSupportHTTPStalling=-1\nHandleReject=yes\n"
+          "SupportHTTP10KeepALive=4294967296\nDoNotChunk=2147483648",
+          "3 1 1 1 / 100 0 0 0 / 0 0 600 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 0" },
+        { WebClient, "", "0 0 0 0 / 0 0 0 0 0 1 / 0 0 0 0" },
+        { WebClient,
+          "SessionIdleTimeOut=21\nMaxIdleSessions=22\nSessionPoolSize=23\nConnectRetryCount=3\nConnectTimeOut=12\n"
+          "AllowSingleConnection=-1\nDoNotChunk=2\nHandleReject=1\nSingleConnectionSessionIdleTimeOut=9\nUserAgent=x",
+          "21 22 23 3 / 0 0 12 0 0 1 / 1 1 1 0" },
+        { WebClient,
+          "SessionIdleTimeOut=601\nMaxIdleSessions=4\nSessionPoolSize=101\nConnectRetryCount=11\n"
+          "AllowSingleConnection=on\nDoNotChunk=-0\nHandleReject=-2147483649",
+          "600 5 100 10 / 0 0 0 0 0 1 / 0 0 0 0" },
+        { ControlPoint, "", "1 1 UPnP/1.0 DLNADOC/1.50 Zolt/1.1 0 1 1 0" },
+        { ControlPoint,
+          "UserAgent=Box/2.0\nDLNAVersion=2.0\nDisableSSDP=3\nMSEARCHInfo=0\nEnableNoSSDP=1\nDetectDeviceOnly=1",
+          "1 1 UPnP/1.0 DLNADOC/2.0 Box/2.0 1 0 0 1" },
+        { ControlPoint, "UserAgent=\nDLNAVersion=%s\nDisableSSDP=on\nMSEARCHInfo=-1\nEnableNoSSDP=on",
+          "1 1 UPnP/1.0 DLNADOC/%s Zolt/1.1 0 1 1 0" },
+    };
+    LogCatcher theLog;
+    for (const auto& theCase : kCases)
+        EXPECT_EQ(theCase.mRecord, theCase.mFetch(File(theCase.mKeys))) << theCase.mKeys;
+    for (const Fetcher theFetch : { AsyncSocket, ServerSocket, SSDP, NoSSDP, WebServer, WebClient, ControlPoint })
+        EXPECT_EQ(theFetch(File("")), theFetch(nullptr));
+}
+
+TEST(UPnPConfigTest, SaysWhatIsOutOfBounds)
+{
+    static const char kSource[] = "2/1 Libs/Internal/UPnP/Stack/ILibConfigBounds.cpp: ";
+    LogCatcher theLog;
+    EXPECT_EQ("1 0.0.0.0 0 100 10 0 0 0 0 0 0 0 1 10 1 1 UPnP/1.0 Zolt/1.1",
+              SSDP(File("TTL=255\nSearchRequestCount=10\nMX=1")));
+    EXPECT_EQ(std::string(kSource) + "ILibSSDPConfig: mSSDPTTL 255 is not within 1 to 100, 100 is taken\n",
+              theLog.mText);
+    theLog.mText.clear();
+    WebServer(File("ConnectTimeOut=4000000000"));
+    EXPECT_EQ(std::string(kSource) +
+                  "ILibAsyncSocketConfig: mConnectTimeOut 4000000000 is not within 1 to 600, 600 is taken\n",
+              theLog.mText);
+}
+
+TEST(UPnPConfigTest, Clones)
+{
+    File theFile("SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0");
+    ILibWebServerConfig* theServer = UPnPConfig_CreateWebServerConfig();
+    UPnPConfig_FetchWebServerConfig(theServer, theFile, "s", kPolicy, kHook, &sModule, OnPresentation);
+    ILibWebServerConfig* theServerClone = UPnPConfig_CloneWebServerConfig(theServer);
+    ILibAsyncServerSocketConfig* theSocketClone =
+        UPnPConfig_CloneAsyncServerSocketConfig(&theServer->mAsyncServerSocketConfig);
+    ILibAsyncSocketConfig* theInnerClone = UPnPConfig_CloneAsyncSocketConfig(&theSocketClone->mAsyncSocketConfig);
+    UPnPConfig_FreeWebServerConfig(theServer);
+    EXPECT_EQ(nullptr, theServer->mUserAgent);
+    UPnPConfig_FreeWebServerConfig(theServer);
+    free(theServer);
+    EXPECT_EQ("21 1 1 1 / 0 8080 0 0 / 512 0 0 0 0 1 / UPnP/1.0 Box/2.0 1 0 1 0", TextOf(*theServerClone));
+    EXPECT_EQ("0 8080 0 0 / 512 0 0 0 0 1", TextOf(*theSocketClone));
+    EXPECT_EQ("512 0 0 0 0 1", TextOf(*theInnerClone));
+    UPnPConfig_FreeWebServerConfig(theServerClone);
+    free(theServerClone);
+    free(theSocketClone);
+    free(theInnerClone);
+
+    ILibWebServerConfig theBare = {};
+    theServerClone = UPnPConfig_CloneWebServerConfig(&theBare);
+    EXPECT_EQ(nullptr, theServerClone->mUserAgent);
+    free(theServerClone);
+    ILibWebClientConfig theClient = {};
+    theClient.mSingleConnectionSessionIdleTimeOut = 7;
+    ILibWebClientConfig* theClientClone = UPnPConfig_CloneWebClientConfig(&theClient);
+    EXPECT_EQ("0 0 0 0 / 0 0 0 0 0 0 / 0 0 0 7", TextOf(*theClientClone));
+    free(theClientClone);
+}
+
+TEST(UPnPConfigTest, SparesNull)
+{
+    UPnPConfig_FetchSSDPConfig(nullptr, nullptr, nullptr, nullptr);
+    UPnPConfig_FetchWebServerConfig(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    UPnPConfig_FetchNoSSDPConfig(nullptr, nullptr, nullptr, nullptr);
+    UPnPConfig_FreeSSDPConfig(nullptr);
+    UPnPConfig_FreeWebServerConfig(nullptr);
+    UPnPConfig_FreeControlPointConfig(nullptr);
+    EXPECT_EQ(nullptr, UPnPConfig_CloneWebServerConfig(nullptr));
+    EXPECT_EQ(nullptr, UPnPConfig_CloneAsyncSocketConfig(nullptr));
+    EXPECT_EQ(nullptr, UPnPConfig_GetRecord(-1));
+    EXPECT_EQ(nullptr, UPnPConfig_GetRecord(kUPnPConfigRecord_Count));
+}
+
+TEST(UPnPConfigTest, Texts)
+{
+    File theFile("empty=\nname=a b\nhost=box %HOSTNAME%");
+    EXPECT_EQ("a b", Taken(UPnPConfig_GetString(theFile, "s", "name", "d")));
+    EXPECT_EQ("", Taken(UPnPConfig_GetString(theFile, "s", "empty", "d")));
+    EXPECT_EQ("d", Taken(UPnPConfig_GetString(theFile, "s", "none", "d")));
+    EXPECT_EQ("(null)", Taken(UPnPConfig_GetString(theFile, "s", "none", nullptr)));
+    EXPECT_EQ("d", Taken(UPnPConfig_GetString(nullptr, "s", "name", "d")));
+    EXPECT_EQ("a b", Taken(UPnPConfig_GetStringNotEmpty(theFile, "s", "name", "d")));
+    EXPECT_EQ("d", Taken(UPnPConfig_GetStringNotEmpty(theFile, "s", "empty", "d")));
+    EXPECT_EQ("d", Taken(UPnPConfig_GetStringNotEmpty(theFile, "s", "none", "d")));
+    {
+        AssertionCatcher theCatcher;
+        EXPECT_EQ("(null)", Taken(UPnPConfig_GetStringNotEmpty(theFile, "s", "empty", nullptr)));
+        EXPECT_EQ("Libs/Internal/UPnP/Utilities/UPnPConfig.cpp: aDefaultValue != NULL", theCatcher.Text());
+    }
+    char* theHost = zoStringSubstitution_Replace_HostName("%HOSTNAME%");
+    EXPECT_STRNE("%HOSTNAME%", theHost);
+    EXPECT_EQ("box " + std::string(theHost),
+              Taken(UPnPConfig_GetStringWithSubstitution(theFile, "s", "host", nullptr)));
+    EXPECT_EQ(theHost, Taken(UPnPConfig_GetStringWithSubstitution(theFile, "s", "none", "%HOSTNAME%")));
+    EXPECT_EQ("(null)", Taken(UPnPConfig_GetStringWithSubstitution(theFile, "s", "none", nullptr)));
+    free(theHost);
+}
+
+TEST(UPnPConfigTest, Numbers)
+{
+    File theFile("seven=7\nzero=0\nword=x");
+    EXPECT_EQ(7u, UPnPConfig_GetUInt32(theFile, "s", "seven", 1));
+    EXPECT_EQ(9u, UPnPConfig_GetUInt32(theFile, "s", "word", 9));
+    EXPECT_EQ(1u, UPnPConfig_GetBoolAsUInt32(theFile, "s", "seven", 0));
+    EXPECT_EQ(0u, UPnPConfig_GetBoolAsUInt32(theFile, "s", "zero", 1));
+    EXPECT_EQ(1u, UPnPConfig_GetBoolAsUInt32(theFile, "s", "none", 9));
+}
+
+TEST(UPnPConfigTest, HashTable)
+{
+    static const struct
+    {
+        const char* mKey;
+        const char* mDefault;
+        size_t mMaxLength;
+        const char* mStored; // NULL: what was there stays
+    } kCases[] = {
+        { "ascii", nullptr, 0, "abcdef" },
+        { "ascii", nullptr, 4, "abcd" },
+        { "ascii", nullptr, 6, "abcdef" },
+        { "ascii", nullptr, static_cast<size_t>(-1), "abcdef" },
+        { "empty", "d", 4, "" },
+        { "none", "default", 4, "defa" },
+        { "none", "default", 0, "default" },
+        { "none", nullptr, 0, nullptr },
+        { "none", nullptr, 4, nullptr },
+        { "utf8", nullptr, 1, "" }, // \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8E\xB5 take 2, 3 and 4 bytes
+        { "utf8", nullptr, 2, "\xC3\xA9" },
+        { "utf8", nullptr, 4, "\xC3\xA9" },
+        { "utf8", nullptr, 5, "\xC3\xA9\xE2\x82\xAC" },
+        { "utf8", nullptr, 8, "\xC3\xA9\xE2\x82\xAC" },
+        { "utf8", nullptr, 9, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5" },
+        { "broken", nullptr, 5, "\x80\x80\x80\x80\x80" },
+    };
+    File theFile("ascii=abcdef\nempty=\nutf8=\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\nbroken=\x80\x80\x80\x80\x80\x80");
+    for (const auto& theCase : kCases)
+    {
+        for (const auto theAdd : { UPnPConfig_AddToHashTable, UPnPConfig_AddToHashTableIfUnspecified })
+        {
+            zoCustomHashTable* theTable = zoCustomHashTable_New_String_String();
+            zoCustomHashTable_Add(theTable, "k", "before");
+            theAdd(theTable, "k", theFile, "s", theCase.mKey, theCase.mDefault, theCase.mMaxLength);
+            EXPECT_STREQ(theCase.mStored ? theCase.mStored : "before", zoCustomHashTable_Get(theTable, "k"))
+                << theCase.mKey << ' ' << theCase.mMaxLength;
+            theAdd(nullptr, "k", theFile, "s", theCase.mKey, theCase.mDefault, theCase.mMaxLength);
+            zoCustomHashTable_Delete(theTable);
+        }
+    }
+}
+
+TEST(UPnPConfigTest, SocketPolicy)
+{
+    static const struct
+    {
+        const char* mKeys;
+        int mMode;
+    } kCases[] = {
+        { "", kzoSocketPolicy_IP_All },
+        { "UPnPLocal=0", kzoSocketPolicy_IP_All },
+        { "UPnPLocal=1", kzoSocketPolicy_IP_LocalHostOnly },
+        { "UPnPLocal=2", kzoSocketPolicy_IP_AllExceptLocalHost },
+        { "UPnPLocal=3", kzoSocketPolicy_IP_All },
+        { "UPnPLocal=-1", kzoSocketPolicy_IP_All },
+        { "UPnPLocal=4294967297", kzoSocketPolicy_IP_All },
+        { "QOSDisabled=yes\nexclude-if=eth0, wlan0", kzoSocketPolicy_IP_All },
+    };
+    for (const auto& theCase : kCases)
+    {
+        zoSocketPolicy* thePolicy = UPnPConfig_CreateSocketPolicy(File(theCase.mKeys), "s");
+        EXPECT_EQ(theCase.mMode, zoSocketPolicy_GetMode(thePolicy)) << theCase.mKeys;
+        const bool fOwnKeys = strchr(theCase.mKeys, ',') != nullptr;
+        EXPECT_EQ(fOwnKeys, zoSocketPolicy_IsQOSDisabled(thePolicy)) << theCase.mKeys;
+        EXPECT_NE(fOwnKeys,
+                  zoSocketPolicy_Admits(thePolicy, "wlan0", theCase.mMode == kzoSocketPolicy_IP_LocalHostOnly))
+            << theCase.mKeys;
+        zoSocketPolicy_Delete(thePolicy);
+    }
+}

@@ -1,0 +1,396 @@
+#include "Input.h"
+#include "Subcommand.h"
+
+#include <UPnP/Utilities/UPnPConfig.h>
+#include <UPnP/Utilities/UPnPUtility.h>
+#include <memory>
+#include <set>
+#include <string.h>
+#include <zoLog/Log.h>
+#include <zoltTools/zoMemory.h>
+#include <zoltTools/zoSocketPolicyConfig.h>
+
+namespace
+{
+
+// Says each warning once: several records have the same part, read from the same keys.
+class Warnings
+{
+public:
+    Warnings() { zoLog_SetSink(TakeLogged, this); }
+    ~Warnings() { zoLog_SetSink(nullptr, nullptr); }
+    Warnings(const Warnings&) = delete;
+    Warnings& operator=(const Warnings&) = delete;
+
+    void Add(const std::string& aMessage)
+    {
+        if (mSaid.insert(aMessage).second) { Say("warning: " + aMessage); }
+    }
+
+private:
+    static void TakeLogged(int, int, const char*, int, const char* aText, void* aWarnings)
+    {
+        const std::string theText = aText;
+        static_cast<Warnings*>(aWarnings)->Add(theText.substr(0, theText.find_last_not_of('\n') + 1));
+    }
+
+    std::set<std::string> mSaid;
+};
+
+// One section of a configuration file, and what is being found out about it.
+struct Section
+{
+    Section(const std::vector<char>& aText, const char* aName)
+        : mFile(zoConfigFile_NewFromText(aText.data(), aText.size() - 1)),
+          mName(aName),
+          mPolicy(UPnPConfig_CreateSocketPolicy(mFile, mName))
+    {}
+    ~Section()
+    {
+        zoSocketPolicy_Delete(mPolicy);
+        zoConfigFile_Delete(mFile);
+    }
+    Section(const Section&) = delete;
+    Section& operator=(const Section&) = delete;
+
+    bool Exists() const
+    {
+        for (size_t i = 0; i < zoConfigFile_GetSectionCount(mFile); ++i)
+        {
+            if (strcmp(zoConfigFile_GetSectionAt(mFile, i), mName) == 0) { return true; }
+        }
+        return false;
+    }
+    // The value of a key, NULL without one.
+    const char* Get(const char* aKey) const { return zoConfigFile_GetString(mFile, mName, aKey, nullptr); }
+
+    zoConfigFile* mFile;
+    const char* mName;
+    zoSocketPolicy* mPolicy;
+    std::set<std::string> mKeysRead = { kKey_Stack_UPnPLocal, kKey_SocketPolicy_QOSDisabled,
+                                        kKey_SocketPolicy_ExcludeIF }; // the policy's
+    Warnings mWarnings;
+};
+
+typedef std::shared_ptr<const void> Record;
+
+struct RecordKind
+{
+    int mRecord;                               // kUPnPConfigRecord_*
+    const ILibConfigBounds_t* (*mGetBounds)(); // NULL: it has none
+    Record (*mFetch)(const Section& aSection);
+
+    const UPnPConfigRecord_t& Description() const { return *UPnPConfig_GetRecord(mRecord); }
+};
+
+} // namespace
+
+// ---- The records ----
+
+template <typename Type, typename... Borrowed>
+static void Fetch(Type* aConfig, const Section& aSection,
+                  void (*aFetch)(Type*, zoConfigFile*, const char*, zoSocketPolicy*, Borrowed...))
+{
+    aFetch(aConfig, aSection.mFile, aSection.mName, aSection.mPolicy, Borrowed()...);
+}
+
+template <typename Type>
+static void FreeNothing(Type*)
+{}
+
+// A record that its fetch has filled, without a hook and the like.
+template <typename Type, Type* (*kCreate)(), auto kFetch, void (*kFree)(Type*) = FreeNothing<Type>>
+static Record Fetched(const Section& aSection)
+{
+    const auto theRelease = [](Type* aConfig)
+    {
+        kFree(aConfig);
+        free(aConfig);
+    };
+    const std::shared_ptr<Type> theConfig(kCreate(), theRelease);
+    Fetch(theConfig.get(), aSection, kFetch);
+    return theConfig;
+}
+
+// By kUPnPConfigRecord_*.
+static const RecordKind kRecordKinds[kUPnPConfigRecord_Count] = {
+    { kUPnPConfigRecord_AsyncSocket, ILibAsyncSocket_GetBounds,
+      Fetched<ILibAsyncSocketConfig, UPnPConfig_CreateAsyncSocketConfig, UPnPConfig_FetchAsyncSocketConfig> },
+    { kUPnPConfigRecord_AsyncServerSocket, ILibAsyncServerSocket_GetBounds,
+      Fetched<ILibAsyncServerSocketConfig, UPnPConfig_CreateAsyncServerSocketConfig,
+              UPnPConfig_FetchAsyncServerSocketConfig> },
+    { kUPnPConfigRecord_SSDP, ILibSSDP_GetBounds,
+      Fetched<ILibSSDPConfig, UPnPConfig_CreateSSDPConfig, UPnPConfig_FetchSSDPConfig, UPnPConfig_FreeSSDPConfig> },
+    { kUPnPConfigRecord_NoSSDP, nullptr,
+      Fetched<ILibNoSSDPConfig, UPnPConfig_CreateNoSSDPConfig, UPnPConfig_FetchNoSSDPConfig> },
+    { kUPnPConfigRecord_WebServer, ILibWebServer_GetBounds,
+      Fetched<ILibWebServerConfig, UPnPConfig_CreateWebServerConfig, UPnPConfig_FetchWebServerConfig,
+              UPnPConfig_FreeWebServerConfig> },
+    { kUPnPConfigRecord_WebClient, ILibWebClient_GetBounds,
+      Fetched<ILibWebClientConfig, UPnPConfig_CreateWebClientConfig, UPnPConfig_FetchWebClientConfig> },
+    { kUPnPConfigRecord_ControlPoint, nullptr,
+      Fetched<UPnPControlPointConfig, UPnPConfig_CreateControlPointConfig, UPnPConfig_FetchControlPointConfig,
+              UPnPConfig_FreeControlPointConfig> },
+};
+
+static const char kPolicyName[] = "SocketPolicy";
+
+static std::string RecordNames()
+{
+    std::string theNames = kPolicyName;
+    for (const RecordKind& theKind : kRecordKinds)
+        theNames += std::string(", ") + theKind.Description().mName;
+    return theNames;
+}
+
+static const Usage kUsage = {
+    "config",
+    "[--record NAME]...",
+    "FILE SECTION",
+    "Prints what the stack's records get from a section of a configuration file, field by field, each with where its\n"
+    "value comes from; a number of 0 that the stack replaces by its own default when it starts is marked so. Warns of\n"
+    "keys that none of the records reads, and of values that are not taken as they are. \"-\" is standard input.\n"
+    "Records: " +
+        RecordNames() + ".\n",
+    {
+        { "--record", "NAME", true, "print this record only; may repeat" },
+    },
+};
+
+// ---- Where values come from ----
+
+static const ILibConfigBounds_t* FindBounds(const RecordKind& aKind, const UPnPConfigField_t& aField)
+{
+    const ILibConfigBounds_t* theBounds = aKind.mGetBounds ? aKind.mGetBounds() : nullptr;
+    while (theBounds && theBounds->mField && strcmp(theBounds->mField, aField.mName) != 0)
+        ++theBounds;
+    return theBounds && theBounds->mField ? theBounds : nullptr;
+}
+
+// Whether the field's key has a value that its reader can read: then the default makes no difference.
+static bool IsReadable(const UPnPConfigField_t& aField, const Section& aSection)
+{
+    const char* theValue = aSection.Get(aField.mKey);
+    if (!theValue) { return false; }
+    if (aField.mReader == kUPnPConfigReader_Address)
+    {
+        return UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, 0) != 0 ||
+               strcmp(theValue, "0.0.0.0") == 0;
+    }
+    return UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, 0) ==
+           UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, 1);
+}
+
+// Where a number comes from that is read from aField's key, and notes that the key is known.
+static std::string OriginOfNumber(const UPnPConfigField_t& aField, Section& aSection)
+{
+    aSection.mKeysRead.insert(aField.mKey);
+    if (IsReadable(aField, aSection)) { return std::string("key ") + aField.mKey; }
+    const char* theValue = aSection.Get(aField.mKey);
+    const bool fIsEmptyAddress = aField.mReader == kUPnPConfigReader_Address && zoStrEmpty(theValue);
+    if (theValue && !fIsEmptyAddress)
+    {
+        aSection.mWarnings.Add(std::string(aField.mKey) + "=" + theValue + " can't be read, the default is taken");
+    }
+    return "default";
+}
+
+static std::string OriginOfText(const char* aKey, Section& aSection, bool afEmptyCounts)
+{
+    aSection.mKeysRead.insert(aKey);
+    const char* theValue = aSection.Get(aKey);
+    return theValue && (afEmptyCounts || *theValue) ? std::string("key ") + aKey : "default";
+}
+
+static std::string OriginOfField(const UPnPConfigField_t& aField, Section& aSection)
+{
+    switch (aField.mReader)
+    {
+    case kUPnPConfigReader_None: return "not read";
+    case kUPnPConfigReader_UserAgent: return OriginOfText(aField.mKey, aSection, false);
+    case kUPnPConfigReader_DLNAUserAgent:
+        return OriginOfText(aField.mKey, aSection, false) +
+               ", DLNA version: " + OriginOfText(kKey_ControlPoint_DLNAVersion, aSection, true);
+    case kUPnPConfigReader_Policy: return kPolicyName;
+    case kUPnPConfigReader_Hook:
+    case kUPnPConfigReader_PresentationModule:
+    case kUPnPConfigReader_PresentationCallback: return "argument";
+    default: return OriginOfNumber(aField, aSection);
+    }
+}
+
+// ---- Printing ----
+
+static void PrintFact(const std::string& aName, const std::string& aValue, const std::string& anOrigin,
+                      Output& anOutput)
+{
+    anOutput.Fact(aName, aValue);
+    anOutput.Fact(aName + " from", anOrigin);
+}
+
+static const char* PolicyText(const Section& aSection)
+{
+    switch (zoSocketPolicy_GetMode(aSection.mPolicy))
+    {
+    case kzoSocketPolicy_IP_LocalHostOnly: return "local host only";
+    case kzoSocketPolicy_IP_AllExceptLocalHost: return "all but the local host";
+    default: return "all addresses";
+    }
+}
+
+static void PrintPolicy(Section& aSection, Output& anOutput)
+{
+    static const UPnPConfigField_t kMode = { "mode", 0, 4, kUPnPConfigReader_UInt32, 0, kKey_Stack_UPnPLocal, nullptr };
+    static const UPnPConfigField_t kQOS = { "QOS",  0, 4, kUPnPConfigReader_Option, 0, kKey_SocketPolicy_QOSDisabled,
+                                            nullptr };
+    PrintFact("mode", PolicyText(aSection), OriginOfNumber(kMode, aSection), anOutput);
+    PrintFact("QOS disabled", std::to_string(zoSocketPolicy_IsQOSDisabled(aSection.mPolicy)),
+              OriginOfNumber(kQOS, aSection), anOutput);
+    const char* theExcluded = aSection.Get(kKey_SocketPolicy_ExcludeIF);
+    PrintFact("excluded interfaces", theExcluded ? theExcluded : "",
+              OriginOfText(kKey_SocketPolicy_ExcludeIF, aSection, true), anOutput);
+}
+
+template <typename Value>
+static Value Load(const void* aField)
+{
+    Value theValue;
+    memcpy(&theValue, aField, sizeof(theValue));
+    return theValue;
+}
+
+static uint64 LoadNumber(const UPnPConfigField_t& aField, const void* aValue)
+{
+    switch (aField.mSize)
+    {
+    case 1: return Load<uint8>(aValue);
+    case 2: return Load<uint16>(aValue);
+    case 4: return Load<uint32>(aValue);
+    default: return Load<uint64>(aValue);
+    }
+}
+
+static std::string ValueText(const UPnPConfigField_t& aField, const void* aValue, const Section& aSection)
+{
+    switch (aField.mReader)
+    {
+    case kUPnPConfigReader_Address:
+    {
+        char theText[sizeof("255.255.255.255")];
+        zo_snprintf(theText, sizeof(theText), "%u.%u.%u.%u", UPnPUtil_IPPrintf(Load<uint32>(aValue)));
+        return theText;
+    }
+    case kUPnPConfigReader_UserAgent:
+    case kUPnPConfigReader_DLNAUserAgent: return Load<const char*>(aValue);
+    case kUPnPConfigReader_Policy: return PolicyText(aSection);
+    case kUPnPConfigReader_Hook:
+    case kUPnPConfigReader_PresentationModule:
+    case kUPnPConfigReader_PresentationCallback: return "none";
+    default: return std::to_string(LoadNumber(aField, aValue));
+    }
+}
+
+// What the stack makes of a number: it takes its own default for 0, and keeps others within bounds.
+static std::string BoundsText(const RecordKind& aKind, const UPnPConfigField_t& aField, const void* aValue,
+                              const Section& aSection)
+{
+    const ILibConfigBounds_t* theBounds = FindBounds(aKind, aField);
+    if (!theBounds) { return ""; }
+    const uint64 theValue = LoadNumber(aField, aValue);
+    if (theValue == 0) { return ", the stack takes " + std::to_string(theBounds->mDefault); }
+    if (theValue == UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, aField.mDefault)) { return ""; }
+    return ", held within " + std::to_string(theBounds->mMin) + " to " + std::to_string(theBounds->mMax);
+}
+
+static const RecordKind* EmbeddedKind(const UPnPConfigField_t& aField)
+{
+    switch (aField.mReader)
+    {
+    case kUPnPConfigReader_AsyncSocket: return &kRecordKinds[kUPnPConfigRecord_AsyncSocket];
+    case kUPnPConfigReader_AsyncServerSocket: return &kRecordKinds[kUPnPConfigRecord_AsyncServerSocket];
+    default: return nullptr;
+    }
+}
+
+static void PrintRecord(const RecordKind& aKind, const void* aRecord, const std::string& aPrefix, Section& aSection,
+                        Output& anOutput)
+{
+    const UPnPConfigRecord_t& theDescription = aKind.Description();
+    for (size_t i = 0; i < theDescription.mFieldCount; ++i)
+    {
+        const UPnPConfigField_t& theField = theDescription.mFields[i];
+        const void* theValue = static_cast<const char*>(aRecord) + theField.mOffset;
+        const std::string theName = aPrefix + theField.mName;
+        const RecordKind* theEmbedded = EmbeddedKind(theField);
+        if (theEmbedded) { PrintRecord(*theEmbedded, theValue, theName + ".", aSection, anOutput); }
+        else
+        {
+            PrintFact(theName, ValueText(theField, theValue, aSection),
+                      OriginOfField(theField, aSection) + BoundsText(aKind, theField, theValue, aSection), anOutput);
+        }
+    }
+}
+
+static void WarnOfUnreadKeys(Section& aSection)
+{
+    for (size_t i = 0; i < zoConfigFile_GetKeyCount(aSection.mFile, aSection.mName); ++i)
+    {
+        const char* theKey = zoConfigFile_GetKeyAt(aSection.mFile, aSection.mName, i);
+        if (aSection.mKeysRead.count(theKey) == 0)
+        {
+            aSection.mWarnings.Add(std::string(theKey) + " is not read by any of the records");
+        }
+    }
+}
+
+// Nothing but the records that are named, or all.
+static bool IsWanted(const std::vector<const char*>& aNames, const char* aName)
+{
+    for (const char* theName : aNames)
+    {
+        if (strcmp(theName, aName) == 0) { return true; }
+    }
+    return aNames.empty();
+}
+
+static const char* FindUnknownName(const std::vector<const char*>& aNames)
+{
+    for (const char* theName : aNames)
+    {
+        bool fIsKnown = strcmp(theName, kPolicyName) == 0;
+        for (const RecordKind& theKind : kRecordKinds)
+            fIsKnown = fIsKnown || strcmp(theName, theKind.Description().mName) == 0;
+        if (!fIsKnown) { return theName; }
+    }
+    return nullptr;
+}
+
+int ShowConfig(const Arguments& anArguments, Output& anOutput)
+{
+    Options theOptions(kUsage);
+    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
+    const std::vector<const char*> theNames = theOptions.GetAll("--record");
+    if (const char* theName = FindUnknownName(theNames))
+    {
+        return theOptions.BadUsage("no record is called \"" + std::string(theName) + "\"; there are " + RecordNames());
+    }
+    std::vector<char> theText;
+    if (!ReadInput(theOptions.Operand(), theText)) { return kExit_Bad; }
+    Section theSection(theText, theOptions.Operand(1));
+    if (!theSection.Exists())
+    {
+        return FailToFind(InputName(theOptions.Operand()) + ": no section \"" + theSection.mName + "\"");
+    }
+
+    anOutput.SetSubject(std::string(kPolicyName) + " ");
+    if (IsWanted(theNames, kPolicyName)) { PrintPolicy(theSection, anOutput); }
+    for (const RecordKind& theKind : kRecordKinds)
+    {
+        const char* theName = theKind.Description().mName;
+        if (!IsWanted(theNames, theName)) { continue; }
+        anOutput.SetSubject(std::string(theName) + " ");
+        PrintRecord(theKind, theKind.mFetch(theSection).get(), "", theSection, anOutput);
+    }
+    WarnOfUnreadKeys(theSection);
+    return kExit_Done;
+}
