@@ -102,7 +102,8 @@ enum : uint8
 {
     kBlank = 1,
     kEndsName = 2,
-    kColon = 4
+    kColon = 4,
+    kEscaped = 8
 };
 
 struct ByteClasses
@@ -115,6 +116,8 @@ struct ByteClasses
         for (const char theMark : { '\0', '<', '>', '/', '=', '"', '\'' })
             mClass[static_cast<uint8>(theMark)] = kEndsName;
         mClass[static_cast<uint8>(':')] = kColon;
+        for (const char theCharacter : { '<', '>', '&', '"', '\'' })
+            mClass[static_cast<uint8>(theCharacter)] |= kEscaped;
     }
 };
 
@@ -638,4 +641,39 @@ int ILibInPlaceXmlUnEscape(char* aText)
     theText.KeepTo(theText.mEnd);
     *theText.mWrite = 0;
     return static_cast<int>(theText.mWrite - aText);
+}
+
+// One of the entities stands for the character.
+static const Entity& EntityOf(char aCharacter)
+{
+    const Entity* theEntity = kEntities;
+    while (theEntity->mCharacter != aCharacter)
+        ++theEntity;
+    return *theEntity;
+}
+
+size_t ILibXmlEscapeLength(const char* aText)
+{
+    size_t theLength = 0;
+    for (const char* thePosition = aText ? aText : ""; *thePosition; ++thePosition)
+        theLength += Is(*thePosition, kEscaped) ? EntityOf(*thePosition).mLength : 1;
+    return theLength;
+}
+
+size_t ILibXmlEscape(char* aTarget, const char* aText)
+{
+    char* theEnd = aTarget;
+    for (const char* thePosition = aText ? aText : ""; *thePosition; ++thePosition)
+    {
+        if (!Is(*thePosition, kEscaped))
+        {
+            *theEnd++ = *thePosition;
+            continue;
+        }
+        const Entity& theEntity = EntityOf(*thePosition);
+        memcpy(theEnd, theEntity.mName, theEntity.mLength);
+        theEnd += theEntity.mLength;
+    }
+    *theEnd = '\0';
+    return static_cast<size_t>(theEnd - aTarget);
 }

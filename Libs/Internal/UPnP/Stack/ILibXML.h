@@ -19,6 +19,7 @@
 extern "C" {
 #endif
 
+/* What can be wrong with a list of nodes. */
 enum
 {
     kILibProcessXML_NoError = 0,
@@ -94,6 +95,12 @@ UPNPSTACK_API int ILibReadInnerXML(struct ILibXMLNode* aNode, char** aStart);
  * @return the new length.
  */
 UPNPSTACK_API int ILibInPlaceXmlUnEscape(char* aText);
+
+/** @return the length of the text that ILibXmlEscape writes, without its NUL; 0 for NULL. */
+UPNPSTACK_API size_t ILibXmlEscapeLength(const char* aText);
+/** Writes aText and a NUL to aTarget, which has room for ILibXmlEscapeLength(aText) + 1 bytes and lies elsewhere; <, >,
+ *  &, " and ' become named entities. NULL counts as "". @return the length. */
+UPNPSTACK_API size_t ILibXmlEscape(char* aTarget, const char* aText);
 
 #ifdef __cplusplus
 }

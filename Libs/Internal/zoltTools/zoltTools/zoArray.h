@@ -9,7 +9,9 @@
 extern "C" {
 #endif
 
+/* A growing array; its elements are counted from 0. */
 typedef struct zoArray_t zoArray_t;
+/** Releases one element. */
 typedef void (*zoArray_FreeFunc_t)(void* aValue);
 /** @return the array's bytes in a new block released with free, NULL when there are none; their count through aSize. */
 typedef char* (*zoArray_FlattenerFunc_t)(const zoArray_t* anArray, size_t* aSize);

@@ -34,6 +34,13 @@ char* zoStrdup(const char* aText) { return aText ? NewText(aText, strlen(aText))
 
 char* zoStrndup(const char* aText, size_t aLength) { return aText ? NewText(aText, strnlen(aText, aLength)) : nullptr; }
 
+void zoStrReplace(char** aTarget, const char* aText)
+{
+    char* theText = zoStrdup(aText);
+    free(*aTarget);
+    *aTarget = theText;
+}
+
 void zoStrnReplace(char** aTarget, const char* aText, size_t aLength)
 {
     char* theText = zoStrndup(aText, aLength);

@@ -23,6 +23,8 @@ ZOLTTOOLS_API void zoFree(void* aBlock);
 ZOLTTOOLS_API char* zoStrdup(const char* aText);
 /** @return a new copy of at most aLength bytes of aText, which ends there or at its NUL; NULL for NULL. */
 ZOLTTOOLS_API char* zoStrndup(const char* aText, size_t aLength);
+/** Releases *aTarget and puts a new copy of aText there, NULL for NULL. aText may lie in *aTarget. */
+ZOLTTOOLS_API void zoStrReplace(char** aTarget, const char* aText);
 /** Releases *aTarget and puts a new copy of at most aLength bytes of aText there, NULL for NULL. aText may lie in
  *  *aTarget. */
 ZOLTTOOLS_API void zoStrnReplace(char** aTarget, const char* aText, size_t aLength);

@@ -1,0 +1,495 @@
+#include "TestSupport.h"
+#include <UPnP/Utilities/UPnPGroupCapabilities.h>
+#include <gtest/gtest.h>
+#include <utility>
+#include <zoltTools/zoMemory.h>
+
+namespace
+{
+
+const char kFile[] = "Libs/Internal/UPnP/Utilities/UPnPGroupCapabilities.cpp: ";
+
+template <typename Record, void (*Delete)(Record*)>
+struct Owned
+{
+    Owned(Record* aRecord) : mRecord(aRecord) {}
+    Owned(Owned&& anOther) : mRecord(std::exchange(anOther.mRecord, nullptr)) {}
+    ~Owned() { Delete(mRecord); }
+    operator Record*() const { return mRecord; }
+    Record* operator->() const { return mRecord; }
+
+    Record* mRecord;
+};
+typedef Owned<UPnPGroupInfo, UPnPGroupInfo_Delete> Group;
+typedef Owned<UPnPGroupCapabilities, UPnPGroupCapabilities_Delete> Capabilities;
+typedef Owned<zoConfigFile, zoConfigFile_Delete> Config;
+
+// A heap copy of exactly the text's size, which has to stay as it is.
+struct Copy
+{
+    explicit Copy(const std::string& aText) : mText(aText), mCopy(strdup(aText.c_str())) {}
+    ~Copy()
+    {
+        EXPECT_EQ(mText, mCopy);
+        free(mCopy);
+    }
+
+    std::string mText;
+    char* mCopy;
+};
+
+Group ReadGroup(const std::string& aText) { return UPnPGroupInfo_New("MultiRoom", Copy(aText).mCopy); }
+Group LoadGroup(zoConfigFile* aConfig) { return UPnPGroupInfo_NewConfig(aConfig, "MultiRoom"); }
+Config NewConfig(const std::string& aText) { return zoConfigFile_NewFromText(aText.data(), aText.size()); }
+Capabilities ReadCapabilities(const std::string& aText) { return UPnPGroupCapabilities_New(Copy(aText).mCopy); }
+
+std::string Shown(const char* aText) { return aText ? aText : "-"; }
+
+std::string Shown(const char* aName, const char* aUDN, const zoCustomHashTable* aTable)
+{
+    std::string theText = Shown(aName) + "|" + Shown(aUDN);
+    for (size_t i = 0; i < zoCustomHashTable_GetTupleCount(aTable); ++i)
+    {
+        const char* theKey = zoCustomHashTable_GetKeyAtIndex(aTable, i);
+        theText += std::string(" [") + theKey + "]=[" + zoCustomHashTable_Get(aTable, theKey) + "]";
+    }
+    return theText;
+}
+
+// The whole group in one line.
+std::string Shown(const Group& g)
+{
+    if (!g) { return "NULL"; }
+    std::string theText = Shown(g->mGroupFriendlyName, g->mGroupUDN, g->mGroupMetaData) + "; " +
+                          Shown(g->mMasterGroupedFriendlyName, g->mMasterGroupedUDN, g->mMasterMetaData);
+    for (size_t i = 0; i < UPnPGroupInfo_GetSlaveCount(g); ++i)
+    {
+        const UPnPGroupSlave* s = UPnPGroupInfo_GetSlaveAt(g, i);
+        theText += "; " + Shown(s->mGroupedFriendlyName, s->mGroupedUDN, s->mMetaData);
+    }
+    return theText;
+}
+
+// A group with slaves of these grouped UDNs, one character each.
+Group GroupOf(const std::string& aSlaves, const std::string& aFriendlyName = "G")
+{
+    Group g = UPnPGroupInfo_NewEx("MultiRoom");
+    zoStrReplace(&g->mGroupFriendlyName, aFriendlyName.c_str());
+    zoStrReplace(&g->mGroupUDN, "g");
+    zoStrReplace(&g->mMasterGroupedFriendlyName, "M");
+    zoStrReplace(&g->mMasterGroupedUDN, "m");
+    for (const char theUDN : aSlaves)
+        UPnPGroupInfo_AddSlave(g, std::string(1, theUDN).c_str(), "S", "own");
+    return g;
+}
+
+void SetInAll(UPnPGroupInfo* aGroup, const char* aName, const char* aValue)
+{
+    for (const char* theMember : { "", "m", "s" })
+        UPnPGroupInfo_SetMetaData(aGroup, *theMember ? theMember : nullptr, aName, aValue);
+}
+
+std::string MetaData(UPnPGroupInfo* aGroup, const char* aMember, size_t anIndex)
+{
+    const char* theName = "untouched";
+    const char* theValue = "untouched";
+    UPnPGroupInfo_FetchMetaDataAt(aGroup, aMember, anIndex, &theName, &theValue);
+    return Shown(theName) + "=" + Shown(theValue);
+}
+
+std::string Capability(const std::string& anAttributes)
+{
+    return "<groupCapabilities><groupCapability " + anAttributes + "/></groupCapabilities>";
+}
+
+} // namespace
+
+TEST(UPnPGroupCapabilitiesTest, ReadsTheFirstCapability)
+{
+    static const std::string kBad = "Unable to parse XML for 'groupCapabilities' in a device\n";
+    static const std::string kInvalid = "Found an invalid 'groupCapability' description in a device\n";
+    static const std::string kWhole = "capability='MultiRoom' groupedUDN='uuid:1' UDN='uuid:2' ";
+    const struct
+    {
+        std::string mText;
+        const char* mShown; // name, grouped UDN, mode, active capability
+        std::string mLogged;
+    } kCases[] = {
+        { Capability(kWhole + "mode='master'"), "MultiRoom|uuid:1|2|MultiRoom", "" },
+        { Capability(kWhole + "mode='slave'"), "MultiRoom|uuid:1|1|MultiRoom", "" },
+        { Capability(kWhole), "MultiRoom|uuid:1|0|", "" },
+        { Capability(kWhole + "mode='Master'"), "MultiRoom|uuid:1|0|", "" },
+        { Capability(kWhole + "MODE='master'"), "MultiRoom|uuid:1|2|MultiRoom", "" },
+        { Capability(kWhole + "mode='master' mode='masters'"), "MultiRoom|uuid:1|0|", "" },
+        { Capability(kWhole + "x:mode='slave' CAPABILITY='a&amp;b' udn=''"), "a&amp;b|uuid:1|0|", "" },
+        { Capability("capability='' groupedUDN='' UDN=''"), "||0|", "" },
+        { "<x:GROUPCAPABILITIES><y><groupcapability " + kWhole + "></groupcapability></y></x:GROUPCAPABILITIES>",
+          "MultiRoom|uuid:1|0|", "" },
+        { Capability("capability='a' groupedUDN='b'/><groupCapability " + kWhole), "", kInvalid },
+        { Capability("capability='a' UDN='b'"), "", kInvalid },
+        { Capability("groupedUDN='a' UDN='b'"), "", kInvalid },
+        { "<groupCapabilities/><groupCapability " + kWhole + "/>", "", "" }, // behind the root
+        { "<a>" + Capability(kWhole) + "</a>", "", "" },
+        { "text", "", "" },
+        { Capability(kWhole) + "</a>", "", kBad },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const LogCatcher theLog;
+        const Capabilities theSet = ReadCapabilities(theCase.mText);
+        const UPnPGroupCapability* c = UPnPGroupCapabilities_GetAt(theSet, 0);
+        const std::string theMode = c ? "|" + std::to_string(c->mMode) + "|" : "";
+        EXPECT_EQ(theCase.mShown, (c ? Shown(c->mName, c->mGroupedUDN, nullptr) : "") + theMode +
+                                      UPnPGroupCapabilities_GetActive(theSet))
+            << theCase.mText;
+        const std::string theLogged = std::string("2/147 ") + kFile + "UPnPGroupCapabilities: " + theCase.mLogged;
+        EXPECT_EQ(theCase.mLogged.empty() ? "" : theLogged, theLog.mText) << theCase.mText;
+    }
+}
+
+TEST(UPnPGroupCapabilitiesTest, LooksUp)
+{
+    LogCatcher theLog(ZOLOGLEVEL_INFO);
+    const Capabilities theSet = ReadCapabilities(Capability("capability='a' groupedUDN='b' UDN='c'"));
+    EXPECT_EQ(UPnPGroupCapabilities_GetAt(theSet, 0), UPnPGroupCapabilities_GetGroup(theSet, "a"));
+    EXPECT_EQ(nullptr, UPnPGroupCapabilities_GetAt(theSet, 1));
+    EXPECT_EQ(1u, UPnPGroupCapabilities_GetCount(theSet));
+    EXPECT_EQ(1, UPnPGroupCapabilities_Has(theSet, "a"));
+    EXPECT_EQ(0, UPnPGroupCapabilities_Has(theSet, "A") + UPnPGroupCapabilities_Has(theSet, nullptr));
+    EXPECT_STREQ("", UPnPGroupCapabilities_GetActive(nullptr));
+    EXPECT_EQ(0u, UPnPGroupCapabilities_GetCount(Capabilities(UPnPGroupCapabilities_New(nullptr))));
+    EXPECT_EQ(nullptr, UPnPGroupCapabilities_GetGroup(nullptr, "a"));
+    EXPECT_EQ("", theLog.mText);
+    EXPECT_EQ(nullptr, UPnPGroupCapabilities_GetGroup(theSet, "A"));
+    EXPECT_EQ(std::string("2/147 ") + kFile + "UPnPGroupCapabilities: Group for capability 'A' non found\n",
+              std::exchange(theLog.mText, ""));
+    EXPECT_EQ(nullptr, UPnPGroupCapabilities_GetGroup(theSet, nullptr));
+    EXPECT_NE(std::string::npos, std::exchange(theLog.mText, "").find("capability 'NULL' non found\n"));
+    _zoLog_Level = ZOLOGLEVEL_WARNING; // lets errors through, and no more
+    UPnPGroupCapabilities_GetGroup(theSet, "A");
+    EXPECT_EQ("", theLog.mText);
+}
+
+TEST(UPnPGroupInfoTest, ReadsXML)
+{
+    static const std::string kBadGroup = "UPnPGroupSlave: Invalid group description in XML\n";
+    static const std::string kBadSlave = "UPnPGroupSlave: Invalid slave description in XML attributes\n";
+    static const std::string kStart = "<groupInfo friendlyName='G' UDN='g'>";
+    static const std::string kMaster = "<master groupedFriendlyName='M' groupedUDN='m'/>";
+    static const std::string kSlave = "<slave groupedFriendlyName='S' groupedUDN='s'/>";
+    const struct
+    {
+        std::string mText;
+        const char* mShown;
+        std::string mLogged;
+    } kCases[] = {
+        { kStart + "<a><slave groupedFriendlyName='T' groupedUDN='s'><b>" + kMaster + kSlave +
+              "</b></slave></a><master groupedUDN='n'/></groupInfo>" + kMaster + kSlave,
+          "G|g; M|m; T|s; S|s", "" }, // at any depth, the first master, slaves of one UDN, nothing behind the root
+        { "<x:GROUPINFO friendlyname='G' udn='g'><y:SLAVE groupedfriendlyname='S' GroupedUDN='s'/><MASTER "
+          "GROUPEDfriendlyName='M' groupedudn='m'/></x:GROUPINFO>",
+          "G|g; M|m; S|s", "" },
+        { "<groupInfo friendlyName='a&amp;b' a='1' UDN='x' Volume='a&lt;b&amp;c' a='&#233;' UDN='g&gt;' "
+          "groupedUDN='&quot;'><master groupedFriendlyName='M' groupedUDN='m' UDN='u' xmlns:x='n' x:groupedUDN='y'/>"
+          "<slave friendlyName='' groupedFriendlyName='' groupedUDN='' groupedFriendlyName='S'/></groupInfo>",
+          "a&amp;b|g&gt; [a]=[\xC3\xA9] [Volume]=[a<b&c] [groupedUDN]=[\"]; "
+          "M|m [UDN]=[u] [xmlns:x]=[n] [x:groupedUDN]=[y]; S| [friendlyName]=[]",
+          "" },
+        { kStart + kMaster + "</groupInfo>", "G|g; M|m", "" },
+        { kStart + "</groupInfo>" + kMaster, "NULL", kBadGroup },
+        { kStart + "<master groupedFriendlyName='M'/>" + kMaster + "</groupInfo>", "NULL", kBadGroup },
+        { kStart + "<master groupedFriendlyName='M' groupedUDN=''/></groupInfo>", "NULL", kBadGroup },
+        { "<groupInfo UDN='g'>" + kMaster + "</groupInfo>", "NULL", kBadGroup },
+        { kStart + kMaster + kSlave + "<slave groupedFriendlyName='S'/><slave/></groupInfo>", "NULL", kBadSlave },
+        { kStart + kMaster + "<slave groupedUDN='s'/></groupInfo>", "NULL", kBadSlave },
+        { kStart + kMaster, "NULL", "" },
+        { "<a>" + kStart + kMaster + "</groupInfo></a>", "NULL", "" },
+        { "text", "NULL", "" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const LogCatcher theLog;
+        const Group g = ReadGroup(theCase.mText);
+        EXPECT_EQ(theCase.mShown, Shown(g)) << theCase.mText;
+        EXPECT_EQ(theCase.mLogged.empty() ? "" : std::string("2/147 ") + kFile + theCase.mLogged, theLog.mText);
+        if (g) { EXPECT_EQ("1 MultiRoom", std::to_string(g->mfHasMasterSet) + " " + g->mCapability); }
+    }
+    EXPECT_EQ(nullptr, UPnPGroupInfo_New("MultiRoom", nullptr));
+    const LogCatcher theLog;
+    for (size_t theSize = 0; theSize < kCases[0].mText.size(); ++theSize)
+    {
+        ReadGroup(kCases[0].mText.substr(0, theSize));
+        ReadCapabilities(kCases[0].mText.substr(0, theSize));
+    }
+}
+
+TEST(UPnPGroupInfoTest, WritesXML)
+{
+    const Group g = GroupOf("", "Living room");
+    EXPECT_EQ("<groupInfo friendlyName=\"Living room\" UDN=\"g\">\n"
+              "    <master groupedFriendlyName=\"M\" groupedUDN=\"m\"/>\n</groupInfo>",
+              Taken(UPnPGroupInfo_GetXML(g)));
+    UPnPGroupInfo_AddSlave(g, "s", "S", "own");
+    UPnPGroupInfo_AddSlave(g, "t", "T", nullptr);
+    UPnPGroupInfo_SetMetaData(g, nullptr, "volume", "20");
+    UPnPGroupInfo_SetMetaData(g, nullptr, "mute", "");
+    UPnPGroupInfo_SetMetaData(g, "m", "chars", "a<b>&c\"'");
+    UPnPGroupInfo_SetMetaData(g, "t", "x:y", "1");
+    EXPECT_EQ("<groupInfo friendlyName=\"Living room\" UDN=\"g\" volume=\"20\" mute=\"\">\n"
+              "    <master groupedFriendlyName=\"M\" groupedUDN=\"m\" chars=\"a&lt;b&gt;&amp;c&quot;&apos;\"/>\n"
+              "    <slave groupedFriendlyName=\"S\" groupedUDN=\"s\"/>\n"
+              "    <slave groupedFriendlyName=\"T\" groupedUDN=\"t\" x:y=\"1\"/>\n</groupInfo>",
+              Taken(UPnPGroupInfo_GetXML(g)));
+    EXPECT_EQ(" volume=\"20\" mute=\"\"", Taken(UPnPGroupMetaData_GetXML(g->mGroupMetaData)));
+    EXPECT_EQ("", Taken(UPnPGroupMetaData_GetXML(UPnPGroupInfo_GetSlaveAt(g, 0)->mMetaData)));
+    zoStrReplace(&UPnPGroupInfo_GetSlaveAt(g, 1)->mGroupedUDN, "");
+    EXPECT_EQ(nullptr, UPnPGroupInfo_GetXML(g));
+    EXPECT_EQ(nullptr, UPnPGroupInfo_GetXML(nullptr));
+}
+
+// XML to model to configuration file, saved and loaded, to model to XML, for a text in each place by turns.
+TEST(UPnPGroupInfoTest, ComesBackAsFarAsTheFormatsCarryIt)
+{
+    static const struct
+    {
+        const char* mText;
+        const char* mCarried; // in XML: f as friendly name, n as name and v as value of metadata; N as name when stored
+    } kCases[] = {
+        { "plain", "fnvN" },
+        { " two blanks ", "fvN" },
+        { "a=b", "fv" },
+        { "\"quoted\"", "vN" },
+        { "it's", "fvN" },
+        { "tag/>", "fvN" },
+        { "<![CDATA[&amp;]]>&#10;", "fvN" },
+        { "line\r\nend\t\n", "fvN" },
+        { "[Section]\\n#;%s", "fnvN" },
+        { "Gr\xC3\xBC\xC3\x9F \xE6\x97\xA5", "fvN" },
+        { "\xE6\x97\xA5\x01\xFF", "fnvN" },
+        { "uDN", "fvN" }, // is read as the group's UDN
+        { "GROUPEDudn", "fvN" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        for (const char thePlace : { 'f', 'n', 'v' })
+        {
+            const LogCatcher theLog;
+            const auto InPlace = [&](char aPlace, const char* anOther)
+            { return aPlace == thePlace ? theCase.mText : anOther; };
+            const Group g = GroupOf("s", InPlace('f', "G"));
+            zoStrReplace(&UPnPGroupInfo_GetSlaveAt(g, 0)->mGroupedFriendlyName, InPlace('f', "S"));
+            SetInAll(g, InPlace('n', "name"), InPlace('v', "value"));
+            const std::string theXML = Taken(UPnPGroupInfo_GetXML(g));
+            EXPECT_EQ(strchr(theCase.mCarried, thePlace) != nullptr, Shown(g) == Shown(ReadGroup(theXML))) << theXML;
+
+            const Config theConfig = NewConfig("");
+            UPnPGroupInfo_Store(g, theConfig);
+            const std::string theText = Taken(zoConfigFile_GetText(theConfig, nullptr));
+            const std::string theLoadedXML = Taken(UPnPGroupInfo_GetXML(LoadGroup(NewConfig(theText))));
+            EXPECT_EQ(thePlace != 'n' || strchr(theCase.mCarried, 'N'), theXML == theLoadedXML) << theText;
+        }
+    }
+}
+
+TEST(UPnPGroupInfoTest, Stores)
+{
+    const Group g = GroupOf("rst");
+    SetInAll(g, "a", "1");
+    SetInAll(g, "b", "2");
+    zoStrReplace(&g->mGroupFriendlyName, nullptr);
+    const Config theConfig = NewConfig("[MultiRoom]\nGroup.FriendlyName=old\nother=key\n");
+    UPnPGroupInfo_Store(g, theConfig);
+    EXPECT_EQ("[MultiRoom]\nother=key\nGroup.UDN=g\nGroup.MetaData0=a=1\nGroup.MetaData1=b=2\n"
+              "Master.GroupedFriendlyName=M\nMaster.GroupedUDN=m\nMaster.MetaData0=a=1\nMaster.MetaData1=b=2\n"
+              "Slave0.GroupedFriendlyName=S\nSlave0.GroupedUDN=r\nSlave1.GroupedFriendlyName=S\nSlave1.GroupedUDN=s\n"
+              "Slave1.MetaData0=a=1\nSlave1.MetaData1=b=2\nSlave2.GroupedFriendlyName=S\nSlave2.GroupedUDN=t\n",
+              Taken(zoConfigFile_GetText(theConfig, nullptr)));
+    UPnPGroupInfo_Store(GroupOf("s"), theConfig); // what the larger group has left is read back
+    EXPECT_EQ("G|g [a]=[1] [b]=[2]; M|m [a]=[1] [b]=[2]; S|s; S|s [a]=[1] [b]=[2]; S|t", Shown(LoadGroup(theConfig)));
+}
+
+TEST(UPnPGroupInfoTest, Loads)
+{
+    static const struct
+    {
+        const char* mKeys;
+        const char* mShown;
+    } kCases[] = {
+        { "", "G|g; M|m" },
+        { "Group.MetaData0=a=b=c\nMaster.MetaData0=d=\n", "G|g [a]=[b=c]; M|m [d]=[]" },
+        { "Group.MetaData0=abc\nGroup.MetaData1==x\nGroup.MetaData2=a=1\nGroup.MetaData3=a=2\nGroup.MetaData5=b=3\n",
+          "G|g [a]=[2]; M|m" },
+        { "Slave0.GroupedFriendlyName=S\nSlave0.GroupedUDN=s\nSlave0.MetaData0=a=1\nSlave1.GroupedFriendlyName=T\n"
+          "Slave2.GroupedFriendlyName=U\nSlave2.GroupedUDN=u\n",
+          "G|g; M|m; S|s [a]=[1]" },
+        { "Slave00.GroupedFriendlyName=S\nSlave00.GroupedUDN=s\n", "G|g; M|m" },
+        { "Group.UDN=\nSlave0.GroupedFriendlyName=S\nSlave0.GroupedUDN=s\n", "G|; M|m" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Group g = LoadGroup(NewConfig("[MultiRoom]\nGroup.UDN=g\nGroup.FriendlyName=G\n"
+                                            "Master.GroupedFriendlyName=M\nMaster.GroupedUDN=m\n" +
+                                            std::string(theCase.mKeys)));
+        EXPECT_EQ(theCase.mShown, Shown(g)) << theCase.mKeys;
+        EXPECT_EQ(0, g->mfHasMasterSet);
+    }
+    EXPECT_EQ("|; |", Shown(LoadGroup(NewConfig("[Multiroom]\nGroup.UDN=g\n"))));
+}
+
+TEST(UPnPGroupInfoTest, DuplicatesAndCompares)
+{
+    const Group g = GroupOf("rst");
+    SetInAll(g, "a", "1");
+    g->mfHasMasterSet = 1;
+    const Group d = UPnPGroupInfo_Duplicate(Group(UPnPGroupInfo_Duplicate(g)));
+    EXPECT_EQ("G|-" + Shown(g).substr(3), Shown(d));
+    EXPECT_EQ("g MultiRoom 1",
+              std::string(d->mOriginalGroupUDN) + " " + d->mCapability + " " + std::to_string(d->mfHasMasterSet));
+    EXPECT_STREQ("own", UPnPGroupInfo_GetSlaveAt(g, 0)->mUDN);
+    EXPECT_EQ(nullptr, UPnPGroupInfo_GetSlaveAt(d, 0)->mUDN);
+    EXPECT_EQ(0, UPnPGroupInfo_IsValid(d) + UPnPGroupInfo_SameAs(d, d)); // without a UDN
+    zoStrReplace(&d->mGroupUDN, "g");
+    zoStrReplace(&d->mCapability, "Other");
+    EXPECT_EQ(1, UPnPGroupInfo_SameAs(g, d));
+
+    UPnPGroupSlave* theLast = UPnPGroupInfo_GetSlaveAt(d, 2);
+    for (char** theField : { &d->mGroupUDN, &d->mGroupFriendlyName, &d->mMasterGroupedUDN,
+                             &d->mMasterGroupedFriendlyName, &theLast->mGroupedUDN, &theLast->mGroupedFriendlyName })
+    {
+        char* theValue = std::exchange(*theField, nullptr);
+        for (const char* theOther : { "other", "" })
+        {
+            EXPECT_EQ(0, UPnPGroupInfo_IsValid(d)) << theValue;
+            zoStrReplace(theField, theOther);
+            EXPECT_EQ(*theOther ? 1 : 0, UPnPGroupInfo_IsValid(d)) << theValue;
+            EXPECT_EQ(0, UPnPGroupInfo_SameAs(g, d)) << theValue;
+            zoStrReplace(theField, nullptr);
+        }
+        *theField = theValue;
+    }
+    for (const char* theMember : { static_cast<const char*>(nullptr), "m", "s" })
+    {
+        UPnPGroupInfo_SetMetaData(d, theMember, "b", "");
+        EXPECT_EQ(0, UPnPGroupInfo_SameAs(g, d) + UPnPGroupInfo_SameAs(d, g));
+        UPnPGroupInfo_SetMetaData(g, theMember, "c", "");
+        EXPECT_EQ(0, UPnPGroupInfo_SameAs(g, d));
+        UPnPGroupInfo_SetMetaData(d, theMember, "c", "");
+        UPnPGroupInfo_RemoveMetaData(d, theMember, "b");
+        EXPECT_EQ(1, UPnPGroupInfo_SameAs(g, d));
+    }
+}
+
+TEST(UPnPGroupInfoTest, ComparesSlavesInAnyOrder)
+{
+    static const struct
+    {
+        const char* mFirst;
+        const char* mSecond;
+        int mSame;
+    } kCases[] = {
+        { "", "", 1 },         { "abcd", "abcd", 1 }, { "abcd", "dcba", 1 }, { "abcd", "bcda", 1 },
+        { "abcd", "dabc", 1 }, { "abcd", "abce", 0 }, { "abcd", "abc", 0 },  { "abc", "xyz", 0 },
+    };
+    for (const auto& theCase : kCases)
+        EXPECT_EQ(theCase.mSame, UPnPGroupInfo_SameAs(GroupOf(theCase.mFirst), GroupOf(theCase.mSecond)))
+            << theCase.mFirst << " " << theCase.mSecond;
+
+    const Group theTwins = GroupOf("ac"); // one slave may stand for two
+    zoStrReplace(&UPnPGroupInfo_GetSlaveAt(theTwins, 1)->mGroupedUDN, "a");
+    EXPECT_EQ(1, UPnPGroupInfo_SameAs(theTwins, GroupOf("ab")));
+    EXPECT_EQ(0, UPnPGroupInfo_SameAs(GroupOf("ab"), theTwins));
+}
+
+TEST(UPnPGroupInfoTest, Members)
+{
+    const Group g = GroupOf("st");
+    SetInAll(g, "a", "1");
+    const UPnPGroupSlave* s = UPnPGroupInfo_GetSlaveAt(g, 0);
+    UPnPGroupInfo_AddSlave(g, s->mGroupedUDN, s->mUDN, s->mGroupedFriendlyName); // replaces the one with these texts
+    EXPECT_EQ("G|g [a]=[1]; M|m [a]=[1]; S|t; own|s", Shown(g));
+    EXPECT_EQ(1u, UPnPGroupInfo_GetSlaveIndexByGroupedUDN(g, "s"));
+    for (const char* theUDN : { "own", "S", "", static_cast<const char*>(nullptr) })
+    {
+        EXPECT_EQ(static_cast<size_t>(-1), UPnPGroupInfo_GetSlaveIndexByGroupedUDN(g, theUDN));
+        EXPECT_EQ(0, UPnPGroupInfo_HasDevice(g, theUDN) + UPnPGroupInfo_RemoveSlave(g, theUDN));
+        EXPECT_EQ(nullptr, UPnPGroupInfo_FetchGroupedInfo(g, theUDN));
+    }
+    EXPECT_EQ(2, UPnPGroupInfo_HasDevice(g, "m") + UPnPGroupInfo_HasDevice(g, "s"));
+    EXPECT_EQ("M", Taken(UPnPGroupInfo_FetchGroupedInfo(g, "m")));
+    EXPECT_EQ("own", Taken(UPnPGroupInfo_FetchGroupedInfo(g, "s")));
+    EXPECT_EQ(1, UPnPGroupInfo_RemoveSlave(g, UPnPGroupInfo_GetSlaveAt(g, 0)->mGroupedUDN));
+    EXPECT_EQ(nullptr, UPnPGroupInfo_GetSlaveAt(g, 1));
+
+    UPnPGroupInfo_AddSlave(g, nullptr, nullptr, nullptr);
+    for (const char* theMaster : { "m", "", static_cast<const char*>(nullptr) })
+    {
+        zoStrReplace(&g->mMasterGroupedUDN, theMaster);
+        const Owned<zoArray_t, zoArray_Delete> theUDNs = UPnPGroupInfo_GetGroupedUDNs(g);
+        std::string theText;
+        for (size_t i = 0; i < zoArray_GetCount(theUDNs); ++i)
+            theText += static_cast<const char*>(zoArray_At(theUDNs, i)) + std::string(",");
+        EXPECT_EQ(zoStrEmpty(theMaster) ? "s,," : "m,s,,", theText);
+    }
+    EXPECT_EQ(0, UPnPGroupInfo_HasDevice(g, "m") + UPnPGroupInfo_HasDevice(g, nullptr));
+}
+
+TEST(UPnPGroupInfoTest, MetaDataOfMembers)
+{
+    const Group g = GroupOf("s");
+    static const struct
+    {
+        const char* mMember;
+        const char* mName;
+        const char* mValue;
+        int mResult;
+        size_t mCount; // afterwards
+    } kCases[] = {
+        { nullptr, "a", "1", 1, 1 }, { nullptr, "b", "", 1, 2 },      { nullptr, "c", nullptr, 0, 2 },
+        { nullptr, "", "1", 0, 2 },  { nullptr, nullptr, "1", 0, 2 }, { nullptr, "a", "2", 1, 2 },
+        { "m", "a", "3", 1, 1 },     { "m", "b", nullptr, 0, 1 },     { "s", "a", "4", 1, 1 },
+        { "s", "b", nullptr, 1, 1 }, { "s", "", "1", 1, 1 },          { "own", "a", "5", 0, 0 },
+    };
+    for (const auto& theCase : kCases)
+    {
+        EXPECT_EQ(theCase.mResult, UPnPGroupInfo_SetMetaData(g, theCase.mMember, theCase.mName, theCase.mValue));
+        EXPECT_EQ(theCase.mCount, UPnPGroupInfo_GetMetaDataCount(g, theCase.mMember));
+    }
+    EXPECT_EQ("a=2 b= a=3 a=4", MetaData(g, nullptr, 0) + " " + MetaData(g, nullptr, 1) + " " + MetaData(g, "m", 0) +
+                                    " " + MetaData(g, "s", 0));
+    UPnPGroupInfo_FetchMetaDataAt(g, "s", 0, nullptr, nullptr);
+
+    const AssertionCatcher theCatcher;
+    EXPECT_EQ("-=-", MetaData(g, "own", 0));
+    EXPECT_EQ(kFile + std::string("theIndex != (size_t) -1"), std::exchange(theCatcher.Text(), ""));
+    EXPECT_EQ("-=-", MetaData(g, "s", 1));
+    EXPECT_EQ(kFile + std::string("anIndex < zoCustomHashTable_GetTupleCount(aMetaDataHashTable)"),
+              std::exchange(theCatcher.Text(), ""));
+    EXPECT_EQ("-=-", MetaData(nullptr, nullptr, 0));
+    EXPECT_EQ("", theCatcher.Text());
+
+    for (const char* theName : { "", "x", static_cast<const char*>(nullptr) })
+        UPnPGroupInfo_RemoveMetaData(g, nullptr, theName);
+    const char* theKey = zoCustomHashTable_GetKeyAtIndex(g->mGroupMetaData, 0); // the entry's own texts
+    UPnPGroupInfo_SetMetaData(g, nullptr, theKey, zoCustomHashTable_Get(g->mGroupMetaData, theKey));
+    EXPECT_EQ("G|g [a]=[2] [b]=[]; M|m [a]=[3]; S|s [a]=[4]", Shown(g));
+    UPnPGroupInfo_RemoveMetaData(g, nullptr, theKey);
+    EXPECT_EQ("b=", MetaData(g, nullptr, 0));
+}
+
+TEST(UPnPGroupInfoTest, WithoutAGroup)
+{
+    EXPECT_EQ(nullptr, UPnPGroupInfo_Duplicate(nullptr));
+    EXPECT_EQ(0u, UPnPGroupInfo_GetSlaveCount(nullptr) + UPnPGroupInfo_GetMetaDataCount(nullptr, nullptr));
+    EXPECT_EQ(nullptr, UPnPGroupInfo_GetSlaveAt(nullptr, 0));
+    EXPECT_EQ(0, UPnPGroupInfo_SameAs(nullptr, nullptr) + UPnPGroupInfo_HasDevice(nullptr, "s") +
+                     UPnPGroupInfo_RemoveSlave(nullptr, "s") + UPnPGroupInfo_SetMetaData(nullptr, nullptr, "a", "b") +
+                     UPnPGroupMetaData_Set(nullptr, "a", "b"));
+    EXPECT_EQ(nullptr, UPnPGroupInfo_FetchGroupedInfo(nullptr, "s"));
+    EXPECT_EQ("", Taken(UPnPGroupMetaData_GetXML(nullptr)));
+    EXPECT_EQ(0u, zoArray_GetCount(Owned<zoArray_t, zoArray_Delete>(UPnPGroupInfo_GetGroupedUDNs(nullptr))));
+    UPnPGroupInfo_AddSlave(nullptr, "s", "S", nullptr);
+    UPnPGroupInfo_RemoveMetaData(nullptr, nullptr, "a");
+    UPnPGroupInfo_Store(nullptr, nullptr);
+    UPnPGroupInfo_Store(GroupOf("s"), nullptr);
+    EXPECT_EQ("|; |", Shown(LoadGroup(nullptr)));
+}

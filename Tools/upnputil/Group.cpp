@@ -1,0 +1,264 @@
+#include "Input.h"
+#include "Subcommand.h"
+
+#include <UPnP/Stack/ILibString.h>
+#include <UPnP/Stack/ILibXML.h>
+#include <UPnP/Utilities/UPnPGroupCapabilities.h>
+#include <memory>
+#include <string.h>
+#include <zoLog/Log.h>
+#include <zoltTools/zoConfigFile.h>
+
+static const Usage kShowUsage = {
+    "group show",
+    "[OPTION...]",
+    "FILE",
+    "Prints the fields of a groupInfo document, or those of a groupCapabilities document. FILE \"-\" is standard input.\n",
+    {},
+};
+
+static const Usage kStoreUsage = {
+    "group store",
+    "[OPTION...]",
+    "FILE CAPABILITY CONFIG",
+    "Stores the group of a groupInfo document in the configuration file CONFIG, in the section CAPABILITY. FILE \"-\" is\n"
+    "standard input. Keys that a larger group has left in the section are removed, other keys stay.\n",
+    {},
+};
+
+static const Usage kLoadUsage = {
+    "group load",
+    "",
+    "CONFIG CAPABILITY",
+    "Prints the group in the section CAPABILITY of the configuration file CONFIG as a groupInfo document. CONFIG \"-\" is\n"
+    "standard input.\n",
+    {},
+    false,
+};
+
+namespace
+{
+
+typedef std::unique_ptr<UPnPGroupInfo, decltype(&UPnPGroupInfo_Delete)> Group;
+typedef std::unique_ptr<UPnPGroupCapabilities, decltype(&UPnPGroupCapabilities_Delete)> Capabilities;
+typedef std::unique_ptr<zoConfigFile, decltype(&zoConfigFile_Delete)> Config;
+
+struct Action
+{
+    const char* mName;
+    const char* mSummary;
+    const Usage& mUsage;
+    int (*mFunction)(const Options& anOptions, Output& anOutput);
+};
+
+// What the library logs last, while this lives: it says why an input is refused.
+class Reason
+{
+public:
+    Reason() { zoLog_SetSink(TakeLogged, this); }
+    ~Reason() { zoLog_SetSink(nullptr, nullptr); }
+    Reason(const Reason&) = delete;
+    Reason& operator=(const Reason&) = delete;
+
+    bool IsKnown() const { return !mText.empty(); }
+    int Fail(const std::string& anInput, const char* anOtherReason) const
+    {
+        return ::Fail(anInput + ": " + (IsKnown() ? mText : anOtherReason));
+    }
+
+private:
+    static void TakeLogged(int, int, const char*, int, const char* aText, void* aReason)
+    {
+        const std::string theText = aText;
+        static_cast<Reason*>(aReason)->mText = theText.substr(0, theText.find_last_not_of('\n') + 1);
+    }
+
+    std::string mText;
+};
+
+} // namespace
+
+// ---- Show ----
+
+// The words of aRoots are names of root elements. The result is an index of them, -1 for another root.
+static int FindRoot(std::vector<char>& aText, const char** aRoots, bool* afWellFormed)
+{
+    ILibXMLNode* theNodes = ILibParseXML(aText.data(), 0, aText.size() - 1);
+    *afWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
+    const int theRoot =
+        theNodes ? ILibString_FindSubStringInArray(theNodes->Name, static_cast<size_t>(theNodes->NameLength), aRoots)
+                 : -1;
+    ILibDestructXMLNodeList(theNodes);
+    return theRoot;
+}
+
+static void PrintMember(const std::string& aSubject, const char* aFriendlyName, const char* aUDN,
+                        const zoCustomHashTable* aMetaData, Output& anOutput)
+{
+    anOutput.SetSubject(aSubject);
+    anOutput.Fact("friendly name", aFriendlyName);
+    anOutput.Fact("udn", aUDN);
+    for (size_t i = 0; i < zoCustomHashTable_GetTupleCount(aMetaData); ++i)
+    {
+        const char* theName = zoCustomHashTable_GetKeyAtIndex(aMetaData, i);
+        anOutput.Fact("metadata " + std::to_string(i) + " " + theName, zoCustomHashTable_Get(aMetaData, theName));
+    }
+    anOutput.SetSubject("");
+}
+
+static int PrintGroup(const char* aText, const std::string& anInput, Output& anOutput)
+{
+    const Reason theReason;
+    const Group theGroup(UPnPGroupInfo_New("", aText), UPnPGroupInfo_Delete);
+    if (!theGroup) { return theReason.Fail(anInput, "no group"); }
+    PrintMember("", theGroup->mGroupFriendlyName, theGroup->mGroupUDN, theGroup->mGroupMetaData, anOutput);
+    PrintMember("master ", theGroup->mMasterGroupedFriendlyName, theGroup->mMasterGroupedUDN, theGroup->mMasterMetaData,
+                anOutput);
+    const size_t theCount = UPnPGroupInfo_GetSlaveCount(theGroup.get());
+    for (size_t i = 0; i < theCount; ++i)
+    {
+        const UPnPGroupSlave* theSlave = UPnPGroupInfo_GetSlaveAt(theGroup.get(), i);
+        PrintMember("slave " + std::to_string(i) + " ", theSlave->mGroupedFriendlyName, theSlave->mGroupedUDN,
+                    theSlave->mMetaData, anOutput);
+    }
+    anOutput.Fact("slaves", std::to_string(theCount));
+    anOutput.Fact("valid", UPnPGroupInfo_IsValid(theGroup.get()) ? "yes" : "no");
+    return kExit_Done;
+}
+
+static int PrintCapabilities(const char* aText, const std::string& anInput, Output& anOutput)
+{
+    static const char* const kModes[] = { "none", "slave", "master" };
+    const Reason theReason;
+    const Capabilities theSet(UPnPGroupCapabilities_New(aText), UPnPGroupCapabilities_Delete);
+    const size_t theCount = UPnPGroupCapabilities_GetCount(theSet.get());
+    if (theCount == 0 && !theReason.IsKnown()) { return FailToFind(anInput + ": no groupCapability"); }
+    if (theCount == 0) { return theReason.Fail(anInput, ""); }
+    for (size_t i = 0; i < theCount; ++i)
+    {
+        const UPnPGroupCapability* theCapability = UPnPGroupCapabilities_GetAt(theSet.get(), i);
+        anOutput.SetSubject("capability " + std::to_string(i) + " ");
+        anOutput.Fact("name", theCapability->mName);
+        anOutput.Fact("grouped udn", theCapability->mGroupedUDN);
+        anOutput.Fact("mode", kModes[theCapability->mMode]);
+    }
+    anOutput.SetSubject("");
+    anOutput.FactIfAny("active", UPnPGroupCapabilities_GetActive(theSet.get()));
+    anOutput.Fact("capabilities", std::to_string(theCount));
+    return kExit_Done;
+}
+
+static int ShowGroup(const Options& anOptions, Output& anOutput)
+{
+    static const char* kRoots[] = { "groupInfo", "groupCapabilities", nullptr };
+    const std::string theInput = InputName(anOptions.Operand());
+    std::vector<char> theText;
+    if (!ReadInput(anOptions.Operand(), theText)) { return kExit_Bad; }
+    bool fIsWellFormed = false;
+    const int theRoot = FindRoot(theText, kRoots, &fIsWellFormed);
+    if (!fIsWellFormed) { return Fail(theInput + ": tags that are not well-formed"); }
+    if (theRoot < 0) { return FailToFind(theInput + ": neither groupInfo nor groupCapabilities"); }
+    return (theRoot == 0 ? PrintGroup : PrintCapabilities)(theText.data(), theInput, anOutput);
+}
+
+// ---- Store and load ----
+
+static bool IsGroupKey(const std::string& aKey)
+{
+    for (const std::string theStart : { "Group.", "Master.", "Slave" })
+    {
+        if (aKey.compare(0, theStart.size(), theStart) == 0) { return true; }
+    }
+    return false;
+}
+
+// Removes the keys of another group that stood there. The result is their number.
+static size_t RemoveStaleKeys(UPnPGroupInfo* aGroup, zoConfigFile* aConfig)
+{
+    const char* theSection = aGroup->mCapability;
+    const Config theNew(zoConfigFile_New(nullptr), zoConfigFile_Delete);
+    UPnPGroupInfo_Store(aGroup, theNew.get());
+    size_t theCount = 0;
+    for (size_t i = zoConfigFile_GetKeyCount(aConfig, theSection); i-- > 0;)
+    {
+        const std::string theKey = zoConfigFile_GetKeyAt(aConfig, theSection, i);
+        if (!IsGroupKey(theKey) || zoConfigFile_GetString(theNew.get(), theSection, theKey.c_str(), nullptr))
+        {
+            continue;
+        }
+        zoConfigFile_SetString(aConfig, theSection, theKey.c_str(), nullptr);
+        ++theCount;
+    }
+    return theCount;
+}
+
+static int StoreGroup(const Options& anOptions, Output& anOutput)
+{
+    const char* theSection = anOptions.Operand(1);
+    const char* thePath = anOptions.Operand(2);
+    const Reason theReason;
+    std::vector<char> theText;
+    if (!ReadInput(anOptions.Operand(0), theText)) { return kExit_Bad; }
+    const Group theGroup(UPnPGroupInfo_New(theSection, theText.data()), UPnPGroupInfo_Delete);
+    if (!theGroup) { return theReason.Fail(InputName(anOptions.Operand(0)), "no well-formed groupInfo document"); }
+
+    const Config theConfig(zoConfigFile_New(thePath), zoConfigFile_Delete);
+    if (!zoConfigFile_IsLoaded(theConfig.get())) { return theReason.Fail(thePath, "can't be read"); }
+    const size_t theRemovedCount = RemoveStaleKeys(theGroup.get(), theConfig.get());
+    UPnPGroupInfo_Store(theGroup.get(), theConfig.get());
+    if (!zoConfigFile_Save(theConfig.get())) { return theReason.Fail(thePath, "can't be written"); }
+    anOutput.Fact("section", theSection);
+    anOutput.Fact("slaves", std::to_string(UPnPGroupInfo_GetSlaveCount(theGroup.get())));
+    anOutput.Fact("keys removed", std::to_string(theRemovedCount));
+    return kExit_Done;
+}
+
+static int LoadGroup(const Options& anOptions, Output& anOutput)
+{
+    const char* theSection = anOptions.Operand(1);
+    std::vector<char> theText;
+    if (!ReadInput(anOptions.Operand(0), theText)) { return kExit_Bad; }
+    const Config theConfig(zoConfigFile_NewFromText(theText.data(), theText.size() - 1), zoConfigFile_Delete);
+    const Group theGroup(UPnPGroupInfo_NewConfig(theConfig.get(), theSection), UPnPGroupInfo_Delete);
+    const std::unique_ptr<char, decltype(&free)> theXML(UPnPGroupInfo_GetXML(theGroup.get()), free);
+    if (!theXML)
+    {
+        return FailToFind(InputName(anOptions.Operand(0)) + ": no complete group in section \"" + theSection + "\"");
+    }
+    anOutput.Text(theXML.get() + std::string("\n"));
+    return kExit_Done;
+}
+
+// ---- The subcommand ----
+
+static const Action kActions[] = {
+    { "show", "print the fields of a group, or of group capabilities", kShowUsage, ShowGroup },
+    { "store", "store a group in a configuration file", kStoreUsage, StoreGroup },
+    { "load", "print a stored group as XML", kLoadUsage, LoadGroup },
+};
+
+static int Help(Output& anOutput)
+{
+    anOutput.Text("Usage: upnputil group ACTION [ARGUMENT...]\n\nActions:\n");
+    for (const Action& theAction : kActions)
+        anOutput.Row(theAction.mName, theAction.mSummary);
+    anOutput.Text("\nupnputil group ACTION --help tells more.\n");
+    return kExit_Done;
+}
+
+int GroupOfDevices(const Arguments& anArguments, Output& anOutput)
+{
+    static const char kSeeHelp[] = "; see upnputil group --help";
+    if (anArguments.empty()) { return Fail(std::string("group: an action is missing") + kSeeHelp); }
+    const char* theName = anArguments.front();
+    if (strcmp(theName, "--help") == 0) { return Help(anOutput); }
+    for (const Action& theAction : kActions)
+    {
+        if (strcmp(theName, theAction.mName) != 0) { continue; }
+        Options theOptions(theAction.mUsage);
+        const Arguments theRest(anArguments.begin() + 1, anArguments.end());
+        if (!theOptions.Read(theRest, anOutput)) { return theOptions.Status(); }
+        return theAction.mFunction(theOptions, anOutput);
+    }
+    return Fail(std::string("group: no action is called \"") + theName + "\"" + kSeeHelp);
+}
