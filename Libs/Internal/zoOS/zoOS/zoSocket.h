@@ -7,6 +7,13 @@
 extern "C" {
 #endif
 
+/* A socket, or any other file descriptor. */
+typedef int zoSocket;
+enum
+{
+    kzoSocketInvalid = -1
+};
+
 /** @return aValue with its bytes in network order (most significant first); its own inverse. */
 ZOOS_API uint32 zoSocket_htonl(uint32 aValue);
 

@@ -1,0 +1,182 @@
+#include "NetworkNamespace.h"
+#include "TestSupport.h"
+
+#include <UPnP/Utilities/UPnPIPAddressMonitor.h>
+#include <gtest/gtest.h>
+#include <utility>
+#include <vector>
+#include <zoltTools/zoIPAddressMonitor.h>
+#include <zoltTools/zoMemory.h>
+
+namespace
+{
+
+typedef std::vector<std::string> Texts;
+
+// What the monitors are told while there is one of these.
+struct FakeAddresses
+{
+    FakeAddresses()
+    {
+        sNow = { "10.0.0.1", "fe80::1" };
+        sLooks = 0;
+        zoIPAddressMonitor_SetSource(Read);
+    }
+    ~FakeAddresses() { zoIPAddressMonitor_SetSource(nullptr); }
+    FakeAddresses(const FakeAddresses&) = delete;
+    FakeAddresses& operator=(const FakeAddresses&) = delete;
+
+    static zoArray_t* Read(const zoSocketPolicy*)
+    {
+        ++sLooks;
+        if (sNow == Texts{ "failure" }) { return nullptr; }
+        zoArray_t* theArray = zoArray_New();
+        zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+        for (const std::string& theAddress : sNow)
+            zoArray_Append(theArray, theAddress == "null" ? nullptr : zoStrdup(theAddress.c_str()));
+        return theArray;
+    }
+
+    static inline Texts sNow;
+    static inline int sLooks;
+};
+
+// A monitor on a chain whose clock is moved by hand, and the calls that have come from it.
+struct Watched
+{
+    explicit Watched(zoSocketPolicy* aPolicy = nullptr)
+    {
+        ILibLifeTime_SetClock(
+            ILibChain_GetLifeTime(mChain), [](void* aClock) { return *static_cast<uint64*>(aClock); }, &mClock);
+        mMonitor = UPnPIPAddressMonitor_Create(
+            mChain, [](void* aCalls) { ++*static_cast<int*>(aCalls); }, &mCalls, aPolicy);
+    }
+    ~Watched() { ILibChain_Delete(mChain); }
+    Watched(const Watched&) = delete;
+    Watched& operator=(const Watched&) = delete;
+
+    int CallsAfter(uint64 aMilliseconds)
+    {
+        mClock += aMilliseconds;
+        ILibChain_RunOnce(mChain, 0);
+        return mCalls;
+    }
+
+    uint64 mClock = 0;
+    int mCalls = 0;
+    ILibBaseChain* mChain = ILibChain_New();
+    struct IPAddressMonitor* mMonitor;
+};
+
+// The addresses that a policy admits, separated by blanks.
+std::string AddressesFor(int aMode, const char* anExcluded = nullptr)
+{
+    zoSocketPolicy* thePolicy = zoSocketPolicy_New(aMode, 0);
+    zoSocketPolicy_SetExcludedInterfaces(thePolicy, anExcluded);
+    zoArray_t* theAddresses = zoIPAddressMonitor_GetAddresses(thePolicy);
+    std::string theTexts;
+    for (size_t i = 0; i < zoArray_GetCount(theAddresses); ++i)
+    {
+        const std::string theText = static_cast<const char*>(zoArray_At(theAddresses, i));
+        if (theText != "::1") { theTexts += " " + theText; } // not every host has IPv6
+    }
+    zoArray_Delete(theAddresses);
+    zoSocketPolicy_Delete(thePolicy);
+    return theTexts;
+}
+
+} // namespace
+
+TEST(UPnPIPAddressMonitorTest, CallsWhenTheSetOfAddressesDiffers)
+{
+    static const struct
+    {
+        Texts mAddresses;
+        int mCalls; // those of the cases before included
+    } kCases[] = {
+        { { "10.0.0.1", "fe80::1" }, 0 },
+        { { "fe80::1", "10.0.0.1", "fe80::1", "null" }, 0 }, // the same set
+        { { "failure" }, 0 },                                // the former list stays
+        { { "10.0.0.1", "fe80::1" }, 0 },
+        { { "10.0.0.1", "fe80::1", "10.0.0.2" }, 1 },
+        { { "10.0.0.1", "fe80::1", "10.0.0.2" }, 1 },
+        { { "10.0.0.1", "fe80::2", "10.0.0.2" }, 2 },
+        { { "10.0.0.1", "fe80::2" }, 3 },
+        { {}, 4 },
+        { { "failure" }, 4 },
+        { { "null" }, 4 },
+        { { "10.0.0.1" }, 5 },
+    };
+    const FakeAddresses theAddresses;
+    Watched theWatched;
+    int theLooks = 1;
+    for (const auto& theCase : kCases)
+    {
+        FakeAddresses::sNow = { "back", "and", "forth" };
+        theWatched.CallsAfter(3999);
+        FakeAddresses::sNow = theCase.mAddresses;
+        EXPECT_EQ(theLooks++, FakeAddresses::sLooks);
+        EXPECT_EQ(theCase.mCalls, theWatched.CallsAfter(1)) << "look " << theLooks;
+        EXPECT_EQ(theLooks, FakeAddresses::sLooks);
+    }
+    theWatched.CallsAfter(60000); // a busy chain makes up for nothing
+    EXPECT_EQ(theLooks + 1, FakeAddresses::sLooks);
+
+    FakeAddresses::sNow = { "fe80::1", "10.0.0.2", "fe80::1", "10.0.0.10" };
+    EXPECT_EQ(" 10.0.0.10 10.0.0.2 fe80::1", AddressesFor(kzoSocketPolicy_IP_All));
+    FakeAddresses::sNow = { "failure" };
+    EXPECT_EQ(nullptr, zoIPAddressMonitor_GetAddresses(nullptr));
+}
+
+TEST(UPnPIPAddressMonitorTest, ADestroyedMonitorIsNoMore)
+{
+    const FakeAddresses theAddresses;
+    const AssertionCatcher theAssertions;
+    static const char kAssertion[] = "Libs/Internal/UPnP/Utilities/UPnPIPAddressMonitor.cpp: "
+                                     "((theIPAddressMonitor) != NULL) && "
+                                     "((theIPAddressMonitor)->_mMagicNumber == (0xC0CAD0DA))";
+    Watched theWatched;
+    FakeAddresses::sNow.clear();
+    ILibChain* theObject = reinterpret_cast<ILibChain*>(theWatched.mMonitor);
+    theObject->mDestroy(theObject);
+    EXPECT_EQ(0, theWatched.CallsAfter(4000));
+    EXPECT_EQ("", AssertionCatcher::Text()) << "the timer is left";
+    theObject->mDestroy(theObject);
+    EXPECT_EQ(kAssertion, AssertionCatcher::Text());
+
+    // The magic number of another one goes astray. Its timer finds that out, and is not armed again.
+    Watched theOther;
+    uint32* theMagicNumber = reinterpret_cast<uint32*>(reinterpret_cast<ILibChain*>(theOther.mMonitor) + 1);
+    EXPECT_EQ(0xC0CAD0DAu, std::exchange(*theMagicNumber, 0));
+    for (const char* theAssertion : { kAssertion, "" })
+    {
+        AssertionCatcher::Text().clear();
+        FakeAddresses::sNow.push_back("10.0.0.2");
+        EXPECT_EQ(0, theOther.CallsAfter(4000));
+        EXPECT_EQ(theAssertion, AssertionCatcher::Text());
+    }
+    *theMagicNumber = 0xC0CAD0DA;
+}
+
+TEST(UPnPIPAddressMonitorTest, WatchesTheHostsInterfaces)
+{
+    const std::string theReason = RunInNetworkNamespace(
+        []
+        {
+        Watched theWatched;
+        EXPECT_EQ(0, theWatched.CallsAfter(4000));
+        ASSERT_TRUE(SetInterfaceAddress("lo:1", "192.0.2.7"));
+        EXPECT_EQ(1, theWatched.CallsAfter(4000)) << "an address has come";
+        EXPECT_EQ(" 127.0.0.1 192.0.2.7", AddressesFor(kzoSocketPolicy_IP_All));
+        EXPECT_EQ(" 127.0.0.1", AddressesFor(kzoSocketPolicy_IP_LocalHostOnly));
+        EXPECT_EQ(" 192.0.2.7", AddressesFor(kzoSocketPolicy_IP_AllExceptLocalHost));
+        EXPECT_EQ("", AddressesFor(kzoSocketPolicy_IP_All, "lo"));
+        ASSERT_TRUE(SetInterfaceUp("lo:1", false));
+        EXPECT_EQ(2, theWatched.CallsAfter(4000)) << "an address has gone";
+        ASSERT_TRUE(SetInterfaceUp("lo", false));
+        EXPECT_EQ(3, theWatched.CallsAfter(4000)) << "an interface has gone down";
+        EXPECT_EQ("", AddressesFor(kzoSocketPolicy_IP_All));
+        EXPECT_EQ(3, theWatched.CallsAfter(4000));
+    });
+    if (!theReason.empty()) { GTEST_SKIP() << theReason; }
+}

@@ -1,0 +1,181 @@
+#include "Input.h"
+#include "Subcommand.h"
+
+#include <UPnP/Utilities/UPnPConfig.h>
+#include <UPnP/Utilities/UPnPIPAddressMonitor.h>
+#include <algorithm>
+#include <atomic>
+#include <iterator>
+#include <memory>
+#include <signal.h>
+#include <time.h>
+#include <zoltTools/zoIPAddressMonitor.h>
+
+static const Usage kUsage = {
+    "monitor",
+    "[--config FILE --section NAME] [--once]",
+    nullptr,
+    "Prints the host's IP addresses, and then a line with the time for each change of them, until it is interrupted\n"
+    "(Ctrl-C). It looks every 4 seconds. With --json everything is printed at the end.\n",
+    {
+        { "--config", "FILE", false, "a configuration file that says which addresses count; \"-\" is standard input" },
+        { "--section", "NAME", false, "its section with the keys \"UPnPLocal\" and \"exclude-if\"" },
+        { "--once", nullptr, false, "print the addresses now, and end" },
+    },
+};
+
+namespace
+{
+
+typedef std::vector<std::string> Texts;
+typedef std::unique_ptr<zoSocketPolicy, decltype(&zoSocketPolicy_Delete)> Policy;
+typedef std::unique_ptr<ILibBaseChain, decltype(&ILibChain_Delete)> Chain;
+
+// What is printed, and what has been printed so far.
+struct Watch
+{
+    Output& mOutput;
+    const zoSocketPolicy* mPolicy;
+    ILibBaseChain* mChain;
+    Texts mAddresses; // sorted
+    int mChangeCount;
+};
+
+// Lets Ctrl-C and a request to terminate stop a chain, for as long as it lives.
+class Interruption
+{
+public:
+    explicit Interruption(ILibBaseChain* aChain)
+    {
+        sChain = aChain;
+        struct sigaction theAction = {};
+        theAction.sa_handler = [](int) { ILibChain_Stop(sChain); };
+        for (size_t i = 0; i < std::size(kSignals); ++i)
+            sigaction(kSignals[i], &theAction, &mBefore[i]);
+    }
+    ~Interruption()
+    {
+        for (size_t i = 0; i < std::size(kSignals); ++i)
+            sigaction(kSignals[i], &mBefore[i], nullptr);
+    }
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+private:
+    static constexpr int kSignals[] = { SIGINT, SIGTERM };
+    static inline std::atomic<ILibBaseChain*> sChain{ nullptr };
+    struct sigaction mBefore[std::size(kSignals)];
+};
+
+} // namespace
+
+// The policy that the configuration asks for; without one all addresses count, and there is no policy.
+static bool ReadPolicy(const Options& anOptions, Policy& aPolicy, int* aStatus)
+{
+    const char* thePath = anOptions.Get("--config");
+    const char* theSection = anOptions.Get("--section");
+    if (!thePath != !theSection)
+    {
+        *aStatus = anOptions.BadUsage("--config and --section are needed together");
+        return false;
+    }
+    if (!thePath) { return true; }
+    std::vector<char> theText;
+    *aStatus = kExit_Bad;
+    if (!ReadInput(thePath, theText)) { return false; }
+    zoConfigFile* theFile = zoConfigFile_NewFromText(theText.data(), theText.size() - 1);
+    aPolicy.reset(UPnPConfig_CreateSocketPolicy(theFile, theSection));
+    zoConfigFile_Delete(theFile);
+    return true;
+}
+
+static bool ReadAddresses(const zoSocketPolicy* aPolicy, Texts& anAddresses)
+{
+    zoArray_t* theArray = zoIPAddressMonitor_GetAddresses(aPolicy);
+    if (!theArray) { return false; }
+    anAddresses.clear();
+    for (size_t i = 0; i < zoArray_GetCount(theArray); ++i)
+        anAddresses.emplace_back(static_cast<const char*>(zoArray_At(theArray, i)));
+    zoArray_Delete(theArray);
+    return true;
+}
+
+static void PrintAddresses(const Texts& anAddresses, Output& anOutput)
+{
+    for (size_t i = 0; i < anAddresses.size(); ++i)
+        anOutput.Fact("address " + std::to_string(i), anAddresses[i]);
+    anOutput.Fact("addresses", std::to_string(anAddresses.size()));
+}
+
+static std::string TimeNow()
+{
+    const time_t theTime = time(nullptr);
+    struct tm theParts = {};
+    char theText[sizeof("-2147481748-12-31T23:59:59Z")] = "";
+    gmtime_r(&theTime, &theParts);
+    strftime(theText, sizeof(theText), "%Y-%m-%dT%H:%M:%SZ", &theParts);
+    return theText;
+}
+
+// Lists what is in one set of addresses and not in the other.
+static std::string Difference(const char* aWord, const Texts& aWith, const Texts& aWithout)
+{
+    Texts theAddresses;
+    std::set_difference(aWith.begin(), aWith.end(), aWithout.begin(), aWithout.end(), std::back_inserter(theAddresses));
+    std::string theText;
+    for (const std::string& theAddress : theAddresses)
+        theText += std::string(", ") + aWord + " " + theAddress;
+    return theText;
+}
+
+static void FlushOrStop(Watch& aWatch)
+{
+    if (aWatch.mOutput.Flush() != 0) { ILibChain_Stop(aWatch.mChain); } // nobody reads any more
+}
+
+static void PrintChange(void* aWatch)
+{
+    Watch& theWatch = *static_cast<Watch*>(aWatch);
+    Texts theAddresses;
+    // What changed right after the monitor's look, at the start or now, may be printed already.
+    if (!ReadAddresses(theWatch.mPolicy, theAddresses) || theAddresses == theWatch.mAddresses) { return; }
+    theWatch.mOutput.Fact("change " + std::to_string(theWatch.mChangeCount++),
+                          TimeNow() + Difference("added", theAddresses, theWatch.mAddresses) +
+                              Difference("removed", theWatch.mAddresses, theAddresses));
+    theWatch.mAddresses = std::move(theAddresses);
+    FlushOrStop(theWatch);
+}
+
+static int Watching(zoSocketPolicy* aPolicy, Output& anOutput)
+{
+    const Chain theChain(ILibChain_New(), &ILibChain_Delete);
+    if (!theChain) { return Fail("no event chain can be made: too many open files"); }
+    const Interruption theInterruption(theChain.get());
+    Watch theWatch = { anOutput, aPolicy, theChain.get(), {}, 0 };
+    // The monitor looks first, so that no change can fall between its look and that for the list.
+    UPnPIPAddressMonitor_Create(theChain.get(), PrintChange, &theWatch, aPolicy);
+    if (!ReadAddresses(aPolicy, theWatch.mAddresses)) { return Fail("the host's addresses can't be read"); }
+    PrintAddresses(theWatch.mAddresses, anOutput);
+    FlushOrStop(theWatch);
+    ILibChain_Run(theChain.get());
+    return kExit_Done;
+}
+
+static int Once(const zoSocketPolicy* aPolicy, Output& anOutput)
+{
+    Texts theAddresses;
+    if (!ReadAddresses(aPolicy, theAddresses)) { return Fail("the host's addresses can't be read"); }
+    if (theAddresses.empty()) { return FailToFind("no address"); }
+    PrintAddresses(theAddresses, anOutput);
+    return kExit_Done;
+}
+
+int Monitor(const Arguments& anArguments, Output& anOutput)
+{
+    Options theOptions(kUsage);
+    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
+    Policy thePolicy(nullptr, &zoSocketPolicy_Delete);
+    int theStatus = kExit_Done;
+    if (!ReadPolicy(theOptions, thePolicy, &theStatus)) { return theStatus; }
+    return theOptions.Get("--once") ? Once(thePolicy.get(), anOutput) : Watching(thePolicy.get(), anOutput);
+}
