@@ -6,6 +6,12 @@
 #include <zoLog/Log.h>
 
 static const Subcommand kSubcommands[] = {
+    { "config", "print what the stack gets from a configuration file", ShowConfig },
+    { "create", "print a document by which an object is created on a media server", Create },
+    { "describe", "rewrite a device or service description for a client", Describe },
+    { "group", "show, store and load groups of devices", GroupOfDevices },
+    { "hook", "print how the stack treats a client", Hook },
+    { "monitor", "print the host's IP addresses, and each change of them", Monitor },
     { "select", "choose the resource of an object that a renderer plays best", Select },
     { "show", "print every field of every object of a DIDL-Lite document", Show },
     { "unlock", "unlock a parental-locked URI", Unlock },

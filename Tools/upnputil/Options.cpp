@@ -3,6 +3,8 @@
 #include "Output.h"
 #include "Subcommand.h"
 
+#include <iterator>
+#include <sstream>
 #include <string.h>
 
 int Options::BadUsage(const std::string& aMessage) const
@@ -18,10 +20,14 @@ bool Options::Refuse(const std::string& aMessage)
 
 void Options::Help(Output& anOutput) const
 {
-    anOutput.Text(std::string("Usage: upnputil ") + mUsage.mName + " " + mUsage.mOperand + " " + mUsage.mSynopsis +
-                  "\n\n" + mUsage.mHelp + "\nOptions:\n");
+    const std::string theOperand = mUsage.mOperand ? std::string(" ") + mUsage.mOperand : "";
+    anOutput.Text(std::string("Usage: upnputil ") + mUsage.mName + theOperand + " " + mUsage.mSynopsis + "\n\n" +
+                  mUsage.mHelp + "\nOptions:\n");
     for (const Option& theOption : mUsage.mOptions)
-        anOutput.Row(std::string(theOption.mName) + " " + theOption.mValue, theOption.mHelp);
+    {
+        const std::string theValue = theOption.mValue ? std::string(" ") + theOption.mValue : "";
+        anOutput.Row(theOption.mName + theValue, theOption.mHelp);
+    }
     if (mUsage.mfPrintsFacts) { anOutput.Row("--json", "print the facts as one JSON object"); }
     anOutput.Row("--help", "print this text");
 }
@@ -44,6 +50,11 @@ bool Options::ReadOption(const Arguments& anArguments, size_t* anIndex)
     const Option* theOption = Find(theName);
     if (!theOption) { return Refuse("no option is called \"" + theName + "\""); }
     if (!theOption->mfRepeats && Get(theOption->mName)) { return Refuse(theName + " is given twice"); }
+    if (!theOption->mValue)
+    {
+        mGiven.push_back({ theOption, "" });
+        return !theEqualSign || Refuse(theName + " has no value");
+    }
     if (!theEqualSign && ++*anIndex == anArguments.size())
     {
         return Refuse(theName + " needs a value (" + theOption->mValue + ")");
@@ -52,10 +63,19 @@ bool Options::ReadOption(const Arguments& anArguments, size_t* anIndex)
     return true;
 }
 
+std::vector<std::string> Options::OperandNames() const
+{
+    std::istringstream theText(mUsage.mOperand ? mUsage.mOperand : "");
+    return { std::istream_iterator<std::string>(theText), {} };
+}
+
 bool Options::ReadOperand(const char* anArgument)
 {
-    if (mOperand) { return Refuse("\"" + std::string(anArgument) + "\" is one argument too many"); }
-    mOperand = anArgument;
+    if (mOperands.size() == OperandNames().size())
+    {
+        return Refuse("\"" + std::string(anArgument) + "\" is one argument too many");
+    }
+    mOperands.push_back(anArgument);
     return true;
 }
 
@@ -77,7 +97,8 @@ bool Options::Read(const Arguments& anArguments, Output& anOutput)
         else if (!fIsOperand && IsJSON(theArgument)) { mfJSON = true; }
         else if (!(fIsOperand ? ReadOperand(theArgument) : ReadOption(anArguments, &i))) { return false; }
     }
-    if (!mOperand) { return Refuse(std::string(mUsage.mOperand) + " is missing"); }
+    const std::vector<std::string> theOperandNames = OperandNames();
+    if (mOperands.size() < theOperandNames.size()) { return Refuse(theOperandNames[mOperands.size()] + " is missing"); }
     if (mfJSON) { anOutput.UseJSON(); }
     return true;
 }

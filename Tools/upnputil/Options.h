@@ -7,11 +7,11 @@ class Output;
 
 typedef std::vector<const char*> Arguments;
 
-/* One option of a subcommand; every option has a value, given as "--name VALUE" or "--name=VALUE". */
+/* One option of a subcommand. Its value, if it has one, is given as "--name VALUE" or "--name=VALUE". */
 struct Option
 {
     const char* mName;  // with its dashes
-    const char* mValue; // what help texts call its value
+    const char* mValue; // what help texts call its value; NULL: it has none
     bool mfRepeats;     // may be given more than once
     const char* mHelp;
 };
@@ -21,8 +21,8 @@ struct Usage
 {
     const char* mName;
     const char* mSynopsis; // the options that it needs, as help texts show them
-    const char* mOperand;  // what its one operand is called
-    const char* mHelp;     // whole lines
+    const char* mOperand;  // what its operands are called, with a blank between them; NULL: it has none
+    std::string mHelp;     // whole lines
     std::vector<Option> mOptions;
     bool mfPrintsFacts = true; // so that it can print them as JSON, too
 };
@@ -40,8 +40,9 @@ public:
     /** Says what is wrong with the usage. @return kExit_Bad. */
     int BadUsage(const std::string& aMessage) const;
 
-    const char* Operand() const { return mOperand; }
-    /** @return the value of an option, NULL when it isn't given. */
+    /** @return an operand, NULL past the last; all that the usage names are there once Read has said so. */
+    const char* Operand(size_t anIndex = 0) const { return anIndex < mOperands.size() ? mOperands[anIndex] : nullptr; }
+    /** @return the value of an option, "" for one that has none; NULL when it isn't given. */
     const char* Get(const char* aName) const;
     /** @return the values of an option that may repeat. */
     std::vector<const char*> GetAll(const char* aName) const;
@@ -54,6 +55,7 @@ private:
     };
 
     void Help(Output& anOutput) const;
+    std::vector<std::string> OperandNames() const;
     const Option* Find(const std::string& aName) const;
     bool ReadOption(const Arguments& anArguments, size_t* anIndex);
     bool ReadOperand(const char* anArgument);
@@ -62,7 +64,7 @@ private:
 
     const Usage& mUsage;
     std::vector<Given> mGiven;
-    const char* mOperand = nullptr;
+    std::vector<const char*> mOperands;
     int mStatus = 0;
     bool mfJSON = false;
 };

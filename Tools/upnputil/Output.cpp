@@ -11,7 +11,7 @@
 #include <utility>
 
 static const size_t kPieceSize = 65536;
-static const size_t kHelpColumn = 22;
+static const size_t kHelpColumn = 26;
 
 // Whether a character can be printed as it is: not a control character, and not one that some reader takes for a line
 // end (U+0085, U+2028, U+2029).
@@ -114,11 +114,10 @@ void Output::WriteWhenFull()
 int Output::Finish()
 {
     if (mJSON) { mBuffer += std::exchange(mJSON, std::nullopt)->Text(); }
-    Flush();
-    return mError;
+    return Flush();
 }
 
-void Output::Flush()
+int Output::Flush()
 {
     for (size_t theWritten = 0; mError == 0 && theWritten < mBuffer.size();)
     {
@@ -127,6 +126,7 @@ void Output::Flush()
         else if (errno != EINTR) { mError = errno; }
     }
     mBuffer.clear();
+    return mError;
 }
 
 void Say(const std::string& aMessage)

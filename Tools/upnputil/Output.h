@@ -26,12 +26,13 @@ public:
     /** One line of a help text's table. */
     void Row(std::string_view aName, std::string_view aHelp);
 
+    /** Writes what there is so far, but facts as JSON at the end only. @return as Finish. */
+    int Flush();
     /** Writes what is left. @return 0, or the error number of the first write that failed. */
     int Finish();
 
 private:
     void WriteWhenFull();
-    void Flush();
 
     std::string mBuffer;
     std::string mSubject;

@@ -23,6 +23,12 @@ struct Subcommand
     int (*mFunction)(const Arguments& anArguments, Output& anOutput);
 };
 
+int Create(const Arguments& anArguments, Output& anOutput);
+int Describe(const Arguments& anArguments, Output& anOutput);
+int GroupOfDevices(const Arguments& anArguments, Output& anOutput);
+int Hook(const Arguments& anArguments, Output& anOutput);
+int Monitor(const Arguments& anArguments, Output& anOutput);
 int Select(const Arguments& anArguments, Output& anOutput);
 int Show(const Arguments& anArguments, Output& anOutput);
+int ShowConfig(const Arguments& anArguments, Output& anOutput);
 int Unlock(const Arguments& anArguments, Output& anOutput);

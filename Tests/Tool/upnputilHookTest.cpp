@@ -1,0 +1,281 @@
+#include "RunTool.h"
+#include "TestSupport.h"
+
+#include <UPnP/Stack/ILibXML.h>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+const char* const kConsole = "Xbox/2.0.4552.0 UPnP/1.0 Xbox/2.0.4552.0";
+
+// A template of Examples/ with its parts, in the order of the markers.
+struct Example
+{
+    const char* mFolder;
+    bool mfIsDevice;
+    Words mParts;
+    Words mFeatures; // those that its parts depend on
+};
+
+const Example kAVTransport = {
+    "AVTransport",
+    false,
+    { ":nexturi=SetNextAVTransportURI", ":byteseek=GetBytePositionInfo",
+      ":transportstatuslist=", ":playspeedlist=", ":playmodelist=", ":byteseek=BytePositions", ":seekmodelist=" },
+    { "TimeSeek", "ByteSeek", "SupportRVU", "NoSetNextURI" },
+};
+const Example kContentDirectory = {
+    "ContentDirectory",
+    false,
+    { ":featurelist=GetFeatureList", ":search=Search", ":upload=CreateObject", ":updateobject=UpdateObject",
+      ":featurelist=FeatureList", ":containerupdateids=ContainerUpdateIDs", ":search=SearchCriteria",
+      ":updateobject=TagValueList" },
+    { "GetFeatureList", "Search", "Upload", "UpdateObject", "ContainerUpdateIDs" },
+};
+const Example kMediaServer = {
+    "MediaServer",
+    true,
+    { ":srs=ScheduledRecording", ":energymanagement=EnergyManagement", ":basicmanagement=BasicManagement",
+      ":configurationmanagement=ConfigurationManagement", ":msregistrar=MediaReceiverRegistrar" },
+    { "SRS", "EnergyManagement", "BasicManagement", "ConfigurationManagement", "MSRegistrar" },
+};
+
+Words Joined(Words aLeft, const Words& aRight)
+{
+    aLeft.insert(aLeft.end(), aRight.begin(), aRight.end());
+    return aLeft;
+}
+
+std::string DescribeExample(const Example& anExample, const Words& anOptions)
+{
+    const std::string theFolder = std::string(TEST_DATA) + "/../../Examples/" + anExample.mFolder + "/";
+    Words theArguments = { "describe", theFolder + "template.xml" };
+    if (anExample.mfIsDevice) { theArguments.push_back("--device"); }
+    for (const std::string& thePart : anExample.mParts)
+    {
+        const size_t theFile = thePart.find('=') + 1;
+        const bool fHasText = theFile < thePart.size();
+        theArguments.push_back("--part=" + thePart.substr(0, theFile) +
+                               (fHasText ? theFolder + thePart.substr(theFile) + ".xml" : ""));
+    }
+    const Result theResult = RunTool(Joined(theArguments, anOptions));
+    EXPECT_EQ(0, theResult.mStatus) << theResult.mError;
+    return theResult.mOutput;
+}
+
+bool Has(const std::string& aText, const std::string& aPiece) { return aText.find(aPiece) != std::string::npos; }
+
+// Whether a description is XML in which no action refers to a state variable that isn't there.
+void ExpectSound(const std::string& aDescription)
+{
+    static const std::string kTag = "<relatedStateVariable>";
+    std::string theText = aDescription;
+    ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
+    EXPECT_TRUE(theNodes && ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError) << aDescription;
+    for (size_t theTag = theText.find(kTag); theTag != theText.npos; theTag = theText.find(kTag, theTag + 1))
+    {
+        const size_t theBegin = theTag + kTag.size();
+        const std::string theVariable = theText.substr(theBegin, theText.find('<', theBegin) - theBegin);
+        EXPECT_TRUE(Has(aDescription, "\"><name>" + theVariable + "</name><dataType>")) << theVariable;
+    }
+    ILibDestructXMLNodeList(theNodes);
+}
+
+} // namespace
+
+TEST(HookToolTest, DescribesTransportForEachCombination)
+{
+    for (unsigned theSet = 0; theSet < 16; ++theSet)
+    {
+        Words theOptions;
+        const auto fHas = [theSet](unsigned aFeature) { return (theSet >> aFeature & 1) != 0; };
+        for (unsigned i = 0; i < 4; ++i)
+        {
+            if (fHas(i)) { theOptions.push_back("--feature=" + kAVTransport.mFeatures[i]); }
+        }
+        const std::string theText = DescribeExample(kAVTransport, theOptions);
+        ExpectSound(theText);
+        std::string theModes = "<allowedValue>TRACK_NR</allowedValue>";
+        if (fHas(2)) { theModes += "<allowedValue>ABS_TIME</allowedValue><allowedValue>FRAME</allowedValue>"; }
+        if (fHas(1)) { theModes += "<allowedValue>X_DLNA_REL_BYTE</allowedValue>"; }
+        if (fHas(0)) { theModes += "<allowedValue>REL_TIME</allowedValue>"; }
+        EXPECT_TRUE(Has(theText, "<defaultValue>TRACK_NR</defaultValue><allowedValueList>" + theModes +
+                                     "</allowedValueList></stateVariable>"))
+            << theSet;
+        EXPECT_EQ(fHas(1), Has(theText, "X_DLNA_GetBytePositionInfo")) << theSet;
+        EXPECT_EQ(!fHas(3), Has(theText, "<name>SetNextAVTransportURI</name>")) << theSet;
+        EXPECT_TRUE(Has(theText, "<defaultValue>1</defaultValue></stateVariable>")) << theSet;
+    }
+}
+
+TEST(HookToolTest, DescribesEachFeatureOfTheOthers)
+{
+    for (const Example* theExample : { &kContentDirectory, &kMediaServer })
+    {
+        const std::string theBare = DescribeExample(*theExample, {});
+        ExpectSound(theBare);
+        for (const std::string& theFeature : theExample->mFeatures)
+        {
+            const std::string theText = DescribeExample(*theExample, { "--feature", theFeature });
+            ExpectSound(theText);
+            EXPECT_GT(theText.size(), theBare.size()) << theFeature;
+        }
+    }
+    EXPECT_EQ(DescribeExample(kContentDirectory, { "--feature", "Search" }),
+              DescribeExample(kContentDirectory, { "--user-agent", kConsole }));
+}
+
+TEST(HookToolTest, DescribesToTheByte)
+{
+    const ScratchFile theText("1%@\n"), theOther("2\n");
+    const std::string theFile = theText.Path(), theOtherFile = theOther.Path();
+    const struct
+    {
+        const char* mTemplate;
+        Words mOptions;
+        const char* mResult;
+    } kCases[] = {
+        { "<a>%\r\n@%%</a>\r\n\n", {}, "<a>%\r\n@%%</a>" },
+        { "%@<a>%%@@%@</a>",
+          { "--part", ":x=", "--part=a:y:timeseek=" + theFile, "--part", ":upload=" + theOtherFile, "--feature=Upload",
+            "--feature", "TimeSeek", "--feature", "TimeSeek" },
+          "<a>%1%@\n@2\n</a>" },
+        { "%@%@<a>", { "--part=:timeseek=" + theFile, "--part=:nexturi=" + theOtherFile }, "2\n<a>" },
+        { "%@<a>",
+          { "--part=:playmodelist=", "--property=PlayModeList=A=B,,C" },
+          "<allowedValueList><allowedValue>NORMAL</allowedValue><allowedValue>A=B</allowedValue>"
+          "<allowedValue>C</allowedValue></allowedValueList><a>" },
+        { "%@<a>", { "--part=:playspeedlist=" + theFile, "--property", "PlaySpeedList=," }, "<a>" },
+        { "%@<a>", { "--part=:playmodelist=" + theFile, "--device" }, "<a>" },
+        { "%@<a>", { "--part=:srsext=" + theOtherFile, "--device", "--feature=SRS" }, "2\n<a>" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult = RunTool(Joined({ "describe", "-" }, theCase.mOptions), theCase.mTemplate);
+        EXPECT_EQ(theCase.mResult, theResult.mOutput) << theResult.mError;
+    }
+}
+
+TEST(HookToolTest, CreatesDocuments)
+{
+    static const struct
+    {
+        Words mArguments;
+        const char* mObject;
+    } kCases[] = {
+        { { "container", "--parent=1&2", "--title", "My Photos", "--class=c", "--flags",
+            "UploadContent,0X2,ChangeMetaData", "--create-classes", "a,1;b,0" },
+          "<container id=\"\" parentID=\"1&amp;2\" restricted=\"0\" dlna:dlnaManaged=\"00000013\">"
+          "<dc:title>My Photos</dc:title><upnp:class>c</upnp:class>"
+          "<upnp:createClass includeDerived=\"1\">a</upnp:createClass><upnp:createClass>b</upnp:createClass>"
+          "</container>" },
+        { { "container" },
+          "<container id=\"\" parentID=\"\" restricted=\"0\" dlna:dlnaManaged=\"00000000\"></container>" },
+        { { "item", "--parent", "12", "--title=Song", "--class", "c", "--flags=80000000", "--protocol-info",
+            "http-get:*:audio/mpeg:*", "--length", "9223372036854775807", "--dtcp", "Movable,CMI" },
+          "<item id=\"\" parentID=\"12\" restricted=\"0\" dlna:dlnaManaged=\"80000000\"><dc:title>Song</dc:title>"
+          "<upnp:class>c</upnp:class><res protocolInfo=\"http-get:*:audio/mpeg:*\" dlna:resumeUpload=\"1\" "
+          "size = \"9223372036854775807\" dtcp:uploadInfo=\"A0000000\"></res></item>" },
+        { { "response", "--id=99", "--parent", "12", "--title", "Song", "--class", "c", "--import-uri", "http://h/u",
+            "--import-ifo-uri", "http://h/i", "--protocol-info", "http-get:*:audio/mpeg:*", "--resume", "--dtcp=None" },
+          "<item id=\"99\" parentID=\"12\" restricted=\"0\" dlna:dlnaManaged=\"00000004\"><dc:title>Song</dc:title>"
+          "<upnp:class>c</upnp:class><res dlna:resumeUpload=\"1\" dlna:uploadedSize=\"0\" importUri=\"http://h/u\" "
+          "protocolInfo=\"http-get:*:audio/mpeg:*\" dlna:ifoFileURI=\"\" dlna:importIfoFileURI=\"http://h/i\" "
+          "dtcp:uploadInfo=\"00000000\"/></item>" },
+        { { "response", "--create-classes", "a,1;b", "--resume" },
+          "<container id=\"\" parentID=\"\" restricted=\"0\" dlna:dlnaManaged=\"00000003\">"
+          "<upnp:createClass includeDerived=\"1\">a,1;b</upnp:createClass></container>" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const std::string theText = RunTool(Joined({ "create" }, theCase.mArguments)).mOutput;
+        EXPECT_EQ(std::string(theCase.mObject) + "</DIDL-Lite>\n", theText.substr(theText.find('>') + 1));
+    }
+}
+
+TEST(HookToolTest, AnswersForClients)
+{
+    const char* const kPlayer = "Windows-Media-Player/11.0.5721.5145";
+    static const struct
+    {
+        Words mOptions;
+        Words mFacts;
+    } kCases[] = {
+        { {},
+          { "search: no", "sort criteria checked: yes", "resource sizes: yes", "bit rate for byte rate: no",
+            "chunked transfer: yes", "info description: <state value=\"nok\"/>", "sort specification: no",
+            "extra resource info: yes", "objects at once: 100", "object id \"1\": 1",
+            "class \"container\": container.storageFolder", "class \"item.imageItem\": item.imageItem",
+            "play mode \"NORMAL\": yes", "play mode \"SHUFFLE\": no", "seek mode \"TRACK_NR\": yes",
+            "seek mode \"REL_TIME\": no", "event \":hdlnk\": no" } },
+        { { "--user-agent", kConsole, "--web-link", "7", "--count=1000" },
+          { "search: yes", "sort criteria checked: no", "resource sizes: no", "bit rate for byte rate: yes",
+            "info description: <state value=\"nok\"/>", "objects at once: 1000", "class \"container\": container",
+            "class \"item.imageItem\": item.imageItem.photo" } },
+        { { "--user-agent", kConsole }, { "objects at once: no limit" } },
+        { { "--user-agent", kPlayer, "--count", "500", "--web-link=7", "--object-id=64", "--object-id=1", "--filter",
+            "dc:title", "--property", "DoNotChunkUserAgentList=Else, Player/11" },
+          { "objects at once: 200", "object id \"64\": 64", "object id \"64\" filter: dc:title",
+            "object id \"1\": -musicartist", "object id \"1\" filter: dc:title,res", "chunked transfer: no",
+            "info description: <state value=\"ok\">7</state>", "bit rate for byte rate: no" } },
+        { { "--manufacturer=ROKU", "--feature=SortSpec", "--feature=HDLnk", "--feature=TimeSeek", "--property",
+            "PlayModeList=SHUFFLE,REPEAT_ALL", "--class=x", "--event=:hdlnk", "--event=:extra", "--seek-mode=REL_TIME",
+            "--play-mode", "SHUFFLE", "--play-mode", "REPEAT" },
+          { "extra resource info: no", "sort specification: yes", "class \"x\": x", "event \":hdlnk\": yes",
+            "event \":extra\": no", "seek mode \"REL_TIME\": yes", "play mode \"SHUFFLE\": yes",
+            "play mode \"REPEAT\": no" } },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult = RunTool(Joined({ "hook" }, theCase.mOptions));
+        for (const std::string& theFact : theCase.mFacts)
+            EXPECT_TRUE(HasLine(theResult, theFact)) << theFact << '\n' << theResult.mOutput << theResult.mError;
+    }
+}
+
+TEST(HookToolTest, RefusesInOneLine)
+{
+    static const struct
+    {
+        Words mArguments;
+        std::string mInput;
+        const char* mReason;
+    } kCases[] = {
+        { { "describe", "-" }, "", "standard input: its end is no \">\"" },
+        { { "describe", "-" }, "<a>%@</a>", "1 \"%@\" in the template, but 0 --part" },
+        { { "describe", "-", "--part=:x=" }, "<a>% @</a>", "0 \"%@\" in the template, but 1 --part" },
+        { { "describe", "-", "--part=:x=-" }, "%@<a>", "standard input can't be more than one" },
+        { { "describe", "-", "--part=:x" }, "%@<a>", "has no \"=\"" },
+        { { "describe", "-", "--part=x=" }, "%@<a>", "no \":\" in its name" },
+        { { "describe", "-", "--device=yes" }, "<a>", "--device has no value" },
+        { { "describe", "-", "--feature=timeseek" },
+          "<a>",
+          "no feature is called \"timeseek\"; known: Upload, TimeSeek, " },
+        { { "hook", "--property=PlayMode=" }, "", "\"PlayMode\"; known: UserAgent, PlaySpeedList, " },
+        { { "hook", "--property=PlayModeList=", "--property=PlayModeList=" }, "", "PlayModeList is given twice" },
+        { { "hook", "--count=4294967296" }, "", "\"4294967296\" is no number" },
+        { { "create" }, "", "container, item or response" },
+        { { "create", "item", "--length=-1" }, "", "\"-1\" is no number" },
+        { { "create", "item", "--length", "9223372036854775808" }, "", "no number from 0 to 9223372036854775807" },
+        { { "create", "item", "--flags=1,Movable" }, "", "--flags: \"Movable\"" },
+        { { "create", "item", "--flags=1," }, "", "--flags: \"\"" },
+        { { "create", "item", "--dtcp=0x100000000" }, "", "none of None, Movable, V1SE104, CMI" },
+        { { "create", "container", "--dtcp=0" }, "", "create container: no option is called \"--dtcp\"" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult = RunTool(theCase.mArguments, theCase.mInput);
+        EXPECT_EQ(2, theResult.mStatus) << theCase.mReason;
+        EXPECT_EQ("", theResult.mOutput) << theCase.mReason;
+        EXPECT_NE(std::string::npos, theResult.mError.find(theCase.mReason)) << theResult.mError;
+        EXPECT_EQ(1u, Lines(theResult.mError).size()) << theResult.mError;
+    }
+    for (const Words& theArguments : { Words{ "describe", "--help" }, Words{ "hook", "--help" },
+                                       Words{ "create", "--help" }, Words{ "create", "item", "--help" } })
+    {
+        const Result theResult = RunTool(theArguments);
+        EXPECT_EQ(0, theResult.mStatus) << theArguments[0];
+        EXPECT_EQ(0u, theResult.mOutput.find("Usage: upnputil " + theArguments[0])) << theResult.mOutput;
+    }
+}

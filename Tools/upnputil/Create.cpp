@@ -1,0 +1,252 @@
+#include "Names.h"
+#include "Subcommand.h"
+
+#include <UPnP/Utilities/UPnPDIDL.h>
+#include <inttypes.h>
+#include <stdlib.h>
+#include <string.h>
+#include <zoltTools/zoConvert.h>
+#include <zoltTools/zoDLNAProtocolInfo.h>
+
+static const Name kManagedFlags[] = {
+    { "None", kDLNAManaged_None },
+    { "UploadContent", kDLNAManaged_UploadContent },
+    { "CreateChildContainer", kDLNAManaged_CreateChildContainer },
+    { "DestroyItem", kDLNAManaged_DestroyItem },
+    { "UploadWithDestroy", kDLNAManaged_UploadWithDestroy },
+    { "ChangeMetaData", kDLNAManaged_ChangeMetaData },
+};
+
+static const Name kUploadFlags[] = {
+    { "None", kDTCPUploadInfo_None },
+    { "Movable", kDTCPUploadInfo_Movable },
+    { "V1SE104", kDTCPUploadInfo_V1SE104 },
+    { "CMI", kDTCPUploadInfo_CMI },
+};
+
+// As the library takes it: the document then says nothing about it.
+static const uint32 kNoUploadInfo = 0xFFFFFFFF;
+
+static const Option kParent = { "--parent", "ID", false, "ID of the container that the object is created in" };
+static const Option kTitle = { "--title", "TEXT", false, "the object's title" };
+static const Option kClass = { "--class", "NAME", false, "the object's class" };
+static const Option kManaged = { "--flags", "FLAGS", false, "what is to be allowed (dlnaManaged; default: None)" };
+static const Option kUploadInfo = { "--dtcp", "FLAGS", false,
+                                    "DTCP upload information (default: FFFFFFFF, no attribute)" };
+
+static std::string FlagsHelp(const char* anOption, const Names& aNames)
+{
+    return std::string("FLAGS of ") + anOption +
+           " are hexadecimal numbers or names, separated by commas. The names are\n" + aNames.List() + ".\n";
+}
+
+static const Usage kContainerUsage = {
+    "create container",
+    "[OPTION...]",
+    nullptr,
+    "Prints the Elements document by which a control point asks a media server to create a container.\n"
+    "What is not given is left empty. LIST names the classes of objects that may be created in it, separated by \";\";\n"
+    "\",1\" behind a class includes those derived from it.\n\n" +
+        FlagsHelp("--flags", kManagedFlags),
+    { kParent, kTitle, kClass, kManaged, { "--create-classes", "LIST", false, "what may be created in it" } },
+    false,
+};
+
+static const Usage kItemUsage = {
+    "create item",
+    "[OPTION...]",
+    nullptr,
+    "Prints the Elements document by which a control point asks a media server to create an item, whose content it will\n"
+    "upload then. What is not given is left empty.\n\n" +
+        FlagsHelp("--flags", kManagedFlags) + FlagsHelp("--dtcp", kUploadFlags),
+    { kParent,
+      kTitle,
+      kClass,
+      kManaged,
+      { "--protocol-info", "TEXT", false, "the content's protocol info" },
+      { "--length", "BYTES", false, "the content's length (default: 0, unknown)" },
+      kUploadInfo },
+    false,
+};
+
+static const Usage kResponseUsage = {
+    "create response",
+    "[OPTION...]",
+    nullptr,
+    "Prints the Result document by which a media server answers such a request. What is not given is left empty. With\n"
+    "--import-uri the object is an item; without, it is a container, which has nothing to be uploaded. LIST is as for\n"
+    "create container.\n\n" +
+        FlagsHelp("--dtcp", kUploadFlags),
+    { { "--id", "ID", false, "the ID that the server gave the object" },
+      kParent,
+      kTitle,
+      kClass,
+      { "--create-classes", "LIST", false, "what may be created in it" },
+      { "--import-uri", "URI", false, "where the content is to be uploaded" },
+      { "--import-ifo-uri", "URI", false, "where its IFO file is to be uploaded" },
+      { "--protocol-info", "TEXT", false, "the content's protocol info" },
+      { "--resume", nullptr, false, "an upload that broke off can be resumed" },
+      kUploadInfo },
+    false,
+};
+
+// One name or number.
+static bool ReadFlag(const std::string& aText, const Names& aNames, uint32* aFlag)
+{
+    const Name* theName = aNames.Find(aText);
+    if (theName)
+    {
+        *aFlag = theName->mValue;
+        return true;
+    }
+    const bool fHasPrefix = aText.compare(0, 2, "0x") == 0 || aText.compare(0, 2, "0X") == 0;
+    return zoConvert_strtouint32_base(aText.c_str() + (fHasPrefix ? 2 : 0), aFlag, 16) == kzoConvertError_None;
+}
+
+static std::vector<std::string> SplitAtCommas(const std::string& aText)
+{
+    std::vector<std::string> theItems;
+    size_t theBegin = 0;
+    for (size_t theComma = 0; (theComma = aText.find(',', theBegin)) != aText.npos; theBegin = theComma + 1)
+        theItems.push_back(aText.substr(theBegin, theComma - theBegin));
+    theItems.push_back(aText.substr(theBegin));
+    return theItems;
+}
+
+// Leaves aFlags alone when the option isn't given.
+static int ReadFlags(const Options& anOptions, const char* anOption, const Names& aNames, uint32* aFlags)
+{
+    const char* theText = anOptions.Get(anOption);
+    if (!theText) { return kExit_Done; }
+    *aFlags = 0;
+    for (const std::string& theItem : SplitAtCommas(theText))
+    {
+        uint32 theFlag = 0;
+        if (!ReadFlag(theItem, aNames, &theFlag))
+        {
+            return anOptions.BadUsage(std::string(anOption) + ": \"" + theItem +
+                                      "\" is no hexadecimal number of 32 bits and none of " + aNames.List());
+        }
+        *aFlags |= theFlag;
+    }
+    return kExit_Done;
+}
+
+// The length stays 0 when it isn't given.
+static int ReadLength(const Options& anOptions, zoFileOffset* aLength)
+{
+    const char* theText = anOptions.Get("--length");
+    if (!theText) { return kExit_Done; }
+    zoULongLong theLength = { 0, 0 };
+    const bool fIsNumber = zoConvert_strntoULongLong(theText, strlen(theText), &theLength) == kzoConvertError_None;
+    if (!fIsNumber || zoULongLong_ToUInt64(&theLength) > INT64_MAX)
+    {
+        return anOptions.BadUsage("--length \"" + std::string(theText) + "\" is no number from 0 to " +
+                                  std::to_string(INT64_MAX));
+    }
+    *aLength = static_cast<zoFileOffset>(zoULongLong_ToUInt64(&theLength));
+    return kExit_Done;
+}
+
+static int PrintDocument(char* aDocument, Output& anOutput)
+{
+    anOutput.Text(aDocument);
+    anOutput.Text("\n");
+    free(aDocument);
+    return kExit_Done;
+}
+
+static int CreateContainer(const Options& anOptions, Output& anOutput)
+{
+    uint32 theFlags = kDLNAManaged_None;
+    if (ReadFlags(anOptions, "--flags", kManagedFlags, &theFlags) != kExit_Done) { return kExit_Bad; }
+    return PrintDocument(UPnPDIDL_GetForCreateContainerRequest(anOptions.Get("--parent"), anOptions.Get("--title"),
+                                                               theFlags, anOptions.Get("--class"),
+                                                               anOptions.Get("--create-classes")),
+                         anOutput);
+}
+
+static int CreateItem(const Options& anOptions, Output& anOutput)
+{
+    uint32 theFlags = kDLNAManaged_None;
+    uint32 theUploadInfo = kNoUploadInfo;
+    zoFileOffset theLength = 0;
+    if (ReadFlags(anOptions, "--flags", kManagedFlags, &theFlags) != kExit_Done ||
+        ReadFlags(anOptions, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done ||
+        ReadLength(anOptions, &theLength) != kExit_Done)
+    {
+        return kExit_Bad;
+    }
+    return PrintDocument(UPnPDIDL_GetForCreateItemRequest(anOptions.Get("--parent"), anOptions.Get("--title"), theFlags,
+                                                          anOptions.Get("--class"), anOptions.Get("--protocol-info"),
+                                                          theLength, theUploadInfo),
+                         anOutput);
+}
+
+static void AddText(zoPackedData_t* aRecord, uint16 aTag, const char* aText)
+{
+    if (aText) { zoPackedData_AddData(aRecord, aTag, aText, strlen(aText) + 1); }
+}
+
+static int CreateResponse(const Options& anOptions, Output& anOutput)
+{
+    uint32 theUploadInfo = kNoUploadInfo;
+    if (ReadFlags(anOptions, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done) { return kExit_Bad; }
+    zoPackedData_t* theEntry = zoPackedData_New(1);
+    zoPackedData_AddNewEntry(theEntry);
+    AddText(theEntry, kCDSEntryInfo_Title, anOptions.Get("--title"));
+    AddText(theEntry, kCDSEntryInfo_ItemClassName, anOptions.Get("--class"));
+    AddText(theEntry, kCDSEntryInfo_CreateClass, anOptions.Get("--create-classes"));
+    const char* theInfoText = anOptions.Get("--protocol-info");
+    zoDLNAProtocolInfo_t* theInfo = theInfoText ? zoDLNAProtocolInfo_New(theInfoText, strlen(theInfoText), 0) : nullptr;
+
+    char* theDocument = UPnPDIDL_GetForCreateObjectResponse(
+        theEntry, anOptions.Get("--import-uri"), anOptions.Get("--import-ifo-uri"), theInfo, anOptions.Get("--id"),
+        anOptions.Get("--parent"), anOptions.Get("--resume") != nullptr, theUploadInfo);
+    zoDLNAProtocolInfo_Delete(theInfo);
+    zoPackedData_Free(theEntry);
+    return PrintDocument(theDocument, anOutput);
+}
+
+static const struct
+{
+    const char* mName;
+    const char* mSummary;
+    const Usage& mUsage;
+    int (*mFunction)(const Options& anOptions, Output& anOutput);
+} kDocuments[] = {
+    { "container", "the request for a container", kContainerUsage, CreateContainer },
+    { "item", "the request for an item", kItemUsage, CreateItem },
+    { "response", "the answer to either", kResponseUsage, CreateResponse },
+};
+
+static int Help(Output& anOutput)
+{
+    anOutput.Text("Usage: upnputil create DOCUMENT [OPTION...]\n\n"
+                  "Prints a DIDL-Lite document by which an object is created on a media server.\n\nDocuments:\n");
+    for (const auto& theDocument : kDocuments)
+        anOutput.Row(theDocument.mName, theDocument.mSummary);
+    anOutput.Text("\nupnputil create DOCUMENT --help tells more.\n");
+    return kExit_Done;
+}
+
+int Create(const Arguments& anArguments, Output& anOutput)
+{
+    if (anArguments.empty())
+    {
+        return Fail("create: container, item or response is missing; see upnputil create --help");
+    }
+    const char* theName = anArguments.front();
+    if (strcmp(theName, "--help") == 0) { return Help(anOutput); }
+    for (const auto& theDocument : kDocuments)
+    {
+        if (strcmp(theName, theDocument.mName) != 0) { continue; }
+        Options theOptions(theDocument.mUsage);
+        if (!theOptions.Read(Arguments(anArguments.begin() + 1, anArguments.end()), anOutput))
+        {
+            return theOptions.Status();
+        }
+        return theDocument.mFunction(theOptions, anOutput);
+    }
+    return Fail("create: no document is called \"" + std::string(theName) + "\"; see upnputil create --help");
+}

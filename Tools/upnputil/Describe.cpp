@@ -1,0 +1,165 @@
+#include "HookOptions.h"
+#include "Input.h"
+#include "Subcommand.h"
+
+#include <UPnP/Stack/ILibWebServer.h>
+#include <algorithm>
+#include <stdlib.h>
+#include <string.h>
+
+static const char kMarker[] = "%@";
+
+static const Usage kUsage = {
+    "describe",
+    "[--part NAME=FILE]... [OPTION...]",
+    "TEMPLATE",
+    "Rewrites a service description, or with --device a device description, for a client and prints it as it is, without\n"
+    "a line end behind it. TEMPLATE is a file with a marker \"%@\" for each optional part; \"-\" is standard input. The\n"
+    "first --part belongs to the first marker, the second to the second, and so on. Line ends at the end of TEMPLATE are\n"
+    "no part of it; parts are taken as they are.\n\n"
+    "A part is put in the place of its marker when the device has a feature that its NAME tells, and left out otherwise.\n"
+    "A NAME may tell several (\":timeseek:byteseek\"). Most are called like their feature (\":timeseek\" for TimeSeek).\n"
+    "Of a service, \":featurelist\", \":ffq\", \":uilifetime\" and \":dlnabm\" stand for GetFeatureList, FreeFormQuery,\n"
+    "SetUILifeTime and DLNABasicManagement, \":rvu\" and \":pfc\" for SupportRVU, \":nexturi\" for a device without\n"
+    "NoSetNextURI; of a device, \":groupservice\" for GroupServiceActive; of both, \":colorlight\", \":whitelight\" and\n"
+    "\":animatedlight\" for the features with \"X_\". Whether \":search\" is there depends on the client, too.\n"
+    "Allowed value lists, made of features and properties, replace the parts \":seekmodelist\", \":playspeedlist\",\n"
+    "\":playmodelist\" and \":transportstatuslist\" of a service.\n\n" +
+        HookNamesHelp(),
+    HookOptionsAnd({
+        { "--part", "NAME=FILE", true, "an optional part's name and text; no FILE: no text; may repeat" },
+        { "--device", nullptr, false, "TEMPLATE is a device description" },
+    }),
+    false,
+};
+
+namespace
+{
+
+typedef std::vector<char> Text; // with its NUL
+
+struct Part
+{
+    std::string mName;
+    std::string mPath; // "": it has no text
+    Text mText;
+};
+
+} // namespace
+
+static size_t LengthOf(const Text& aText) { return aText.size() - 1; }
+
+static int ReadPartNames(const Options& anOptions, std::vector<Part>& aParts)
+{
+    for (const char* theText : anOptions.GetAll("--part"))
+    {
+        const char* theEqualSign = strchr(theText, '=');
+        if (!theEqualSign) { return anOptions.BadUsage("--part " + std::string(theText) + " has no \"=\""); }
+        const std::string theName(theText, theEqualSign);
+        if (theName.find(':') == std::string::npos)
+        {
+            return anOptions.BadUsage("--part " + std::string(theText) + ": no \":\" in its name, as in \":timeseek\"");
+        }
+        aParts.push_back({ theName, theEqualSign + 1, Text(1) });
+    }
+    return kExit_Done;
+}
+
+static bool WantsInputTwice(const Options& anOptions, const std::vector<Part>& aParts)
+{
+    const auto theCount =
+        std::count_if(aParts.begin(), aParts.end(), [](const Part& aPart) { return aPart.mPath == "-"; });
+    return theCount + (strcmp(anOptions.Operand(), "-") == 0) > 1;
+}
+
+static bool ReadTexts(const Options& anOptions, Text& aTemplate, std::vector<Part>& aParts)
+{
+    if (!ReadInput(anOptions.Operand(), aTemplate)) { return false; }
+    for (Part& thePart : aParts)
+    {
+        if (!thePart.mPath.empty() && !ReadInput(thePart.mPath, thePart.mText)) { return false; }
+    }
+    return true;
+}
+
+static void CutLineEnds(Text& aText)
+{
+    size_t theLength = LengthOf(aText);
+    while (theLength > 0 && (aText[theLength - 1] == '\n' || aText[theLength - 1] == '\r'))
+        --theLength;
+    aText.resize(theLength);
+    aText.push_back('\0');
+}
+
+static size_t CountMarkers(const Text& aTemplate)
+{
+    size_t theCount = 0;
+    for (const char* theText = aTemplate.data(); (theText = strstr(theText, kMarker)) != nullptr; ++theCount)
+        theText += strlen(kMarker);
+    return theCount;
+}
+
+// What the library takes for granted.
+static int CheckTemplate(const Options& anOptions, const Text& aTemplate, size_t aPartCount)
+{
+    const std::string theName = InputName(anOptions.Operand());
+    const size_t theLength = LengthOf(aTemplate);
+    if (theLength == 0 || aTemplate[theLength - 1] != '>') { return Fail(theName + ": its end is no \">\""); }
+    const size_t theCount = CountMarkers(aTemplate);
+    if (theCount == aPartCount) { return kExit_Done; }
+    return Fail(theName + ": " + std::to_string(theCount) + " \"" + kMarker + "\" in the template, but " +
+                std::to_string(aPartCount) + " --part");
+}
+
+// The rewritten description, released with free.
+static char* Rewrite(UPnPHook* aHook, const Options& anOptions, Text& aTemplate, std::vector<Part>& aParts)
+{
+    std::vector<char*> theNames, theTexts;
+    std::vector<size_t> theLengths;
+    for (Part& thePart : aParts)
+    {
+        theNames.push_back(thePart.mName.data());
+        theTexts.push_back(thePart.mText.data());
+        theLengths.push_back(LengthOf(thePart.mText));
+    }
+    theTexts.push_back(nullptr);
+
+    const char* theUserAgent = UserAgent(anOptions);
+    char* theDescription = nullptr;
+    if (anOptions.Get("--device"))
+    {
+        UPnPHook_Hook(aHook, kUPnPHook_GetDeviceDescription, AsInput(theUserAgent), theTexts.data(), theNames.data(),
+                      theLengths.data(), aTemplate.data(), &theDescription);
+        return theDescription;
+    }
+    ILibWebServer_Session* theSession = ILibWebServerSession_New(theUserAgent);
+    size_t theLength = 0;
+    UPnPHook_Hook(aHook, kUPnPHook_GetServiceDescription, theSession, AsInput(""), aTemplate.data(),
+                  LengthOf(aTemplate), theTexts.data(), theNames.data(), theLengths.data(), &theDescription,
+                  &theLength);
+    ILibWebServerSession_Delete(theSession);
+    return theDescription;
+}
+
+int Describe(const Arguments& anArguments, Output& anOutput)
+{
+    Options theOptions(kUsage);
+    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
+    const HookPtr theHook = NewHook(theOptions);
+    if (!theHook) { return kExit_Bad; }
+    std::vector<Part> theParts;
+    if (ReadPartNames(theOptions, theParts) != kExit_Done) { return kExit_Bad; }
+    if (WantsInputTwice(theOptions, theParts))
+    {
+        return theOptions.BadUsage("standard input can't be more than one file");
+    }
+    Text theTemplate;
+    if (!ReadTexts(theOptions, theTemplate, theParts)) { return kExit_Bad; }
+    CutLineEnds(theTemplate);
+    if (CheckTemplate(theOptions, theTemplate, theParts.size()) != kExit_Done) { return kExit_Bad; }
+
+    char* theDescription = Rewrite(theHook.get(), theOptions, theTemplate, theParts);
+    anOutput.Text(theDescription);
+    free(theDescription);
+    return kExit_Done;
+}

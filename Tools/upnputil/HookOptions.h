@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Options.h"
+
+#include <UPnP/Utilities/UPnPHook.h>
+#include <memory>
+
+/* The options by which subcommands make a device hook, and tell for which client it is asked. */
+
+struct HookDeleter
+{
+    void operator()(UPnPHook* aHook) const { UPnPHook_Delete(aHook); }
+};
+typedef std::unique_ptr<UPnPHook, HookDeleter> HookPtr;
+
+/** @return these options and anOptions. */
+std::vector<Option> HookOptionsAnd(std::vector<Option> anOptions);
+/** @return what help texts say about the names of features and properties, whole lines. */
+std::string HookNamesHelp();
+
+/** @return a new hook as the options want it; NULL when they are wrong, which then is said: bad usage. */
+HookPtr NewHook(const Options& anOptions);
+/** @return the client's user agent, NULL for one that tells none. */
+const char* UserAgent(const Options& anOptions);
+
+/** The library's questions take texts as char*; it only reads them. */
+inline char* AsInput(const char* aText) { return const_cast<char*>(aText); }
