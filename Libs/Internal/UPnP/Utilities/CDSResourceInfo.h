@@ -47,6 +47,7 @@ public:
     CDSResourceInfo(const CDSResourceInfo&) = delete;
     CDSResourceInfo& operator=(const CDSResourceInfo&) = delete;
 
+    /** @return the number of resources, subtitles and thumbnails among them. */
     uint32 GetResourceCount();
     /** @param aResourceInfoID  the kCDSResourceInfo_* tag of a text. */
     zoCString GetInfoAsCString(uint32 aResourceIndex, uint16 aResourceInfoID);
@@ -70,7 +71,9 @@ public:
     /** @return the value of the first pair of exactly that name; "" when there is none. */
     zoCString GetExtraInfoDataByName(uint32 aResourceIndex, const char* aName);
 
+    /** @return the number of resources that are subtitles. */
     int GetSubtitleCount();
+    /** @return whether the resource is a subtitle: its protocol info has kSubtitleMarker. */
     bool IsSubtitle(int aResourceIndex);
     /** @return the resource index of a subtitle, counted from 0 among the subtitles; -1 when there is none. */
     int GetResourceIndexForSubtitle(int aSubtitleIndex);
@@ -156,7 +159,10 @@ public:
     zoPackedData_t* mPackedData; // owned
 
 protected:
+    /** Reads the album art from an object's entry record; NULL: there is none. */
     void InitUsingPackedData(zoPackedData_t* aPackedData);
+    /** GetBestResourceIndex for sinks that are taken apart already.
+     *  @param aSupportedProtocolSchemeList  the sinks' transports, separated by commas. */
     static int GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList,
                                       const zoCString& aSupportedProtocolSchemeList, zoPackedData_t* aResourceInfo,
                                       int* aConfidence, const zoCString& aPreferredSchemeOrder,

@@ -70,6 +70,7 @@ enum
     kUPnPHookProperty_Count = 5
 };
 
+/* A hook, to be read and written by its operations. */
 typedef struct UPnPHook_t
 {
     int32 mfSupportFeature[kUPnPHookFeature_Count]; /* the hook's own switches; any value but 0 means on */

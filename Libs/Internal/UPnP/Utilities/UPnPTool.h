@@ -3,6 +3,7 @@
 #include <UPnP/Utilities/Export.h>
 #include <zo/CString.h>
 
+/** What a text looks like. Nothing is kept; any thread may call. */
 class UPNPUTILITIES_API UPnPTool
 {
 public:

@@ -17,10 +17,12 @@ extern "C" {
 /* The size of a UUID's text with its NUL. */
 #define kUPnP_UUIDSize 37
 
-/* The words that mean true and false, each list ended by NULL. Look-ups ignore case; "" means false. */
+/* The words that mean true, ended by NULL. Look-ups ignore case. */
 extern UPNPUTILITIES_API const char* kUPnPUtil_TrueStringList[];
+/* The words that mean false, "" among them, ended by NULL. Look-ups ignore case. */
 extern UPNPUTILITIES_API const char* kUPnPUtil_FalseStringList[];
 
+/* For UPnPUtil_IPPart. */
 static inline unsigned int UPnPUtil_S_IPPart(uint32 anAddress, unsigned int aPart)
 {
     unsigned char theBytes[4];

@@ -17,21 +17,28 @@ class ZO_API zoCString
 {
 public:
     zoCString() = default;
+    /** A copy of aText. */
     zoCString(const char* aText); // NOLINT(google-explicit-constructor): texts are given where a zoCString is asked for
     /** The first aLength bytes of aText, cut at a NUL among them. */
     zoCString(const char* aText, size_t aLength);
+    /** A copy. */
     zoCString(const zoCString& aString);
+    /** Takes the text over; aString is empty afterwards. */
     zoCString(zoCString&& aString) noexcept;
     ~zoCString();
 
     /** Assignment from the string's own text or a part of it is allowed. */
     zoCString& operator=(const char* aText);
+    /** As for a plain text. */
     zoCString& operator=(const zoCString& aString);
+    /** Takes the text over. */
     zoCString& operator=(zoCString&& aString) noexcept;
 
     /** @return the text, borrowed until the string changes; "" when empty, never NULL. */
     const char* c_str() const { return mText ? mText : ""; }
+    /** @return the number of bytes. */
     size_t length() const { return mLength; }
+    /** @return whether the text is "". */
     bool IsEmpty() const { return mLength == 0; }
 
     /** @return 0 when equal, below 0 when this text sorts before aString by its bytes, else above 0. */
@@ -39,6 +46,7 @@ public:
 
     /** @return the position of the first aNeedle at aStart or after it; zoNotFound when there is none or it is "". */
     int Find(const zoCString& aNeedle, size_t aStart = 0) const;
+    /** @return whether Find finds it. */
     bool Contains(const zoCString& aNeedle) const { return Find(aNeedle) != zoNotFound; }
 
     /** @return the text before the first aCharacter; the whole text when there is none. */
@@ -57,7 +65,11 @@ private:
     size_t mLength = 0;
 };
 
+/** Whether the texts have the same bytes. */
 ZO_API bool operator==(const zoCString& aLeft, const zoCString& aRight);
+/** Whether the texts differ. */
 ZO_API bool operator!=(const zoCString& aLeft, const zoCString& aRight);
+/** The text with a character behind it. */
 ZO_API zoCString operator+(const zoCString& aString, char aCharacter);
+/** The two texts, one behind the other. */
 ZO_API zoCString operator+(const zoCString& aLeft, const zoCString& aRight);

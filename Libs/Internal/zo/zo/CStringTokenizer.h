@@ -3,6 +3,7 @@
 #include <zo/CString.h>
 #include <zo/Export.h>
 
+/* How a text is taken apart. */
 enum zoCStringTokenizerMode
 {
     kTokenizerMode_Default = 0 // empty tokens are skipped
@@ -14,6 +15,7 @@ class ZO_API zoCStringTokenizer
 public:
     /** Starts over with aText; each byte of aDelimiters separates tokens. */
     void SetString(const zoCString& aText, const zoCString& aDelimiters, zoCStringTokenizerMode aMode);
+    /** @return whether there is a next token. */
     bool HasMoreTokens() const;
     /** @return the next token, blanks and all; "" when there is none left. */
     zoCString GetNextToken();

@@ -21,6 +21,7 @@
 extern "C" {
 #endif
 
+/* How much a message matters: the lower, the more. */
 enum
 {
     ZOLOGLEVEL_NONE = 0,
@@ -33,6 +34,7 @@ enum
 /* A message of level L is written when L is below this; 3 at start: errors and warnings. */
 extern ZOLOG_API int _zoLog_Level;
 
+/* A message in the making. */
 typedef struct zoLogRecord_t zoLogRecord_t;
 
 /** Receives each finished message. aFile is "" when the message has no place in the source. Nothing is kept. */

@@ -12,6 +12,7 @@
 extern "C" {
 #endif
 
+/** Is told of a condition that does not hold, and where it stands. It may return. */
 typedef void (*zoAssertHandler_t)(const char* aCondition, const char* aFile, int aLine);
 
 /** Installs a handler, NULL for the default. @return the handler before, NULL when it was the default. */
@@ -20,6 +21,7 @@ ZOLTTOOLS_API zoAssertHandler_t zoAssert_SetHandler(zoAssertHandler_t aHandler);
 /** Reports a failed condition to the handler: its text, the source file's path (from "Libs/" on) and the line. */
 ZOLTTOOLS_API void _zoAssert(const char* aCondition, const char* aFile, int aLine);
 
+/* For zoAssert. */
 static inline int zoAssert_Check(int afCondition, const char* aCondition, const char* aFile, int aLine)
 {
     if (!afCondition) { _zoAssert(aCondition, aFile, aLine); }

@@ -10,6 +10,7 @@
 extern "C" {
 #endif
 
+/* A table of texts by text. */
 typedef struct zoCustomHashTable zoCustomHashTable;
 
 /** @return a new empty table of strings by string, compared byte by byte, which copies its keys and values; released

@@ -14,6 +14,7 @@
 extern "C" {
 #endif
 
+/* One protocol info; nothing but its user data changes. */
 typedef struct zoDLNAProtocolInfo_t zoDLNAProtocolInfo_t;
 
 /**
@@ -44,8 +45,9 @@ ZOLTTOOLS_API int zoDLNAProtocolInfo_IsThumbnail(const zoDLNAProtocolInfo_t* anI
 /** @return the conversion indicator (DLNA.ORG_CI): 1 when the content is converted, 0 when not or not said. */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_GetConversionIndicator(const zoDLNAProtocolInfo_t* anInfo);
 
-/** One number carried with the object, 0 at start. */
+/** Sets the one number that is carried with the object, 0 at start. */
 ZOLTTOOLS_API void zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfo_t* anInfo, int aUserData);
+/** @return the number carried with the object; 0 for NULL. */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_GetUserData(const zoDLNAProtocolInfo_t* anInfo);
 
 #ifdef __cplusplus

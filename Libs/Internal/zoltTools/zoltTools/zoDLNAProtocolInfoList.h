@@ -10,6 +10,7 @@
 extern "C" {
 #endif
 
+/* Protocol infos in an order. */
 typedef struct zoDLNAProtocolInfoList_t zoDLNAProtocolInfoList_t;
 
 /* How zoDLNAProtocolInfoList_Match compares; a bit mask. */

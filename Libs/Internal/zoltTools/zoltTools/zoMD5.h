@@ -9,6 +9,7 @@
 extern "C" {
 #endif
 
+/* A digest in the making. */
 typedef struct zoMD5Context
 {
     uint32 mTotal[2]; /* bytes added so far, low word first */
@@ -16,6 +17,7 @@ typedef struct zoMD5Context
     uint8 mBuffer[64]; /* the bytes of the block that is not full yet */
 } zoMD5Context;
 
+/** Begins a digest: that of no bytes. */
 ZOLTTOOLS_API void zoMD5_Init(zoMD5Context* aContext);
 /** Adds aLength bytes; aBytes may be NULL when aLength is 0. */
 ZOLTTOOLS_API void zoMD5_Add(zoMD5Context* aContext, const void* aBytes, size_t aLength);

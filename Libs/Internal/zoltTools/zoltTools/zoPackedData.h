@@ -28,6 +28,7 @@
 extern "C" {
 #endif
 
+/* A record: entries of tagged values. */
 typedef struct zoPackedData_t zoPackedData_t;
 
 /** @return a new record without entries, released with zoPackedData_Free; aCount: entries expected, a hint. */
@@ -63,6 +64,7 @@ ZOLTTOOLS_API uint64 zoPackedData_GetDataAsUInt64(const zoPackedData_t* aRecord,
 ZOLTTOOLS_API zoArray_t* zoPackedData_GetDataArray(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag,
                                                    zoArray_UnFlattenerFunc_t anUnFlattener);
 
+/** @return the number of entries. */
 ZOLTTOOLS_API uint32 zoPackedData_GetEntryCount(const zoPackedData_t* aRecord);
 /** @return the number of values in the entry; 0 past the last entry. */
 ZOLTTOOLS_API uint16 zoPackedData_GetTagCount(const zoPackedData_t* aRecord, uint32 anEntry);
