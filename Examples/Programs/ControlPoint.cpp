@@ -1,0 +1,67 @@
+// ControlPoint FILE: what a control point does with the answer to a Browse action before it has a renderer play what
+// the user picks. FILE holds the DIDL-Lite text of the answer (its Result, unescaped); the renderer is a television
+// that plays JPEG pictures, MP3 and MPEG-2.
+
+#include <UPnP/Utilities/CDSEntryInfo.h>
+#include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/UPnPCPUtility.h>
+#include <UPnP/Utilities/UPnPDIDL.h>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
+
+// What the renderer's GetProtocolInfo action answers as its sinks.
+static const char kSinks[] = "http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_LRG,http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_SM,"
+                             "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3,http-get:*:video/mpeg:DLNA.ORG_PN=MPEG_PS_PAL";
+
+static void PlayOn(zoDLNAProtocolInfoList_t* aSinks, ILibXMLNode* aDIDL, ILibXMLNode* anObject, bool afIsItem)
+{
+    char* theEntryBlock = nullptr;
+    char* theResourceBlock = nullptr;
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(anObject);
+    UPnPDIDL_Parse(nullptr, aDIDL, anObject, theAttributes, afIsItem, &theEntryBlock, &theResourceBlock);
+    ILibDestructXMLAttributeList(theAttributes);
+
+    zoPackedData_t* theEntryRecord = zoPackedData_NewData(theEntryBlock);
+    CDSResourceInfo theResources(theResourceBlock, theEntryRecord); // takes the resources over
+    CDSEntryInfo theEntry(theEntryRecord);                          // and this one the entry
+    int theConfidence = 0;
+    const int theIndex = theResources.GetBestResourceIndex(aSinks, &theConfidence, "*", nullptr, 0);
+    std::printf("%s: ", theEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
+    if (theIndex < 0)
+    {
+        std::printf("can't be played here\n");
+        return;
+    }
+    const zoCString theURI = theResources.GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
+    const zoCString theUnlockedURI = UPnPCPUtility::GetURIUnlocked(theURI, "1234"); // itself, unless it is locked
+    char* theMetadata = UPnPDIDL_Get(theEntry.mPackedData, theResources.mPackedData, 1, 0, theURI.c_str());
+    std::printf("%s, with %zu bytes of metadata\n", theUnlockedURI.c_str(), std::string(theMetadata).size());
+    std::free(theMetadata);
+}
+
+int main(int argc, char** argv)
+{
+    if (argc != 2)
+    {
+        std::fprintf(stderr, "usage: %s FILE\n", argv[0]);
+        return 2;
+    }
+    std::ifstream theFile(argv[1], std::ios::binary);
+    std::string theText{ std::istreambuf_iterator<char>(theFile), {} };
+    ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
+    const bool fIsWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
+    zoDLNAProtocolInfoList_t* theSinks = zoDLNAProtocolInfoList_New(kSinks, 0);
+    // The objects are the children of the document's one element.
+    for (ILibXMLNode* theNode = fIsWellFormed && theNodes ? theNodes->Next : nullptr; theNode; theNode = theNode->Peer)
+    {
+        const std::string theName(theNode->Name, static_cast<size_t>(theNode->NameLength));
+        if (theName == "item" || theName == "container") { PlayOn(theSinks, theNodes, theNode, theName == "item"); }
+    }
+    zoDLNAProtocolInfoList_Delete(theSinks);
+    ILibDestructXMLNodeList(theNodes);
+    return fIsWellFormed ? 0 : 1;
+}
