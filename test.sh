@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
-# Builds everything and runs the tests: ./test.sh [PRESET...] (dev), or ./test.sh --all
+# Builds everything and runs the tests: ./test.sh [PRESET...] (dev), ./test.sh --all for all presets that run here at
+# speed, or ./test.sh --all-targets for the other processors, under emulation.
 set -euo pipefail
 root=$(cd "$(dirname "$0")" && pwd -P)
 . "$root/CMake/dependencies.sh"
 . "$root/CMake/build.sh"
 
 presets=("${@:-dev}")
-if [ "${1-}" = --all ]; then presets=(dev release asan asan-clang i386); fi
+case ${1-} in
+--all) presets=(dev release asan asan-clang tsan i386) ;;
+--all-targets) presets=(i386 armhf mips) ;;
+esac
 
 for preset in "${presets[@]}"; do
-    packages=(cmake ninja-build g++ ccache googletest)
+    packages=(cmake ninja-build g++ ccache googletest pkg-config)
     case $preset in
-    dev | release | asan) ;;
+    dev | release | asan | tsan) ;;
     asan-clang) packages+=(clang libclang-rt-14-dev) ;;
-    i386) packages+=(g++-multilib) ;;
+    i386) packages+=(g++-12-multilib) ;;
+    valgrind) packages+=(valgrind) ;;
+    armhf) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
+    mips) packages+=(g++-mips-linux-gnu qemu-user) ;;
     *)
-        echo "$0: no tests for a preset \"$preset\"; there are dev, release, asan, asan-clang, i386" >&2
+        echo "$0: no tests for a preset \"$preset\"; there are dev, release, asan, asan-clang, tsan, valgrind, i386," \
+            "armhf, mips" >&2
         exit 2
         ;;
     esac

@@ -22,10 +22,14 @@ endif()
 function(upnp_add_library aName aRoot aDirectory)
     file(GLOB theSources CONFIGURE_DEPENDS ${aDirectory}/*.cpp ${aDirectory}/*.h)
     add_library(${aName} SHARED ${theSources})
-    target_include_directories(${aName} PUBLIC ${aRoot})
+    target_include_directories(${aName} PUBLIC $<BUILD_INTERFACE:${aRoot}>) # installed: CMake/Install.cmake
     target_link_libraries(${aName} PUBLIC ${ARGN} PRIVATE BuildOptions)
     target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti
         -fno-semantic-interposition -fno-plt) # calls between the libraries are many and short
+    # Nothing is thrown through them, so as shipped they go without the tables for it, and without padding to pages.
+    target_compile_options(${aName} PRIVATE
+        $<$<CONFIG:Release>:-fno-asynchronous-unwind-tables;-fno-unwind-tables>)
+    target_link_options(${aName} PRIVATE $<$<CONFIG:Release>:LINKER:-z,noseparate-code>)
     set_target_properties(${aName} PROPERTIES
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON

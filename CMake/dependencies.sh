@@ -4,11 +4,15 @@ can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
 
 has_package() {
     case $1 in
-    cmake | clang-format | clang-tidy) command -v "$1" ;;
+    cmake | clang-format | clang-tidy | doxygen | valgrind) command -v "$1" ;;
     ccache) command -v ccache || ! can_install ;; # builds go without it, too
+    dpkg-dev) command -v dpkg-shlibdeps ;;
     ninja-build) command -v ninja ;;
+    pkg-config) command -v pkg-config || ! can_install ;; # one test less without it
     g++) command -v g++ && command -v gcc ;;
-    g++-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
+    g++-12-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
+    g++-arm-linux-gnueabihf | g++-mips-linux-gnu) command -v "${1#g++-}-g++" ;;
+    qemu-user) command -v qemu-arm && command -v qemu-mips ;;
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
     libbenchmark-dev) [ -e /usr/include/benchmark/benchmark.h ] ;;
     libpugixml-dev) [ -e /usr/include/pugixml.hpp ] ;;

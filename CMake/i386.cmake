@@ -3,5 +3,8 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER gcc)
 set(CMAKE_CXX_COMPILER g++)
-set(CMAKE_C_FLAGS_INIT -m32)
-set(CMAKE_CXX_FLAGS_INIT -m32)
+# The kernel's headers, which both x86 have in common: Debian's package that links them into /usr/include can't be
+# installed beside cross compilers.
+set(theFlags "-m32 -idirafter /usr/include/x86_64-linux-gnu")
+set(CMAKE_C_FLAGS_INIT ${theFlags})
+set(CMAKE_CXX_FLAGS_INIT ${theFlags})

@@ -24,3 +24,19 @@ inline char* NewText(const uint8_t* aBytes, size_t aSize)
     theText[aSize] = 0;
     return static_cast<char*>(std::realloc(theText, std::strlen(theText) + 1));
 }
+
+/* A text cut at its line ends, line by line; NULL after the last. */
+struct Lines
+{
+    char* mNext;
+
+    const char* Take()
+    {
+        char* theLine = mNext;
+        if (!theLine) { return nullptr; }
+        char* theEnd = std::strchr(theLine, '\n');
+        mNext = theEnd ? theEnd + 1 : nullptr;
+        if (theEnd) { *theEnd = 0; }
+        return theLine;
+    }
+};

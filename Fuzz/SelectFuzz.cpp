@@ -8,21 +8,6 @@
 namespace
 {
 
-struct Lines
-{
-    char* mNext;
-
-    const char* Take()
-    {
-        char* theLine = mNext;
-        if (!theLine) { return nullptr; }
-        char* theEnd = strchr(theLine, '\n');
-        mNext = theEnd ? theEnd + 1 : nullptr;
-        if (theEnd) { *theEnd = 0; }
-        return theLine;
-    }
-};
-
 void AddText(zoPackedData_t* aRecord, uint16 aTag, const char* aText)
 {
     if (aText) { zoPackedData_AddData(aRecord, aTag, aText, strlen(aText) + 1); }

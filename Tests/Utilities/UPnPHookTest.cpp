@@ -5,6 +5,8 @@
 #include <UPnP/Utilities/UPnPHook.h>
 #include <climits>
 #include <gtest/gtest.h>
+#include <sstream>
+#include <utility>
 #include <vector>
 
 namespace
@@ -47,7 +49,7 @@ std::string Describe(const Hook& aHook, const std::string& aTemplate, const std:
     }
     theTexts.push_back(nullptr);
     char* theBuffer = nullptr;
-    size_t theLength = 0;
+    size_t theLength = 99;
     if (afDevice)
     {
         UPnPHook_Hook(aHook.mHook, kUPnPHook_GetDeviceDescription, Writable(aUserAgent), theTexts.data(),
@@ -70,6 +72,16 @@ std::string AllowedValues(const std::vector<std::string>& aValues)
     for (const std::string& theValue : aValues)
         theText += "<allowedValue>" + theValue + "</allowedValue>";
     return theText + "</allowedValueList>";
+}
+
+// What an AVTransport says of three of its state variables.
+std::string AVTransport(const std::string& aSeekModes, const std::string& aPlayModes, const std::string& aStatus)
+{
+    const auto Variable = [](const std::string& aName, const std::string& aValues)
+    { return "<stateVariable><name>" + aName + "</name><dataType>string</dataType>" + aValues + "</stateVariable>"; };
+    return "<?xml version=\"1.0\"?><scpd xmlns=\"urn:schemas-upnp-org:service-1-0\"><serviceStateTable>" +
+           Variable("A_ARG_TYPE_SeekMode", aSeekModes) + Variable("CurrentPlayMode", aPlayModes) +
+           Variable("TransportStatus", aStatus) + "</serviceStateTable></scpd>";
 }
 
 int Ask(const Hook& aHook, int aHookID, const char* aText)
@@ -235,44 +247,35 @@ TEST(UPnPHookTest, ConvertsObjectIDs)
 {
     const struct
     {
-        const char* mID;
+        const char* mRequested;
         const char* mNewID;
-        const char* mNewFilter;
     } kCases[] = {
-        { "F", "-playlist", "dc:title" },
-        { "10", "-playlist", "dc:title" },
-        { "11", "-playlist", "dc:title" },
-        { "13", "-playlist", "dc:title" },
-        { "15", "-videofolder", "dc:title" },
-        { "16", "-picturefolder", "dc:title" },
-        { "7", "-musicalbum", "dc:title" },
-        { "6", "-musicartist", "dc:title" },
-        { "4", "-musicall", "dc:title" },
-        { "5", "-musicgenre", "dc:title" },
-        { "1", "-musicartist", "dc:title,res" },
-        { "64", "64", "dc:title" },
-        { "f", "f", "dc:title" },
+        { "F", "-playlist" },   { "10", "-playlist" },    { "11", "-playlist" },
+        { "13", "-playlist" },  { "15", "-videofolder" }, { "16", "-picturefolder" },
+        { "7", "-musicalbum" }, { "6", "-musicartist" },  { "4", "-musicall" },
+        { "5", "-musicgenre" }, { "1", "-musicartist" },  { "64", "64" },
+        { "f", "f" },
     };
     const Hook theHook;
-    for (const auto& theCase : kCases)
+    for (const auto& [theRequested, theNewID] : kCases)
     {
         for (const char* theClient : { "Xbox/2.0", "Windows-Media-Player/11.0", "VLC/3" })
         {
-            char* theID = Writable(theCase.mID);
+            char* theID = Writable(theRequested);
             char* theFilter = Writable("dc:title");
-            char* theNoFilter = nullptr;
             const bool fIsEmulated = *theClient != 'V';
+            const bool fIsExtended = fIsEmulated && strcmp(theRequested, "1") == 0;
             UPnPHook_Hook(theHook.mHook, kUPnPHook_ConvertObjectID, Writable(theClient), &theID, &theFilter);
-            EXPECT_EQ(fIsEmulated ? theCase.mNewID : theCase.mID, Taken(theID));
-            EXPECT_EQ(fIsEmulated ? theCase.mNewFilter : "dc:title", Taken(theFilter));
-            theID = Writable(theCase.mID);
-            UPnPHook_Hook(theHook.mHook, kUPnPHook_ConvertObjectID, Writable(theClient), &theID, &theNoFilter);
+            EXPECT_EQ(fIsEmulated ? theNewID : theRequested, Taken(theID));
+            EXPECT_EQ(fIsExtended ? "dc:title,res" : "dc:title", Taken(theFilter));
+            char* theNoFilter = nullptr;
+            for (char** theFilterPointer : { &theNoFilter, static_cast<char**>(nullptr) })
+            {
+                theID = Writable(theRequested);
+                UPnPHook_Hook(theHook.mHook, kUPnPHook_ConvertObjectID, Writable(theClient), &theID, theFilterPointer);
+                EXPECT_EQ(fIsEmulated ? theNewID : theRequested, Taken(theID));
+            }
             EXPECT_EQ(nullptr, theNoFilter);
-            free(theID);
-            theID = Writable(theCase.mID);
-            UPnPHook_Hook(theHook.mHook, kUPnPHook_ConvertObjectID, Writable(theClient), &theID,
-                          static_cast<char**>(nullptr));
-            free(theID);
         }
     }
 }
@@ -316,61 +319,31 @@ TEST(UPnPHookTest, AnswersByFeaturesAndProperties)
     EXPECT_EQ(1, Ask(theHook, kUPnPHook_GetSupportEvent, ":somethingelse"));
 }
 
-// Each part name, whether its feature is off or on; the names of service descriptions first.
+// Each part name with its feature, by number, off and on; the two kinds of description have names of their own.
 TEST(UPnPHookTest, IncludesThePartsOfItsFeatures)
 {
-    const struct
+    const char kServiceParts[] = "0:upload 1:timeseek 2:search 4:byteseek 5:featurelist 6:ffq 13:updateobject "
+                                 "15:containerupdateids 17:pfc 17:rvu 21:hdlnk 24:uilifetime 25:basicmanagement "
+                                 "26:dlnabm 27:configurationmanagement 28:colorlight 29:whitelight "
+                                 "31:friendlyinfoupdate 32:friendlyinfoiconupdate 33:dimmingramp 34:dimmingstep "
+                                 "35:animatedlight 36:uilistingupdate 37:cvp2server 38:bcscontrol";
+    const char kDeviceParts[] = "7:srs 7:srsext 9:msregistrar 14:groupservice 20:srsext 23:energymanagement "
+                                "25:basicmanagement 27:configurationmanagement 28:colorlight 29:whitelight "
+                                "31:friendlyinfoupdate 35:animatedlight";
+    for (const bool fDevice : { false, true })
     {
-        const char* mName;
-        int mFeature;
-        bool mfDevice;
-    } kParts[] = {
-        { ":upload", kUPnPHookFeature_Upload, false },
-        { ":timeseek", kUPnPHookFeature_TimeSeek, false },
-        { ":byteseek", kUPnPHookFeature_ByteSeek, false },
-        { ":featurelist", kUPnPHookFeature_GetFeatureList, false },
-        { ":ffq", kUPnPHookFeature_FreeFormQuery, false },
-        { ":updateobject", kUPnPHookFeature_UpdateObject, false },
-        { ":containerupdateids", kUPnPHookFeature_ContainerUpdateIDs, false },
-        { ":hdlnk", kUPnPHookFeature_HDLnk, false },
-        { ":uilifetime", kUPnPHookFeature_SetUILifeTime, false },
-        { ":basicmanagement", kUPnPHookFeature_BasicManagement, false },
-        { ":dlnabm", kUPnPHookFeature_DLNABasicManagement, false },
-        { ":configurationmanagement", kUPnPHookFeature_ConfigurationManagement, false },
-        { ":colorlight", kUPnPHookFeature_X_ColorLight, false },
-        { ":whitelight", kUPnPHookFeature_X_WhiteLight, false },
-        { ":friendlyinfoupdate", kUPnPHookFeature_FriendlyInfoUpdate, false },
-        { ":friendlyinfoiconupdate", kUPnPHookFeature_FriendlyInfoIconUpdate, false },
-        { ":dimmingramp", kUPnPHookFeature_DimmingRamp, false },
-        { ":dimmingstep", kUPnPHookFeature_DimmingStep, false },
-        { ":animatedlight", kUPnPHookFeature_X_AnimatedLight, false },
-        { ":uilistingupdate", kUPnPHookFeature_UIListingUpdate, false },
-        { ":cvp2server", kUPnPHookFeature_CVP2Server, false },
-        { ":bcscontrol", kUPnPHookFeature_BCSControl, false },
-        { ":rvu", kUPnPHookFeature_SupportRVU, false },
-        { ":pfc", kUPnPHookFeature_SupportRVU, false },
-        { ":search", kUPnPHookFeature_Search, false },
-        { ":srs", kUPnPHookFeature_SRS, true },
-        { ":msregistrar", kUPnPHookFeature_MSRegistrar, true },
-        { ":groupservice", kUPnPHookFeature_GroupServiceActive, true },
-        { ":energymanagement", kUPnPHookFeature_EnergyManagement, true },
-        { ":configurationmanagement", kUPnPHookFeature_ConfigurationManagement, true },
-        { ":basicmanagement", kUPnPHookFeature_BasicManagement, true },
-        { ":colorlight", kUPnPHookFeature_X_ColorLight, true },
-        { ":whitelight", kUPnPHookFeature_X_WhiteLight, true },
-        { ":animatedlight", kUPnPHookFeature_X_AnimatedLight, true },
-        { ":friendlyinfoupdate", kUPnPHookFeature_FriendlyInfoUpdate, true },
-        { ":srsext", kUPnPHookFeature_SRSExt, true },
-        { ":srsext", kUPnPHookFeature_SRS, true },
-    };
-    for (const auto& thePart : kParts)
-    {
-        const std::string theName = "x" + std::string(thePart.mName) + ":y";
-        const std::vector<Part> theParts = { { theName.c_str(), "<p/>" } };
-        EXPECT_EQ("<a></a>", Describe(Hook(), "<a>%@</a>", theParts, "", thePart.mfDevice)) << thePart.mName;
-        Hook theHook({ thePart.mFeature });
-        theHook.mHook = UPnPHook_New_WithParent(theHook.mHook);
-        EXPECT_EQ("<a><p/></a>", Describe(theHook, "<a>%@</a>", theParts, "", thePart.mfDevice)) << thePart.mName;
+        std::istringstream theParts(fDevice ? kDeviceParts : kServiceParts);
+        std::string theName;
+        for (int theFeature = 0; theParts >> theFeature >> theName;)
+        {
+            const std::string theNames = "x:" + theName + ":y";
+            const std::vector<Part> thePart = { { theNames.c_str(), "<p/>" } };
+            EXPECT_EQ("<a></a>", Describe(Hook(), "<a>%@</a>", thePart, "", fDevice)) << theName;
+            Hook theHook({ theFeature });
+            theHook.mHook = UPnPHook_New_WithParent(theHook.mHook);
+            EXPECT_EQ("<a><p/></a>", Describe(theHook, "<a>%@</a>", thePart, "", fDevice)) << theName;
+        }
+        EXPECT_TRUE(theParts.eof());
     }
     EXPECT_EQ("<a>n</a>", Describe(Hook(), "<a>%@</a>", { { ":nexturi", "n" } }));
     EXPECT_EQ("<a></a>", Describe(Hook({ kUPnPHookFeature_NoSetNextURI }), "<a>%@</a>", { { ":nexturi", "n" } }));
@@ -383,8 +356,7 @@ TEST(UPnPHookTest, ListsWhatAnAVTransportAllows)
     const std::vector<Part> kLists = { { ":seekmodelist", "seek" },
                                        { ":playmodelist", "mode" },
                                        { ":transportstatuslist", "status" } };
-    const std::string kTemplate = "<scpd>%@%@%@</scpd>";
-    const std::string kOther = AllowedValues({ "NORMAL" }) + AllowedValues({ "OK", "ERROR_OCCURRED" });
+    const std::string kTemplate = AVTransport("%@", "%@", "%@");
     const char* const kModes[] = { "TRACK_NR", "ABS_TIME", "FRAME", "X_DLNA_REL_BYTE", "REL_TIME" };
     for (int i = 0; i < 8; ++i) // each combination of seek features
     {
@@ -400,7 +372,9 @@ TEST(UPnPHookTest, ListsWhatAnAVTransportAllows)
             EXPECT_EQ(fIsOn, Check(theHook, kUPnPHook_CheckSeekMode, theMode));
         }
         std::string theText = Describe(theHook, kTemplate, kLists);
-        EXPECT_EQ("<scpd>" + AllowedValues(theModes) + kOther + "</scpd>", theText);
+        EXPECT_EQ(AVTransport(AllowedValues(theModes), AllowedValues({ "NORMAL" }),
+                              AllowedValues({ "OK", "ERROR_OCCURRED" })),
+                  theText);
         ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
         EXPECT_EQ(kILibProcessXML_NoError, ILibProcessXMLNodeList(theNodes));
         ILibDestructXMLNodeList(theNodes);
@@ -410,15 +384,18 @@ TEST(UPnPHookTest, ListsWhatAnAVTransportAllows)
     UPnPHook_SetProperty(theHook.mHook, kUPnPHookProperty_PlayModeList, "SHUFFLE,,REPEAT_ALL");
     UPnPHook_SetProperty(theHook.mHook, kUPnPHookProperty_TransportStatusList, "X_BUSY");
     UPnPHook_SetProperty(theHook.mHook, kUPnPHookProperty_PlaySpeedList, "-1,1/2,1");
-    EXPECT_EQ("<scpd>" + AllowedValues({ "NORMAL", "SHUFFLE", "REPEAT_ALL" }) + AllowedValues({ "-1", "1/2", "1" }) +
-                  AllowedValues({ "OK", "ERROR_OCCURRED", "X_BUSY" }) + "</scpd>",
-              Describe(theHook, kTemplate,
+    EXPECT_EQ(AllowedValues({ "NORMAL", "SHUFFLE", "REPEAT_ALL" }) + AllowedValues({ "-1", "1/2", "1" }) +
+                  AllowedValues({ "OK", "ERROR_OCCURRED", "X_BUSY" }),
+              Describe(theHook, "%@%@%@",
                        { { ":playmodelist", "" }, { ":playspeedlist", "" }, { ":transportstatuslist", "" } }));
     const std::vector<Part> kSpeeds = { { ":playspeedlist", "own" } };
     UPnPHook_SetProperty(theHook.mHook, kUPnPHookProperty_PlaySpeedList, ",");
     EXPECT_EQ("<a></a>", Describe(theHook, "<a>%@</a>", kSpeeds));
+    const std::vector<Part> kTwoLists = { { ":playmodelist:playspeedlist", "own" } };
+    EXPECT_EQ("<a></a>", Describe(theHook, "<a>%@</a>", kTwoLists));
     UPnPHook_SetProperty(theHook.mHook, kUPnPHookProperty_PlaySpeedList, "");
     EXPECT_EQ("<a></a>", Describe(theHook, "<a>%@</a>", kSpeeds));
+    EXPECT_EQ("<a>" + AllowedValues({ "NORMAL" }) + "</a>", Describe(Hook(), "<a>%@</a>", kTwoLists));
     // Of several names the first rule decides.
     EXPECT_EQ("<a>own</a>",
               Describe(Hook({ kUPnPHookFeature_TimeSeek }), "<a>%@</a>", { { ":seekmodelist:timeseek", "own" } }));

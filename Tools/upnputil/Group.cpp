@@ -28,7 +28,7 @@ static const Usage kStoreUsage = {
 
 static const Usage kLoadUsage = {
     "group load",
-    "",
+    "[OPTION...]",
     "CONFIG CAPABILITY",
     "Prints the group in the section CAPABILITY of the configuration file CONFIG as a groupInfo document. CONFIG \"-\" is\n"
     "standard input.\n",
@@ -163,13 +163,12 @@ static int ShowGroup(const Options& anOptions, Output& anOutput)
 
 // ---- Store and load ----
 
+static bool StartsWith(const std::string& aText, const char* aStart) { return aText.rfind(aStart, 0) == 0; }
+
 static bool IsGroupKey(const std::string& aKey)
 {
-    for (const std::string theStart : { "Group.", "Master.", "Slave" })
-    {
-        if (aKey.compare(0, theStart.size(), theStart) == 0) { return true; }
-    }
-    return false;
+    const bool fIsOfSlave = StartsWith(aKey, "Slave") && aKey[5] >= '0' && aKey[5] <= '9';
+    return fIsOfSlave || StartsWith(aKey, "Group.") || StartsWith(aKey, "Master.");
 }
 
 // Removes the keys of another group that stood there. The result is their number.
@@ -196,6 +195,7 @@ static int StoreGroup(const Options& anOptions, Output& anOutput)
 {
     const char* theSection = anOptions.Operand(1);
     const char* thePath = anOptions.Operand(2);
+    if (strcmp(thePath, "-") == 0) { return anOptions.BadUsage("CONFIG has to be a file"); }
     const Reason theReason;
     std::vector<char> theText;
     if (!ReadInput(anOptions.Operand(0), theText)) { return kExit_Bad; }

@@ -136,16 +136,16 @@ constexpr SupportedFeature kSupportedFeatures[] = {
     { kUPnPHookFeature_VideoAlbumArtURI, nullptr, 0 },
 };
 
-constexpr bool IsByID()
+constexpr bool IsInOrder()
 {
     int theID = 0;
     for (const SupportedFeature& theFeature : kSupportedFeatures)
     {
-        if (theFeature.mID != theID++) { return false; }
+        if (theFeature.mID != theID++ || (theFeature.mPartName && *theFeature.mPartName != ':')) { return false; }
     }
     return theID == kUPnPHookFeature_Count;
 }
-static_assert(IsByID(), "a row for each feature, at its ID");
+static_assert(IsInOrder(), "a row for each feature, at its ID; part names begin with ':'");
 
 // The parts that device descriptions have, in this order.
 struct DevicePart
@@ -168,7 +168,38 @@ const DevicePart kDeviceParts[] = {
     { kUPnPHookFeature_SRSExt, ":srsext" },
 };
 
+// The names of the parts that a description has as they are.
+struct PartNames
+{
+    const char* mNames[kUPnPHookFeature_Count + 3];
+    size_t mCount;
+};
+
 } // namespace
+
+static void AddName(PartNames* aNames, const char* aName) { aNames->mNames[aNames->mCount++] = aName; }
+
+static bool BeginsWith(const char* aText, const char* aBeginning)
+{
+    for (; *aBeginning; ++aText, ++aBeginning)
+    {
+        if (*aText != *aBeginning) { return false; }
+    }
+    return true;
+}
+
+// Whether one of the names is in that of a part. They begin with ':', so that they are looked for only there.
+static bool ContainsOneOf(const char* aPartName, const char* const* aNames, size_t aCount)
+{
+    for (const char* theText = aPartName; theText && (theText = strchr(theText, ':')); ++theText)
+    {
+        for (size_t i = 0; i < aCount; ++i)
+        {
+            if (BeginsWith(theText, aNames[i])) { return true; }
+        }
+    }
+    return false;
+}
 
 // ---- Descriptions: lists of allowed values ----
 
@@ -269,6 +300,7 @@ struct Insertion
 {
     const char* mText;
     size_t mLength;
+    const char* mMarker; // its place in the template, once that has been looked through
 };
 
 } // namespace
@@ -281,9 +313,11 @@ static size_t CountParts(const OptionalParts& aParts)
     return theCount;
 }
 
-static bool NameContains(const char* aName, const char* aPartName)
+// The insertions for the parts, to be filled in; released with free.
+static Insertion* NewInsertions(size_t aCount)
 {
-    return aName && strstr(aName, aPartName) != nullptr;
+    if (aCount > SIZE_MAX / sizeof(Insertion)) { abort(); } // more than memory can hold
+    return static_cast<Insertion*>(zoMallocZeroed(aCount * sizeof(Insertion)));
 }
 
 // The next marker, "%@"; the end when there is none.
@@ -298,12 +332,16 @@ static const char* FindMarker(const char* aPosition, const char* anEnd)
     return anEnd;
 }
 
-static size_t CountMarkers(const char* aTemplate, size_t aLength)
+// Gives the insertions their places. Returns the number of markers, which may be another.
+static size_t PlaceAtMarkers(const char* aTemplate, size_t aLength, Insertion* anInsertions, size_t aCount)
 {
     const char* theEnd = aTemplate + aLength;
     size_t theCount = 0;
     for (const char* theMarker = aTemplate; (theMarker = FindMarker(theMarker, theEnd)) != theEnd; theMarker += 2)
+    {
+        if (theCount < aCount) { anInsertions[theCount].mMarker = theMarker; }
         ++theCount;
+    }
     return theCount;
 }
 
@@ -313,8 +351,8 @@ static char* Append(char* anEnd, const char* aBytes, size_t aCount)
     return anEnd + aCount;
 }
 
-// The template, which has a marker for each of the insertions, with these in their places: a new text of exactly that
-// length and a NUL.
+// The template with the insertions in their places, which are all of its markers: a new text of exactly that length and
+// a NUL.
 static char* Splice(const char* aTemplate, size_t aTemplateLength, const Insertion* anInsertions, size_t aCount,
                     size_t* aLength)
 {
@@ -330,10 +368,9 @@ static char* Splice(const char* aTemplate, size_t aTemplateLength, const Inserti
     const char* theTemplateEnd = aTemplate + aTemplateLength;
     for (size_t i = 0; i < aCount; ++i)
     {
-        const char* theMarker = FindMarker(thePosition, theTemplateEnd);
-        theTarget = Append(theTarget, thePosition, static_cast<size_t>(theMarker - thePosition));
+        theTarget = Append(theTarget, thePosition, static_cast<size_t>(anInsertions[i].mMarker - thePosition));
         theTarget = Append(theTarget, anInsertions[i].mText, anInsertions[i].mLength);
-        thePosition = theMarker + 2;
+        thePosition = anInsertions[i].mMarker + 2;
     }
     theTarget = Append(theTarget, thePosition, static_cast<size_t>(theTemplateEnd - thePosition));
     *theTarget = '\0';
@@ -351,11 +388,11 @@ static bool HasPartForEachMarker(size_t aMarkerCount, size_t anOptionalCount)
 
 // As Splice, but reports a template that doesn't fit its parts, with a NULL result, and one that doesn't end an
 // element.
-static char* SpliceChecked(const char* aTemplate, size_t aTemplateLength, const Insertion* anInsertions, size_t aCount,
+static char* SpliceChecked(const char* aTemplate, size_t aTemplateLength, Insertion* anInsertions, size_t aCount,
                            size_t* aLength, const char* anEndCondition, int aLine)
 {
     *aLength = 0;
-    const size_t theMarkerCount = CountMarkers(aTemplate, aTemplateLength);
+    const size_t theMarkerCount = PlaceAtMarkers(aTemplate, aTemplateLength, anInsertions, aCount);
     if (!HasPartForEachMarker(theMarkerCount, aCount)) { return nullptr; }
     char* theBuffer =
         theMarkerCount == aCount ? Splice(aTemplate, aTemplateLength, anInsertions, aCount, aLength) : nullptr;
@@ -372,9 +409,7 @@ namespace
 // What a service description of a hook has for a client.
 struct ServiceOffer
 {
-    bool mfFeature[kUPnPHookFeature_Count]; // whether the feature's parts are there
-    bool mfSearch;
-    bool mfRVU;
+    PartNames mIncluded;
     bool mfHasList[kValueList_Count]; // whether the list replaces parts, which are dropped when it has no values
     char* mList[kValueList_Count];    // owned
     size_t mListLength[kValueList_Count];
@@ -389,15 +424,29 @@ static void SetList(ServiceOffer* anOffer, ValueList aList, char* aText)
     anOffer->mListLength[aList] = aText ? strlen(aText) : 0;
 }
 
+static void IncludeParts(PartNames* aNames, UPnPHook* aUPnPHook, ILibWebServer_Session* aSession)
+{
+    for (const SupportedFeature& theFeature : kSupportedFeatures)
+    {
+        if (!theFeature.mPartName) { continue; }
+        const bool fIsOn = UPnPHook_SupportFeature(aUPnPHook, theFeature.mID) != 0;
+        if (fIsOn != (theFeature.mfInverted != 0)) { AddName(aNames, theFeature.mPartName); }
+    }
+    int fSupportSearch = 0;
+    UPnPHook_Hook(aUPnPHook, kUPnPHook_GetSupportSearch,
+                  const_cast<char*>(ILibWebServerSession_GetServerUserAgent(aSession)), &fSupportSearch);
+    if (fSupportSearch != 0) { AddName(aNames, ":search"); }
+    if (UPnPHook_SupportFeature(aUPnPHook, kUPnPHookFeature_SupportRVU) != 0)
+    {
+        AddName(aNames, ":rvu");
+        AddName(aNames, ":pfc");
+    }
+}
+
 static void InitOffer(ServiceOffer* anOffer, UPnPHook* aUPnPHook, ILibWebServer_Session* aSession)
 {
     *anOffer = {};
-    for (const SupportedFeature& theFeature : kSupportedFeatures)
-    {
-        const bool fIsOn = UPnPHook_SupportFeature(aUPnPHook, theFeature.mID) != 0;
-        anOffer->mfFeature[theFeature.mID] = theFeature.mPartName && fIsOn != (theFeature.mfInverted != 0);
-    }
-    anOffer->mfRVU = UPnPHook_SupportFeature(aUPnPHook, kUPnPHookFeature_SupportRVU) != 0;
+    IncludeParts(&anOffer->mIncluded, aUPnPHook, aSession);
     SetList(anOffer, kValueList_SeekModes, SeekModeList(aUPnPHook));
     SetList(anOffer, kValueList_PlaySpeeds, PlaySpeedList(aUPnPHook));
     anOffer->mfHasList[kValueList_PlaySpeeds] =
@@ -405,35 +454,20 @@ static void InitOffer(ServiceOffer* anOffer, UPnPHook* aUPnPHook, ILibWebServer_
     SetList(anOffer, kValueList_TransportStatus,
             ListWithProperty(aUPnPHook, "OK,ERROR_OCCURRED", kUPnPHookProperty_TransportStatusList));
     SetList(anOffer, kValueList_PlayModes, ListWithProperty(aUPnPHook, "NORMAL", kUPnPHookProperty_PlayModeList));
-    int fSupportSearch = 0;
-    UPnPHook_Hook(aUPnPHook, kUPnPHook_GetSupportSearch,
-                  const_cast<char*>(ILibWebServerSession_GetServerUserAgent(aSession)), &fSupportSearch);
-    anOffer->mfSearch = fSupportSearch != 0;
-}
-
-static bool NamesFeature(const ServiceOffer& anOffer, const char* aName)
-{
-    for (const SupportedFeature& theFeature : kSupportedFeatures)
-    {
-        if (anOffer.mfFeature[theFeature.mID] && NameContains(aName, theFeature.mPartName)) { return true; }
-    }
-    return false;
 }
 
 // What becomes of a part: itself, a list instead, or nothing. The first rule that applies decides.
 static Insertion ChooseServicePart(const ServiceOffer& anOffer, const char* aName, const Insertion& aPart)
 {
-    if (NamesFeature(anOffer, aName)) { return aPart; }
-    if (anOffer.mfSearch && NameContains(aName, ":search")) { return aPart; }
-    if (anOffer.mfRVU && (NameContains(aName, ":rvu") || NameContains(aName, ":pfc"))) { return aPart; }
+    if (ContainsOneOf(aName, anOffer.mIncluded.mNames, anOffer.mIncluded.mCount)) { return aPart; }
     for (int i = 0; i < kValueList_Count; ++i)
     {
-        if (anOffer.mfHasList[i] && NameContains(aName, kValueListPartNames[i]))
+        if (anOffer.mfHasList[i] && ContainsOneOf(aName, &kValueListPartNames[i], 1))
         {
-            return { anOffer.mList[i], anOffer.mListLength[i] };
+            return { anOffer.mList[i], anOffer.mListLength[i], nullptr };
         }
     }
-    return { nullptr, 0 };
+    return {};
 }
 
 static char* UPnPHook_GetServiceDescription(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession,
@@ -443,13 +477,13 @@ static char* UPnPHook_GetServiceDescription(UPnPHook* aUPnPHook, ILibWebServer_S
 {
     const OptionalParts theParts = { anOptional, anOptionalName, anOptionalLength };
     const size_t theCount = CountParts(theParts);
-    Insertion* theInsertions = static_cast<Insertion*>(zoMalloc(theCount * sizeof(Insertion)));
+    Insertion* theInsertions = NewInsertions(theCount);
     ServiceOffer theOffer;
     InitOffer(&theOffer, aUPnPHook, aSession);
     for (size_t i = 0; i < theCount; ++i)
     {
         theInsertions[i] =
-            ChooseServicePart(theOffer, theParts.mNames[i], { theParts.mTexts[i], theParts.mLengths[i] });
+            ChooseServicePart(theOffer, theParts.mNames[i], { theParts.mTexts[i], theParts.mLengths[i], nullptr });
     }
     char* theBuffer = SpliceChecked(aServiceDescription, aServiceDescriptionLength, theInsertions, theCount,
                                     aBufferLength, "theBuffer[theBufferLength - 1] == '>'", __LINE__);
@@ -461,29 +495,21 @@ static char* UPnPHook_GetServiceDescription(UPnPHook* aUPnPHook, ILibWebServer_S
 
 // ---- Descriptions: devices ----
 
-static bool NamesDevicePart(const bool* afSupported, const char* aName)
-{
-    for (const DevicePart& thePart : kDeviceParts)
-    {
-        if (afSupported[&thePart - kDeviceParts] && NameContains(aName, thePart.mPartName)) { return true; }
-    }
-    return false;
-}
-
 static char* UPnPHook_GetDeviceDescription(UPnPHook* aUPnPHook, char* /*aUserAgent*/, char** anOptional,
                                            char** anOptionalName, size_t* anOptionalLength, char* aDeviceDescription)
 {
     const OptionalParts theParts = { anOptional, anOptionalName, anOptionalLength };
     const size_t theCount = CountParts(theParts);
-    Insertion* theInsertions = static_cast<Insertion*>(zoMalloc(theCount * sizeof(Insertion)));
-    bool fSupported[sizeof(kDeviceParts) / sizeof(kDeviceParts[0])];
+    Insertion* theInsertions = NewInsertions(theCount);
+    PartNames theIncluded = {};
     for (const DevicePart& thePart : kDeviceParts)
-        fSupported[&thePart - kDeviceParts] = UPnPHook_SupportFeature(aUPnPHook, thePart.mFeatureID) != 0;
+    {
+        if (UPnPHook_SupportFeature(aUPnPHook, thePart.mFeatureID) != 0) { AddName(&theIncluded, thePart.mPartName); }
+    }
     for (size_t i = 0; i < theCount; ++i)
     {
-        const bool fIsIncluded = NamesDevicePart(fSupported, theParts.mNames[i]);
-        theInsertions[i] =
-            fIsIncluded ? Insertion{ theParts.mTexts[i], theParts.mLengths[i] } : Insertion{ nullptr, 0 };
+        if (!ContainsOneOf(theParts.mNames[i], theIncluded.mNames, theIncluded.mCount)) { continue; }
+        theInsertions[i] = { theParts.mTexts[i], theParts.mLengths[i], nullptr };
     }
     size_t theLength = 0;
     const size_t theTemplateLength = aDeviceDescription ? strlen(aDeviceDescription) : 0;

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Compares what the libraries export with the lists in Libs/exports, so that the interface changes on purpose only:
+# ./exports.sh, or ./exports.sh --update, which writes the lists. A line is the kind of a symbol (T a function, D or B
+# data) and its name. Weak symbols are left out: they are templates of the standard library, as the compiler likes.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd -P)
+. "$root/CMake/dependencies.sh"
+. "$root/CMake/build.sh"
+lists=$root/Libs/exports
+
+exports() { nm --dynamic --defined-only --demangle --no-weak "$1" | sed 's/^[0-9a-f]* //' | LC_ALL=C sort -u; }
+
+# compare LIBRARY: 1 when its list is another one.
+compare() {
+    local name
+    name=$(basename "$1" .so)
+    diff -u --label "Libs/exports/$name.txt" "$lists/$name.txt" --label "exported by $name.so" <(exports "$1") >&2
+}
+
+case ${1-} in
+"" | --update) ;;
+*)
+    echo "usage: $0 [--update]" >&2
+    exit 2
+    ;;
+esac
+require cmake ninja-build g++ ccache
+build release "$root/build/release" UPnPUtilities
+libraries=("$root"/build/release/lib/lib*.so)
+if [ "${1-}" = --update ]; then
+    rm -rf "$lists" && mkdir "$lists"
+    for library in "${libraries[@]}"; do
+        exports "$library" >"$lists/$(basename "$library" .so).txt"
+    done
+    exit 0
+fi
+
+changed=$(ls "$lists" | wc -l)
+changed=$((changed - ${#libraries[@]})) # a list without its library
+for library in "${libraries[@]}"; do
+    compare "$library" || changed=1
+done
+if [ "$changed" -ne 0 ]; then
+    echo "$0: the libraries export something else than Libs/exports lists; if that is meant: CMake/exports.sh --update" >&2
+    exit 1
+fi
+echo "${#libraries[@]} libraries export what is listed"

@@ -1,0 +1,141 @@
+#include "FuzzSupport.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+#include <zoltTools/zoPackedData.h>
+
+// The bytes are taken twice: as a serialized block, and as values to add to a record, whose block is then damaged.
+
+namespace
+{
+
+const size_t kHeaderSize = 16;
+const size_t kTrailerSize = 4;
+
+// The values of each entry, a tag with its bytes, in their order.
+typedef std::vector<std::vector<std::pair<uint16, std::string>>> Entries;
+
+Entries Read(const zoPackedData_t* aRecord)
+{
+    Entries theEntries(zoPackedData_GetEntryCount(aRecord));
+    for (uint32 i = 0; i < theEntries.size(); ++i)
+    {
+        for (uint16 k = 0; k < zoPackedData_GetTagCount(aRecord, i); ++k)
+        {
+            size_t theSize = 1;
+            const uint16 theTag = zoPackedData_GetTagAt(aRecord, i, k);
+            const char* theBytes = zoPackedData_GetData(aRecord, i, theTag, &theSize);
+            Require((theSize > 0) == (theBytes != nullptr), "a value has bytes, or no size");
+            theEntries[i].emplace_back(theTag, std::string(theBytes ? theBytes : "", theSize));
+            const bool fIsNumber = theSize == 2 || theSize == 4 || theSize == 8;
+            Require(fIsNumber || zoPackedData_GetDataAsUInt64(aRecord, i, theTag) == 0, "a number has 2, 4 or 8 bytes");
+            zoArray_t* theTexts = zoPackedData_GetDataArray(aRecord, i, theTag, zoStringArray_UnFlattenerFunc);
+            zoArray_SetFreeFunc(theTexts, zoStringArray_FreeFunc);
+            zoArray_Delete(theTexts);
+        }
+    }
+    return theEntries;
+}
+
+size_t BlockSize(const Entries& anEntries)
+{
+    size_t theSize = kHeaderSize + kTrailerSize;
+    for (const auto& theEntry : anEntries)
+    {
+        theSize += 4;
+        for (const auto& theValue : theEntry)
+            theSize += 8 + theValue.second.size();
+    }
+    return theSize;
+}
+
+void Add(zoPackedData_t* aRecord, Entries& anEntries, uint16 aTag, const std::string& aValue)
+{
+    zoPackedData_AddData(aRecord, aTag, aValue.data(), aValue.size());
+    if (anEntries.empty()) { return; }
+    auto& theEntry = anEntries.back();
+    const bool fIsThere =
+        std::any_of(theEntry.begin(), theEntry.end(), [=](const auto& aKnown) { return aKnown.first == aTag; });
+    if (!fIsThere) { theEntry.emplace_back(aTag, aValue); }
+}
+
+void AddEntry(zoPackedData_t* aRecord, Entries& anEntries)
+{
+    zoPackedData_AddNewEntry(aRecord);
+    anEntries.emplace_back();
+}
+
+// Takes the record over. @return the block of a copy of what its own block reads as.
+char* TakeCopiedBlock(zoPackedData_t* aRecord, const Entries& anEntries)
+{
+    Require(Read(aRecord) == anEntries, "what was added is there");
+    Require(zoPackedData_GetMemoryUsage(aRecord) == BlockSize(anEntries), "sizes add up");
+    zoPackedData_t* theAgain = zoPackedData_NewData(zoPackedData_TakeData(aRecord));
+    Require(zoPackedData_GetEntryCount(aRecord) == 0, "a record whose block was taken is empty");
+    zoPackedData_Free(aRecord);
+    zoPackedData_t* theCopy = zoPackedData_Duplicate(theAgain);
+    Require(Read(theAgain) == anEntries && Read(theCopy) == anEntries, "a block gives back what was added");
+    zoPackedData_Free(theAgain);
+    char* theBlock = zoPackedData_TakeData(theCopy);
+    zoPackedData_Free(theCopy);
+    return theBlock;
+}
+
+// Reads a block of aSize bytes, which it takes over, and adds to it.
+void CheckBlock(char* aBlock, size_t aSize)
+{
+    uint32 theSaidSize; // a block that says more than there is can't be told from a good one
+    memcpy(&theSaidSize, aBlock + 4, sizeof(theSaidSize));
+    theSaidSize = static_cast<uint32>(std::min<size_t>(theSaidSize, aSize));
+    memcpy(aBlock + 4, &theSaidSize, sizeof(theSaidSize));
+
+    zoPackedData_t* theRecord = zoPackedData_NewData(aBlock);
+    Entries theEntries = Read(theRecord);
+    Require(theEntries.empty() || BlockSize(theEntries) == theSaidSize, "the values of a block fill it");
+    Add(theRecord, theEntries, 0x0101, "value");
+    AddEntry(theRecord, theEntries);
+    Add(theRecord, theEntries, 0x0101, "");
+    free(TakeCopiedBlock(theRecord, theEntries));
+}
+
+// Adds values, each a tag of two bytes and a size of one before its bytes; 0xFF as size begins an entry.
+char* NewBlockOf(const uint8_t* aBytes, size_t aSize)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    Entries theEntries;
+    for (size_t i = 0; i + 3 <= aSize;)
+    {
+        const uint16 theTag = static_cast<uint16>(aBytes[i] << 8 | aBytes[i + 1]);
+        const size_t theValueSize = std::min<size_t>(aBytes[i + 2], aSize - i - 3);
+        if (aBytes[i + 2] == 0xFF) { AddEntry(theRecord, theEntries); }
+        else { Add(theRecord, theEntries, theTag, std::string(aBytes + i + 3, aBytes + i + 3 + theValueSize)); }
+        i += aBytes[i + 2] == 0xFF ? 3 : 3 + theValueSize;
+    }
+    const size_t theSize = BlockSize(theEntries);
+    char* theBlock = TakeCopiedBlock(theRecord, theEntries);
+    return static_cast<char*>(realloc(theBlock, theSize)); // so that a byte too far is seen
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
+{
+    if (aSize < kHeaderSize || aSize > 1024) { return 0; }
+    zoPackedData_t* theEmpty = zoPackedData_New(0);
+    char* theGoodBlock = zoPackedData_TakeData(theEmpty);
+    zoPackedData_Free(theEmpty);
+    char* theBlock = static_cast<char*>(malloc(aSize));
+    memcpy(theBlock, aBytes, aSize);
+    memcpy(theBlock, theGoodBlock, 4); // the magic number
+    free(theGoodBlock);
+    CheckBlock(theBlock, aSize);
+
+    char* theDamaged = NewBlockOf(aBytes + 3, aSize - 3);
+    uint32 theSize;
+    memcpy(&theSize, theDamaged + 4, sizeof(theSize));
+    theDamaged[static_cast<uint32>(aBytes[0] << 8 | aBytes[1]) % theSize] ^= static_cast<char>(aBytes[2]);
+    CheckBlock(theDamaged, theSize);
+    return 0;
+}

@@ -1,0 +1,76 @@
+#include "RunTool.h"
+
+#include <gtest/gtest.h>
+
+static const char kGroup[] =
+    "<groupInfo friendlyName=\"Living room\" UDN=\"uuid:1\" label=\"Tom &amp; Ann\n=\">\n"
+    "    <master groupedFriendlyName=\"Kitchen\" groupedUDN=\"uuid:2\"/>\n"
+    "    <slave groupedFriendlyName=\"Bedroom\" groupedUDN=\"uuid:3\" volume=\"20\"/>\n</groupInfo>\n";
+static const char kCapability[] = "<groupCapabilities><groupCapability capability='a' groupedUDN='b' UDN='c' "
+                                  "mode='slave'/></groupCapabilities>";
+
+TEST(ToolGroupTest, Shows)
+{
+    const Result theGroup = RunTool({ "group", "show", "-" }, kGroup);
+    EXPECT_EQ(0, theGroup.mStatus);
+    for (const char* theFact : { "metadata 0 label: Tom & Ann\\n=", "master udn: uuid:2",
+                                 "slave 0 metadata 0 volume: 20", "slaves: 1", "valid: yes" })
+        EXPECT_TRUE(HasLine(theGroup, theFact)) << theFact;
+    EXPECT_EQ(
+        "capability 0 name: a\ncapability 0 grouped udn: b\ncapability 0 mode: slave\nactive: a\ncapabilities: 1\n",
+        RunTool({ "group", "show", "-" }, kCapability).mOutput);
+}
+
+TEST(ToolGroupTest, StoresAndLoads)
+{
+    char thePath[] = "/tmp/upnputilGroupTestXXXXXX";
+    close(mkstemp(thePath));
+    FILE* theFile = fopen(thePath, "w");
+    fputs("# kept\n[M]\nSlave1.GroupedUDN=stale\nSlave1.GroupedFriendlyName=stale\nSlavery=kept\nother=kept\n",
+          theFile);
+    fclose(theFile);
+    EXPECT_EQ("section: M\nslaves: 1\nkeys removed: 2\n",
+              RunTool({ "group", "store", "-", "M", thePath }, kGroup).mOutput);
+    EXPECT_EQ(kGroup, RunTool({ "group", "load", thePath, "M" }).mOutput);
+    const std::string theText = RunTool({ "config", thePath, "M" }).mError;
+    EXPECT_NE(std::string::npos, theText.find("other is not read"));
+    EXPECT_NE(std::string::npos, theText.find("Slavery is not read"));
+    remove(thePath);
+}
+
+TEST(ToolGroupTest, RefusesInOneLine)
+{
+    static const struct
+    {
+        Words mArguments;
+        const char* mInput;
+        int mStatus;
+        const char* mReason;
+    } kCases[] = {
+        { {}, "", 2, "an action is missing" },
+        { { "sing" }, "", 2, "\"sing\"" },
+        { { "store", "-", "M" }, "", 2, "CONFIG is missing" },
+        { { "store", "-", "M", "-" }, kGroup, 2, "CONFIG has to be a file" },
+        { { "store", "-", "M", "/" }, kGroup, 2, "/: " },
+        { { "store", "-", "M", "/dev/null/a" }, kGroup, 2, "/dev/null/a: " },
+        { { "store", "-", "M", "/dev/null" }, kCapability, 2, "standard input: no well-formed groupInfo" },
+        { { "load", "-", "M" }, "[M]\nGroup.UDN=a\n", 1, "no complete group in section \"M\"" },
+        { { "load", "/dev/null/a", "M" }, "", 2, "/dev/null/a: " },
+        { { "show", "-" }, "<a>", 2, "not well-formed" },
+        { { "show", "-" }, "<a/>", 1, "neither groupInfo nor groupCapabilities" },
+        { { "show", "-" }, "<groupCapabilities/>", 1, "no groupCapability" },
+        { { "show", "-" }, "<groupCapabilities><groupCapability/></groupCapabilities>", 2, "Found an invalid" },
+        { { "show", "-" }, "<groupInfo/>", 2, "Invalid group description" },
+    };
+    for (const auto& theCase : kCases)
+    {
+        Words theArguments = theCase.mArguments;
+        theArguments.insert(theArguments.begin(), "group");
+        const Result theResult = RunTool(theArguments, theCase.mInput);
+        EXPECT_EQ(theCase.mStatus, theResult.mStatus) << theCase.mReason;
+        EXPECT_NE(std::string::npos, theResult.mError.find(theCase.mReason)) << theResult.mError;
+        EXPECT_EQ("1", theResult.mOutput + std::to_string(Lines(theResult.mError).size())) << theResult.mError;
+    }
+    for (const Words& theArguments : { Words{ "group", "--help" }, Words{ "group", "load", "--help" } })
+        EXPECT_EQ(0u, RunTool(theArguments).mOutput.find("Usage: upnputil group ")) << theArguments.back();
+}
