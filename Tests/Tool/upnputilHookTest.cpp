@@ -204,7 +204,7 @@ TEST(HookToolTest, AnswersForClients)
     } kCases[] = {
         { {},
           { "search: no", "sort criteria checked: yes", "resource sizes: yes", "bit rate for byte rate: no",
-            "chunked transfer: yes", "info description: <state value=\"nok\"/>", "sort specification: no",
+            "chunked transfer: yes", "info description: <state value=\"nok\"/>", "SortSpec: no",
             "extra resource info: yes", "objects at once: 100", "object id \"1\": 1",
             "class \"container\": container.storageFolder", "class \"item.imageItem\": item.imageItem",
             "play mode \"NORMAL\": yes", "play mode \"SHUFFLE\": no", "seek mode \"TRACK_NR\": yes",
@@ -222,7 +222,7 @@ TEST(HookToolTest, AnswersForClients)
         { { "--manufacturer=ROKU", "--feature=SortSpec", "--feature=HDLnk", "--feature=TimeSeek", "--property",
             "PlayModeList=SHUFFLE,REPEAT_ALL", "--class=x", "--event=:hdlnk", "--event=:extra", "--seek-mode=REL_TIME",
             "--play-mode", "SHUFFLE", "--play-mode", "REPEAT" },
-          { "extra resource info: no", "sort specification: yes", "class \"x\": x", "event \":hdlnk\": yes",
+          { "extra resource info: no", "SortSpec: yes", "class \"x\": x", "event \":hdlnk\": yes",
             "event \":extra\": no", "seek mode \"REL_TIME\": yes", "play mode \"SHUFFLE\": yes",
             "play mode \"REPEAT\": no" } },
     };

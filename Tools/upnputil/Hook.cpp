@@ -86,7 +86,7 @@ static void PrintDevice(UPnPHook* aHook, const char* aManufacturer, Output& anOu
 {
     int fSortSpec = 0;
     UPnPHook_Hook(aHook, kUPnPHook_GetSupportSortSpec, &fSortSpec);
-    anOutput.Fact("sort specification", YesOrNo(fSortSpec));
+    anOutput.Fact("SortSpec", YesOrNo(fSortSpec));
     anOutput.Fact("extra resource info", Ask(aHook, kUPnPHook_SetResExtraInfoInMetadata, aManufacturer));
 }
 
