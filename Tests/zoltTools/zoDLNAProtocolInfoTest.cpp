@@ -59,6 +59,7 @@ TEST(zoDLNAProtocolInfoTest, ReadsTexts)
         SCOPED_TRACE(theCase.mText);
         zoDLNAProtocolInfo_t* theInfo = NewInfo(theCase.mText);
         EXPECT_EQ(theCase.mNormalised ? theCase.mNormalised : theCase.mText, Taken(zoDLNAProtocolInfo_GetStr(theInfo)));
+        EXPECT_EQ(!theCase.mNormalised, zoDLNAProtocolInfo_IsNormal(theCase.mText, strlen(theCase.mText)));
         EXPECT_STREQ(theCase.mProfile, zoDLNAProtocolInfo_GetProfile(theInfo));
         EXPECT_EQ(theCase.mfConverted, zoDLNAProtocolInfo_GetConversionIndicator(theInfo));
         EXPECT_EQ(theCase.mfThumbnail, zoDLNAProtocolInfo_IsThumbnail(theInfo));

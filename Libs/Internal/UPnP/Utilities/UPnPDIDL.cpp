@@ -233,14 +233,24 @@ static void AppendTime(zoBuffer* aBuffer, uint32 aTime)
     AppendDecimal(aBuffer, aTime % 60, 2);
 }
 
+// The text form of a protocol info, new.
+static char* NewTextForm(const char* aProtocolInfo, size_t aLength)
+{
+    zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(aProtocolInfo, aLength, 0);
+    char* theText = zoDLNAProtocolInfo_GetStr(theInfo);
+    zoDLNAProtocolInfo_Delete(theInfo);
+    return theText;
+}
+
 static void AppendProtocolInfo(zoBuffer* aBuffer, const char* aProtocolInfo)
 {
     if (!aProtocolInfo) { return; }
-    zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(aProtocolInfo, strlen(aProtocolInfo), 0);
-    char* theText = zoDLNAProtocolInfo_GetStr(theInfo);
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_ProtocolInfo_Start, theText, kDIDL_Quote, kMaxSize_URI, 0);
+    const size_t theLength = strlen(aProtocolInfo);
+    const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(aProtocolInfo, theLength) != 0;
+    char* theText = fIsNormal ? nullptr : NewTextForm(aProtocolInfo, theLength);
+    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_ProtocolInfo_Start, fIsNormal ? aProtocolInfo : theText,
+                        kDIDL_Quote, kMaxSize_URI, 0);
     free(theText);
-    zoDLNAProtocolInfo_Delete(theInfo);
 }
 
 // ---- Writing ----
@@ -1561,11 +1571,14 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 static void AddProtocolInfo(ObjectParser* aParser, const Slice& aProtocolInfo)
 {
     const Slice theText = Resolve(&aParser->mScratch, aProtocolInfo);
-    zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(theText.mBegin, theText.mLength, 0);
-    char* theNormalised = zoDLNAProtocolInfo_GetStr(theInfo);
-    zoPackedData_AddData(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theNormalised, strlen(theNormalised) + 1);
-    free(theNormalised);
-    zoDLNAProtocolInfo_Delete(theInfo);
+    if (zoDLNAProtocolInfo_IsNormal(theText.mBegin, theText.mLength))
+    {
+        AddText(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theText);
+        return;
+    }
+    char* theTextForm = NewTextForm(theText.mBegin, theText.mLength);
+    zoPackedData_AddData(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theTextForm, strlen(theTextForm) + 1);
+    free(theTextForm);
 }
 
 static void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)

@@ -503,6 +503,8 @@ uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo)
     return anInfo->mProfile ? zoDLNARun_Hash(RunOf(anInfo->mProfile)) | 1u : 0;
 }
 
+int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength) { return !aText || !HasBlanks({ aText, aLength }); }
+
 char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo)
 {
     const size_t theLength = anInfo ? anInfo->mTextLength : 0;

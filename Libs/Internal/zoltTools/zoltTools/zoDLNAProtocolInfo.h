@@ -33,6 +33,9 @@ ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aU
 /** Releases the object; NULL is ignored. */
 ZOLTTOOLS_API void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo);
 
+/** @return 1 when aLength bytes are their own text form, so that there is no need to parse them for it; 0 when they may
+ *          not be. NULL and "" are. */
+ZOLTTOOLS_API int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength);
 /** @return the object's text, new, released with free: what it was parsed from, without the blanks around fields and
  *          parameters. Nothing is added, unknown parameters stay, "" gives "". */
 ZOLTTOOLS_API char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo);
