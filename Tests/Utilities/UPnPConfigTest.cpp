@@ -340,8 +340,11 @@ TEST(UPnPConfigTest, HashTable)
         { "utf8", nullptr, 8, "\xC3\xA9\xE2\x82\xAC" },
         { "utf8", nullptr, 9, "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5" },
         { "broken", nullptr, 5, "\x80\x80\x80\x80\x80" },
+        { "latin", nullptr, 2, "21" },
     };
-    File theFile("ascii=abcdef\nempty=\nutf8=\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\nbroken=\x80\x80\x80\x80\x80\x80");
+    File theFile("ascii=abcdef\nempty=\nutf8=\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\nbroken=\x80\x80\x80\x80\x80\x80\n"
+                 "latin=21\xB0"
+                 "C");
     for (const auto& theCase : kCases)
     {
         for (const auto theAdd : { UPnPConfig_AddToHashTable, UPnPConfig_AddToHashTableIfUnspecified })

@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/UPnPConfig.h>
 
+#include <UPnP/Utilities/UPnPUTF8.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoOS/zoSocket.h>
@@ -43,16 +44,11 @@ uint32 UPnPConfig_GetBoolAsUInt32(zoConfigFile* aConfigFile, const char* aSectio
     return zoConfigFile_GetUInt32(aConfigFile, aSection, aKey, aDefaultValue) != 0 ? 1 : 0;
 }
 
-static bool GoesOn(char aByte) { return (aByte & 0xC0) == 0x80; }
-
-// The length of aText cut to aMaxLength bytes; a cut backs up to the start of the UTF-8 character that it falls in.
+// The length of aText cut to aMaxLength bytes, between characters.
 static size_t CutLength(const char* aText, size_t aMaxLength)
 {
     const size_t theLength = strnlen(aText, aMaxLength);
-    size_t theStart = theLength;
-    while (theStart > 0 && theLength - theStart < 3 && GoesOn(aText[theStart]))
-        --theStart;
-    return GoesOn(aText[theStart]) ? theLength : theStart;
+    return theLength - UPnPUTF8_BrokenSequenceLength(aText, aText + theLength);
 }
 
 static void AddValue(zoCustomHashTable* anHashTable, const char* aHashTableKey, const char* aValue, size_t aMaxLength)

@@ -191,7 +191,8 @@ typedef struct UPnPConfigRecord_t
 
 /** @return the description of a kUPnPConfigRecord_*, its fields in their order; NULL for any other number. */
 UPNPUTILITIES_API const UPnPConfigRecord_t* UPnPConfig_GetRecord(int aRecord);
-/** @return what the fetch stores in a number's field before its validator looks at it, with another default. */
+/** @return what the fetch stores in a number's field before its validator looks at it, with another default, cut to the
+ *          field's width. An address and a field that stays 0 have no default. */
 UPNPUTILITIES_API uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, const zoConfigFile* aConfigFile,
                                                const char* aSection, uint32 aDefaultValue);
 

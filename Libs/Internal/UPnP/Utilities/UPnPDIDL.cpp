@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/UPnPDIDL.h>
 
 #include <UPnP/Stack/ILibString.h>
+#include <UPnP/Utilities/UPnPUTF8.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <algorithm>
 #include <stdarg.h>
@@ -131,20 +132,6 @@ constexpr ReplacementIndex kReplacementIndex;
 
 } // namespace
 
-// The number of bytes before aPosition that begin a UTF-8 sequence which goes on at aPosition.
-static size_t BrokenSequenceLength(const char* aBegin, const char* aPosition)
-{
-    if ((*aPosition & 0xC0) != 0x80) { return 0; }
-    for (size_t theLength = 1; theLength <= 3 && static_cast<size_t>(aPosition - aBegin) >= theLength; ++theLength)
-    {
-        const uint8 theByte = static_cast<uint8>(*(aPosition - theLength));
-        if ((theByte & 0xC0) == 0x80) { continue; }
-        const size_t theNeeded = theByte >= 0xF0 ? 4 : theByte >= 0xE0 ? 3 : theByte >= 0xC0 ? 2 : 1;
-        return theNeeded > theLength ? theLength : 0;
-    }
-    return 0;
-}
-
 // Appends the text escaped, once or twice over, and cut to aMaxSize bytes (0: to kMaxSize only). A cut falls between
 // characters, and between entities.
 static void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, size_t aMaxSize)
@@ -167,7 +154,7 @@ static void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, s
         if (*thePosition == 0) { return; }
         if (theIndex == 0)
         {
-            aBuffer->mPos -= BrokenSequenceLength(theRun, thePosition);
+            aBuffer->mPos -= UPnPUTF8_BrokenSequenceLength(theRun, thePosition);
             return;
         }
         const Replacement& theReplacement = kReplacements[theIndex - 1];

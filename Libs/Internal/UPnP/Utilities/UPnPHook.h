@@ -81,8 +81,9 @@ typedef struct UPnPHook_t
 /* A hook in which nothing is set. */
 extern UPNPUTILITIES_API struct UPnPHook_t UPnPHook_t;
 
-/* In all operations but UPnPHook_Delete a NULL hook, and an ID that is none, are programming errors: they are reported
- * as assertions, after which an operation that still runs changes nothing and answers 0 or NULL. */
+/* A NULL hook, where it isn't said to be allowed, and the ID of a feature or a property that is none are programming
+ * errors: they are reported as assertions, after which an operation that still runs changes nothing and answers 0 or
+ * NULL. */
 
 /** @return a new hook without a parent, every feature off, its user agent "Zolt/1.1, UPnP/1.0" and no other property;
  *          released with UPnPHook_Delete. */

@@ -155,8 +155,9 @@ static int ReplaceThrough(const char* aTemporary, const char* aTarget, const cha
 {
     const int theDescriptor = OpenTemporary(aTemporary);
     if (theDescriptor < 0) { return Complain(aTemporary, "written"); }
-    const bool fIsReplaced = ftruncate(theDescriptor, 0) == 0 && WriteAll(theDescriptor, aBytes, aLength) &&
-                             TakePermissions(theDescriptor, aTarget) && fsync(theDescriptor) == 0 &&
+    // Nobody may read from the new file what the old one keeps from them: permissions come first.
+    const bool fIsReplaced = ftruncate(theDescriptor, 0) == 0 && TakePermissions(theDescriptor, aTarget) &&
+                             WriteAll(theDescriptor, aBytes, aLength) && fsync(theDescriptor) == 0 &&
                              rename(aTemporary, aTarget) == 0;
     if (!fIsReplaced)
     {
