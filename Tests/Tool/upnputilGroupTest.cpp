@@ -1,5 +1,6 @@
 #include "RunTool.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 
 static const char kGroup[] =
@@ -23,19 +24,15 @@ TEST(ToolGroupTest, Shows)
 
 TEST(ToolGroupTest, StoresAndLoads)
 {
-    char thePath[] = "/tmp/upnputilGroupTestXXXXXX";
-    close(mkstemp(thePath));
-    FILE* theFile = fopen(thePath, "w");
-    fputs("# kept\n[M]\nSlave1.GroupedUDN=stale\nSlave1.GroupedFriendlyName=stale\nSlavery=kept\nother=kept\n",
-          theFile);
-    fclose(theFile);
-    EXPECT_EQ("section: M\nslaves: 1\nkeys removed: 2\n",
-              RunTool({ "group", "store", "-", "M", thePath }, kGroup).mOutput);
+    const std::string thePath = testing::TempDir() + "upnputilGroupTest." + std::to_string(getpid());
+    std::ofstream(thePath) << "[M]\nSlave1.GroupedUDN=a\nSlave1.GroupedFriendlyName=a\nSlavery=kept\nother=kept\n";
+    const Result theStored = RunTool({ "group", "store", "-", "M", thePath }, kGroup);
+    EXPECT_EQ("section: M\nslaves: 1\nkeys removed: 2\n", theStored.mOutput) << theStored.mError;
     EXPECT_EQ(kGroup, RunTool({ "group", "load", thePath, "M" }).mOutput);
-    const std::string theText = RunTool({ "config", thePath, "M" }).mError;
-    EXPECT_NE(std::string::npos, theText.find("other is not read"));
-    EXPECT_NE(std::string::npos, theText.find("Slavery is not read"));
-    remove(thePath);
+    std::string theFirstLines(39, '\0');
+    std::ifstream(thePath).read(theFirstLines.data(), 39);
+    EXPECT_EQ("[M]\nSlavery=kept\nother=kept\nGroup.UDN=u", theFirstLines);
+    remove(thePath.c_str());
 }
 
 TEST(ToolGroupTest, RefusesInOneLine)
@@ -51,7 +48,6 @@ TEST(ToolGroupTest, RefusesInOneLine)
         { { "sing" }, "", 2, "\"sing\"" },
         { { "store", "-", "M" }, "", 2, "CONFIG is missing" },
         { { "store", "-", "M", "-" }, kGroup, 2, "CONFIG has to be a file" },
-        { { "store", "-", "M", "/" }, kGroup, 2, "/: " },
         { { "store", "-", "M", "/dev/null/a" }, kGroup, 2, "/dev/null/a: " },
         { { "store", "-", "M", "/dev/null" }, kCapability, 2, "standard input: no well-formed groupInfo" },
         { { "load", "-", "M" }, "[M]\nGroup.UDN=a\n", 1, "no complete group in section \"M\"" },

@@ -233,3 +233,13 @@ TEST(ToolTest, ShowGoesDeep)
     EXPECT_TRUE(HasLine(theResult, "object 49999 title: t"));
     EXPECT_TRUE(HasLine(theResult, "objects: 50000"));
 }
+
+// Bytes that are no UTF-8, control characters and what JSON needs a backslash for.
+TEST(ToolTest, PrintsFactsAsJSON)
+{
+    const Result theResult =
+        RunTool({ "show", "-", "--json" },
+                "<DIDL-Lite xmlns:a=\"b\" xmlns:c=\"d\"><item id=\"\xFF\x01\"><dc:title>\"q\" \\\n\xC3\xA9</dc:title>"
+                "<x:y>1</x:y><x:y>2</x:y></item><container/></DIDL-Lite>");
+    EXPECT_EQ(ReadTestFile("facts.json"), theResult.mOutput);
+}
