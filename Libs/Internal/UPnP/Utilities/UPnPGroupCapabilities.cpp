@@ -98,7 +98,6 @@ enum CapabilityAttribute
 } // namespace
 
 static const char* kCapabilityAttributes[] = { "capability", "groupedUDN", "UDN", "mode", nullptr };
-static const char* kModes[] = { "slave", "master" };
 
 static void DeleteCapability(void* aCapability)
 {
@@ -108,15 +107,18 @@ static void DeleteCapability(void* aCapability)
     free(theCapability);
 }
 
+static bool IsValue(const ILibXMLAttribute* anAttribute, const char* aWord)
+{
+    const size_t theLength = strlen(aWord);
+    return anAttribute && static_cast<size_t>(anAttribute->ValueLength) == theLength &&
+           memcmp(anAttribute->Value, aWord, theLength) == 0;
+}
+
+// Without the attribute, too.
 static int ModeOf(const ILibXMLAttribute* anAttribute)
 {
-    const size_t theLength = anAttribute ? static_cast<size_t>(anAttribute->ValueLength) : 0;
-    for (const int theMode : { kUPnPGroupMode_Slave, kUPnPGroupMode_Master })
-    {
-        const char* theWord = kModes[theMode - kUPnPGroupMode_Slave];
-        if (strlen(theWord) == theLength && memcmp(anAttribute->Value, theWord, theLength) == 0) { return theMode; }
-    }
-    return kUPnPGroupMode_None;
+    if (IsValue(anAttribute, "slave")) { return kUPnPGroupMode_Slave; }
+    return IsValue(anAttribute, "master") ? kUPnPGroupMode_Master : kUPnPGroupMode_None;
 }
 
 static void AddCapability(UPnPGroupCapabilities* aCapabilities, ILibXMLNode* anElement)
@@ -649,7 +651,7 @@ static void ReadMaster(UPnPGroupInfo* aGroupInfo, const ILibXMLNode* aRoot)
     if (!theMaster) { return; }
     ReadAttributes(theMaster, kMemberAttributes, &aGroupInfo->mMasterGroupedFriendlyName,
                    &aGroupInfo->mMasterGroupedUDN, aGroupInfo->mMasterMetaData);
-    aGroupInfo->mfHasMasterSet = aGroupInfo->mMasterGroupedUDN != nullptr;
+    aGroupInfo->mfHasMasterSet = aGroupInfo->mMasterGroupedUDN ? 1 : 0;
 }
 
 // The result is NULL when one of the slave's two attributes is absent.
@@ -779,11 +781,11 @@ static void AddStoredEntry(zoCustomHashTable* aTable, const char* anEntry)
 }
 
 static void LoadMetaData(zoCustomHashTable* aTable, zoConfigFile* aConfigFile, const char* aSection,
-                         const char* aPrefix, uint32 anIndex)
+                         const char* aPrefix)
 {
     for (size_t i = 0;; ++i)
     {
-        const char* theEntry = GetString(aConfigFile, aSection, NewMetaDataKey(aPrefix, anIndex, i), nullptr);
+        const char* theEntry = GetString(aConfigFile, aSection, NewMetaDataKey(aPrefix, kNoIndex, i), nullptr);
         if (!theEntry) { return; }
         AddStoredEntry(aTable, theEntry);
     }
@@ -795,7 +797,7 @@ static UPnPGroupSlave* LoadSlave(zoConfigFile* aConfigFile, const char* aSection
     UPnPGroupSlave* theSlave =
         UPnPGroupSlave_S_New(GetString(aConfigFile, aSection, zo_mnprintf("%s.GroupedFriendlyName", aSlaveKey), ""),
                              GetString(aConfigFile, aSection, zo_mnprintf("%s.GroupedUDN", aSlaveKey), ""), nullptr);
-    LoadMetaData(theSlave->mMetaData, aConfigFile, aSection, aSlaveKey, kNoIndex);
+    LoadMetaData(theSlave->mMetaData, aConfigFile, aSection, aSlaveKey);
     if (UPnPGroupSlave_S_IsValid(theSlave)) { return theSlave; }
     UPnPGroupSlave_S_Delete(theSlave);
     return nullptr;
@@ -819,12 +821,12 @@ UPnPGroupInfo* UPnPGroupInfo_NewConfig(zoConfigFile* aConfigFile, const char* aC
     zoStrReplace(&theGroup->mGroupUDN, zoConfigFile_GetString(aConfigFile, aCapability, "Group.UDN", ""));
     zoStrReplace(&theGroup->mGroupFriendlyName,
                  zoConfigFile_GetString(aConfigFile, aCapability, "Group.FriendlyName", ""));
-    LoadMetaData(theGroup->mGroupMetaData, aConfigFile, aCapability, "Group", kNoIndex);
+    LoadMetaData(theGroup->mGroupMetaData, aConfigFile, aCapability, "Group");
     zoStrReplace(&theGroup->mMasterGroupedFriendlyName,
                  zoConfigFile_GetString(aConfigFile, aCapability, "Master.GroupedFriendlyName", ""));
     zoStrReplace(&theGroup->mMasterGroupedUDN,
                  zoConfigFile_GetString(aConfigFile, aCapability, "Master.GroupedUDN", ""));
-    LoadMetaData(theGroup->mMasterMetaData, aConfigFile, aCapability, "Master", kNoIndex);
+    LoadMetaData(theGroup->mMasterMetaData, aConfigFile, aCapability, "Master");
     if (UPnPGroupInfo_IsValid(theGroup)) { LoadSlaves(theGroup, aConfigFile, aCapability); }
     return theGroup;
 }
