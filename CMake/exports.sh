@@ -35,12 +35,17 @@ if [ "${1-}" = --update ]; then
     exit 0
 fi
 
-changed=$(ls "$lists" | wc -l)
-changed=$((changed - ${#libraries[@]})) # a list without its library
+changed=
 for library in "${libraries[@]}"; do
     compare "$library" || changed=1
 done
-if [ "$changed" -ne 0 ]; then
+for list in "$lists"/*.txt; do
+    if [ ! -e "$root/build/release/lib/$(basename "$list" .txt).so" ]; then
+        echo "there is no library for $list" >&2
+        changed=1
+    fi
+done
+if [ -n "$changed" ]; then
     echo "$0: the libraries export something else than Libs/exports lists; if that is meant: CMake/exports.sh --update" >&2
     exit 1
 fi
