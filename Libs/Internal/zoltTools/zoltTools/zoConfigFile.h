@@ -7,8 +7,8 @@
  *     key=value
  *
  * Blanks (spaces and tabs) around section, key and value are not part of them; lines end with "\n" or "\r\n". In names
- * and values "\\", "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a space at
- * either end, so that every value survives a save and a load byte for byte; in names "\xHH", two hexadecimal digits,
+ * and values "\\", "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a space
+ * at either end, so that every value survives a save and a load byte for byte; in names "\xHH", two hexadecimal digits,
  * stands for a byte that would end the name or begin something else. Any other backslash is itself. Names are compared
  * byte by byte. Of several lines with the same key the last one counts; a section that appears twice is one section;
  * keys before the first section are in the section "". A key ends at the first "=", a section's name at the first "]",
@@ -55,8 +55,8 @@ ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
 ZOLTTOOLS_API int zoConfigFile_Save(zoConfigFile* aConfigFile);
 /** Frees the configuration without saving it; NULL is ignored. */
 ZOLTTOOLS_API void zoConfigFile_Delete(zoConfigFile* aConfigFile);
-/** @return the text that zoConfigFile_Save writes, with a NUL behind it, released with free; *aLength (may be NULL) is its
- *          length. */
+/** @return the text that zoConfigFile_Save writes, with a NUL behind it, released with free; *aLength (may be NULL) is
+ * its length. */
 ZOLTTOOLS_API char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength);
 
 /** @return the value of a key, borrowed until the key is set again or the file deleted; aDefaultValue, which may be
