@@ -47,7 +47,8 @@ void ReadAll(const zoConfigFile* aFile, const char* aSection, const char* aKey)
     Require(theNumber > UINT16_MAX || zoConfigFile_GetUInt16(aFile, aSection, aKey, 7) == theNumber, "16 bits");
     Require(theNumber > UINT8_MAX || zoConfigFile_GetUInt8(aFile, aSection, aKey, 7) == theNumber, "8 bits");
     const int32 theSigned = zoConfigFile_GetInt32(aFile, aSection, aKey, 7);
-    Require(theNumber > INT32_MAX || theSigned < 0 || static_cast<uint32>(theSigned) == theNumber, "signed");
+    const bool fIsUnsigned = theNumber == zoConfigFile_GetUInt32(aFile, aSection, aKey, 8); // "-0" is not
+    Require(!fIsUnsigned || theNumber > INT32_MAX || static_cast<uint32>(theSigned) == theNumber, "signed");
     const int theOption = zoConfigFile_OptionIsSet(aFile, aSection, aKey, 7);
     Require(theOption == 0 || theOption == 1 || theOption == 7, "an option is set, or not, or none");
     std::free(zoConfigFile_GetStringWithSubstitution(aFile, aSection, aKey, "", zoStringSubstitution_Replace_HostName));
