@@ -88,52 +88,52 @@ namespace
 struct SupportedFeature
 {
     int mID;
-    const char* mPartName;
     int mfInverted;
+    const char* mPartName;
 };
 
 // By feature ID.
 constexpr SupportedFeature kSupportedFeatures[] = {
-    { kUPnPHookFeature_Upload, ":upload", 0 },
-    { kUPnPHookFeature_TimeSeek, ":timeseek", 0 },
-    { kUPnPHookFeature_Search, nullptr, 0 },
-    { kUPnPHookFeature_SortSpec, nullptr, 0 },
-    { kUPnPHookFeature_ByteSeek, ":byteseek", 0 },
-    { kUPnPHookFeature_GetFeatureList, ":featurelist", 0 },
-    { kUPnPHookFeature_FreeFormQuery, ":ffq", 0 },
-    { kUPnPHookFeature_SRS, nullptr, 0 },
-    { kUPnPHookFeature_SRSConflictResolution, nullptr, 0 },
-    { kUPnPHookFeature_MSRegistrar, nullptr, 0 },
-    { kUPnPHookFeature_UseALLIP, nullptr, 0 },
-    { kUPnPHookFeature_NoHTTPContentLength, nullptr, 1 },
-    { kUPnPHookFeature_ForceStreamAtBitRate, nullptr, 0 },
-    { kUPnPHookFeature_UpdateObject, ":updateobject", 0 },
-    { kUPnPHookFeature_GroupServiceActive, nullptr, 0 },
-    { kUPnPHookFeature_ContainerUpdateIDs, ":containerupdateids", 0 },
-    { kUPnPHookFeature_UploadDTCPIP, nullptr, 0 },
-    { kUPnPHookFeature_SupportRVU, nullptr, 0 },
-    { kUPnPHookFeature_NoHTTPEXTHeader, nullptr, 1 },
-    { kUPnPHookFeature_NoSetNextURI, ":nexturi", 1 },
-    { kUPnPHookFeature_SRSExt, nullptr, 0 },
-    { kUPnPHookFeature_HDLnk, ":hdlnk", 0 },
-    { kUPnPHookFeature_JLabs, nullptr, 0 },
-    { kUPnPHookFeature_EnergyManagement, nullptr, 0 },
-    { kUPnPHookFeature_SetUILifeTime, ":uilifetime", 0 },
-    { kUPnPHookFeature_BasicManagement, ":basicmanagement", 0 },
-    { kUPnPHookFeature_DLNABasicManagement, ":dlnabm", 0 },
-    { kUPnPHookFeature_ConfigurationManagement, ":configurationmanagement", 0 },
-    { kUPnPHookFeature_X_ColorLight, ":colorlight", 0 },
-    { kUPnPHookFeature_X_WhiteLight, ":whitelight", 0 },
-    { kUPnPHookFeature_Authentication, nullptr, 0 },
-    { kUPnPHookFeature_FriendlyInfoUpdate, ":friendlyinfoupdate", 0 },
-    { kUPnPHookFeature_FriendlyInfoIconUpdate, ":friendlyinfoiconupdate", 0 },
-    { kUPnPHookFeature_DimmingRamp, ":dimmingramp", 0 },
-    { kUPnPHookFeature_DimmingStep, ":dimmingstep", 0 },
-    { kUPnPHookFeature_X_AnimatedLight, ":animatedlight", 0 },
-    { kUPnPHookFeature_UIListingUpdate, ":uilistingupdate", 0 },
-    { kUPnPHookFeature_CVP2Server, ":cvp2server", 0 },
-    { kUPnPHookFeature_BCSControl, ":bcscontrol", 0 },
-    { kUPnPHookFeature_VideoAlbumArtURI, nullptr, 0 },
+    { kUPnPHookFeature_Upload, 0, ":upload" },
+    { kUPnPHookFeature_TimeSeek, 0, ":timeseek" },
+    { kUPnPHookFeature_Search, 0, nullptr },
+    { kUPnPHookFeature_SortSpec, 0, nullptr },
+    { kUPnPHookFeature_ByteSeek, 0, ":byteseek" },
+    { kUPnPHookFeature_GetFeatureList, 0, ":featurelist" },
+    { kUPnPHookFeature_FreeFormQuery, 0, ":ffq" },
+    { kUPnPHookFeature_SRS, 0, nullptr },
+    { kUPnPHookFeature_SRSConflictResolution, 0, nullptr },
+    { kUPnPHookFeature_MSRegistrar, 0, nullptr },
+    { kUPnPHookFeature_UseALLIP, 0, nullptr },
+    { kUPnPHookFeature_NoHTTPContentLength, 1, nullptr },
+    { kUPnPHookFeature_ForceStreamAtBitRate, 0, nullptr },
+    { kUPnPHookFeature_UpdateObject, 0, ":updateobject" },
+    { kUPnPHookFeature_GroupServiceActive, 0, nullptr },
+    { kUPnPHookFeature_ContainerUpdateIDs, 0, ":containerupdateids" },
+    { kUPnPHookFeature_UploadDTCPIP, 0, nullptr },
+    { kUPnPHookFeature_SupportRVU, 0, nullptr },
+    { kUPnPHookFeature_NoHTTPEXTHeader, 1, nullptr },
+    { kUPnPHookFeature_NoSetNextURI, 1, ":nexturi" },
+    { kUPnPHookFeature_SRSExt, 0, nullptr },
+    { kUPnPHookFeature_HDLnk, 0, ":hdlnk" },
+    { kUPnPHookFeature_JLabs, 0, nullptr },
+    { kUPnPHookFeature_EnergyManagement, 0, nullptr },
+    { kUPnPHookFeature_SetUILifeTime, 0, ":uilifetime" },
+    { kUPnPHookFeature_BasicManagement, 0, ":basicmanagement" },
+    { kUPnPHookFeature_DLNABasicManagement, 0, ":dlnabm" },
+    { kUPnPHookFeature_ConfigurationManagement, 0, ":configurationmanagement" },
+    { kUPnPHookFeature_X_ColorLight, 0, ":colorlight" },
+    { kUPnPHookFeature_X_WhiteLight, 0, ":whitelight" },
+    { kUPnPHookFeature_Authentication, 0, nullptr },
+    { kUPnPHookFeature_FriendlyInfoUpdate, 0, ":friendlyinfoupdate" },
+    { kUPnPHookFeature_FriendlyInfoIconUpdate, 0, ":friendlyinfoiconupdate" },
+    { kUPnPHookFeature_DimmingRamp, 0, ":dimmingramp" },
+    { kUPnPHookFeature_DimmingStep, 0, ":dimmingstep" },
+    { kUPnPHookFeature_X_AnimatedLight, 0, ":animatedlight" },
+    { kUPnPHookFeature_UIListingUpdate, 0, ":uilistingupdate" },
+    { kUPnPHookFeature_CVP2Server, 0, ":cvp2server" },
+    { kUPnPHookFeature_BCSControl, 0, ":bcscontrol" },
+    { kUPnPHookFeature_VideoAlbumArtURI, 0, nullptr },
 };
 
 constexpr bool IsInOrder()
@@ -665,7 +665,9 @@ static void GetSupportEvent(UPnPHook* aUPnPHook, char* anEventName, int* afSuppo
 static void CheckPlayMode(UPnPHook* aUPnPHook, char* aPlayMode, char* afOK)
 {
     const char* theList = UPnPHook_GetProperty(aUPnPHook, kUPnPHookProperty_PlayModeList);
-    *afOK = IsText(aPlayMode, "NORMAL") || (theList && zoCStringParser_ListContains(theList, ",", aPlayMode));
+    const bool fIsOK =
+        IsText(aPlayMode, "NORMAL") || (theList && zoCStringParser_ListContains(theList, ",", aPlayMode));
+    *afOK = fIsOK ? 1 : 0;
 }
 
 static void CheckSeekMode(UPnPHook* aUPnPHook, char* aSeekMode, char* afOK)
@@ -673,9 +675,10 @@ static void CheckSeekMode(UPnPHook* aUPnPHook, char* aSeekMode, char* afOK)
     const bool fTimeSeek = UPnPHook_SupportFeature(aUPnPHook, kUPnPHookFeature_TimeSeek) != 0;
     const bool fByteSeek = UPnPHook_SupportFeature(aUPnPHook, kUPnPHookFeature_ByteSeek) != 0;
     const bool fRVU = UPnPHook_SupportFeature(aUPnPHook, kUPnPHookFeature_SupportRVU) != 0;
-    *afOK = IsText(aSeekMode, "TRACK_NR") || (fTimeSeek && IsText(aSeekMode, "REL_TIME")) ||
-            (fByteSeek && IsText(aSeekMode, "X_DLNA_REL_BYTE")) ||
-            (fRVU && (IsText(aSeekMode, "ABS_TIME") || IsText(aSeekMode, "FRAME")));
+    const bool fIsOK = IsText(aSeekMode, "TRACK_NR") || (fTimeSeek && IsText(aSeekMode, "REL_TIME")) ||
+                       (fByteSeek && IsText(aSeekMode, "X_DLNA_REL_BYTE")) ||
+                       (fRVU && (IsText(aSeekMode, "ABS_TIME") || IsText(aSeekMode, "FRAME")));
+    *afOK = fIsOK ? 1 : 0;
 }
 
 static void CDSProvideResSize(UPnPHook*, char* aUserAgent, int* afCDSProvideResSize)

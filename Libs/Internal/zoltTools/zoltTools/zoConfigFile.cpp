@@ -382,8 +382,12 @@ void zoConfigFile_Delete(zoConfigFile* aConfigFile)
     for (size_t i = 0; i < zoCustomHashTable_GetTupleCount(aConfigFile->mSections); ++i)
         FreeSection(RecordAt<Section>(aConfigFile->mSections, i));
     zoCustomHashTable_Delete(aConfigFile->mSections);
-    while (aConfigFile->mFirst)
-        RemoveLine(aConfigFile, aConfigFile->mFirst);
+    for (Line* theLine = aConfigFile->mFirst; theLine;)
+    {
+        Line* theNext = theLine->mNext;
+        FreeLine(theLine);
+        theLine = theNext;
+    }
     free(aConfigFile->mText);
     free(aConfigFile->mPath);
     free(aConfigFile);
