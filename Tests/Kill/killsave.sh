@@ -9,13 +9,17 @@ trap 'rm -rf "$folder"' EXIT
 
 "$save_loop" "$folder/first" 1
 "$save_loop" "$folder/second" 2
-cp "$folder/first" "$folder/saved"
 
 seen_first=0
 seen_second=0
 for ((i = 0; i < times; ++i)); do
+    rm -f "$folder/saved"
     "$save_loop" "$folder/saved" 1000000 &
     program=$!
+    for ((waited = 0; waited < 3000; ++waited)); do # for its first save
+        if [ -e "$folder/saved" ]; then break; fi
+        sleep 0.01
+    done
     sleep "0.0$((RANDOM % 30 + 10))"
     kill -KILL "$program"
     wait "$program" 2>/dev/null || true
