@@ -29,14 +29,52 @@ Entries Read(const zoPackedData_t* aRecord)
             const char* theBytes = zoPackedData_GetData(aRecord, i, theTag, &theSize);
             Require((theSize > 0) == (theBytes != nullptr), "a value has bytes, or no size");
             theEntries[i].emplace_back(theTag, std::string(theBytes ? theBytes : "", theSize));
+        }
+    }
+    return theEntries;
+}
+
+// Reads the values as numbers and as lists of texts, too.
+void CheckReaders(const zoPackedData_t* aRecord, const Entries& anEntries)
+{
+    for (uint32 i = 0; i < anEntries.size(); ++i)
+    {
+        for (const auto& [theTag, theValue] : anEntries[i])
+        {
+            const size_t theSize = theValue.size();
             const bool fIsNumber = theSize == 2 || theSize == 4 || theSize == 8;
             Require(fIsNumber || zoPackedData_GetDataAsUInt64(aRecord, i, theTag) == 0, "a number has 2, 4 or 8 bytes");
             zoArray_t* theTexts = zoPackedData_GetDataArray(aRecord, i, theTag, zoStringArray_UnFlattenerFunc);
             zoArray_SetFreeFunc(theTexts, zoStringArray_FreeFunc);
+            const size_t theEnds = static_cast<size_t>(std::count(theValue.begin(), theValue.end(), '\0'));
+            const bool fIsLastOpen = theSize > 0 && theValue.back() != '\0';
+            Require(zoArray_GetCount(theTexts) == theEnds + fIsLastOpen, "each text ends with its NUL, or the bytes");
             zoArray_Delete(theTexts);
         }
     }
-    return theEntries;
+}
+
+bool HasValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, const std::string& aValue)
+{
+    size_t theSize = 1;
+    const char* theBytes = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
+    return theSize == aValue.size() && (theSize == 0 || memcmp(theBytes, aValue.data(), theSize) == 0);
+}
+
+bool Holds(const zoPackedData_t* aRecord, const Entries& anEntries)
+{
+    if (zoPackedData_GetEntryCount(aRecord) != anEntries.size()) { return false; }
+    for (uint32 i = 0; i < anEntries.size(); ++i)
+    {
+        if (zoPackedData_GetTagCount(aRecord, i) != anEntries[i].size()) { return false; }
+        for (uint16 k = 0; k < anEntries[i].size(); ++k)
+        {
+            const auto& [theTag, theValue] = anEntries[i][k];
+            if (zoPackedData_GetTagAt(aRecord, i, k) != theTag) { return false; }
+            if (!HasValue(aRecord, i, theTag, theValue)) { return false; }
+        }
+    }
+    return true;
 }
 
 size_t BlockSize(const Entries& anEntries)
@@ -70,13 +108,13 @@ void AddEntry(zoPackedData_t* aRecord, Entries& anEntries)
 // Takes the record over. @return the block of a copy of what its own block reads as.
 char* TakeCopiedBlock(zoPackedData_t* aRecord, const Entries& anEntries)
 {
-    Require(Read(aRecord) == anEntries, "what was added is there");
+    Require(Holds(aRecord, anEntries), "what was added is there");
     Require(zoPackedData_GetMemoryUsage(aRecord) == BlockSize(anEntries), "sizes add up");
     zoPackedData_t* theAgain = zoPackedData_NewData(zoPackedData_TakeData(aRecord));
     Require(zoPackedData_GetEntryCount(aRecord) == 0, "a record whose block was taken is empty");
     zoPackedData_Free(aRecord);
     zoPackedData_t* theCopy = zoPackedData_Duplicate(theAgain);
-    Require(Read(theAgain) == anEntries && Read(theCopy) == anEntries, "a block gives back what was added");
+    Require(Holds(theAgain, anEntries) && Holds(theCopy, anEntries), "a block gives back what was added");
     zoPackedData_Free(theAgain);
     char* theBlock = zoPackedData_TakeData(theCopy);
     zoPackedData_Free(theCopy);
@@ -93,6 +131,7 @@ void CheckBlock(char* aBlock, size_t aSize)
 
     zoPackedData_t* theRecord = zoPackedData_NewData(aBlock);
     Entries theEntries = Read(theRecord);
+    CheckReaders(theRecord, theEntries);
     Require(theEntries.empty() || BlockSize(theEntries) == theSaidSize, "the values of a block fill it");
     Add(theRecord, theEntries, 0x0101, "value");
     AddEntry(theRecord, theEntries);

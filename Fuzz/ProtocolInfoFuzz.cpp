@@ -63,6 +63,11 @@ void CheckText(const zoDLNAProtocolInfo_t* anInfo)
     Require(zoDLNAProtocolInfo_IsThumbnail(theAgain) == zoDLNAProtocolInfo_IsThumbnail(anInfo), "so is its kind");
     Require(zoDLNAProtocolInfo_GetConversionIndicator(theAgain) == zoDLNAProtocolInfo_GetConversionIndicator(anInfo),
             "so is the conversion");
+    const char* theProfile = zoDLNAProtocolInfo_GetProfile(anInfo);
+    const int theIndicator = zoDLNAProtocolInfo_GetConversionIndicator(anInfo);
+    Require(zoDLNAProtocolInfo_MatchText(theText.data(), theText.size(), theProfile, theIndicator) &&
+                !zoDLNAProtocolInfo_MatchText(theText.data(), theText.size(), theProfile, !theIndicator),
+            "the text alone tells both");
     zoDLNAProtocolInfo_Delete(theAgain);
 }
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets and runs each for so many seconds, as many at a time as there are processors:
-# ./run.sh SECONDS [TARGET...]. Prints for each its executions and the edges of the code that it reached. What it finds is
+# ./run.sh SECONDS [TARGET...]. Prints for each its executions, the edges of the code that it reached, and the seconds of
+# processor time that it had, which are fewer on a machine that is busy otherwise. What it finds is
 # in build/fuzz/found/TARGET; the inputs in "new" there are where the next run goes on.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
@@ -17,14 +18,14 @@ number_after() { sed -n "s/.*$1 *\([0-9][0-9]*\).*/\1/p" "$2" | tail -n 1; }
 
 # run TARGET: one line about it; the log's end when it found something.
 run() {
-    local found=$root/build/fuzz/found/$1 status=0
+    local found=$root/build/fuzz/found/$1 status=0 used TIMEFORMAT=%U
     mkdir -p "$found/new"
-    "$root/build/fuzz/bin/$1" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
+    used=$({ time "$root/build/fuzz/bin/$1" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
         -artifact_prefix="$found/" -dict="$root/Fuzz/DIDLLite.dict" "$found/new" "$root/Fuzz/Corpus/$1" \
-        >"$found/log" 2>&1 </dev/null || status=$?
-    printf '%-22s %10s executions, %6s of %6s edges, %s\n' "$1" \
+        >"$found/log" 2>&1 </dev/null; } 2>&1) || status=$?
+    printf '%-22s %10s executions, %6s of %6s edges, %7s s, %s\n' "$1" \
         "$(number_after number_of_executed_units: "$found/log")" "$(number_after cov: "$found/log")" \
-        "$(sed -n 's/.*Loaded .*(\([0-9]*\) inline.*/\1/p' "$found/log")" \
+        "$(sed -n 's/.*Loaded .*(\([0-9]*\) inline.*/\1/p' "$found/log")" "$used" \
         "$([ $status -eq 0 ] && echo "nothing found" || echo "FAILED: $found")"
     if [ $status -ne 0 ]; then tail -n 60 "$found/log" >&2; fi
     return $status

@@ -64,6 +64,16 @@ TEST(zoDLNAProtocolInfoTest, ReadsTexts)
         EXPECT_EQ(theCase.mfConverted, zoDLNAProtocolInfo_GetConversionIndicator(theInfo));
         EXPECT_EQ(theCase.mfThumbnail, zoDLNAProtocolInfo_IsThumbnail(theInfo));
         EXPECT_EQ(theCase.mProfile != nullptr, zoDLNAProtocolInfo_MatchPN(theInfo, theCase.mProfile));
+        for (const char* theProfile : { "", "JPEG", "JPEG_T", "MP3", theCase.mProfile })
+        {
+            for (const int theIndicator : { -1, 0, 1 })
+            {
+                const bool fMatches = (!theProfile || zoDLNAProtocolInfo_MatchPN(theInfo, theProfile)) &&
+                                      (theIndicator == -1 || theIndicator == theCase.mfConverted);
+                EXPECT_EQ(fMatches,
+                          zoDLNAProtocolInfo_MatchText(theCase.mText, strlen(theCase.mText), theProfile, theIndicator));
+            }
+        }
         zoDLNAProtocolInfo_Delete(theInfo);
     }
 }

@@ -333,12 +333,7 @@ static void AppendResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, zoPacke
 static bool MatchProtocolInfo(const char* aProtocolInfo, const char* aDLNAPN_Match, int afDLNACI_Match)
 {
     if (!aDLNAPN_Match && afDLNACI_Match == -1) { return true; }
-    zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(aProtocolInfo, strlen(aProtocolInfo), 0);
-    const bool fMatches =
-        (!aDLNAPN_Match || zoDLNAProtocolInfo_MatchPN(theInfo, aDLNAPN_Match)) &&
-        (afDLNACI_Match == -1 || zoDLNAProtocolInfo_GetConversionIndicator(theInfo) == afDLNACI_Match);
-    zoDLNAProtocolInfo_Delete(theInfo);
-    return fMatches;
+    return zoDLNAProtocolInfo_MatchText(aProtocolInfo, strlen(aProtocolInfo), aDLNAPN_Match, afDLNACI_Match) != 0;
 }
 
 // One pass over the resources that writes those which match and are not yet written. The result is 1 when the text has
@@ -438,16 +433,24 @@ static void AppendNamespaces(zoBuffer* aBuffer, const char* aNamespaces)
     else { LogNoNamespaces(); }
 }
 
+// The next string of an array in packed form, where it lies; NULL behind the last. What has no NUL is no string.
+static const char* NextString(const char** aStrings, size_t* aSize)
+{
+    const char* theString = *aStrings;
+    const char* theNul = static_cast<const char*>(*aSize > 0 ? memchr(theString, 0, *aSize) : nullptr);
+    if (!theNul) { return nullptr; }
+    *aSize -= static_cast<size_t>(theNul + 1 - theString);
+    *aStrings = theNul + 1;
+    return theString;
+}
+
 static void AppendAlbumArt(zoBuffer* aBuffer, zoPackedData_t* aMediaData)
 {
-    if (!GetText(aMediaData, 0, kCDSEntryInfo_AlbumArtURI)) { return; } // most objects have none
-    zoArray_t* thePairs =
-        zoPackedData_GetDataArray(aMediaData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
-    zoArray_SetFreeFunc(thePairs, zoStringArray_FreeFunc);
-    for (size_t i = 0; i < zoArray_GetCount(thePairs); i += 2)
+    size_t theSize;
+    const char* thePairs = zoPackedData_GetData(aMediaData, 0, kCDSEntryInfo_AlbumArtURI, &theSize);
+    while (const char* theURI = NextString(&thePairs, &theSize))
     {
-        const char* theURI = static_cast<const char*>(zoArray_At(thePairs, i));
-        const char* theProfile = static_cast<const char*>(zoArray_At(thePairs, i + 1));
+        const char* theProfile = NextString(&thePairs, &theSize);
         if (zoStrEmpty(theURI)) { continue; }
         AppendLiteral(aBuffer, kDIDL_Tag_AlbumArtURI_Start);
         AppendStrIfNotEmpty(aBuffer, " dlna:profileID=\"", theProfile, kDIDL_Quote, kMaxSize_Text, 0);
@@ -455,7 +458,6 @@ static void AppendAlbumArt(zoBuffer* aBuffer, zoPackedData_t* aMediaData)
         AppendStr(aBuffer, theURI, 0, kMaxSize_URI);
         AppendLiteral(aBuffer, kDIDL_Tag_AlbumArtURI_End);
     }
-    zoArray_Delete(thePairs);
 }
 
 static void AppendBackgroundMusic(zoBuffer* aBuffer, zoPackedData_t* aMediaData)
@@ -490,10 +492,18 @@ static void AppendMetadata(zoBuffer* aBuffer, zoPackedData_t* aMediaData)
     AppendMediaExtraInfo(aBuffer, aMediaData);
 }
 
+// What nearly every object's text fits in: a value's tags and a record's rows are of about the same size.
+static size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aResourceInfo)
+{
+    const uint64 theSize =
+        uint64{ zoPackedData_GetMemoryUsage(aMediaData) } + zoPackedData_GetMemoryUsage(aResourceInfo);
+    return kFirstBufferSize + static_cast<size_t>(std::min<uint64>(theSize, 2 * kLimitResourceBufferSize));
+}
+
 char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, int afIncludeHeaderFooter,
                    int afIncludeResExtraInfo, const char* aSelectedURI)
 {
-    zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
+    zoBuffer* theBuffer = zoBuffer_New(GuessTextSize(aMediaData, aResourceInfo));
     if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, kMiniDIDL_Header); }
     if (aMediaData)
     {

@@ -277,6 +277,11 @@ static size_t BoundTextSize(const Fields& aFields, Run aProfile)
     return theSize;
 }
 
+static bool IsConverted(const Parameters& aParameters)
+{
+    return aParameters.mConverted.mLength == 1 && *aParameters.mConverted.mData == '1';
+}
+
 // Changes the fields.
 static zoDLNAProtocolInfo_t* NewFromFields(Fields* aFields)
 {
@@ -302,15 +307,20 @@ static zoDLNAProtocolInfo_t* NewFromFields(Fields* aFields)
     ReadMimeType(theInfo, theMimeParameters, aFields->mField[kField_MimeType], fHasMimeParameters);
     theInfo->mProtocol = aFields->mField[kField_Protocol];
     theInfo->mNetwork = aFields->mField[kField_Network];
-    theInfo->mfConverted = theParameters.mConverted.mLength == 1 && *theParameters.mConverted.mData == '1';
+    theInfo->mfConverted = IsConverted(theParameters);
     return theInfo;
+}
+
+static Fields FieldsOf(const char* aText, size_t aLength)
+{
+    Fields theFields;
+    SplitFields(&theFields, { aText ? aText : "", aText ? strnlen(aText, aLength) : 0 });
+    return theFields;
 }
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
 {
-    const char* theText = aText ? aText : "";
-    Fields theFields;
-    SplitFields(&theFields, { theText, aText ? strnlen(aText, aLength) : 0 });
+    Fields theFields = FieldsOf(aText, aLength);
     return NewFromFields(&theFields);
 }
 
@@ -504,6 +514,15 @@ uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo)
 }
 
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength) { return !aText || !HasBlanks({ aText, aLength }); }
+
+int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator)
+{
+    const Parameters theParameters = ReadParameters(FieldsOf(aText, aLength));
+    const Run theProfile = theParameters.mProfile;
+    const bool fHasProfile = !aProfile || (theProfile.mLength > 0 && theProfile.mLength == strlen(aProfile) &&
+                                           memcmp(theProfile.mData, aProfile, theProfile.mLength) == 0);
+    return fHasProfile && (aConversionIndicator == -1 || IsConverted(theParameters) == (aConversionIndicator != 0));
+}
 
 char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo)
 {

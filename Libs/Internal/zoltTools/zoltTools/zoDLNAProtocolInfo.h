@@ -36,6 +36,16 @@ ZOLTTOOLS_API void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo);
 /** @return 1 when aLength bytes are their own text form, so that there is no need to parse them for it; 0 when they may
  *          not be. NULL and "" are. */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength);
+/**
+ * What zoDLNAProtocolInfo_MatchPN and zoDLNAProtocolInfo_GetConversionIndicator tell, from the text and without an
+ * object, so without memory from the heap.
+ * @param aText  aLength bytes, as for zoDLNAProtocolInfo_New.
+ * @param aProfile  exactly the profile that is to be there; NULL: any, or none.
+ * @param aConversionIndicator  the one that is to be there, 0 or 1; -1: either.
+ * @return 1 when both are so, else 0.
+ */
+ZOLTTOOLS_API int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile,
+                                               int aConversionIndicator);
 /** @return the object's text, new, released with free: what it was parsed from, without the blanks around fields and
  *          parameters. Nothing is added, unknown parameters stay, "" gives "". */
 ZOLTTOOLS_API char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo);
