@@ -54,6 +54,17 @@ void ReadAll(const zoConfigFile* aFile, const char* aSection, const char* aKey)
     std::free(zoConfigFile_GetStringWithSubstitution(aFile, aSection, aKey, "", zoStringSubstitution_Replace_HostName));
 }
 
+// From the last section on, since one without a key and a header is gone.
+void RemoveFirstKeys(zoConfigFile* aFile)
+{
+    for (size_t i = zoConfigFile_GetSectionCount(aFile); i-- > 0;)
+    {
+        const char* theSection = zoConfigFile_GetSectionAt(aFile, i);
+        const char* theKey = zoConfigFile_GetKeyAt(aFile, theSection, 0);
+        if (theKey) { zoConfigFile_SetString(aFile, theSection, theKey, nullptr); }
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
@@ -79,6 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     zoConfigFile_SetString(theFile, theSection, theKey, nullptr);
     Require(!zoConfigFile_GetString(theFile, theSection, theKey, nullptr), "a removed key is gone");
     CheckSame(theFile, "what was removed is not saved");
+    RemoveFirstKeys(theFile);
+    CheckSame(theFile, "what other lines come to stand behind stays");
     zoConfigFile_Delete(theFile);
     std::free(theWords);
     return 0;

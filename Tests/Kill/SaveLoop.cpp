@@ -10,11 +10,12 @@ int main(int argc, char** argv)
     const std::string theValues[] = { std::string(50000, 'a'), std::string(70000, 'b') };
     zoConfigFile* theFile = zoConfigFile_New(argv[1]);
     const long theCount = std::strtol(argv[2], nullptr, 10);
-    for (long i = 0; i < theCount; ++i)
+    bool fIsSaved = true;
+    for (long i = 0; i < theCount && fIsSaved; ++i)
     {
         zoConfigFile_SetString(theFile, "section", "key", theValues[i & 1].c_str());
-        if (!zoConfigFile_Save(theFile)) { return 1; }
+        fIsSaved = zoConfigFile_Save(theFile) != 0;
     }
     zoConfigFile_Delete(theFile);
-    return 0;
+    return fIsSaved ? 0 : 1;
 }

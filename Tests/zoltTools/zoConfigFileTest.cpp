@@ -190,6 +190,16 @@ TEST(zoConfigFileTest, KeepsWhatItDoesNotChange)
               theConfig.Text());
 }
 
+TEST(zoConfigFileTest, AKeyThatBecomesTheFirstKeepsItsByteOrderMark)
+{
+    Config theConfig("k=1\n\xEF\xBB\xBFk=2\n");
+    theConfig.Set("", "k", nullptr);
+    const Config theReloaded(theConfig.Text());
+    EXPECT_EQ("(none)", theReloaded.Get("", "k"));
+    EXPECT_EQ("2", theReloaded.Get("", "\xEF\xBB\xBFk"));
+    EXPECT_EQ(theConfig.Text(), theReloaded.Text());
+}
+
 TEST(zoConfigFileTest, AnyNameAndValueSurvives)
 {
     const std::string kTexts[] = { "",      " ",           "\t",   " a ",    "a b", "\\",           "\\n",
@@ -222,11 +232,13 @@ TEST(zoConfigFileTest, SavesInPlace)
     EXPECT_EQ("[s]\nk=1\n", theFolder.Read("device.conf"));
     ASSERT_EQ(0, chmod(thePath.c_str(), 0600));
     ASSERT_EQ(0, symlink("device.conf", theLink.c_str()));
-    std::ofstream(thePath + ".new") << "what a killed program has left, longer than what comes";
+    std::ofstream(theFolder.mPath + "/left") << "what a killed program has left, longer than what comes";
+    std::filesystem::create_hard_link(theFolder.mPath + "/left", thePath + ".new"); // another program has it open
     EXPECT_TRUE(SaveKey(theLink, "2"));
     EXPECT_EQ("[s]\nk=2\n", theFolder.Read("device.conf"));
     EXPECT_TRUE(std::filesystem::is_symlink(theLink));
     EXPECT_FALSE(std::filesystem::exists(thePath + ".new"));
+    EXPECT_EQ(0u, theFolder.Read("left").find("what a killed program has left"));
     struct stat theStatus;
     ASSERT_EQ(0, stat(thePath.c_str(), &theStatus));
     EXPECT_EQ(0600u, theStatus.st_mode & 07777u);
@@ -240,6 +252,8 @@ TEST(zoConfigFileTest, LosesNothingWhenItFails)
     ASSERT_EQ(0, symlink("nowhere", (kFolder + "/dangling").c_str()));
     std::filesystem::create_directory(kFolder + "/blocked.new");
     std::ofstream(kFolder + "/blocked") << "[s]\nk=old\n";
+    ASSERT_EQ(0, mkfifo((kFolder + "/piped.new").c_str(), 0600));
+    ASSERT_EQ(0, symlink("blocked", (kFolder + "/linked.new").c_str()));
     const struct
     {
         std::string mPath;
@@ -250,6 +264,8 @@ TEST(zoConfigFileTest, LosesNothingWhenItFails)
         { kFolder + "/dangling", "can't be written" },
         { kFolder + "/none/device.conf", "can't be written" }, // no folder to write to
         { kFolder + "/blocked", "blocked.new' can't be written" },
+        { kFolder + "/piped", "piped.new' can't be written" },   // nor waited for a reader
+        { kFolder + "/linked", "linked.new' can't be written" }, // nor what the link leads to
     };
     for (const auto& theCase : kCases)
     {

@@ -47,8 +47,8 @@ ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
  * Writes the configuration to its path, with the comments, order and other lines that it was loaded with. Atomic and
  * durable: a temporary file beside the target is flushed to disk and renamed over it, so that a crash at any point
  * leaves the old file or the new one. It is called like the target with ".new" behind it; programs that save the same
- * file at once wait for each other, and what a killed one has left is used by the next. The file's permissions stay; a
- * symbolic link stays, and what it points to is replaced.
+ * file at once wait for each other, and what a killed one has left is removed by the next. The file's permissions stay;
+ * a symbolic link stays, and what it points to is replaced.
  * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
  *         file is then as it was, or, when only the folder could not be flushed, the new one is in its place.
  */

@@ -27,6 +27,13 @@ static int Complain(const char* aPath, const char* anOperation)
 
 // ---- Reading ----
 
+static char* GiveUp(char* aBytes, int anError)
+{
+    free(aBytes);
+    errno = anError;
+    return nullptr;
+}
+
 // All that the descriptor has left; NULL with errno when reading fails.
 static char* ReadAll(int aDescriptor, size_t* aLength)
 {
@@ -36,18 +43,14 @@ static char* ReadAll(int aDescriptor, size_t* aLength)
     {
         if (theCapacity - *aLength < 2)
         {
-            if (theCapacity > SIZE_MAX / 2) { abort(); } // more than memory can hold
+            if (theCapacity > SIZE_MAX / 2) { return GiveUp(theBytes, EFBIG); }
             theCapacity *= 2;
             theBytes = static_cast<char*>(zoRealloc(theBytes, theCapacity));
         }
         const ssize_t theCount = read(aDescriptor, theBytes + *aLength, theCapacity - *aLength - 1);
         if (theCount > 0) { *aLength += static_cast<size_t>(theCount); }
         else if (theCount == 0) { break; }
-        else if (errno != EINTR)
-        {
-            free(theBytes);
-            return nullptr;
-        }
+        else if (errno != EINTR) { return GiveUp(theBytes, errno); }
     }
     theBytes[*aLength] = '\0';
     return theBytes;
@@ -89,25 +92,40 @@ static char* ResolveLinks(const char* aPath)
     return zoStrdup(aPath);
 }
 
-// Whether the path still is the open file, and nobody else's name for another one.
-static bool IsOwnFile(const char* aPath, int aDescriptor)
+// Keeps other programs from a file until it is closed. True when the path then still names it.
+static bool Lock(const char* aPath, int aDescriptor)
 {
+    while (flock(aDescriptor, LOCK_EX) != 0 && errno == EINTR) {} // where files can't be locked, there is no waiting
     struct stat theFile, theNamed;
     return fstat(aDescriptor, &theFile) == 0 && lstat(aPath, &theNamed) == 0 && theFile.st_dev == theNamed.st_dev &&
-           theFile.st_ino == theNamed.st_ino && S_ISREG(theFile.st_mode) && theFile.st_nlink == 1;
+           theFile.st_ino == theNamed.st_ino;
 }
 
-// Opens the temporary file and keeps other programs from it; -1 with errno when that fails. Another program may just
-// have renamed it: then it is opened anew.
-static int OpenTemporary(const char* aPath)
+// Waits until no other program uses the temporary file, and removes it when that was killed. False with errno when it
+// can't be removed, or is something else.
+static bool RemoveLeftOver(const char* aPath)
+{
+    const int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    int theDescriptor = open(aPath, O_WRONLY | kFlags); // some file systems lock only what may be written
+    if (theDescriptor < 0 && errno == EACCES) { theDescriptor = open(aPath, O_RDONLY | kFlags); }
+    if (theDescriptor < 0) { return errno == ENOENT; }
+    const bool fIsGone = IsRegular(theDescriptor) && (!Lock(aPath, theDescriptor) || unlink(aPath) == 0);
+    const int theError = errno;
+    close(theDescriptor);
+    errno = theError;
+    return fIsGone;
+}
+
+// Makes the temporary file and locks it; -1 with errno when that fails. It is always a new file, which nobody else has
+// open. Another program may take it for a left-over before it is locked: then there is another try.
+static int NewTemporary(const char* aPath, mode_t aMode)
 {
     for (int theTries = 0; theTries < 1000; ++theTries)
     {
-        const int theDescriptor = open(aPath, O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kNewFileMode);
-        if (theDescriptor < 0) { return -1; }
-        while (flock(theDescriptor, LOCK_EX) != 0 && errno == EINTR) {}
-        if (IsOwnFile(aPath, theDescriptor)) { return theDescriptor; }
-        close(theDescriptor);
+        const int theDescriptor = open(aPath, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, aMode);
+        if (theDescriptor >= 0 && Lock(aPath, theDescriptor)) { return theDescriptor; }
+        if (theDescriptor >= 0) { close(theDescriptor); }
+        else if (errno != EEXIST || !RemoveLeftOver(aPath)) { return -1; }
     }
     errno = EBUSY;
     return -1;
@@ -128,14 +146,17 @@ static bool WriteAll(int aDescriptor, const char* aBytes, size_t aLength)
     return true;
 }
 
-// The new file gets the mode of the old one, and its owner where that may be done.
-static bool TakePermissions(int aDescriptor, const char* aTarget)
+// The new file gets the mode of the old one, and its owner and group where that may be done. Without its group, the
+// group that it has instead may do what everybody may.
+static bool TakePermissions(int aDescriptor, const struct stat* anOld)
 {
-    struct stat theStatus;
-    if (stat(aTarget, &theStatus) != 0) { return errno == ENOENT; }
-    const int theResult = fchown(aDescriptor, theStatus.st_uid, theStatus.st_gid);
-    static_cast<void>(theResult);
-    return fchmod(aDescriptor, theStatus.st_mode & 07777) == 0;
+    const mode_t theMode = anOld->st_mode & 07777;
+    if (fchown(aDescriptor, anOld->st_uid, anOld->st_gid) == 0) { return fchmod(aDescriptor, theMode) == 0; }
+    if (fchown(aDescriptor, static_cast<uid_t>(-1), anOld->st_gid) == 0)
+    {
+        return fchmod(aDescriptor, theMode & 0777) == 0;
+    }
+    return fchmod(aDescriptor, (theMode & 0707) | (theMode & 0007) << 3) == 0;
 }
 
 // Flushes the folder of a file, so that its new name lasts; some file systems have nothing to flush there.
@@ -153,10 +174,13 @@ static bool FlushFolder(const char* aPath)
 
 static int ReplaceThrough(const char* aTemporary, const char* aTarget, const char* aBytes, size_t aLength)
 {
-    const int theDescriptor = OpenTemporary(aTemporary);
-    if (theDescriptor < 0) { return Complain(aTemporary, "written"); }
+    struct stat theOld;
+    const bool fIsThere = stat(aTarget, &theOld) == 0;
+    if (!fIsThere && errno != ENOENT) { return Complain(aTarget, "written"); }
     // Nobody may read from the new file what the old one keeps from them: permissions come first.
-    const bool fIsReplaced = ftruncate(theDescriptor, 0) == 0 && TakePermissions(theDescriptor, aTarget) &&
+    const int theDescriptor = NewTemporary(aTemporary, fIsThere ? 0600 : kNewFileMode);
+    if (theDescriptor < 0) { return Complain(aTemporary, "written"); }
+    const bool fIsReplaced = (!fIsThere || TakePermissions(theDescriptor, &theOld)) &&
                              WriteAll(theDescriptor, aBytes, aLength) && fsync(theDescriptor) == 0 &&
                              rename(aTemporary, aTarget) == 0;
     if (!fIsReplaced)
