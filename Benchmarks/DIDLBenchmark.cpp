@@ -356,6 +356,36 @@ void Register(const std::string& aName, const std::function<std::string(int64_t)
         ->Complexity(benchmark::oN);
 }
 
+// All objects of a browse result, one beside the other.
+void BM_GrowthOfBrowseResult(benchmark::State& aState)
+{
+    const std::string theText =
+        "<DIDL-Lite xmlns:dc=\"http://purl.org/dc/elements/1.1/\">" +
+        Repeat("<item id=\"#\"><dc:title>A &amp; B</dc:title>" + std::string(kResource) + "</item>", aState.range(0)) +
+        "</DIDL-Lite>";
+    for (auto _ : aState)
+    {
+        int64_t theCount = 0;
+        ILibXMLNode* theNodes = ILibParseXML(const_cast<char*>(theText.c_str()), 0, theText.size());
+        ILibProcessXMLNodeList(theNodes);
+        for (ILibXMLNode* theNode = theNodes; theNode; theNode = theNode->Next)
+        {
+            if (!theNode->StartTag || strncmp(theNode->Name, "item", 4) != 0) { continue; }
+            char* theData = nullptr;
+            char* theRes = nullptr;
+            ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
+            theCount += UPnPDIDL_Parse("", theNodes, theNode, theAttributes, 1, &theData, &theRes);
+            ILibDestructXMLAttributeList(theAttributes);
+            free(theData);
+            free(theRes);
+        }
+        ILibDestructXMLNodeList(theNodes);
+        if (theCount != aState.range(0)) { aState.SkipWithError("wrong answer"); }
+    }
+    aState.SetComplexityN(aState.range(0));
+}
+BENCHMARK(BM_GrowthOfBrowseResult)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
+
 // The whole road over many resources, from the text to the written choice.
 void BM_RoadOfResources(benchmark::State& aState)
 {
