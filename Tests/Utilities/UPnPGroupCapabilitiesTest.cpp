@@ -354,6 +354,15 @@ TEST(UPnPGroupInfoTest, ComparesSlavesInAnyOrder)
     zoStrReplace(&UPnPGroupInfo_GetSlaveAt(theTwins, 1)->mGroupedUDN, "a");
     EXPECT_EQ(1, UPnPGroupInfo_SameAs(theTwins, GroupOf("ab")));
     EXPECT_EQ(0, UPnPGroupInfo_SameAs(GroupOf("ab"), theTwins));
+
+    const Group g = GroupOf("abc"), h = GroupOf("cba"); // tables have an order of their own, too
+    for (const char* theKey : { "k", "l", "m" })
+        UPnPGroupInfo_SetMetaData(g, "b", theKey, theKey);
+    for (const char* theKey : { "m", "k", "l" })
+        UPnPGroupInfo_SetMetaData(h, "b", theKey, theKey);
+    EXPECT_EQ(1, UPnPGroupInfo_SameAs(g, h));
+    UPnPGroupInfo_SetMetaData(h, "b", "l", "other");
+    EXPECT_EQ(0, UPnPGroupInfo_SameAs(g, h) + UPnPGroupInfo_SameAs(h, g));
 }
 
 TEST(UPnPGroupInfoTest, Members)

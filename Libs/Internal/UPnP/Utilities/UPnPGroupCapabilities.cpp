@@ -364,31 +364,117 @@ int UPnPGroupInfo_IsValid(UPnPGroupInfo* aGroupInfo)
     return 1;
 }
 
-// The index of a slave like aSlave, (size_t) -1 when there is none. All are searched, in a circle from aStart on.
-static size_t FindSameSlave(UPnPGroupInfo* aGroupInfo, const UPnPGroupSlave* aSlave, size_t aStart)
+// ---- Slaves in an order of their own ----
+
+namespace
 {
-    const size_t theCount = UPnPGroupInfo_GetSlaveCount(aGroupInfo);
-    for (size_t i = 0; i < theCount; ++i)
-    {
-        const size_t theIndex = i < theCount - aStart ? aStart + i : i - (theCount - aStart);
-        if (UPnPGroupSlave_S_SameAs(aSlave, UPnPGroupInfo_GetSlaveAt(aGroupInfo, theIndex))) { return theIndex; }
-    }
-    return static_cast<size_t>(-1);
+
+struct Pair
+{
+    const char* mKey;
+    const char* mValue;
+};
+
+// A slave with the pairs of its table by key, so that slaves that are the same compare equal.
+struct OrderedSlave
+{
+    const UPnPGroupSlave* mSlave;
+    Pair* mPairs;
+    size_t mPairCount;
+};
+
+} // namespace
+
+static int ComparePairs(const void* aLeft, const void* aRight)
+{
+    const Pair* theLeft = static_cast<const Pair*>(aLeft);
+    const Pair* theRight = static_cast<const Pair*>(aRight);
+    const int theOrder = strcmp(theLeft->mKey, theRight->mKey);
+    return theOrder != 0 ? theOrder : strcmp(theLeft->mValue, theRight->mValue);
 }
 
-// Several slaves of the first group may find the same slave of the second. Each search begins behind what the one
-// before has found, where in groups of the same order the next one is.
+// Of valid slaves.
+static int CompareSlaves(const void* aLeft, const void* aRight)
+{
+    const OrderedSlave* theLeft = static_cast<const OrderedSlave*>(aLeft);
+    const OrderedSlave* theRight = static_cast<const OrderedSlave*>(aRight);
+    int theOrder = strcmp(theLeft->mSlave->mGroupedUDN, theRight->mSlave->mGroupedUDN);
+    if (theOrder == 0)
+    {
+        theOrder = strcmp(theLeft->mSlave->mGroupedFriendlyName, theRight->mSlave->mGroupedFriendlyName);
+    }
+    if (theOrder == 0)
+    {
+        theOrder = (theLeft->mPairCount > theRight->mPairCount) - (theLeft->mPairCount < theRight->mPairCount);
+    }
+    for (size_t i = 0; i < theLeft->mPairCount && theOrder == 0; ++i)
+        theOrder = ComparePairs(&theLeft->mPairs[i], &theRight->mPairs[i]);
+    return theOrder;
+}
+
+// The pairs are the caller's.
+static OrderedSlave NewOrderedSlave(const UPnPGroupSlave* aSlave)
+{
+    const size_t theCount = zoCustomHashTable_GetTupleCount(aSlave->mMetaData);
+    Pair* thePairs = static_cast<Pair*>(zoMalloc(theCount * sizeof(Pair)));
+    for (size_t i = 0; i < theCount; ++i)
+    {
+        thePairs[i] = { zoCustomHashTable_GetKeyAtIndex(aSlave->mMetaData, i),
+                        zoCustomHashTable_GetValueAtIndex(aSlave->mMetaData, i) };
+    }
+    qsort(thePairs, theCount, sizeof(Pair), ComparePairs);
+    return { aSlave, thePairs, theCount };
+}
+
+// The slaves of a group, ordered.
+class OrderedSlaves
+{
+public:
+    explicit OrderedSlaves(UPnPGroupInfo* aGroupInfo) : mCount(UPnPGroupInfo_GetSlaveCount(aGroupInfo))
+    {
+        mSlaves = static_cast<OrderedSlave*>(zoMalloc(mCount * sizeof(OrderedSlave)));
+        for (size_t i = 0; i < mCount; ++i)
+            mSlaves[i] = NewOrderedSlave(UPnPGroupInfo_GetSlaveAt(aGroupInfo, i));
+        qsort(mSlaves, mCount, sizeof(OrderedSlave), CompareSlaves);
+    }
+    ~OrderedSlaves()
+    {
+        for (size_t i = 0; i < mCount; ++i)
+            free(mSlaves[i].mPairs);
+        free(mSlaves);
+    }
+    OrderedSlaves(const OrderedSlaves&) = delete;
+    OrderedSlaves& operator=(const OrderedSlaves&) = delete;
+
+    bool Contain(const OrderedSlave* aSlave) const
+    {
+        return bsearch(aSlave, mSlaves, mCount, sizeof(OrderedSlave), CompareSlaves) != nullptr;
+    }
+
+private:
+    size_t mCount;
+    OrderedSlave* mSlaves;
+};
+
+// Of valid groups with as many slaves. Several slaves of the first may find the same slave of the second.
 static bool HaveSameSlaves(UPnPGroupInfo* aGroupInfo, UPnPGroupInfo* aCompareGroupInfo)
 {
     const size_t theCount = UPnPGroupInfo_GetSlaveCount(aGroupInfo);
-    size_t theStart = 0;
-    for (size_t i = 0; i < theCount; ++i)
+    size_t theSame = 0; // as many stand at the same index, mostly all
+    while (theSame < theCount && UPnPGroupSlave_S_SameAs(UPnPGroupInfo_GetSlaveAt(aGroupInfo, theSame),
+                                                         UPnPGroupInfo_GetSlaveAt(aCompareGroupInfo, theSame)))
+        ++theSame;
+    if (theSame == theCount) { return true; }
+
+    const OrderedSlaves theOthers(aCompareGroupInfo);
+    bool fAreThere = true;
+    for (size_t i = theSame; i < theCount && fAreThere; ++i)
     {
-        const size_t theFound = FindSameSlave(aCompareGroupInfo, UPnPGroupInfo_GetSlaveAt(aGroupInfo, i), theStart);
-        if (theFound == static_cast<size_t>(-1)) { return false; }
-        theStart = theFound + 1;
+        const OrderedSlave theSlave = NewOrderedSlave(UPnPGroupInfo_GetSlaveAt(aGroupInfo, i));
+        fAreThere = theOthers.Contain(&theSlave);
+        free(theSlave.mPairs);
     }
-    return true;
+    return fAreThere;
 }
 
 int UPnPGroupInfo_SameAs(UPnPGroupInfo* aGroupInfo, UPnPGroupInfo* aCompareGroupInfo)
