@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <limits.h>
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -656,7 +657,11 @@ size_t ILibXmlEscapeLength(const char* aText)
 {
     size_t theLength = 0;
     for (const char* thePosition = aText ? aText : ""; *thePosition; ++thePosition)
-        theLength += Is(*thePosition, kEscaped) ? EntityOf(*thePosition).mLength : 1;
+    {
+        const size_t theAdded = Is(*thePosition, kEscaped) ? EntityOf(*thePosition).mLength : 1;
+        if (theAdded >= SIZE_MAX - theLength) { abort(); } // more than memory can hold
+        theLength += theAdded;
+    }
     return theLength;
 }
 

@@ -205,11 +205,10 @@ static zoDLNAProtocolInfo_t* NewProtocolInfo(const zoPackedData_t* aRecord, uint
 
 static bool IsThumbnail(const zoPackedData_t* aRecord, uint32 aResource)
 {
-    zoDLNAProtocolInfo_t* theInfo = NewProtocolInfo(aRecord, aResource);
-    const bool fIsThumbnail =
-        theInfo && (zoDLNAProtocolInfo_MatchPN(theInfo, "JPEG_TN") || zoDLNAProtocolInfo_MatchPN(theInfo, "PNG_TN"));
-    zoDLNAProtocolInfo_Delete(theInfo);
-    return fIsThumbnail;
+    size_t theLength;
+    const char* theText = CDSRecord_FindText(aRecord, aResource, kCDSResourceInfo_ProtocolInfo, &theLength);
+    return zoDLNAProtocolInfo_MatchText(theText, theLength, "JPEG_TN", -1) ||
+           zoDLNAProtocolInfo_MatchText(theText, theLength, "PNG_TN", -1);
 }
 
 zoCString CDSResourceInfo::GetMimeTypeForResourceIndex(uint32 aResourceIndex)

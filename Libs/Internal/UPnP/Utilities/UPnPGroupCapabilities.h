@@ -21,7 +21,8 @@
  * XML texts may come from strangers' devices: they are read only, nothing recurses, time and memory are linear in the
  * text. Names of elements (their prefix aside) and of attributes are compared without regard to the case of ASCII
  * letters; all other comparisons are exact. A set or a group is used by one thread at a time. Where NULL is not
- * mentioned it is a mistake of the caller's that does nothing, or gives 0 or NULL. */
+ * mentioned it is a mistake of the caller's that does nothing: a NULL group counts as none or as one without members, a
+ * NULL table as an empty one. */
 
 #include <UPnP/Utilities/Export.h>
 #include <zoOS/zoTypes.h>
@@ -148,8 +149,7 @@ UPNPUTILITIES_API int UPnPGroupInfo_IsValid(UPnPGroupInfo* aGroupInfo);
  * Whether both groups are valid and have the same names, UDNs, metadata and number of slaves, and each slave of the
  * first is like some slave of the second. Not compared: mCapability, mOriginalGroupUDN, mfHasMasterSet, the slaves'
  * mUDN and their order.
- * @return 1 or 0. Linear in the groups when their slaves follow each other in the same order, whichever comes first; at
- *         worst slaves times slaves.
+ * @return 1 or 0. Linear in the groups when their slaves stand in the same order, else n log n.
  */
 UPNPUTILITIES_API int UPnPGroupInfo_SameAs(UPnPGroupInfo* aGroupInfo, UPnPGroupInfo* aCompareGroupInfo);
 
@@ -165,8 +165,8 @@ UPNPUTILITIES_API int UPnPGroupInfo_HasDevice(UPnPGroupInfo* aGroupInfo, const c
 /** Removes the first slave with that grouped UDN, which may be the slave's own text. @return 1; 0 when there is none.
  */
 UPNPUTILITIES_API int UPnPGroupInfo_RemoveSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN);
-/** Appends a new slave without metadata, made of copies, in place of the first one with the same grouped UDN, whose
- *  texts may be given here. */
+/** Removes the first slave with the same grouped UDN, whose texts may be given here, and appends a new one without
+ *  metadata, made of copies. */
 UPNPUTILITIES_API void UPnPGroupInfo_AddSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN,
                                               const char* aSlaveFriendlyName, const char* aSlaveUDN);
 
@@ -199,7 +199,8 @@ UPNPUTILITIES_API zoArray_t* UPnPGroupInfo_GetGroupedUDNs(UPnPGroupInfo* aGroupI
  *  No other key is: what a larger group has left there is read back. */
 UPNPUTILITIES_API void UPnPGroupInfo_Store(UPnPGroupInfo* aGroupInfo, zoConfigFile* aConfigFile);
 /** @return the XML form, released with free; NULL for a group that is NULL or not valid. Names, UDNs and names of
- *          metadata are written as they are, and are read back when they hold nothing that has a meaning in XML. */
+ *          metadata are written as they are, not escaped: they are read back when they hold nothing that has a meaning
+ *          in XML, and metadata when its name is none of the attributes above. */
 UPNPUTILITIES_API char* UPnPGroupInfo_GetXML(UPnPGroupInfo* aGroupInfo);
 
 #ifdef __cplusplus
