@@ -2,11 +2,13 @@
 
 #include <UPnP/Stack/ILibChain.h>
 #include <algorithm>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <map>
 #include <poll.h>
 #include <random>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
@@ -230,6 +232,7 @@ TEST(ILibChainTest, Slots)
                "ax bx cx ay by cy az bz cz at bt ct cF bF aF " },
         { 'p', "as bs ap bp al bl af bf as bs cs ap bp cp al bl cl af bf cf "
                "ax bx cx ay by cy az bz cz at bt ct cF bF aF " },
+        { 'y', "as bs ap bp al bl af bf as bs ap bp al bl af bf ax bx ay by cy az bz cz at bt ct cF bF aF " },
         { 'F', "as bs ap bp al bl af bf as bs ap bp al bl af bf ax bx ay by az bz at bt bF cF aF " },
     };
     const int theDescriptor = dup(STDERR_FILENO);
@@ -272,6 +275,19 @@ TEST(ILibChainTest, WaitsForDescriptors)
         ILibChain_RunOnce(theChain, 0);
         EXPECT_EQ(1u, theFirst->mPlace);
     }
+    struct rlimit theLimit, theFewerFiles;
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &theLimit));
+    theFewerFiles = theLimit;
+    theFewerFiles.rlim_cur = 2; // fewer than are waited for
+    setrlimit(RLIMIT_NOFILE, &theFewerFiles);
+    EXPECT_EQ(1, write(theEnds[1], "", 1));
+    ILibChain_RunOnce(theChain, 10);
+    setrlimit(RLIMIT_NOFILE, &theLimit);
+    EXPECT_NE(std::string::npos, theTrace.find("wp x! yp ")) << theTrace;
+    theTrace.clear();
+    char theByte;
+    EXPECT_EQ(1, read(theEnds[0], &theByte, 1));
+
     std::thread theWriter([theEnd = theEnds[1]] { EXPECT_EQ(1, write(theEnd, "", 1)); });
     ILibChain_RunOnce(theChain, -1);
     theWriter.join();
@@ -304,6 +320,9 @@ TEST(ILibChainTest, StopsForThreadsAndBeforehand)
         ILibChain_Run(theChain.mChain);
         EXPECT_EQ(i, theCalls);
     }
+    const auto theBegin = std::chrono::steady_clock::now();
+    ILibChain_RunOnce(theChain.mChain, 20); // the last stop has been done with
+    EXPECT_LE(std::chrono::milliseconds(20), std::chrono::steady_clock::now() - theBegin);
     ILibChain_Stop(nullptr);
 }
 
@@ -335,6 +354,33 @@ TEST(ILibLifeTimeTest, TakesNoTimersFromTheDying)
         ILibLifeTime_AddEx(theLifeTime, theLifeTime, 0, nullptr, free);
         ILibLifeTime_Remove(theLifeTime, theLifeTime);
     });
+}
+
+TEST(ILibChainTest, WaitsForTimersThatSlotsArm)
+{
+    struct Armer
+    {
+        ILibChain mChain; // first
+        int* mCalls;
+    };
+    for (int i = 0; i < 20; ++i)
+    {
+        int theCalls = 0;
+        ILibBaseChain* theChain = ILibChain_New();
+        Armer* theArmer = static_cast<Armer*>(calloc(1, sizeof(Armer)));
+        theArmer->mCalls = &theCalls;
+        theArmer->mChain.mPreSelect = [](void* anObject, ILibChain_PollSet*, int*)
+        {
+            ILibLifeTime* theLifeTime = ILibChain_GetLifeTime(static_cast<ILibChain*>(anObject)->mBaseChain);
+            ILibLifeTime_AddEx(theLifeTime, static_cast<Armer*>(anObject)->mCalls, 3, Count, nullptr);
+        };
+        ILibAddToChain(theChain, theArmer);
+        const auto theBegin = std::chrono::steady_clock::now();
+        ILibChain_RunOnce(theChain, -1);
+        EXPECT_LE(std::chrono::milliseconds(3), std::chrono::steady_clock::now() - theBegin) << "not before its time";
+        EXPECT_EQ(1, theCalls);
+        ILibChain_Delete(theChain);
+    }
 }
 
 TEST(ILibChainTest, Misuse)

@@ -24,6 +24,8 @@ static const Usage kUsage = {
     },
 };
 
+static const int kRetryInterval = 1000; // milliseconds, when the addresses can't be read
+
 namespace
 {
 
@@ -137,8 +139,13 @@ static void PrintChange(void* aWatch)
 {
     Watch& theWatch = *static_cast<Watch*>(aWatch);
     Texts theAddresses;
+    if (!ReadAddresses(theWatch.mPolicy, theAddresses))
+    {
+        ILibLifeTime_AddEx(ILibChain_GetLifeTime(theWatch.mChain), aWatch, kRetryInterval, PrintChange, nullptr);
+        return;
+    }
     // What changed right after the monitor's look, at the start or now, may be printed already.
-    if (!ReadAddresses(theWatch.mPolicy, theAddresses) || theAddresses == theWatch.mAddresses) { return; }
+    if (theAddresses == theWatch.mAddresses) { return; }
     theWatch.mOutput.Fact("change " + std::to_string(theWatch.mChangeCount++),
                           TimeNow() + Difference("added", theAddresses, theWatch.mAddresses) +
                               Difference("removed", theWatch.mAddresses, theAddresses));

@@ -1,7 +1,7 @@
 #include <UPnP/Stack/ILibChain.h>
 
 #include <UPnP/Stack/ILibLifeTimePrivate.h>
-#include <atomic>
+#include <algorithm>
 #include <errno.h>
 #include <limits.h>
 #include <new>
@@ -24,17 +24,14 @@ struct ILibChain_PollSet
     size_t mCapacity;
 };
 
-// A stop is a flag, which ends the loop, and a readable descriptor, which ends the wait.
 struct ILibBaseChain
 {
     zoArray_t* mObjects; // the lifetime first
     ILibLifeTime* mLifeTime;
     ILibChain_PollSet mPollSet;
-    zoSocket mWakeUp;
-    std::atomic<int> mfStop{ 0 };
-    bool mfBusy; // in a turn, or being deleted
+    zoSocket mWakeUp; // readable while a stop is asked for
+    bool mfBusy;      // in a turn, or being deleted
 };
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets the flag");
 
 size_t ILibChain_PollSet_Add(ILibChain_PollSet* aPollSet, zoSocket aSocket, int anEvents)
 {
@@ -82,23 +79,31 @@ static ILibChain* ObjectAt(const ILibBaseChain* aChain, size_t anIndex)
 
 typedef void (*ILibChain::*Slot)(void* anObject);
 
-static void CallSlot(const ILibBaseChain* aChain, Slot aSlot, size_t aCount)
+static void CallSlot(const ILibBaseChain* aChain, Slot aSlot, size_t anIndex)
 {
-    for (size_t i = 0; i < aCount; ++i)
-    {
-        ILibChain* theObject = ObjectAt(aChain, i);
-        if (theObject->*aSlot) { (theObject->*aSlot)(theObject); }
-    }
+    ILibChain* theObject = ObjectAt(aChain, anIndex);
+    if (theObject->*aSlot) { (theObject->*aSlot)(theObject); }
 }
 
-static void CallPreSelect(ILibBaseChain* aChain, int* aMaxWait)
+static void CallSlots(const ILibBaseChain* aChain, Slot aSlot, size_t aCount)
 {
-    // An object added in here is asked at once, or the wait would know nothing of it.
-    for (size_t i = 0; i < zoArray_GetCount(aChain->mObjects); ++i)
-    {
-        ILibChain* theObject = ObjectAt(aChain, i);
-        if (theObject->mPreSelect) { theObject->mPreSelect(theObject, &aChain->mPollSet, aMaxWait); }
-    }
+    for (size_t i = 0; i < aCount; ++i)
+        CallSlot(aChain, aSlot, i);
+}
+
+static void CallPreSelect(ILibBaseChain* aChain, size_t anIndex, int* aMaxWait)
+{
+    ILibChain* theObject = ObjectAt(aChain, anIndex);
+    if (theObject->mPreSelect) { theObject->mPreSelect(theObject, &aChain->mPollSet, aMaxWait); }
+}
+
+// Asks the objects what to wait for: those that are added meanwhile, too, and the timers last, which the others may
+// arm.
+static void AskObjects(ILibBaseChain* aChain, int* aMaxWait)
+{
+    for (size_t i = 1; i < zoArray_GetCount(aChain->mObjects); ++i)
+        CallPreSelect(aChain, i, aMaxWait);
+    CallPreSelect(aChain, 0, aMaxWait);
 }
 
 static void CallPostSelect(const ILibBaseChain* aChain, size_t aCount)
@@ -110,20 +115,27 @@ static void CallPostSelect(const ILibBaseChain* aChain, size_t aCount)
     }
 }
 
-static void Wait(ILibBaseChain* aChain, int aMaxWait)
+static void ForgetEvents(ILibChain_PollSet* aPollSet)
 {
-    ILibChain_PollSet& theSet = aChain->mPollSet;
-    if (poll(theSet.mEntries, theSet.mCount, aMaxWait) < 0)
-    {
-        const bool fInterrupted = errno == EINTR;
-        for (size_t i = 0; i < theSet.mCount; ++i)
-            theSet.mEntries[i].revents = 0;
-        if (!fInterrupted) { poll(theSet.mEntries, 1, aMaxWait < kRetryWait ? aMaxWait : kRetryWait); }
-    }
-    if (theSet.mEntries[0].revents == 0) { return; }
-    uint64 theCount = 0;
-    while (read(aChain->mWakeUp, &theCount, sizeof(theCount)) < 0 && errno == EINTR)
-        ;
+    for (size_t i = 0; i < aPollSet->mCount; ++i)
+        aPollSet->mEntries[i].revents = 0;
+}
+
+// What has come by now, looked up one by one.
+static void LookUpEvents(ILibChain_PollSet* aPollSet)
+{
+    ForgetEvents(aPollSet);
+    for (size_t i = 0; i < aPollSet->mCount; ++i)
+        poll(aPollSet->mEntries + i, 1, 0);
+}
+
+static void Wait(ILibChain_PollSet* aPollSet, int aMaxWait)
+{
+    if (poll(aPollSet->mEntries, aPollSet->mCount, aMaxWait) >= 0) { return; }
+    if (errno == EINTR) { return ForgetEvents(aPollSet); }
+    // There are more descriptors than the process may open, or no memory for them.
+    poll(aPollSet->mEntries, 1, std::min(aMaxWait, kRetryWait));
+    LookUpEvents(aPollSet);
 }
 
 static void Turn(ILibBaseChain* aChain, int aMaxWait)
@@ -132,18 +144,23 @@ static void Turn(ILibBaseChain* aChain, int aMaxWait)
     int theWait = aMaxWait < 0 ? INT_MAX : aMaxWait;
     aChain->mPollSet.mCount = 0;
     ILibChain_PollSet_Add(&aChain->mPollSet, aChain->mWakeUp, POLLIN);
-    CallPreSelect(aChain, &theWait);
+    AskObjects(aChain, &theWait);
     const size_t theCount = zoArray_GetCount(aChain->mObjects);
-    Wait(aChain, theWait < 0 ? 0 : theWait);
+    Wait(&aChain->mPollSet, std::max(theWait, 0));
     CallPostSelect(aChain, theCount);
-    CallSlot(aChain, &ILibChain::mLifeTimeCheck, theCount);
-    CallSlot(aChain, &ILibChain::mPerform, theCount);
+    CallSlots(aChain, &ILibChain::mLifeTimeCheck, theCount);
+    CallSlots(aChain, &ILibChain::mPerform, theCount);
     aChain->mfBusy = false;
 }
 
-// Whether a stop was asked for, which is thereby done with. Should its descriptor be readable still, or only now become
-// so, then the next run has one wait that ends early.
-static bool TakeStop(ILibBaseChain* aChain) { return aChain->mfStop.exchange(0) != 0; }
+// Whether a stop was asked for, or several, which is thereby done with.
+static bool TakeStop(const ILibBaseChain* aChain)
+{
+    uint64 theCount = 0;
+    ssize_t theSize;
+    while ((theSize = read(aChain->mWakeUp, &theCount, sizeof(theCount))) < 0 && errno == EINTR) {}
+    return theSize == static_cast<ssize_t>(sizeof(theCount));
+}
 
 void ILibChain_Run(ILibBaseChain* aChain)
 {
@@ -164,10 +181,8 @@ void ILibChain_Stop(ILibBaseChain* aChain)
 {
     if (!aChain) { return; }
     const int theError = errno; // whom a signal interrupts must not notice
-    aChain->mfStop = 1;
     const uint64 theOne = 1;
-    while (write(aChain->mWakeUp, &theOne, sizeof(theOne)) < 0 && errno == EINTR)
-        ;
+    while (write(aChain->mWakeUp, &theOne, sizeof(theOne)) < 0 && errno == EINTR) {}
     errno = theError;
 }
 
@@ -188,7 +203,10 @@ void ILibChain_Delete(ILibBaseChain* aChain)
     if (!aChain || !zoAssert(!aChain->mfBusy)) { return; }
     aChain->mfBusy = true;
     for (const Slot theSlot : kSlots)
-        CallSlot(aChain, theSlot, zoArray_GetCount(aChain->mObjects));
+    {
+        for (size_t i = 0; i < zoArray_GetCount(aChain->mObjects); ++i) // of those that are added meanwhile, too
+            CallSlot(aChain, theSlot, i);
+    }
     FreeObjects(aChain);
     zoArray_Delete(aChain->mObjects);
     free(aChain->mPollSet.mEntries);

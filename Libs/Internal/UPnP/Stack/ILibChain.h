@@ -18,8 +18,9 @@
  *     mLifeTimeDestroy  comes when the timers that are left have been destroyed
  *     mFree             releases the record, last object first; a NULL slot stands for free
  *
- * Slots may add objects and timers. An object that is added after a turn's wait takes part from the next turn on.
- * Everything but ILibChain_Stop belongs to the chain's thread. */
+ * Slots may add objects and timers. An object that is added after a turn's wait takes part from the next turn on; one
+ * that is added while the chain is deleted, from the step on in which it is added. Everything but ILibChain_Stop
+ * belongs to the chain's thread. */
 
 #include <UPnP/Stack/Export.h>
 #include <UPnP/Stack/ILibLifeTime.h>
@@ -69,11 +70,12 @@ UPNPSTACK_API ILibLifeTime* ILibChain_GetLifeTime(const ILibBaseChain* aChain);
 
 /** Turns until ILibChain_Stop; can be called again then. */
 UPNPSTACK_API void ILibChain_Run(ILibBaseChain* aChain);
-/** Turns once: what comes within the wait is done when it returns. aMaxWaitMilliseconds below 0: no limit. */
+/** Turns once: what ends the wait is done when it returns. aMaxWaitMilliseconds below 0: no limit but INT_MAX. A signal
+ * that is handled ends the wait, too. */
 UPNPSTACK_API void ILibChain_RunOnce(ILibBaseChain* aChain, int aMaxWaitMilliseconds);
-/** Ends ILibChain_Run, or the wait of ILibChain_RunOnce, after the present turn. When neither is going on, the next one
- *  turns once, without a wait: no stop is lost, and several count as one. May be called by any thread and in a signal
- *  handler, as long as the chain lives; NULL is ignored. */
+/** Ends the wait of the present turn, and ILibChain_Run after it. When no turn is going on, the next one is without a
+ * wait: no stop is lost, and several count as one. May be called by any thread and in a signal handler; the chain lives
+ * until it has returned. NULL is ignored. */
 UPNPSTACK_API void ILibChain_Stop(ILibBaseChain* aChain);
 /** Destroys the chain with its objects and timers. Not from within a turn, that is, from a slot or a callback; NULL is
  *  ignored. */

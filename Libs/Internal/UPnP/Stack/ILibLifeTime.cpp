@@ -35,6 +35,7 @@ struct Entry
 
 const size_t kFirstCapacity = 16;
 const int kFirstBucketBits = 4;
+const uint64 kMostLeft = uint64{ INT_MAX } + 1; // milliseconds
 
 } // namespace
 
@@ -229,8 +230,8 @@ static uint64 Now(ILibLifeTime* aLifeTime)
     const uint64 theReading = aLifeTime->mClock(aLifeTime->mClockUserData);
     const uint64 theElapsed = theReading > aLifeTime->mClockReading ? theReading - aLifeTime->mClockReading : 0;
     aLifeTime->mClockReading = theReading;
-    // No timer has more left than INT_MAX. A longer step would only let a clock that jumps to and fro wrap the time.
-    aLifeTime->mNow += theElapsed < INT_MAX ? theElapsed : INT_MAX;
+    // No timer has more left. A longer step would only let a clock that jumps to and fro wrap the time.
+    aLifeTime->mNow += theElapsed < kMostLeft ? theElapsed : kMostLeft;
     return aLifeTime->mNow;
 }
 
@@ -256,7 +257,10 @@ void ILibLifeTime_AddEx_Debug(ILibLifeTime* aLifeTime, void* aData, int aMillise
     theTimer->mDestroyCallback = aDestroyCallback;
     theTimer->mModuleName = aModuleName;
     theTimer->mSocket = aSocket;
-    const uint64 theDue = Now(aLifeTime) + static_cast<uint64>(aMilliseconds > 0 ? aMilliseconds : 0);
+    const uint64 theTime = static_cast<uint64>(aMilliseconds > 0 ? aMilliseconds : 0);
+    // The system's clock is cut to milliseconds: the present one may be as good as over.
+    const bool fIsBegun = theTime > 0 && aLifeTime->mClock == SystemClock;
+    const uint64 theDue = Now(aLifeTime) + theTime + fIsBegun;
     AddToHeap(aLifeTime, { theDue, aLifeTime->mNextNumber++, theTimer });
     AddToRing(aLifeTime, theTimer);
 }
@@ -297,8 +301,8 @@ static void LimitWait(void* anObject, ILibChain_PollSet*, int* aMaxWait)
     if (theLifeTime->mCount == 0) { return; }
     const uint64 theDue = theLifeTime->mHeap[0].mDue;
     const uint64 theNow = Now(theLifeTime);
-    const int theWait = theDue > theNow ? static_cast<int>(theDue - theNow) : 0;
-    if (theWait < *aMaxWait) { *aMaxWait = theWait; }
+    const uint64 theWait = theDue > theNow ? theDue - theNow : 0;
+    if (*aMaxWait > 0 && theWait < static_cast<uint64>(*aMaxWait)) { *aMaxWait = static_cast<int>(theWait); }
 }
 
 static void CallWhatIsDue(void* anObject)

@@ -1,7 +1,8 @@
 #pragma once
 
 /* The timers of an event chain (ILibChain.h), each of which calls back once. Thousands may be pending: arming one,
- * removing it and calling it back cost O(log n), and so much for each when those of one object are removed together.
+ * removing it and calling it back cost amortised O(log n), and so much for each when those of one object are removed
+ * together.
  *
  * Timers that are due are called back in the order of their times, those of the same time in the order of adding. A
  * timer is gone when its callback begins. Callbacks may arm and remove timers at will: one that is armed there, even
@@ -29,7 +30,8 @@ typedef uint64_t (*ILibLifeTime_Clock_t)(void* aUserData);
  * Arms a timer.
  * @param aData             handed to the callbacks, and what the timer is removed by.
  * @param aMilliseconds     from now; below 0 counts as 0.
- * @param aCallback         called once, when the time is over.
+ * @param aCallback         called once, when the time is over: not before, and as soon after that as the chain
+ *                          comes to it.
  * @param aDestroyCallback  called instead when the timer goes before that: when it is removed, or with the chain. NULL:
  *                          nothing is called.
  * @param aSocket           the socket that the timer watches over, kzoSocketInvalid for none; for debuggers only.

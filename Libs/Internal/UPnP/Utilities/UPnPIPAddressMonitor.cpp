@@ -49,6 +49,7 @@ struct IPAddressMonitor* UPnPIPAddressMonitor_Create(ILibBaseChain* aBaseChain,
                                                      void* anIPChangeCallBackFuncUserData,
                                                      zoSocketPolicy* aSocketPolicy)
 {
+    if (!zoAssert(aBaseChain != NULL)) { return nullptr; }
     struct IPAddressMonitor* theMonitor =
         static_cast<struct IPAddressMonitor*>(zoMallocZeroed(sizeof(struct IPAddressMonitor)));
     theMonitor->_mMagicNumber = kUPnPIPAddressMonitor_Magic;

@@ -25,7 +25,7 @@ typedef void (*IPChangeCallBackFunc)(void* aUserData);
  * @param aChangeCallBackFunc             not NULL; called on the chain's thread, which it must not block, with
  * @param anIPChangeCallBackFuncUserData  unchanged, when the addresses differ from those of the look before.
  * @param aSocketPolicy                   which addresses count; outlives the chain. NULL: all.
- * @return the monitor, borrowed.
+ * @return the monitor, borrowed; NULL, after an assertion, for a NULL chain.
  */
 UPNPUTILITIES_API struct IPAddressMonitor* UPnPIPAddressMonitor_Create(ILibBaseChain* aBaseChain,
                                                                        IPChangeCallBackFunc aChangeCallBackFunc,

@@ -25,7 +25,8 @@ ZOLTTOOLS_API void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSou
 ZOLTTOOLS_API zoArray_t* zoIPAddressMonitor_GetAddresses(const zoSocketPolicy* aSocketPolicy);
 
 /** @param aSocketPolicy  outlives the monitor; NULL admits all addresses.
- *  @return a new monitor that remembers the addresses of now, released with zoIPAddressMonitor_Delete. */
+ *  @return a new monitor that remembers the addresses of now, none when they can't be found out; released with
+ *          zoIPAddressMonitor_Delete. */
 ZOLTTOOLS_API zoIPAddressMonitor* zoIPAddressMonitor_New(const zoSocketPolicy* aSocketPolicy);
 /** @return whether the addresses differ from those remembered; those of now are remembered then. 0 when they can't be
  *          found out, and nothing is forgotten. */
