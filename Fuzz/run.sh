@@ -18,14 +18,14 @@ number_after() { sed -n "s/.*$1 *\([0-9][0-9]*\).*/\1/p" "$2" | tail -n 1; }
 
 # run TARGET: one line about it; the log's end when it found something.
 run() {
-    local found=$root/build/fuzz/found/$1 status=0 used TIMEFORMAT=%U
+    local found=$root/build/fuzz/found/$1 status=0 used TIMEFORMAT='%U %S'
     mkdir -p "$found/new"
     used=$({ time "$root/build/fuzz/bin/$1" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
         -artifact_prefix="$found/" -dict="$root/Fuzz/DIDLLite.dict" "$found/new" "$root/Fuzz/Corpus/$1" \
         >"$found/log" 2>&1 </dev/null; } 2>&1) || status=$?
     printf '%-22s %10s executions, %6s of %6s edges, %7s s, %s\n' "$1" \
         "$(number_after number_of_executed_units: "$found/log")" "$(number_after cov: "$found/log")" \
-        "$(sed -n 's/.*Loaded .*(\([0-9]*\) inline.*/\1/p' "$found/log")" "$used" \
+        "$(sed -n 's/.*Loaded .*(\([0-9]*\) inline.*/\1/p' "$found/log")" "$(awk '{ print $1 + $2 }' <<<"$used")" \
         "$([ $status -eq 0 ] && echo "nothing found" || echo "FAILED: $found")"
     if [ $status -ne 0 ]; then tail -n 60 "$found/log" >&2; fi
     return $status
