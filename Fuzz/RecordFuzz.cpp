@@ -1,0 +1,178 @@
+#include "FuzzSupport.h"
+
+#include <UPnP/Utilities/CDSEntryInfo.h>
+#include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/UPnPDIDL.h>
+#include <algorithm>
+#include <zoLog/Log.h>
+
+// The bytes are a document of one object; else the values of an entry record and a resource record, which no document
+// need have made. The records are then looked at in every way, written, and cut down.
+
+namespace
+{
+
+struct Records
+{
+    char* mEntry = nullptr; // blocks, as they go from module to module
+    char* mResources = nullptr;
+};
+
+// Values, each a tag of a byte and a size of one before its bytes. The tag 0xFF begins a resource.
+Records FromValues(const uint8_t* aBytes, size_t aSize)
+{
+    zoPackedData_t* theRecords[] = { zoPackedData_New(1), zoPackedData_New(0) };
+    zoPackedData_AddNewEntry(theRecords[0]);
+    for (size_t i = 0; i + 2 <= aSize;)
+    {
+        const bool fIsInResource = zoPackedData_GetEntryCount(theRecords[1]) > 0;
+        const size_t theSize = std::min<size_t>(aBytes[i + 1], aSize - i - 2);
+        if (aBytes[i] == 0xFF) { zoPackedData_AddNewEntry(theRecords[1]); }
+        else { zoPackedData_AddData(theRecords[fIsInResource], aBytes[i], aBytes + i + 2, theSize); }
+        i += aBytes[i] == 0xFF ? 1 : 2 + theSize;
+    }
+    const Records theBlocks = { zoPackedData_TakeData(theRecords[0]), zoPackedData_TakeData(theRecords[1]) };
+    for (zoPackedData_t* theRecord : theRecords)
+        zoPackedData_Free(theRecord);
+    return theBlocks;
+}
+
+Records Read(const uint8_t* aBytes, size_t aSize)
+{
+    Records theBlocks;
+    int theType = 0;
+    char* theText = NewText(aBytes, aSize);
+    UPnPDIDL_ParseElements(theText, &theBlocks.mEntry, &theBlocks.mResources, &theType);
+    free(theText);
+    return theBlocks.mEntry ? theBlocks : FromValues(aBytes, aSize);
+}
+
+void CheckEntry(CDSEntryInfo& anInfo)
+{
+    zoCString theName, theData;
+    for (int i = -1; i <= anInfo.GetExtraInfoCount(); ++i)
+    {
+        anInfo.GetExtraInfo(i, theName, theData);
+        Require(theName == anInfo.GetExtraInfoName(i) && theData == anInfo.GetExtraInfoData(i), "a pair is its parts");
+        const bool fIsThere = i >= 0 && i < anInfo.GetExtraInfoCount();
+        Require(fIsThere || (theName.IsEmpty() && theData.IsEmpty()), "past the last pair there is none");
+    }
+    Require(!anInfo.IsContainer() || anInfo.GetInfoAsULong(kCDSEntryInfo_IsContainer) != 0, "a container says so");
+    CDSEntryInfo* theClone = anInfo.Clone();
+    for (uint16 theTag = 0; theTag < kCDSEntryInfo_Count; ++theTag)
+        Require(theClone->GetInfoAsCString(theTag) == anInfo.GetInfoAsCString(theTag), "a clone has the same texts");
+    delete theClone;
+}
+
+void CheckResource(CDSResourceInfo& anInfo, uint32 aResource)
+{
+    const int theCount = anInfo.GetExtraInfoCount(aResource);
+    for (int i = 0; i < theCount; ++i)
+    {
+        const zoCString theName = anInfo.GetExtraInfoName(aResource, i);
+        int theFirst = 0;
+        while (!(anInfo.GetExtraInfoName(aResource, theFirst) == theName))
+            ++theFirst;
+        const zoCString theData = anInfo.GetExtraInfoData(aResource, theFirst);
+        Require(theName.IsEmpty() || anInfo.GetExtraInfoDataByName(aResource, theName.c_str()) == theData,
+                "a name stands for the first pair that has it");
+    }
+    const zoCString theURI = anInfo.GetInfoAsCString(aResource, kCDSResourceInfo_URI);
+    Require(theURI.IsEmpty() || anInfo.GetResourceIndexOfURI(theURI) <= static_cast<int>(aResource),
+            "a URI is found where it comes first");
+}
+
+void CheckSubtitles(CDSResourceInfo& anInfo)
+{
+    const int theCount = anInfo.GetSubtitleCount();
+    int theLast = -1;
+    for (int i = 0; i < theCount; ++i)
+    {
+        const int theResource = anInfo.GetResourceIndexForSubtitle(i);
+        Require(theResource > theLast && anInfo.IsSubtitle(theResource), "subtitles are resources, in their order");
+        Require(anInfo.GetSubtitleURI(theResource) ==
+                    anInfo.GetInfoAsCString(static_cast<uint32>(theResource), kCDSResourceInfo_URI),
+                "a subtitle is at its resource's URI");
+        anInfo.GetSubtitleLabel(theResource);
+        anInfo.GetSubtitleType(theResource);
+        theLast = theResource;
+    }
+    Require(anInfo.GetResourceIndexForSubtitle(theCount) == -1, "past the last subtitle there is none");
+}
+
+void CheckPictures(CDSResourceInfo& anInfo)
+{
+    uint32 theTargets[] = { 0x01020A0A };
+    zoCString theProfile, theArtProfile;
+    const zoCString theArt = anInfo.GetAlbumArtURI("JPEG_TN,PNG_SM", &theArtProfile, theTargets, 1);
+    Require(!theArt.IsEmpty() || theArtProfile.IsEmpty(), "no album art, no profile");
+    const zoCString theThumbnail = anInfo.GetThumbnailURI("", &theProfile, theTargets, 1);
+    Require(theThumbnail.IsEmpty() || theThumbnail == anInfo.GetAlbumArtURI("JPEG_TN,PNG_TN", nullptr, theTargets, 1) ||
+                anInfo.GetResourceIndexOfURI(theThumbnail) >= 0,
+            "a thumbnail is album art, or a resource");
+}
+
+void CheckReduction(CDSResourceInfo& anInfo)
+{
+    const size_t theSize = anInfo.GetMemoryUsage();
+    const uint32 theCount = anInfo.GetResourceCount();
+    const zoCString theURI = anInfo.GetInfoAsCString(theCount / 2, kCDSResourceInfo_URI);
+    CDSResourceInfo* theClone = anInfo.Clone();
+    theClone->ReduceSize(theSize, theURI, true);
+    Require(theClone->GetResourceCount() == theCount, "what is small enough stays");
+    theClone->ReduceSize(theSize / 2, theURI, true);
+    Require(theClone->GetMemoryUsage() <= theSize && theClone->GetResourceCount() <= theCount, "less is left");
+    Require(theURI.IsEmpty() || theClone->GetResourceIndexOfURI(theURI) >= 0, "what is to be kept is");
+    delete theClone;
+}
+
+void CheckResources(CDSResourceInfo& anInfo)
+{
+    for (uint32 i = 0; i < anInfo.GetResourceCount(); ++i)
+        CheckResource(anInfo, i);
+    CheckSubtitles(anInfo);
+    CheckPictures(anInfo);
+    CheckReduction(anInfo);
+}
+
+void RequireWellFormed(char* aText)
+{
+    ILibXMLNode* theNodes = ILibParseXML(aText, 0, strlen(aText));
+    Require(ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError, "a document of an upload is one");
+    ILibDestructXMLNodeList(theNodes);
+    free(aText);
+}
+
+void CheckDocuments(CDSEntryInfo& anEntry, CDSResourceInfo& aResources)
+{
+    const zoCString theTitle = anEntry.GetInfoAsCString(kCDSEntryInfo_Title);
+    const zoCString theURI = aResources.GetInfoAsCString(0, kCDSResourceInfo_URI);
+    const zoCString theInfoText = aResources.GetInfoAsCString(0, kCDSResourceInfo_ProtocolInfo);
+    zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(theInfoText.c_str(), theInfoText.length(), 0);
+    free(UPnPDIDL_Get(anEntry.mPackedData, aResources.mPackedData, 1, 1, theURI.c_str()));
+    RequireWellFormed(UPnPDIDL_GetForCreateContainerRequest(theURI.c_str(), theTitle.c_str(), 7, theTitle.c_str(), ""));
+    RequireWellFormed(UPnPDIDL_GetForCreateItemRequest(theURI.c_str(), theTitle.c_str(), 7, theTitle.c_str(),
+                                                       theInfoText.c_str(), INT64_MAX, 0x80000000));
+    for (const char* theImport : { static_cast<const char*>(nullptr), theURI.c_str() })
+    {
+        RequireWellFormed(UPnPDIDL_GetForCreateObjectResponse(anEntry.mPackedData, theImport, theImport, theInfo,
+                                                              theTitle.c_str(), nullptr, 1, 0));
+    }
+    free(UPnPDIDL_GetForCreateContainerRequest(nullptr, nullptr, 0, nullptr, theTitle.c_str())); // classes, as they are
+    zoDLNAProtocolInfo_Delete(theInfo);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
+{
+    if (aSize > 4096) { return 0; } // pairs are looked for by name
+    _zoLog_Level = ZOLOGLEVEL_NONE;
+    const Records theBlocks = Read(aBytes, aSize);
+    CDSEntryInfo theEntry(zoPackedData_NewData(theBlocks.mEntry));
+    CDSResourceInfo theResources(theBlocks.mResources, theEntry.mPackedData);
+    CheckEntry(theEntry);
+    CheckResources(theResources);
+    CheckDocuments(theEntry, theResources);
+    return 0;
+}
