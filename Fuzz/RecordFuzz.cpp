@@ -100,12 +100,29 @@ void CheckSubtitles(CDSResourceInfo& anInfo)
     Require(anInfo.GetResourceIndexForSubtitle(theCount) == -1, "past the last subtitle there is none");
 }
 
-void CheckPictures(CDSResourceInfo& anInfo)
+// Whether the URI is one of the entry's album art, with the profile unless that is empty.
+bool HasAlbumArt(const CDSEntryInfo& anEntry, const zoCString& aURI, const zoCString& aProfile)
+{
+    zoArray_t* thePairs =
+        zoPackedData_GetDataArray(anEntry.mPackedData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
+    zoArray_SetFreeFunc(thePairs, zoStringArray_FreeFunc);
+    bool fHas = false;
+    for (size_t i = 0; i + 1 < zoArray_GetCount(thePairs) && !fHas; i += 2)
+    {
+        const bool fIsURI = aURI == static_cast<const char*>(zoArray_At(thePairs, i));
+        fHas = fIsURI && (aProfile.IsEmpty() || aProfile == static_cast<const char*>(zoArray_At(thePairs, i + 1)));
+    }
+    zoArray_Delete(thePairs);
+    return fHas;
+}
+
+void CheckPictures(CDSResourceInfo& anInfo, const CDSEntryInfo& anEntry)
 {
     uint32 theTargets[] = { 0x01020A0A };
     zoCString theProfile, theArtProfile;
     const zoCString theArt = anInfo.GetAlbumArtURI("JPEG_TN,PNG_SM", &theArtProfile, theTargets, 1);
-    Require(!theArt.IsEmpty() || theArtProfile.IsEmpty(), "no album art, no profile");
+    Require((theArt.IsEmpty() && theArtProfile.IsEmpty()) || HasAlbumArt(anEntry, theArt, theArtProfile),
+            "album art is a pair of the entry's");
     const zoCString theThumbnail = anInfo.GetThumbnailURI("", &theProfile, theTargets, 1);
     Require(theThumbnail.IsEmpty() || theThumbnail == anInfo.GetAlbumArtURI("JPEG_TN,PNG_TN", nullptr, theTargets, 1) ||
                 anInfo.GetResourceIndexOfURI(theThumbnail) >= 0,
@@ -126,12 +143,12 @@ void CheckReduction(CDSResourceInfo& anInfo)
     delete theClone;
 }
 
-void CheckResources(CDSResourceInfo& anInfo)
+void CheckResources(CDSResourceInfo& anInfo, const CDSEntryInfo& anEntry)
 {
     for (uint32 i = 0; i < anInfo.GetResourceCount(); ++i)
         CheckResource(anInfo, i);
     CheckSubtitles(anInfo);
-    CheckPictures(anInfo);
+    CheckPictures(anInfo, anEntry);
     CheckReduction(anInfo);
 }
 
@@ -172,7 +189,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     CDSEntryInfo theEntry(zoPackedData_NewData(theBlocks.mEntry));
     CDSResourceInfo theResources(theBlocks.mResources, theEntry.mPackedData);
     CheckEntry(theEntry);
-    CheckResources(theResources);
+    CheckResources(theResources, theEntry);
     CheckDocuments(theEntry, theResources);
     return 0;
 }
