@@ -1,6 +1,5 @@
 #include "TestSupport.h"
 
-#include <UPnP/Stack/ILibChain.h>
 #include <algorithm>
 #include <chrono>
 #include <gtest/gtest.h>
@@ -15,34 +14,6 @@
 
 namespace
 {
-
-// A chain with a clock that stands still.
-struct TestChain
-{
-    TestChain() : mChain(ILibChain_New()), mLifeTime(ILibChain_GetLifeTime(mChain))
-    {
-        ILibLifeTime_SetClock(
-            mLifeTime, [](void* aClock) { return *static_cast<uint64*>(aClock); }, &mClock);
-    }
-    ~TestChain() { ILibChain_Delete(mChain); }
-    TestChain(const TestChain&) = delete;
-    TestChain& operator=(const TestChain&) = delete;
-
-    void Add(void* aData, int aMilliseconds, ILibLifeTime_Callback_t aCallback,
-             ILibLifeTime_Callback_t aDestroyCallback = nullptr)
-    {
-        ILibLifeTime_AddEx(mLifeTime, aData, aMilliseconds, aCallback, aDestroyCallback);
-    }
-    void Pass(uint64 aMilliseconds)
-    {
-        mClock += aMilliseconds;
-        ILibChain_RunOnce(mChain, 0);
-    }
-
-    uint64 mClock = 1000000;
-    ILibBaseChain* mChain;
-    ILibLifeTime* mLifeTime;
-};
 
 // What the timers must do, kept in a sorted map; their callbacks check themselves against it, and change it at random.
 class TimerModel
@@ -222,11 +193,8 @@ TEST(ILibLifeTimeTest, ClockJumps)
 
 TEST(ILibChainTest, Slots)
 {
-    static const struct
-    {
-        char mAddingSlot; // in which "b" adds "c"
-        const char* mTrace;
-    } kCases[] = {
+    static const std::pair<char, const char*> kCases[] = {
+        // the slot in which "b" adds "c", what is called
         { '\0', "as bs ap bp al bl af bf as bs ap bp al bl af bf ax bx ay by az bz at bt bF aF " },
         { 's', "as bs cs ap bp cp al bl cl af bf cf as bs cs ap bp cp al bl cl af bf cf "
                "ax bx cx ay by cy az bz cz at bt ct cF bF aF " },
@@ -237,20 +205,20 @@ TEST(ILibChainTest, Slots)
     };
     const int theDescriptor = dup(STDERR_FILENO);
     close(theDescriptor);
-    for (const auto& theCase : kCases)
+    for (const auto& [theAddingSlot, theExpected] : kCases)
     {
         std::string theTrace;
         ILibBaseChain* theChain = ILibChain_New();
         Tracer* theSecond = new Tracer(&theTrace, 'b');
-        theSecond->mAddingSlot = theCase.mAddingSlot;
-        if (theCase.mAddingSlot) { theSecond->mAdded = new Tracer(&theTrace, 'c'); }
+        theSecond->mAddingSlot = theAddingSlot;
+        if (theAddingSlot) { theSecond->mAdded = new Tracer(&theTrace, 'c'); }
         ILibAddToChain(theChain, new Tracer(&theTrace, 'a'));
         ILibAddToChain(theChain, theSecond);
         ILibAddToChain(theChain, calloc(1, sizeof(ILibChain))); // no slots: skipped, and freed
         ILibChain_RunOnce(theChain, 0);
         ILibChain_RunOnce(theChain, 0);
         ILibChain_Delete(theChain);
-        EXPECT_EQ(theCase.mTrace, theTrace);
+        EXPECT_EQ(theExpected, theTrace);
     }
     EXPECT_EQ(theDescriptor, dup(STDERR_FILENO)) << "a chain has left one open";
     close(theDescriptor);

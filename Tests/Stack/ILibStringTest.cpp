@@ -2,14 +2,11 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 TEST(ILibStringTest, ParsesTimes)
 {
-    static const struct
-    {
-        const char* mText;
-        uint32 mSeconds;
-    } kCases[] = {
+    static const std::pair<const char*, uint32> kCases[] = {
         { "0:03:35", 215 },
         { "0:03:35.000", 215 },
         { "215", 215 },
@@ -20,8 +17,8 @@ TEST(ILibStringTest, ParsesTimes)
         { "1:00:00.99999999999999999999/100000000000000000000", 3600 },
         { "1193046:28:14", 4294967294u }, // the largest that is known
     };
-    for (const auto& theCase : kCases)
-        EXPECT_EQ(theCase.mSeconds, ILibString_ParseTimeString(theCase.mText)) << theCase.mText;
+    for (const auto& [theTime, theSeconds] : kCases)
+        EXPECT_EQ(theSeconds, ILibString_ParseTimeString(theTime)) << theTime;
 
     static const char* const kNoTimes[] = { "0:60:00", "0:00:60", "0:001:02", "0:0:0:0", ":03:35", "0::35",
                                             "0:03:", "-0:03:35", " 0:03:35", "0:03:35 ", "1:00:00.", "1:00:00.5/",
@@ -52,29 +49,23 @@ TEST(ILibStringTest, FindsWords)
 
 TEST(ILibStringTest, ReadsLongs)
 {
-    static const struct
+    static const int32 kNone = 77;
+    static const std::pair<int32, std::vector<const char*>> kCases[] = {
+        { 0, { "0", "-0" } },
+        { 12, { "00000000000000000012" } },
+        { INT32_MAX, { "2147483647" } },
+        { INT32_MIN, { "-2147483648" } },
+        { kNone, { "2147483648", "-2147483649", "18446744073709551617", "12x", "+1", " 1", "-", "" } },
+    };
+    for (const auto& [theExpected, theTexts] : kCases)
     {
-        const char* mText;
-        int32 mValue; // 77 for what is no number
-    } kCases[] = { { "0", 0 },
-                   { "-0", 0 },
-                   { "00000000000000000012", 12 },
-                   { "2147483647", INT32_MAX },
-                   { "2147483648", 77 },
-                   { "-2147483648", INT32_MIN },
-                   { "-2147483649", 77 },
-                   { "18446744073709551617", 77 },
-                   { "12x", 77 },
-                   { "+1", 77 },
-                   { " 1", 77 },
-                   { "-", 77 },
-                   { "", 77 } };
-    for (const auto& theCase : kCases)
-    {
-        const std::string theText = std::string(theCase.mText) + "9"; // the length counts, not what follows
-        int32 theValue = 77;
-        const int theResult = ILibGetLong(theText.c_str(), strlen(theCase.mText), &theValue);
-        EXPECT_EQ(theCase.mValue == 77 ? -1 : 0, theResult) << theCase.mText;
-        EXPECT_EQ(theCase.mValue, theValue) << theCase.mText;
+        for (const char* theText : theTexts)
+        {
+            const std::string theLonger = std::string(theText) + "9"; // the length counts, not what follows
+            int32 theValue = kNone;
+            const int theResult = ILibGetLong(theLonger.c_str(), strlen(theText), &theValue);
+            EXPECT_EQ(theExpected == kNone ? -1 : 0, theResult) << theText;
+            EXPECT_EQ(theExpected, theValue) << theText;
+        }
     }
 }

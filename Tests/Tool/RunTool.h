@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,8 +29,7 @@ struct ScratchFile
         rewind(mFile);
     }
     ~ScratchFile() { fclose(mFile); }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
+    ScratchFile& operator=(ScratchFile&&) = delete;
 
     std::string Read() const
     {
@@ -74,8 +74,40 @@ inline Words Lines(const std::string& aText)
     return theLines;
 }
 
+inline Words Joined(Words aLeft, const Words& aRight)
+{
+    aLeft.insert(aLeft.end(), aRight.begin(), aRight.end());
+    return aLeft;
+}
+
 inline bool HasLine(const Result& aResult, const std::string& aLine)
 {
     const Words theLines = Lines(aResult.mOutput);
     return std::find(theLines.begin(), theLines.end(), aLine) != theLines.end();
+}
+
+inline void ExpectLines(const Words& aLines, const Result& aResult)
+{
+    for (const std::string& theLine : aLines)
+        EXPECT_TRUE(HasLine(aResult, theLine)) << theLine << '\n' << aResult.mOutput << aResult.mError;
+}
+
+struct Refusal
+{
+    Words mArguments;
+    const char* mReason; // is in the one line that the tool says
+    std::string mInput = "";
+    int mStatus = 2;
+};
+
+inline void ExpectRefusals(const std::vector<Refusal>& aRefusals)
+{
+    for (const Refusal& theRefusal : aRefusals)
+    {
+        const Result theResult = RunTool(theRefusal.mArguments, theRefusal.mInput);
+        EXPECT_EQ(theRefusal.mStatus, theResult.mStatus) << theRefusal.mReason;
+        EXPECT_EQ("", theResult.mOutput) << theRefusal.mReason;
+        EXPECT_NE(std::string::npos, theResult.mError.find(theRefusal.mReason)) << theResult.mError;
+        EXPECT_EQ(1u, Lines(theResult.mError).size()) << theResult.mError;
+    }
 }

@@ -14,9 +14,9 @@ TEST(ToolGroupTest, Shows)
 {
     const Result theGroup = RunTool({ "group", "show", "-" }, kGroup);
     EXPECT_EQ(0, theGroup.mStatus);
-    for (const char* theFact : { "metadata 0 label: Tom & Ann\\n=", "master udn: uuid:2",
-                                 "slave 0 metadata 0 volume: 20", "slaves: 1", "valid: yes" })
-        EXPECT_TRUE(HasLine(theGroup, theFact)) << theFact;
+    ExpectLines({ "metadata 0 label: Tom & Ann\\n=", "master udn: uuid:2", "slave 0 metadata 0 volume: 20", "slaves: 1",
+                  "valid: yes" },
+                theGroup);
     EXPECT_EQ(
         "capability 0 name: a\ncapability 0 grouped udn: b\ncapability 0 mode: slave\nactive: a\ncapabilities: 1\n",
         RunTool({ "group", "show", "-" }, kCapability).mOutput);
@@ -37,36 +37,19 @@ TEST(ToolGroupTest, StoresAndLoads)
 
 TEST(ToolGroupTest, RefusesInOneLine)
 {
-    static const struct
-    {
-        Words mArguments;
-        const char* mInput;
-        int mStatus;
-        const char* mReason;
-    } kCases[] = {
-        { {}, "", 2, "an action is missing" },
-        { { "sing" }, "", 2, "\"sing\"" },
-        { { "store", "-", "M" }, "", 2, "CONFIG is missing" },
-        { { "store", "-", "M", "-" }, kGroup, 2, "CONFIG has to be a file" },
-        { { "store", "-", "M", "/dev/null/a" }, kGroup, 2, "/dev/null/a: " },
-        { { "store", "-", "M", "/dev/null" }, kCapability, 2, "standard input: no well-formed groupInfo" },
-        { { "load", "-", "M" }, "[M]\nGroup.UDN=a\n", 1, "no complete group in section \"M\"" },
-        { { "load", "/dev/null/a", "M" }, "", 2, "/dev/null/a: " },
-        { { "show", "-" }, "<a>", 2, "not well-formed" },
-        { { "show", "-" }, "<a/>", 1, "neither groupInfo nor groupCapabilities" },
-        { { "show", "-" }, "<groupCapabilities/>", 1, "no groupCapability" },
-        { { "show", "-" }, "<groupCapabilities><groupCapability/></groupCapabilities>", 2, "Found an invalid" },
-        { { "show", "-" }, "<groupInfo/>", 2, "Invalid group description" },
-    };
-    for (const auto& theCase : kCases)
-    {
-        Words theArguments = theCase.mArguments;
-        theArguments.insert(theArguments.begin(), "group");
-        const Result theResult = RunTool(theArguments, theCase.mInput);
-        EXPECT_EQ(theCase.mStatus, theResult.mStatus) << theCase.mReason;
-        EXPECT_NE(std::string::npos, theResult.mError.find(theCase.mReason)) << theResult.mError;
-        EXPECT_EQ("1", theResult.mOutput + std::to_string(Lines(theResult.mError).size())) << theResult.mError;
-    }
-    for (const Words& theArguments : { Words{ "group", "--help" }, Words{ "group", "load", "--help" } })
-        EXPECT_EQ(0u, RunTool(theArguments).mOutput.find("Usage: upnputil group ")) << theArguments.back();
+    ExpectRefusals({
+        { { "group" }, "an action is missing" },
+        { { "group", "sing" }, "\"sing\"" },
+        { { "group", "store", "-", "M" }, "CONFIG is missing" },
+        { { "group", "store", "-", "M", "-" }, "CONFIG has to be a file", kGroup },
+        { { "group", "store", "-", "M", "/dev/null/a" }, "/dev/null/a: ", kGroup },
+        { { "group", "store", "-", "M", "/dev/null" }, "standard input: no well-formed groupInfo", kCapability },
+        { { "group", "load", "-", "M" }, "no complete group in section \"M\"", "[M]\nGroup.UDN=a\n", 1 },
+        { { "group", "load", "/dev/null/a", "M" }, "/dev/null/a: " },
+        { { "group", "show", "-" }, "not well-formed", "<a>" },
+        { { "group", "show", "-" }, "neither groupInfo nor groupCapabilities", "<a/>", 1 },
+        { { "group", "show", "-" }, "no groupCapability", "<groupCapabilities/>", 1 },
+        { { "group", "show", "-" }, "Found an invalid", "<groupCapabilities><groupCapability/></groupCapabilities>" },
+        { { "group", "show", "-" }, "Invalid group description", "<groupInfo/>" },
+    });
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
 
 namespace
 {
@@ -54,50 +55,36 @@ TEST(ToolTest, Documents)
 
 TEST(ToolTest, RefusesInOneLine)
 {
-    static const struct
-    {
-        Words mArguments;
-        std::string mInput;
-        int mStatus;
-        const char* mReason;
-    } kCases[] = {
-        { {}, "", 2, "a subcommand is missing" },
-        { { "sing" }, "", 2, "\"sing\"" },
-        { { "show" }, "", 2, "FILE is missing" },
-        { { "show", "-", "x" }, "", 2, "\"x\" is one argument too many" },
-        { { "show", "--", "--help" }, "", 2, "--help: No such file" },
-        { { "show", "/a\nb" }, "", 2, "/a\\nb: No such file" },
-        { { "show", "/" }, "", 2, "/: Is a directory" },
-        { { "show", "-", "--base" }, "", 2, "--base needs a value (URL)" },
-        { { "show", "-", "--base=media/" }, "", 2, "absolute" },
-        { { "show", "-", "--b", "x" }, "", 2, "\"--b\"" },
-        { { "select", "-" }, "", 2, "one of --sink and --sink-file" },
-        { { "select", "-", "--sink=x", "--sink-file=y" }, "", 2, "one of --sink and --sink-file" },
-        { { "select", "-", "--sink", "x", "--sink", "y" }, "", 2, "--sink is given twice" },
-        { { "select", "-", "--sink-file", "-" }, "", 2, "both FILE and the sink file" },
-        { { "select", "-", "--sink", "x", "--target", "10.0.0.256" }, "", 2, "10.0.0.256" },
-        { { "unlock", "http://h/p?lock=" }, "", 2, "--pin is needed" },
-        { { "unlock", "http://h/p?block=", "--pin", "1" }, "", 1, "no lock argument" },
-        { { "show", "-" }, "", 1, "no object" },
-        { { "show", "-" }, "<DIDL-Lite><desc><item/></desc></DIDL-Lite>", 1, "no object" },
-        { { "show", "-" }, std::string("<item/>\0", 8), 2, "standard input: a NUL byte at offset 7" },
-        { { "show", "-" }, "<item>\n<a>\n</b></item>", 2, "\"b\" in line 3" },
-        { { "show", "-" }, "<item>\n<a/>", 2, "in line 2 or later" },
-        { { "show", "-" }, "<", 2, "in line 1 or later" },
-        { { "show", "-" }, "<R><Result>&lt;item></Result></R>", 2, "in line 1 or later" },
-        { { "select", "-", "--sink", "x" }, "", 1, "no object" },
-        { { "select", "-", "--sink", "x" }, "<item></itm>", 2, "\"itm\" in line 1" },
-        { { "select", "-", "--sink", "x" }, "<DIDL-Lite><item/><item/></DIDL-Lite>", 2, "more than one object" },
-        { { "select", "-", "--sink", "x" }, "<item restricted='maybe'/>", 2, "neither true nor false" },
-    };
-    for (const auto& theCase : kCases)
-    {
-        const Result theResult = RunTool(theCase.mArguments, theCase.mInput);
-        EXPECT_EQ(theCase.mStatus, theResult.mStatus) << theCase.mReason;
-        EXPECT_EQ("", theResult.mOutput) << theCase.mReason;
-        EXPECT_NE(std::string::npos, theResult.mError.find(theCase.mReason)) << theResult.mError;
-        EXPECT_EQ(1u, Lines(theResult.mError).size()) << theResult.mError;
-    }
+    ExpectRefusals({
+        { {}, "a subcommand is missing" },
+        { { "sing" }, "\"sing\"" },
+        { { "show" }, "FILE is missing" },
+        { { "show", "-", "x" }, "\"x\" is one argument too many" },
+        { { "show", "--", "--help" }, "--help: No such file" },
+        { { "show", "/a\nb" }, "/a\\nb: No such file" },
+        { { "show", "/" }, "/: Is a directory" },
+        { { "show", "-", "--base" }, "--base needs a value (URL)" },
+        { { "show", "-", "--base=media/" }, "absolute" },
+        { { "show", "-", "--b", "x" }, "\"--b\"" },
+        { { "select", "-" }, "one of --sink and --sink-file" },
+        { { "select", "-", "--sink=x", "--sink-file=y" }, "one of --sink and --sink-file" },
+        { { "select", "-", "--sink", "x", "--sink", "y" }, "--sink is given twice" },
+        { { "select", "-", "--sink-file", "-" }, "both FILE and the sink file" },
+        { { "select", "-", "--sink", "x", "--target", "10.0.0.256" }, "10.0.0.256" },
+        { { "unlock", "http://h/p?lock=" }, "--pin is needed" },
+        { { "unlock", "http://h/p?block=", "--pin", "1" }, "no lock argument", "", 1 },
+        { { "show", "-" }, "no object", "", 1 },
+        { { "show", "-" }, "no object", "<DIDL-Lite><desc><item/></desc></DIDL-Lite>", 1 },
+        { { "show", "-" }, "standard input: a NUL byte at offset 7", std::string("<item/>\0", 8) },
+        { { "show", "-" }, "\"b\" in line 3", "<item>\n<a>\n</b></item>" },
+        { { "show", "-" }, "in line 2 or later", "<item>\n<a/>" },
+        { { "show", "-" }, "in line 1 or later", "<" },
+        { { "show", "-" }, "in line 1 or later", "<R><Result>&lt;item></Result></R>" },
+        { { "select", "-", "--sink", "x" }, "no object", "", 1 },
+        { { "select", "-", "--sink", "x" }, "\"itm\" in line 1", "<item></itm>" },
+        { { "select", "-", "--sink", "x" }, "more than one object", "<DIDL-Lite><item/><item/></DIDL-Lite>" },
+        { { "select", "-", "--sink", "x" }, "neither true nor false", "<item restricted='maybe'/>" },
+    });
     EXPECT_NE(std::string::npos,
               RunTool({ "show", "--help" }, "", "/dev/full").mError.find("standard output: No space"));
     EXPECT_EQ(2, RunTool({ "show", "-" }, Item(""), "/dev/full").mStatus);
@@ -105,23 +92,21 @@ TEST(ToolTest, RefusesInOneLine)
 
 TEST(ToolTest, Help)
 {
-    for (const Words& theArguments : { Words{ "--help" }, Words{ "select", "--help" }, Words{ "show", "x", "--help" },
-                                       Words{ "unlock", "--help" } })
+    for (const std::string theCommand :
+         { "show x", "select", "unlock", "describe", "hook", "create", "create item", "group", "group load" })
     {
-        const Result theResult = RunTool(theArguments);
-        EXPECT_EQ(0, theResult.mStatus) << theArguments[0];
-        EXPECT_EQ(0u, theResult.mOutput.find("Usage: upnputil ")) << theArguments[0];
+        std::istringstream theWords(theCommand + " --help");
+        const Result theResult = RunTool({ std::istream_iterator<std::string>(theWords), {} });
+        EXPECT_EQ(0, theResult.mStatus) << theCommand;
+        EXPECT_EQ(0u, theResult.mOutput.find("Usage: upnputil " + theCommand.substr(0, theCommand.find(' ')) + " "));
     }
+    EXPECT_EQ(0u, RunTool({ "--help" }).mOutput.find("Usage: upnputil "));
     EXPECT_EQ(0u, RunTool({ "--version" }).mOutput.find("upnputil "));
 }
 
 TEST(ToolTest, ValuesStayInTheirLines)
 {
-    static const struct
-    {
-        const char* mTitle;
-        const char* mShown;
-    } kCases[] = {
+    static const char* const kCases[][2] = {
         { "a&#10;objects: 9&#13;&#9;", "a\\nobjects: 9\\r\\t" },
         { "back\\slash", "back\\\\slash" },
         { "\x1B[2J&#127;", "\\x1B[2J\\x7F" },
@@ -132,12 +117,10 @@ TEST(ToolTest, ValuesStayInTheirLines)
         { "\xED\xA0\x80 \xF4\x90\x80\x80", "\\xED\\xA0\\x80 \\xF4\\x90\\x80\\x80" },
         { "\xF0\x9F\x8E\xB5\xC3\xA9", "\xF0\x9F\x8E\xB5\xC3\xA9" },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theTitle, theShown] : kCases)
     {
-        const Result theResult =
-            RunTool({ "show", "-" }, Item("<dc:title>" + std::string(theCase.mTitle) + "</dc:title>"));
-        EXPECT_TRUE(HasLine(theResult, std::string("object 0 title: ") + theCase.mShown)) << theResult.mOutput;
-        EXPECT_TRUE(HasLine(theResult, "objects: 1"));
+        const Result theResult = RunTool({ "show", "-" }, Item("<dc:title>" + std::string(theTitle) + "</dc:title>"));
+        ExpectLines({ std::string("object 0 title: ") + theShown, "objects: 1" }, theResult);
     }
 }
 
@@ -150,33 +133,23 @@ TEST(ToolTest, Select)
              theRes("image/png:DLNA.ORG_PN=PNG_TN", "http://h/c.png") +
              "<res protocolInfo=\"http-get:*:text/srt:ZOLT.COM_SUB=1\" subtitleLabel=\"English\" "
              "subtitleType=\"srt\">http://h/d.srt</res>");
-    static const struct
-    {
-        Words mOptions;
-        const char* mFact;
-    } kCases[] = {
-        { { "--sink", "http-get:*:audio/mpeg:*" }, "choice: 0" },
-        { { "--sink", "http-get:*:audio/mpeg:*", "--target", "10.0.0.9", "--target", "192.168.1.9" }, "choice: 0" },
-        { { "--sink", "http-get:*:audio/mpeg:*", "--target", "192.168.1.9" }, "choice: 1" },
-        { { "--sink", "http-get:*:text/srt:*" }, "choice: 3" },
-        { { "--sink", "rtsp-rtp-udp:*:audio/mpeg:*" }, "confidence: will not (0)" },
-        { { "--sink", "http-get:*:audio/mpeg:*", "--scheme", "rtsp" }, "choice: none" },
-        { { "--sink", "x", "--profiles", "JPEG_TN" }, "kind: item" },
-        { { "--sink", "http-get:*:audio/mpeg:*" }, "thumbnail profile: PNG_TN" },
-        { { "--sink", "http-get:*:audio/mpeg:*" }, "parental lock: yes" },
-        { { "--sink", "http-get:*:audio/mpeg:*", "--pin", "1234" },
-          "unlocked uri: http://10.0.0.5/a?lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D" },
-        { { "--sink", "x" }, "subtitle 0 label: English" },
-        { { "--sink", "x" }, "subtitle 0 type: srt" },
-        { { "--sink", "x" }, "subtitle 0 uri: http://h/d.srt" },
+    static const std::pair<Words, Words> kCases[] = {
+        { { "http-get:*:audio/mpeg:*" }, { "choice: 0", "thumbnail profile: PNG_TN", "parental lock: yes" } },
+        { { "http-get:*:audio/mpeg:*", "--target", "10.0.0.9", "--target", "192.168.1.9" }, { "choice: 0" } },
+        { { "http-get:*:audio/mpeg:*", "--target", "192.168.1.9" }, { "choice: 1" } },
+        { { "http-get:*:text/srt:*" }, { "choice: 3" } },
+        { { "rtsp-rtp-udp:*:audio/mpeg:*" }, { "confidence: will not (0)" } },
+        { { "http-get:*:audio/mpeg:*", "--scheme", "rtsp" }, { "choice: none" } },
+        { { "x", "--profiles", "JPEG_TN" }, { "kind: item" } },
+        { { "http-get:*:audio/mpeg:*", "--pin", "1234" },
+          { "unlocked uri: http://10.0.0.5/a?lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D" } },
+        { { "x" }, { "subtitle 0 label: English", "subtitle 0 type: srt", "subtitle 0 uri: http://h/d.srt" } },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theSinkAndOptions, theFacts] : kCases)
     {
-        Words theArguments = { "select", "-" };
-        theArguments.insert(theArguments.end(), theCase.mOptions.begin(), theCase.mOptions.end());
-        const Result theResult = RunTool(theArguments, theObject);
-        EXPECT_TRUE(HasLine(theResult, theCase.mFact)) << theCase.mFact << '\n' << theResult.mOutput;
-        EXPECT_EQ(HasLine(theResult, "choice: none") ? 1 : 0, theResult.mStatus) << theCase.mFact;
+        const Result theResult = RunTool(Joined({ "select", "-", "--sink" }, theSinkAndOptions), theObject);
+        ExpectLines(theFacts, theResult);
+        EXPECT_EQ(HasLine(theResult, "choice: none") ? 1 : 0, theResult.mStatus) << theFacts[0];
     }
     EXPECT_FALSE(HasLine(RunTool({ "select", "-", "--sink", "x", "--profiles", "JPEG_TN" }, theObject),
                          "thumbnail: http://h/c.png"));
@@ -188,11 +161,7 @@ TEST(ToolTest, Select)
 
 TEST(ToolTest, ShowFindsTheObjects)
 {
-    static const struct
-    {
-        const char* mDocument;
-        Words mFacts;
-    } kCases[] = {
+    static const std::pair<const char*, Words> kCases[] = {
         { "<container id='1'><dc:title>a</dc:title><item id='2'><dc:title>b</dc:title><res>u</res></item>"
           "<container id='3'/><av:x>y</av:x></container>",
           { "object 0 title: a", "object 0 extra 0 av:x: y", "object 0 resources: 0", "object 1 title: b",
@@ -210,12 +179,8 @@ TEST(ToolTest, ShowFindsTheObjects)
         { "<container childCount='0' dlna:dlnaManaged='101'/>",
           { "object 0 child count: 0", "object 0 dlna managed: upload content (0x00000101)" } },
     };
-    for (const auto& theCase : kCases)
-    {
-        const Result theResult = RunTool({ "show", "-", "--base", "http://h/d/" }, theCase.mDocument);
-        for (const std::string& theFact : theCase.mFacts)
-            EXPECT_TRUE(HasLine(theResult, theFact)) << theFact << '\n' << theResult.mOutput;
-    }
+    for (const auto& [theDocument, theFacts] : kCases)
+        ExpectLines(theFacts, RunTool({ "show", "-", "--base", "http://h/d/" }, theDocument));
     EXPECT_FALSE(HasLine(RunTool({ "show", "-" }, "<item><res bitrate='536870912'>u</res></item>"),
                          "object 0 resource 0 bit rate: 4294967295"));
 }
@@ -223,15 +188,8 @@ TEST(ToolTest, ShowFindsTheObjects)
 // Time that grows with the square of the depth would take minutes here.
 TEST(ToolTest, ShowGoesDeep)
 {
-    std::string theDocument, theEnd;
-    for (int i = 0; i < 50000; ++i)
-    {
-        theDocument += "<container><dc:title>t</dc:title>";
-        theEnd += "</container>";
-    }
-    const Result theResult = RunTool({ "show", "-" }, theDocument + theEnd);
-    EXPECT_TRUE(HasLine(theResult, "object 49999 title: t"));
-    EXPECT_TRUE(HasLine(theResult, "objects: 50000"));
+    const std::string theText = Repeated("<container><dc:title>t</dc:title>", 50000) + Repeated("</container>", 50000);
+    ExpectLines({ "object 49999 title: t", "objects: 50000" }, RunTool({ "show", "-" }, theText));
 }
 
 // Bytes that are no UTF-8, control characters and what JSON needs a backslash for.

@@ -10,8 +10,7 @@ namespace
 // An entry record with the given tags, each with its number as text.
 zoPackedData_t* NewRecord(const std::vector<uint16>& aTags)
 {
-    zoPackedData_t* theRecord = zoPackedData_New(1);
-    zoPackedData_AddNewEntry(theRecord);
+    zoPackedData_t* theRecord = NewEntry();
     for (const uint16 theTag : aTags)
         AddText(theRecord, theTag, std::to_string(theTag));
     return theRecord;
@@ -59,12 +58,8 @@ TEST(CDSEntryInfoTest, HasNothingWithoutAnEntry)
 
 TEST(CDSEntryInfoTest, ReadsExtraInfoByPairs)
 {
-    struct Case
-    {
-        std::vector<uint16> mTags;
-        const char* mPairs; // of the indices from -1 to 3
-    };
-    static const Case kCases[] = {
+    static const std::pair<std::vector<uint16>, const char*> kCases[] = {
+        // tags, the pairs of the indices from -1 to 3
         { { 0, 20 }, "= = = = =" },
         { { 21, 22, 23, 24, 0, 1 }, "= 21=22 23=24 = =" },     // as the parser stores them
         { { 20, 21, 22, 23, 24, 0, 1 }, "= 21=22 23=24 = =" }, // with namespaces: the same
@@ -73,9 +68,9 @@ TEST(CDSEntryInfoTest, ReadsExtraInfoByPairs)
         { { 0, 1, 2, 3, 4, 5, 21, 22, 23 }, "= 21=22 = = =" }, // also where there are tags enough
         { { 0, 1, 2, 21, 23, 24 }, "= = = = =" },
     };
-    for (const Case& theCase : kCases)
+    for (const auto& [theTags, theExpected] : kCases)
     {
-        CDSEntryInfo theInfo(NewRecord(theCase.mTags));
+        CDSEntryInfo theInfo(NewRecord(theTags));
         std::string thePairs, thePairsApart;
         for (int i = -1; i <= 3; ++i)
         {
@@ -85,8 +80,8 @@ TEST(CDSEntryInfoTest, ReadsExtraInfoByPairs)
             thePairsApart += std::string(i < 0 ? "" : " ") + theInfo.GetExtraInfoName(i).c_str() + '=' +
                              theInfo.GetExtraInfoData(i).c_str();
         }
-        EXPECT_EQ(theCase.mPairs, thePairs) << &theCase - kCases;
-        EXPECT_EQ(theCase.mPairs, thePairsApart) << &theCase - kCases;
+        EXPECT_EQ(theExpected, thePairs);
+        EXPECT_EQ(theExpected, thePairsApart);
     }
     EXPECT_EQ(1, CDSEntryInfo(NewRecord({ 21, 22, 23, 0 })).GetExtraInfoCount());
 }

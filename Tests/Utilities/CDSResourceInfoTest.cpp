@@ -57,20 +57,13 @@ Info NewInfo(const std::string& aResources, const std::string& anAlbumArt = "")
     for (const std::string& theResource : Words(aResources))
         AddResource(theRecord, theResource);
 
-    zoArray_t* theArray = zoArray_New();
-    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+    std::string theArt;
     for (const std::string& theWord : Words(anAlbumArt))
-    {
-        zoArray_Append(theArray, strdup(theWord.substr(0, theWord.find('=')).c_str()));
-        zoArray_Append(theArray, strdup(theWord.substr(theWord.find('=') + 1).c_str()));
-    }
-    zoPackedData_t* theEntry = zoPackedData_New(1);
-    zoPackedData_AddNewEntry(theEntry);
-    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, theArray, zoStringArray_FlattenerFunc);
-    zoArray_Delete(theArray);
-    Info theInfo(new CDSResourceInfo(theRecord, theEntry));
-    zoPackedData_Free(theEntry);
-    return theInfo;
+        theArt += theWord + '=';
+    std::replace(theArt.begin(), theArt.end(), '=', '\0'); // each URI and each profile with its NUL
+    const PackedData theEntry = NewEntry();
+    zoPackedData_AddData(theEntry, kCDSEntryInfo_AlbumArtURI, theArt.data(), theArt.size());
+    return Info(new CDSResourceInfo(theRecord, theEntry));
 }
 
 std::vector<uint32> Addresses(const char* aText)
@@ -191,14 +184,7 @@ TEST(CDSResourceInfoTest, ReducesSize)
     const char* const kResources = "MP3@0 JPEG_TN@1 MP3@k MP3@3 PNG_TN@4 MP3@k";
     const size_t theAll = NewInfo(kResources)->GetMemoryUsage();
     const size_t theKept = NewInfo("MP3@k MP3@k")->GetMemoryUsage();
-    struct Case
-    {
-        size_t mTarget;
-        const char* mURIToKeep;
-        bool mfThumbnails;
-        const char* mLeft;
-    };
-    const Case kCases[] = {
+    const std::tuple<size_t, const char*, bool, const char*> kCases[] = {
         { theAll, "", false, "01k34k" },     // not above the target: untouched
         { theAll - 1, "", false, "01k34k" }, // the last one may pass it
         { theAll - 1, "", true, "140k3k" },     { 0, "", false, "" },
@@ -206,15 +192,15 @@ TEST(CDSResourceInfoTest, ReducesSize)
         { theKept, "http://k/x", false, "kk" }, { theKept + 1, "http://k/x", false, "kk0" },
         { 1, "http://k/", false, "0" },
     };
-    for (const Case& theCase : kCases)
+    for (const auto& [theTarget, theURIToKeep, fThumbnails, theExpected] : kCases)
     {
         const Info theInfo = NewInfo(kResources, "art=X");
         const Info theClone(theInfo->Clone());
-        theInfo->ReduceSize(theCase.mTarget, theCase.mURIToKeep, theCase.mfThumbnails);
+        theInfo->ReduceSize(theTarget, theURIToKeep, fThumbnails);
         std::string theLeft;
         for (uint32 i = 0; i < theInfo->GetResourceCount(); ++i)
             theLeft += theInfo->GetInfoAsCString(i, kCDSResourceInfo_URI).c_str()[strlen("http://")];
-        EXPECT_EQ(theCase.mLeft, theLeft) << &theCase - kCases;
+        EXPECT_EQ(theExpected, theLeft) << theTarget << theURIToKeep;
         EXPECT_EQ(theAll, theClone->GetMemoryUsage());
         EXPECT_STREQ("art", theInfo->GetAlbumArtURI("", nullptr, nullptr, 0).c_str());
         EXPECT_STREQ("art", theClone->GetAlbumArtURI("", nullptr, nullptr, 0).c_str());
@@ -229,7 +215,7 @@ TEST(CDSResourceInfoTest, ChoosesAResource)
         kMay = kRendererPlayConfidence_May,
         kShouldNot = kRendererPlayConfidence_ShouldNot
     };
-    struct Case
+    static const struct
     {
         const char* mWhat;
         const char* mResources;
@@ -238,8 +224,7 @@ TEST(CDSResourceInfoTest, ChoosesAResource)
         const char* mTargets;
         int mBest;
         int mConfidence;
-    };
-    static const Case kCases[] = {
+    } kCases[] = {
         { "the profile before the MIME type", "MPEG@h MP3@h", "MP3", "", "", 1, kShould },
         { "whatever its MIME type", "http-get:*:x/y:DLNA.ORG_PN=MP3@h", "MP3", "", "", 0, kShould },
         { "the MIME type, the profile not said", "MPEG@h", "MP3", "", "", 0, kMay },
@@ -265,7 +250,7 @@ TEST(CDSResourceInfoTest, ChoosesAResource)
         { "a later stage for the transport", "rtsp:*:x/y:DLNA.ORG_PN=MP3@h MPEG@h", "*:*:audio/mpeg:DLNA.ORG_PN=MP3",
           "http", "", 1, kMay },
     };
-    for (const Case& theCase : kCases)
+    for (const auto& theCase : kCases)
     {
         SCOPED_TRACE(theCase.mWhat);
         const Info theInfo = NewInfo(theCase.mResources);
@@ -283,8 +268,7 @@ TEST(CDSResourceInfoTest, ChoosesAResource)
                                                                       theTargets.data(), theCount, false));
     }
 
-    zoPackedData_t* theRecord = zoPackedData_New(0);
-    zoPackedData_AddNewEntry(theRecord);
+    zoPackedData_t* theRecord = NewEntry();
     AddText(theRecord, kCDSResourceInfo_URI, "");
     CDSResourceInfo theEmpty(theRecord, nullptr); // neither URI nor protocol info
     EXPECT_EQ(-1, theEmpty.GetBestResourceIndex(nullptr, nullptr, "", nullptr, 0));
@@ -302,17 +286,10 @@ TEST(CDSResourceInfoTest, ChoosesAThumbnail)
 
 TEST(CDSResourceInfoTest, ChoosesAPicture)
 {
-    struct Case
-    {
-        const char* mProfiles;
-        const char* mAlbumArt;
-        const char* mTargets;
-        const char* mAlbumArtChoice;
-        const char* mThumbnailChoice; // NULL: the same
-    };
     const char* const kThumbnail = "http://t/x=JPEG_TN"; // the one thumbnail resource
     const char* const kTwo = "http://10.1.1.1/A=JPEG_TN http://10.2.2.2/B=JPEG_TN";
-    const Case kCases[] = {
+    const char* const kCases[][5] = {
+        // profiles, album art, targets, the choice of album art, that of a thumbnail (NULL: the same)
         { "", "", "", "=", kThumbnail },
         { "", "A=JPEG_SM B=PNG_TN", "", "B=PNG_TN", nullptr }, // equal before the same family
         { "", "A=JPEG_SM", "", "A=JPEG_SM", kThumbnail },      // a thumbnail before the same family
@@ -328,20 +305,18 @@ TEST(CDSResourceInfoTest, ChoosesAPicture)
         { "", kTwo, "10.1.1.9 10.2.9.9", "http://10.1.1.1/A=JPEG_TN", nullptr },
         { "", kTwo, "10.1.1.9 10.2.9.9 10.2.2.8", "http://10.2.2.2/B=JPEG_TN", nullptr }, // near to all of them
     };
-    for (const Case& theCase : kCases)
+    for (const auto& [theProfiles, theArt, theAddresses, theArtChoice, theThumbnailChoice] : kCases)
     {
-        SCOPED_TRACE(&theCase - kCases);
-        const Info theInfo = NewInfo("JPEG_TN@t", theCase.mAlbumArt);
-        std::vector<uint32> theTargets = Addresses(theCase.mTargets);
+        SCOPED_TRACE(std::string(theProfiles) + " / " + theArt + " / " + theAddresses);
+        const Info theInfo = NewInfo("JPEG_TN@t", theArt);
+        std::vector<uint32> theTargets = Addresses(theAddresses);
         const uint32 theCount = static_cast<uint32>(theTargets.size());
         zoCString theProfile("x");
-        std::string theURI =
-            theInfo->GetAlbumArtURI(theCase.mProfiles, &theProfile, theTargets.data(), theCount).c_str();
-        EXPECT_EQ(theCase.mAlbumArtChoice, theURI + '=' + theProfile.c_str());
-        theURI = theInfo->GetThumbnailURI(theCase.mProfiles, &theProfile, theTargets.data(), theCount).c_str();
-        EXPECT_EQ(theCase.mThumbnailChoice ? theCase.mThumbnailChoice : theCase.mAlbumArtChoice,
-                  theURI + '=' + theProfile.c_str());
-        EXPECT_EQ(theURI, theInfo->GetThumbnailURI(theCase.mProfiles, nullptr, theTargets.data(), theCount).c_str());
+        std::string theURI = theInfo->GetAlbumArtURI(theProfiles, &theProfile, theTargets.data(), theCount).c_str();
+        EXPECT_EQ(theArtChoice, theURI + '=' + theProfile.c_str());
+        theURI = theInfo->GetThumbnailURI(theProfiles, &theProfile, theTargets.data(), theCount).c_str();
+        EXPECT_EQ(theThumbnailChoice ? theThumbnailChoice : theArtChoice, theURI + '=' + theProfile.c_str());
+        EXPECT_EQ(theURI, theInfo->GetThumbnailURI(theProfiles, nullptr, theTargets.data(), theCount).c_str());
     }
 }
 

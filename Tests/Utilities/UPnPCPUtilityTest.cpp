@@ -4,19 +4,15 @@
 
 TEST(UPnPCPUtilityTest, RecognisesLockedURIs)
 {
-    static const struct
-    {
-        const char* mURI;
-        bool mfLocked;
-    } kCases[] = {
+    static const std::pair<const char*, bool> kCases[] = {
         { "http://h/a?lock=", true },    { "http://h/a?x=1&lock", true },
         { "/a?%6cock=&y=2", true },      { "http://h/a?lock=abc", false },
         { "http://h/a?Lock=", false },   { "http://h/a", false },
         { "http://h/lock=", false },     { "http://h/a#?lock=", false },
         { "http://h:x/a?lock=", false }, { "", false },
     };
-    for (const auto& theCase : kCases)
-        EXPECT_EQ(theCase.mfLocked, UPnPCPUtility::IsURIParentalLocked(theCase.mURI)) << theCase.mURI;
+    for (const auto& [theURI, fLocked] : kCases)
+        EXPECT_EQ(fLocked, UPnPCPUtility::IsURIParentalLocked(theURI)) << theURI;
 }
 
 TEST(UPnPCPUtilityTest, UnlocksURIs)

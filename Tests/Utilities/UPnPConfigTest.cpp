@@ -9,150 +9,101 @@ namespace
 {
 
 // A configuration with one section, "s".
-struct File
-{
-    explicit File(const std::string& aKeys)
-    {
-        const std::string theText = "[s]\n" + aKeys + "\n";
-        mFile = zoConfigFile_NewFromText(theText.data(), theText.size());
-    }
-    ~File() { zoConfigFile_Delete(mFile); }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    operator zoConfigFile*() const { return mFile; }
-
-    zoConfigFile* mFile;
-};
+ConfigFile File(const std::string& aKeys) { return NewConfig("[s]\n" + aKeys + "\n"); }
 
 int sPolicyObject, sHookObject, sModule;
 zoSocketPolicy* const kPolicy = reinterpret_cast<zoSocketPolicy*>(&sPolicyObject);
 UPnPHook* const kHook = reinterpret_cast<UPnPHook*>(&sHookObject);
 int OnPresentation(ILibWebServer_Session*, struct packetheader*, const char*) { return 0; }
+const std::tuple<zoSocketPolicy*, UPnPHook*, void*, ILibWebServer_OnPresentation> kLent(kPolicy, kHook, &sModule,
+                                                                                        OnPresentation);
 
 // All fields of a record in their order; borrowed ones as whether they are the test's.
-std::string Words(const char* aFormat, ...) __attribute__((format(printf, 1, 2)));
-std::string Words(const char* aFormat, ...)
-{
-    char theText[512];
-    va_list theArguments;
-    va_start(theArguments, aFormat);
-    vsnprintf(theText, sizeof(theText), aFormat, theArguments);
-    va_end(theArguments);
-    return theText;
-}
-
 std::string TextOf(const ILibAsyncSocketConfig& c)
 {
-    return Words("%zu %zu %u %u %u %d", c.mInitialBufferSize, c.mMaxReadAHeadSize, c.mConnectTimeOut,
-                 c.mDisconnectLingerDuration, c.mDestroyLingerDuration, c.mSocketPolicy == kPolicy);
+    return Taken(zo_mnprintf("%zu %zu %u %u %u %d", c.mInitialBufferSize, c.mMaxReadAHeadSize, c.mConnectTimeOut,
+                             c.mDisconnectLingerDuration, c.mDestroyLingerDuration, c.mSocketPolicy == kPolicy));
 }
 
 std::string TextOf(const ILibAsyncServerSocketConfig& c)
 {
-    return Words("%u %u %u %u / ", c.mMaxConnections, c.mPortNumber, c.mfAllowChangePortNumber, c.mBacklogSize) +
+    return Taken(zo_mnprintf("%u %u %u %u / ", c.mMaxConnections, c.mPortNumber, c.mfAllowChangePortNumber,
+                             c.mBacklogSize)) +
            TextOf(c.mAsyncSocketConfig);
 }
 
 std::string TextOf(const ILibSSDPConfig& c)
 {
-    return Words("%d %u.%u.%u.%u %u %u %u %u %u %u %d %u %d %u %d %u %u %d %s", c.mSocketPolicy == kPolicy,
-                 UPnPUtil_IPPrintf(c.mSSDPMask), c.mSSDPPort, c.mSSDPTTL, c.mSSDPSearchRequestCount,
-                 c.mSSDPByeByeMessageCount, c.mSSDPNotifyCycleSeconds, c.mMSEARCHInfoCacheDuration,
-                 c.mfEnableMSEARCHInfoAny, c.mSSDPMaxDevices, c.mfSSDPMSEARCHResponseMulti, c.mUDPSendDelay,
-                 c.mfSSDPMSEARCHPortStrict, c.mSSDPDeviceMX, c.mSSDPMX, c.mfHandleMSEARCHAsNOTIFY, c.mUserAgent);
+    return Taken(zo_mnprintf("%d %u.%u.%u.%u %u %u %u %u %u %u %d %u %d %u %d %u %u %d %s", c.mSocketPolicy == kPolicy,
+                             UPnPUtil_IPPrintf(c.mSSDPMask), c.mSSDPPort, c.mSSDPTTL, c.mSSDPSearchRequestCount,
+                             c.mSSDPByeByeMessageCount, c.mSSDPNotifyCycleSeconds, c.mMSEARCHInfoCacheDuration,
+                             c.mfEnableMSEARCHInfoAny, c.mSSDPMaxDevices, c.mfSSDPMSEARCHResponseMulti, c.mUDPSendDelay,
+                             c.mfSSDPMSEARCHPortStrict, c.mSSDPDeviceMX, c.mSSDPMX, c.mfHandleMSEARCHAsNOTIFY,
+                             c.mUserAgent));
 }
 
-std::string TextOf(const ILibNoSSDPConfig& c) { return Words("%d", c.mSocketPolicy == kPolicy); }
+std::string TextOf(const ILibNoSSDPConfig& c) { return Taken(zo_mnprintf("%d", c.mSocketPolicy == kPolicy)); }
 
 std::string TextOf(const ILibWebServerConfig& c)
 {
-    return Words("%u %d %d %d / ", c.mSessionIdleTimeOut, c.mUPnPHook == kHook, c.mUPnPPresentationModule == &sModule,
-                 c.mUPnPPresentationCallback == OnPresentation) +
+    return Taken(zo_mnprintf("%u %d %d %d / ", c.mSessionIdleTimeOut, c.mUPnPHook == kHook,
+                             c.mUPnPPresentationModule == &sModule, c.mUPnPPresentationCallback == OnPresentation)) +
            TextOf(c.mAsyncServerSocketConfig) +
-           Words(" / %s %d %d %d %d", c.mUserAgent, c.mfSupportHTTPStalling, c.mfHandleReject,
-                 c.mfSupportHTTP10KeepALive, c.mfDoNotChunk);
+           Taken(zo_mnprintf(" / %s %d %d %d %d", c.mUserAgent, c.mfSupportHTTPStalling, c.mfHandleReject,
+                             c.mfSupportHTTP10KeepALive, c.mfDoNotChunk));
 }
 
 std::string TextOf(const ILibWebClientConfig& c)
 {
-    return Words("%u %u %u %u / ", c.mSessionIdleTimeOut, c.mMaxIdleSessions, c.mSessionPoolSize,
-                 c.mConnectRetryCount) +
+    return Taken(zo_mnprintf("%u %u %u %u / ", c.mSessionIdleTimeOut, c.mMaxIdleSessions, c.mSessionPoolSize,
+                             c.mConnectRetryCount)) +
            TextOf(c.mAsyncSocketConfig) +
-           Words(" / %d %d %d %u", c.mfAllowSingleConnection, c.mfDoNotChunk, c.mfHandleReject,
-                 c.mSingleConnectionSessionIdleTimeOut);
+           Taken(zo_mnprintf(" / %d %d %d %u", c.mfAllowSingleConnection, c.mfDoNotChunk, c.mfHandleReject,
+                             c.mSingleConnectionSessionIdleTimeOut));
 }
 
 std::string TextOf(const UPnPControlPointConfig& c)
 {
-    return Words("%d %d %s %d %d %d %d", c.mSocketPolicy == kPolicy, c.mUPnPHook == kHook, c.mUserAgent,
-                 c.mfDisableSSDP, c.mfEnableMSEARCHInfo, c.mfDisableNoSSDP, c.mfDetectOnly);
+    return Taken(zo_mnprintf("%d %d %s %d %d %d %d", c.mSocketPolicy == kPolicy, c.mUPnPHook == kHook, c.mUserAgent,
+                             c.mfDisableSSDP, c.mfEnableMSEARCHInfo, c.mfDisableNoSSDP, c.mfDetectOnly));
+}
+
+template <typename Record, typename... Lent>
+void Fetch(Record* aRecord, zoConfigFile* aFile, void (*aFetch)(Record*, zoConfigFile*, const char*, Lent...))
+{
+    aFetch(aRecord, aFile, "s", std::get<Lent>(kLent)...);
 }
 
 // What a fetch makes of a record that was full of something else.
-template <typename Record, typename Fetch>
-std::string Fetched(Record* aRecord, Fetch aFetch, void (*aFree)(Record*) = nullptr)
+template <auto kCreate, auto kFetch, auto... kFree>
+std::string Fetched(zoConfigFile* aFile)
 {
-    memset(aRecord, 0xA5, sizeof(*aRecord));
-    aFetch(aRecord);
-    const std::string theText = TextOf(*aRecord);
-    if (aFree) { aFree(aRecord); }
-    free(aRecord);
+    auto* theRecord = kCreate();
+    memset(theRecord, 0xA5, sizeof(*theRecord));
+    Fetch(theRecord, aFile, kFetch);
+    const std::string theText = TextOf(*theRecord);
+    (kFree(theRecord), ...);
+    free(theRecord);
     return theText;
 }
 
 typedef std::string (*Fetcher)(zoConfigFile* aFile);
 
-std::string AsyncSocket(zoConfigFile* aFile)
-{
-    return Fetched(UPnPConfig_CreateAsyncSocketConfig(),
-                   [=](auto* r) { UPnPConfig_FetchAsyncSocketConfig(r, aFile, "s", kPolicy); });
-}
-std::string ServerSocket(zoConfigFile* aFile)
-{
-    return Fetched(UPnPConfig_CreateAsyncServerSocketConfig(),
-                   [=](auto* r) { UPnPConfig_FetchAsyncServerSocketConfig(r, aFile, "s", kPolicy); });
-}
-std::string SSDP(zoConfigFile* aFile)
-{
-    return Fetched(
-        UPnPConfig_CreateSSDPConfig(), [=](auto* r) { UPnPConfig_FetchSSDPConfig(r, aFile, "s", kPolicy); },
-        UPnPConfig_FreeSSDPConfig);
-}
-std::string NoSSDP(zoConfigFile* aFile)
-{
-    return Fetched(UPnPConfig_CreateNoSSDPConfig(),
-                   [=](auto* r) { UPnPConfig_FetchNoSSDPConfig(r, aFile, "s", kPolicy); });
-}
-std::string WebServer(zoConfigFile* aFile)
-{
-    return Fetched(
-        UPnPConfig_CreateWebServerConfig(),
-        [=](auto* r) { UPnPConfig_FetchWebServerConfig(r, aFile, "s", kPolicy, kHook, &sModule, OnPresentation); },
-        UPnPConfig_FreeWebServerConfig);
-}
-std::string WebClient(zoConfigFile* aFile)
-{
-    return Fetched(UPnPConfig_CreateWebClientConfig(),
-                   [=](auto* r) { UPnPConfig_FetchWebClientConfig(r, aFile, "s", kPolicy); });
-}
-std::string ControlPoint(zoConfigFile* aFile)
-{
-    return Fetched(
-        UPnPConfig_CreateControlPointConfig(),
-        [=](auto* r) { UPnPConfig_FetchControlPointConfig(r, aFile, "s", kPolicy, kHook); },
-        UPnPConfig_FreeControlPointConfig);
-}
+const Fetcher AsyncSocket = Fetched<UPnPConfig_CreateAsyncSocketConfig, UPnPConfig_FetchAsyncSocketConfig>;
+const Fetcher ServerSocket = Fetched<UPnPConfig_CreateAsyncServerSocketConfig, UPnPConfig_FetchAsyncServerSocketConfig>;
+const Fetcher SSDP = Fetched<UPnPConfig_CreateSSDPConfig, UPnPConfig_FetchSSDPConfig, UPnPConfig_FreeSSDPConfig>;
+const Fetcher NoSSDP = Fetched<UPnPConfig_CreateNoSSDPConfig, UPnPConfig_FetchNoSSDPConfig>;
+const Fetcher WebServer =
+    Fetched<UPnPConfig_CreateWebServerConfig, UPnPConfig_FetchWebServerConfig, UPnPConfig_FreeWebServerConfig>;
+const Fetcher WebClient = Fetched<UPnPConfig_CreateWebClientConfig, UPnPConfig_FetchWebClientConfig>;
+const Fetcher ControlPoint =
+    Fetched<UPnPConfig_CreateControlPointConfig, UPnPConfig_FetchControlPointConfig, UPnPConfig_FreeControlPointConfig>;
 
 } // namespace
 
 TEST(UPnPConfigTest, Fetches)
 {
-    static const struct
-    {
-        Fetcher mFetch;
-        const char* mKeys;
-        const char* mRecord;
-    } kCases[] = {
+    static const std::tuple<Fetcher, const char*, const char*> kCases[] = {
         { AsyncSocket, "", "0 0 0 0 0 1" },
         { AsyncSocket,
           "InitialBufferSize=1024\nMaxReadAHeadSize=0x4000\nConnectTimeOut=11\nDisconnectLingerDuration=61\n"
@@ -213,8 +164,8 @@ TEST(UPnPConfigTest, Fetches)
           "1 1 UPnP/1.0 DLNADOC/%s Zolt/1.1 0 1 1 0" },
     };
     LogCatcher theLog;
-    for (const auto& theCase : kCases)
-        EXPECT_EQ(theCase.mRecord, theCase.mFetch(File(theCase.mKeys))) << theCase.mKeys;
+    for (const auto& [theFetch, theKeys, theRecord] : kCases)
+        EXPECT_EQ(theRecord, theFetch(File(theKeys))) << theKeys;
     for (const Fetcher theFetch : { AsyncSocket, ServerSocket, SSDP, NoSSDP, WebServer, WebClient, ControlPoint })
         EXPECT_EQ(theFetch(File("")), theFetch(nullptr));
 }
@@ -236,7 +187,7 @@ TEST(UPnPConfigTest, SaysWhatIsOutOfBounds)
 
 TEST(UPnPConfigTest, Clones)
 {
-    File theFile("SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0");
+    const ConfigFile theFile = File("SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0");
     ILibWebServerConfig* theServer = UPnPConfig_CreateWebServerConfig();
     UPnPConfig_FetchWebServerConfig(theServer, theFile, "s", kPolicy, kHook, &sModule, OnPresentation);
     ILibWebServerConfig* theServerClone = UPnPConfig_CloneWebServerConfig(theServer);
@@ -282,7 +233,7 @@ TEST(UPnPConfigTest, SparesNull)
 
 TEST(UPnPConfigTest, Texts)
 {
-    File theFile("empty=\nname=a b\nhost=box %HOSTNAME%");
+    const ConfigFile theFile = File("empty=\nname=a b\nhost=box %HOSTNAME%");
     EXPECT_EQ("a b", Taken(UPnPConfig_GetString(theFile, "s", "name", "d")));
     EXPECT_EQ("", Taken(UPnPConfig_GetString(theFile, "s", "empty", "d")));
     EXPECT_EQ("d", Taken(UPnPConfig_GetString(theFile, "s", "none", "d")));
@@ -307,7 +258,7 @@ TEST(UPnPConfigTest, Texts)
 
 TEST(UPnPConfigTest, Numbers)
 {
-    File theFile("seven=7\nzero=0\nword=x");
+    const ConfigFile theFile = File("seven=7\nzero=0\nword=x");
     EXPECT_EQ(7u, UPnPConfig_GetUInt32(theFile, "s", "seven", 1));
     EXPECT_EQ(9u, UPnPConfig_GetUInt32(theFile, "s", "word", 9));
     EXPECT_EQ(1u, UPnPConfig_GetBoolAsUInt32(theFile, "s", "seven", 0));
@@ -317,13 +268,8 @@ TEST(UPnPConfigTest, Numbers)
 
 TEST(UPnPConfigTest, HashTable)
 {
-    static const struct
-    {
-        const char* mKey;
-        const char* mDefault;
-        size_t mMaxLength;
-        const char* mStored; // NULL: what was there stays
-    } kCases[] = {
+    static const std::tuple<const char*, const char*, size_t, const char*> kCases[] = {
+        // key, default, maximum length, what is stored (NULL: what was there stays)
         { "ascii", nullptr, 0, "abcdef" },
         { "ascii", nullptr, 4, "abcd" },
         { "ascii", nullptr, 6, "abcdef" },
@@ -342,19 +288,20 @@ TEST(UPnPConfigTest, HashTable)
         { "broken", nullptr, 5, "\x80\x80\x80\x80\x80" },
         { "latin", nullptr, 2, "21" },
     };
-    File theFile("ascii=abcdef\nempty=\nutf8=\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\nbroken=\x80\x80\x80\x80\x80\x80\n"
-                 "latin=21\xB0"
-                 "C");
-    for (const auto& theCase : kCases)
+    const ConfigFile theFile =
+        File("ascii=abcdef\nempty=\nutf8=\xC3\xA9\xE2\x82\xAC\xF0\x9F\x8E\xB5\nbroken=\x80\x80\x80\x80\x80\x80\n"
+             "latin=21\xB0"
+             "C");
+    for (const auto& [theKey, theDefault, theMaxLength, theStored] : kCases)
     {
         for (const auto theAdd : { UPnPConfig_AddToHashTable, UPnPConfig_AddToHashTableIfUnspecified })
         {
             zoCustomHashTable* theTable = zoCustomHashTable_New_String_String();
             zoCustomHashTable_Add(theTable, "k", "before");
-            theAdd(theTable, "k", theFile, "s", theCase.mKey, theCase.mDefault, theCase.mMaxLength);
-            EXPECT_STREQ(theCase.mStored ? theCase.mStored : "before", zoCustomHashTable_Get(theTable, "k"))
-                << theCase.mKey << ' ' << theCase.mMaxLength;
-            theAdd(nullptr, "k", theFile, "s", theCase.mKey, theCase.mDefault, theCase.mMaxLength);
+            theAdd(theTable, "k", theFile, "s", theKey, theDefault, theMaxLength);
+            EXPECT_STREQ(theStored ? theStored : "before", zoCustomHashTable_Get(theTable, "k"))
+                << theKey << ' ' << theMaxLength;
+            theAdd(nullptr, "k", theFile, "s", theKey, theDefault, theMaxLength);
             zoCustomHashTable_Delete(theTable);
         }
     }
@@ -362,11 +309,7 @@ TEST(UPnPConfigTest, HashTable)
 
 TEST(UPnPConfigTest, SocketPolicy)
 {
-    static const struct
-    {
-        const char* mKeys;
-        int mMode;
-    } kCases[] = {
+    static const std::pair<const char*, int> kCases[] = {
         { "", kzoSocketPolicy_IP_All },
         { "UPnPLocal=0", kzoSocketPolicy_IP_All },
         { "UPnPLocal=1", kzoSocketPolicy_IP_LocalHostOnly },
@@ -376,15 +319,14 @@ TEST(UPnPConfigTest, SocketPolicy)
         { "UPnPLocal=4294967297", kzoSocketPolicy_IP_All },
         { "QOSDisabled=yes\nexclude-if=eth0, wlan0", kzoSocketPolicy_IP_All },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theKeys, theMode] : kCases)
     {
-        zoSocketPolicy* thePolicy = UPnPConfig_CreateSocketPolicy(File(theCase.mKeys), "s");
-        EXPECT_EQ(theCase.mMode, zoSocketPolicy_GetMode(thePolicy)) << theCase.mKeys;
-        const bool fOwnKeys = strchr(theCase.mKeys, ',') != nullptr;
-        EXPECT_EQ(fOwnKeys, zoSocketPolicy_IsQOSDisabled(thePolicy)) << theCase.mKeys;
-        EXPECT_NE(fOwnKeys,
-                  zoSocketPolicy_Admits(thePolicy, "wlan0", theCase.mMode == kzoSocketPolicy_IP_LocalHostOnly))
-            << theCase.mKeys;
+        zoSocketPolicy* thePolicy = UPnPConfig_CreateSocketPolicy(File(theKeys), "s");
+        EXPECT_EQ(theMode, zoSocketPolicy_GetMode(thePolicy)) << theKeys;
+        const bool fOwnKeys = strchr(theKeys, ',') != nullptr;
+        EXPECT_EQ(fOwnKeys, zoSocketPolicy_IsQOSDisabled(thePolicy)) << theKeys;
+        EXPECT_NE(fOwnKeys, zoSocketPolicy_Admits(thePolicy, "wlan0", theMode == kzoSocketPolicy_IP_LocalHostOnly))
+            << theKeys;
         zoSocketPolicy_Delete(thePolicy);
     }
 }

@@ -9,13 +9,6 @@ namespace
 
 const char kUPnPNamespace[] = "xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\"";
 
-zoPackedData_t* NewEntry()
-{
-    zoPackedData_t* theEntry = zoPackedData_New(1);
-    zoPackedData_AddNewEntry(theEntry);
-    return theEntry;
-}
-
 void AddResource(zoPackedData_t* aRecord, const std::string& aURI, const std::string& aProtocolInfo)
 {
     zoPackedData_AddNewEntry(aRecord);
@@ -24,12 +17,9 @@ void AddResource(zoPackedData_t* aRecord, const std::string& aURI, const std::st
 }
 
 // Writes an entry record and a resource record, each may be NULL, and releases them.
-std::string Write(zoPackedData_t* anEntry, zoPackedData_t* aResources, int afHeader, int afExtra, const char* anURI)
+std::string Write(PackedData anEntry, PackedData aResources, int afHeader, int afExtra, const char* anURI)
 {
-    const std::string theText = Taken(UPnPDIDL_Get(anEntry, aResources, afHeader, afExtra, anURI));
-    zoPackedData_Free(anEntry);
-    zoPackedData_Free(aResources);
-    return theText;
+    return Taken(UPnPDIDL_Get(anEntry, aResources, afHeader, afExtra, anURI));
 }
 
 // The URIs of a written text's resources, in their order, each with a blank behind it.
@@ -61,13 +51,14 @@ std::string Item(const std::string& anAttributes, const std::string& aContent)
 
 TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)
 {
+    const std::string theClass = "object.item.audioItem.musicTrack";
     zoPackedData_t* theEntry = NewEntry();
-    AddText(theEntry, kCDSEntryInfo_ItemID, "42");
-    AddText(theEntry, kCDSEntryInfo_ParentID, "7");
-    AddText(theEntry, kCDSEntryInfo_Title, "Rock & Roll");
-    AddText(theEntry, kCDSEntryInfo_ItemClassName, "object.item.audioItem.musicTrack");
-    AddText(theEntry, kCDSEntryInfo_Album, "Hits");
-    AddText(theEntry, kCDSEntryInfo_XMLNS, kUPnPNamespace);
+    AddTexts(theEntry, { { kCDSEntryInfo_ItemID, "42" },
+                         { kCDSEntryInfo_ParentID, "7" },
+                         { kCDSEntryInfo_Title, "Rock & Roll" },
+                         { kCDSEntryInfo_ItemClassName, theClass.c_str() },
+                         { kCDSEntryInfo_Album, "Hits" },
+                         { kCDSEntryInfo_XMLNS, kUPnPNamespace } });
     zoPackedData_AddData(theEntry, kCDSEntryInfo_AlbumArtURI, "ART\0JPEG_TN", 12);
     zoPackedData_t* theResources = zoPackedData_New(2);
     AddResource(theResources, "URI1", "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3");
@@ -78,47 +69,43 @@ TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)
     EXPECT_EQ("<DIDL-Lite xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\">"
               "<item id=\"42\" parentID=\"7\" restricted=\"1\">"
               "<upnp:albumArtURI dlna:profileID=\"JPEG_TN\">ART</upnp:albumArtURI>"
-              "<dc:title>Rock &amp; Roll</dc:title><upnp:class>object.item.audioItem.musicTrack</upnp:class>"
-              "<upnp:album>Hits</upnp:album>"
-              "<res protocolInfo=\"http-get:*:audio/mpeg:DLNA.ORG_PN=MP3\" bitrate=\"128000\" duration=\"00:03:35\""
-              " size=\"3440000\">URI1</res>"
-              "<res protocolInfo=\"http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_TN\">URI2</res></item></DIDL-Lite>",
+              "<dc:title>Rock &amp; Roll</dc:title><upnp:class>" +
+                  theClass +
+                  "</upnp:class><upnp:album>Hits</upnp:album>"
+                  "<res protocolInfo=\"http-get:*:audio/mpeg:DLNA.ORG_PN=MP3\" bitrate=\"128000\" duration=\"00:03:35\""
+                  " size=\"3440000\">URI1</res>"
+                  "<res protocolInfo=\"http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_TN\">URI2</res></item></DIDL-Lite>",
               Write(theEntry, theResources, 1, 0, "URI1"));
-
-    EXPECT_EQ("<DIDL-Lite><item></item></DIDL-Lite>", Write(nullptr, nullptr, 1, 0, nullptr));
-    EXPECT_EQ("<item></item>", Write(nullptr, nullptr, 0, 0, nullptr));
 }
 
 // Every field at once, in its order, with what only some records have.
 TEST(UPnPDIDLWriteTest, WritesEveryField)
 {
     zoPackedData_t* theEntry = NewEntry();
-    for (const auto& [theTag, theText] : std::vector<std::pair<int, const char*>>{ { 21, "ext:rating" },
-                                                                                   { 22, "5 < 6" },
-                                                                                   { 23, "ext:none" },
-                                                                                   { 0, "T" },
-                                                                                   { 1, "C" },
-                                                                                   { 2, "2001-02-03" },
-                                                                                   { 3, "G" },
-                                                                                   { 4, "A" },
-                                                                                   { 10, "K" },
-                                                                                   { 17, "bgm" },
-                                                                                   { 18, "PI" },
-                                                                                   { 20, "a=\"x\\,y\\\\,z\",b=\"\"" } })
-        AddText(theEntry, static_cast<uint16>(theTag), theText);
+    AddTexts(theEntry, { { 21, "ext:rating" },
+                         { 22, "5 < 6" },
+                         { 23, "ext:none" },
+                         { 0, "T" },
+                         { 1, "C" },
+                         { 2, "2001-02-03" },
+                         { 3, "G" },
+                         { 4, "A" },
+                         { 10, "K" },
+                         { 17, "bgm" },
+                         { 18, "PI" },
+                         { 20, "a=\"x\\,y\\\\,z\",b=\"\"" } });
     AddNumber(theEntry, kCDSEntryInfo_ChannelNr, uint32{ 12 });
     zoPackedData_t* theResources = zoPackedData_New(0);
     AddResource(theResources, "u", " http-get : * : a/b : c ; d ");
-    for (const auto& [theTag, theText] : std::vector<std::pair<int, const char*>>{ { 15, "codec" },
-                                                                                   { 16, "x" },
-                                                                                   { 17, "x:y" },
-                                                                                   { 18, "'1'" },
-                                                                                   { 19, "microsoft" },
-                                                                                   { 20, "m" },
-                                                                                   { 21, "bare" } })
-        AddText(theResources, static_cast<uint16>(theTag), theText);
-    AddText(theResources, kCDSResourceInfo_Resolution, "1x2");
-    AddText(theResources, kCDSResourceInfo_IFOFileURI, "ifo");
+    AddTexts(theResources, { { 15, "codec" },
+                             { 16, "x" },
+                             { 17, "x:y" },
+                             { 18, "'1'" },
+                             { 19, "microsoft" },
+                             { 20, "m" },
+                             { 21, "bare" },
+                             { kCDSResourceInfo_Resolution, "1x2" },
+                             { kCDSResourceInfo_IFOFileURI, "ifo" } });
     AddNumber(theResources, kCDSResourceInfo_Duration, uint32{ 216000 + 61 });
     AddNumber(theResources, kCDSResourceInfo_BitRate, uint32{ 7 });
     AddNumber(theResources, kCDSResourceInfo_ColorDepth, uint32{ 24 });
@@ -136,16 +123,14 @@ TEST(UPnPDIDLWriteTest, WritesEveryField)
         " size=\"18446744073709551615\" nrAudioChannels=\"6\" dlna:ifoFileURI=\"ifo\" x:y=\"&apos;1&apos;\" bare>u"
         "</res><res>v</res></item>",
         Write(theEntry, theResources, 0, 1, nullptr));
+    EXPECT_EQ("<DIDL-Lite><item></item></DIDL-Lite>", Write(nullptr, nullptr, 1, 0, nullptr));
+    EXPECT_EQ("<item></item>", Write(nullptr, nullptr, 0, 0, nullptr));
 }
 
 TEST(UPnPDIDLWriteTest, CutsBetweenCharacters)
 {
     const std::string theLong(254, 'x');
-    static const struct
-    {
-        std::string mTitle;
-        std::string mWritten;
-    } kCases[] = {
+    static const std::pair<std::string, std::string> kCases[] = {
         { theLong + "yzz", theLong + "y" },
         { theLong + "&", theLong },
         { theLong.substr(0, 250) + "&", theLong.substr(0, 250) + "&amp;" },
@@ -155,29 +140,25 @@ TEST(UPnPDIDLWriteTest, CutsBetweenCharacters)
         { theLong + "\xA9\xA9", theLong + "\xA9" }, // no character begins here that could be kept whole
         { theLong.substr(0, 250) + "\xC3\xA9\xA9\xA9\xA9\xA9", theLong.substr(0, 250) + "\xC3\xA9\xA9\xA9\xA9" },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theTitle, theWritten] : kCases)
     {
         zoPackedData_t* theEntry = NewEntry();
-        AddText(theEntry, kCDSEntryInfo_Title, theCase.mTitle);
+        AddText(theEntry, kCDSEntryInfo_Title, theTitle);
         AddText(theEntry, kCDSEntryInfo_XMLNS, "");
-        EXPECT_EQ(" ><item restricted=\"1\"><dc:title>" + theCase.mWritten + "</dc:title></item>",
+        EXPECT_EQ(" ><item restricted=\"1\"><dc:title>" + theWritten + "</dc:title></item>",
                   Write(theEntry, nullptr, 0, 0, nullptr));
     }
 }
 
 TEST(UPnPDIDLWriteTest, OrdersResources)
 {
-    static const struct
-    {
-        const char* mSelected;
-        const char* mOrder;
-    } kCases[] = {
+    static const char* const kCases[][2] = {
         { nullptr, "converted plain png jpeg whole converted2 " },
         { "whole", "whole jpeg png plain converted converted2 " },
         { "nowhere", "jpeg png plain whole converted converted2 " },
         { "converted2", "converted2 jpeg png plain whole converted " },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theSelected, theOrder] : kCases)
     {
         zoPackedData_t* theEntry = NewEntry();
         AddText(theEntry, kCDSEntryInfo_XMLNS, kUPnPNamespace);
@@ -189,7 +170,7 @@ TEST(UPnPDIDLWriteTest, OrdersResources)
         AddResource(theResources, "jpeg", "http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_TN;DLNA.ORG_CI=1");
         AddResource(theResources, "whole", "http-get:*:a/b:DLNA.ORG_CI=0");
         AddResource(theResources, "converted2", "http-get:*:a/b:DLNA.ORG_PN=X;DLNA.ORG_CI=1");
-        EXPECT_EQ(theCase.mOrder, OrderOf(Write(theEntry, theResources, 1, 0, theCase.mSelected)));
+        EXPECT_EQ(theOrder, OrderOf(Write(theEntry, theResources, 1, 0, theSelected)));
     }
 }
 
@@ -239,20 +220,11 @@ TEST(UPnPDIDLParseTest, ParsesAnObjectToItsTags)
     EXPECT_EQ(1u, zoPackedData_GetEntryCount(theObject.mResources));
     EXPECT_EQ("15 16 0 1 2 3 4 5 6 7 9 14 10 11 ", Tags(theObject.mResources));
     EXPECT_EQ("URI1", TextOf(theObject.mResources, 0, kCDSResourceInfo_URI));
-    EXPECT_EQ("http-get:*:audio/mpeg:*", TextOf(theObject.mResources, 0, kCDSResourceInfo_ProtocolInfo));
-    EXPECT_EQ(215u, zoPackedData_GetDataAsUInt32(theObject.mResources, 0, kCDSResourceInfo_Duration));
-    EXPECT_EQ(1024000u, zoPackedData_GetDataAsUInt32(theObject.mResources, 0, kCDSResourceInfo_BitRate));
-    EXPECT_EQ(3440000u, zoPackedData_GetDataAsUInt64(theObject.mResources, 0, kCDSResourceInfo_Size));
 }
 
 TEST(UPnPDIDLParseTest, JudgesDocuments)
 {
-    static const struct
-    {
-        const char* mText;
-        int mResult;
-        int mType;
-    } kCases[] = {
+    static const std::tuple<const char*, int, int> kCases[] = {
         { "", kUPnPError_InvalidDIDL, kDIDLItemType_None },
         { "no tag", kUPnPError_InvalidDIDL, kDIDLItemType_None },
         { "<DIDL-Lite></DIDL-Lite>", kUPnPError_InvalidDIDL, kDIDLItemType_None },
@@ -268,16 +240,15 @@ TEST(UPnPDIDLParseTest, JudgesDocuments)
         { "<item restricted=\"maybe\"/>", kUPnPError_InvalidDIDL, kDIDLItemType_None },
         { "<item searchable=\"2\" restricted=\"YES\"/>", kUPnPError_InvalidDIDL, kDIDLItemType_None },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theText, theResult, theType] : kCases)
     {
-        const ParsedObject theObject(theCase.mText);
-        EXPECT_EQ(theCase.mResult, theObject.mResult) << theCase.mText;
-        EXPECT_EQ(theCase.mType, theObject.mType) << theCase.mText;
-        EXPECT_EQ(theCase.mResult == kUPnPError_None, theObject.mData && theObject.mRes) << theCase.mText;
-        EXPECT_STREQ(theCase.mText, theObject.mText); // the text is as it was
+        const ParsedObject theObject(theText);
+        EXPECT_EQ(theResult, theObject.mResult) << theText;
+        EXPECT_EQ(theType, theObject.mType) << theText;
+        EXPECT_EQ(theResult == kUPnPError_None, theObject.mData && theObject.mRes) << theText;
+        EXPECT_STREQ(theText, theObject.mText); // the text is as it was
     }
-    char* theData = nullptr;
-    char* theRes = nullptr;
+    char *theData = nullptr, *theRes = nullptr;
     int theType = -1;
     EXPECT_EQ(kUPnPError_InvalidDIDL, UPnPDIDL_ParseElements(nullptr, &theData, &theRes, &theType));
 }
@@ -285,14 +256,7 @@ TEST(UPnPDIDLParseTest, JudgesDocuments)
 // Attributes and elements of the object, one at a time: tag, and what it reads as (a number when the text is NULL).
 TEST(UPnPDIDLParseTest, ReadsEntryFields)
 {
-    static const struct
-    {
-        const char* mAttributes;
-        const char* mContent;
-        uint16 mTag;
-        const char* mText;
-        uint32 mNumber;
-    } kCases[] = {
+    static const std::tuple<const char*, const char*, uint16, const char*, uint32> kCases[] = {
         { " id='a&amp;b' id='\"q\"' REFID='r'", "", kCDSEntryInfo_ItemID, "q", 0 },
         { " refid='a&amp;b'", "", kCDSEntryInfo_RefID, "a&b", 0 },
         { " restricted='0'", "", kCDSEntryInfo_Flags, nullptr, 0 },
@@ -329,12 +293,12 @@ TEST(UPnPDIDLParseTest, ReadsEntryFields)
         { " xmlns:a='say \"x\"'", "", kCDSEntryInfo_XMLNS, "xmlns:a=\"say &quot;x&quot;\"", 0 },
         { "", "", kCDSEntryInfo_XMLNS, "(none)", 0 },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theAttributes, theContent, theTag, theText, theNumber] : kCases)
     {
-        const ParsedObject theObject(Item(theCase.mAttributes, theCase.mContent));
-        const std::string theWhat = std::string(theCase.mAttributes) + " " + theCase.mContent;
-        if (theCase.mText) { EXPECT_EQ(theCase.mText, TextOf(theObject.mEntry, 0, theCase.mTag)) << theWhat; }
-        else { EXPECT_EQ(theCase.mNumber, zoPackedData_GetDataAsUInt32(theObject.mEntry, 0, theCase.mTag)) << theWhat; }
+        SCOPED_TRACE(Item(theAttributes, theContent));
+        const ParsedObject theObject(Item(theAttributes, theContent));
+        if (theText) { EXPECT_EQ(theText, TextOf(theObject.mEntry, 0, theTag)); }
+        else { EXPECT_EQ(theNumber, zoPackedData_GetDataAsUInt32(theObject.mEntry, 0, theTag)); }
     }
     const ParsedObject theContainer("<DIDL-Lite xmlns='d' xm:a='1' xmlnsx:b='2' lang='en'><container/></DIDL-Lite>");
     EXPECT_EQ(3u, zoPackedData_GetDataAsUInt32(theContainer.mEntry, 0, kCDSEntryInfo_Flags));
@@ -344,13 +308,7 @@ TEST(UPnPDIDLParseTest, ReadsEntryFields)
 
 TEST(UPnPDIDLParseTest, ReadsResourceFields)
 {
-    static const struct
-    {
-        const char* mAttributes;
-        uint16 mTag;
-        const char* mText;
-        uint64 mNumber;
-    } kCases[] = {
+    static const std::tuple<const char*, uint16, const char*, uint64> kCases[] = {
         { "protocolInfo=' http-get:*:a/b: x&amp;y '", kCDSResourceInfo_ProtocolInfo, "http-get:*:a/b:x&y", 0 },
         { "x:PROTOCOLINFO='a:b:c:d'", kCDSResourceInfo_ProtocolInfo, "a:b:c:d", 0 },
         { "resolution='1&amp;2'", kCDSResourceInfo_Resolution, "1&amp;2", 0 },
@@ -379,15 +337,12 @@ TEST(UPnPDIDLParseTest, ReadsResourceFields)
         { "xyz:codec='a&amp;b'", 16, "a&amp;b", 0 },
         { "plain='1' xmlns:q='u' second='2'", 17, "second", 0 },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theAttributes, theTag, theText, theNumber] : kCases)
     {
-        const ParsedObject theObject(Item("", std::string("<res ") + theCase.mAttributes + ">u</res>"));
-        const zoPackedData_t* theRecord = theObject.mResources;
-        if (theCase.mText) { EXPECT_EQ(theCase.mText, TextOf(theRecord, 0, theCase.mTag)) << theCase.mAttributes; }
-        else
-        {
-            EXPECT_EQ(theCase.mNumber, zoPackedData_GetDataAsUInt64(theRecord, 0, theCase.mTag)) << theCase.mAttributes;
-        }
+        SCOPED_TRACE(theAttributes);
+        const ParsedObject theObject(Item("", std::string("<res ") + theAttributes + ">u</res>"));
+        if (theText) { EXPECT_EQ(theText, TextOf(theObject.mResources, 0, theTag)); }
+        else { EXPECT_EQ(theNumber, zoPackedData_GetDataAsUInt64(theObject.mResources, 0, theTag)); }
     }
     const ParsedObject theTwo(Item("", "<res dlna:resumeUpload='1'/><a><r:RES> x&amp;y </r:RES></a>"));
     EXPECT_EQ(2u, zoPackedData_GetEntryCount(theTwo.mResources));
@@ -407,19 +362,15 @@ TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
     {
         const std::string theName(theNode->Name, static_cast<size_t>(theNode->NameLength));
         if (!theNode->StartTag || (theName != "item" && theName != "container")) { continue; }
-        char* theData = nullptr;
-        char* theRes = nullptr;
+        char *theData = nullptr, *theRes = nullptr;
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
         EXPECT_EQ(
             1, UPnPDIDL_Parse("http://h/a/b", theNodes, theNode, theAttributes, theName == "item", &theData, &theRes));
         ILibDestructXMLAttributeList(theAttributes);
-        zoPackedData_t* theEntry = zoPackedData_NewData(theData);
-        zoPackedData_t* theResources = zoPackedData_NewData(theRes);
+        const PackedData theEntry = zoPackedData_NewData(theData), theResources = zoPackedData_NewData(theRes);
         theFound += TextOf(theEntry, 0, kCDSEntryInfo_ItemID) + "|" + TextOf(theEntry, 0, kCDSEntryInfo_Title) + "|" +
                     TextOf(theEntry, 0, kCDSEntryInfo_XMLNS) + "|" + TextOf(theResources, 0, kCDSResourceInfo_URI) +
                     "\n";
-        zoPackedData_Free(theEntry);
-        zoPackedData_Free(theResources);
     }
     EXPECT_EQ("c|A & B|xmlns:r=\"1\"|http://h/a/media/42\ni|A & B|xmlns:r=\"1\"|http://h/x\n", theFound);
     ILibDestructXMLNodeList(theNodes);
@@ -428,8 +379,7 @@ TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
     theText = "<item><dc:title>";
     theNodes = ILibParseXML(theText.data(), 0, theText.size());
     AssertionCatcher theCatcher;
-    char* theData = nullptr;
-    char* theRes = nullptr;
+    char *theData = nullptr, *theRes = nullptr;
     UPnPDIDL_Parse(nullptr, nullptr, theNodes, nullptr, 1, &theData, &theRes);
     EXPECT_EQ("Libs/Internal/UPnP/Utilities/UPnPDIDL.cpp: aNode != NULL", theCatcher.Text());
     free(theData);
@@ -479,13 +429,9 @@ TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
          { "x:stored", "dc:title", "upnp:albumArtURI", "upnp:createClass", "xmlns:n", "res", "plain" })
     {
         const size_t kLevels = 20000;
-        std::string theText = "<item>";
-        for (size_t i = 0; i < kLevels; ++i)
-            theText += "<" + std::string(theName) + ">";
-        theText += "deep";
-        for (size_t i = 0; i < kLevels; ++i)
-            theText += "</" + std::string(theName) + ">";
-        const ParsedObject theObject(theText + "</item>");
+        const std::string theEnd = std::string(theName) + ">";
+        const std::string theText = Repeated("<" + theEnd, kLevels) + "deep" + Repeated("</" + theEnd, kLevels);
+        const ParsedObject theObject(Item("", theText));
         ASSERT_EQ(kUPnPError_None, theObject.mResult) << theName;
         EXPECT_LT(zoPackedData_GetMemoryUsage(theObject.mEntry), theText.size() * 7) << theName;
         EXPECT_LT(zoPackedData_GetMemoryUsage(theObject.mResources), theText.size() * 30) << theName;
@@ -494,9 +440,7 @@ TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
     }
 
     // What some elements store is not missing for others.
-    std::string theDeep = std::string(20000, 'x');
-    for (int i = 0; i < 10; ++i)
-        theDeep = "<a:b>" + theDeep + "</a:b>";
+    const std::string theDeep = Repeated("<a:b>", 10) + std::string(20000, 'x') + Repeated("</a:b>", 10);
     const ParsedObject theOther(Item("", theDeep + "<res>u</res><upnp:albumArtURI>v</upnp:albumArtURI>"));
     EXPECT_EQ("u", TextOf(theOther.mResources, 0, kCDSResourceInfo_URI));
     EXPECT_EQ("v", TextOf(theOther.mEntry, 0, kCDSEntryInfo_AlbumArtURI));

@@ -7,24 +7,11 @@
 namespace
 {
 
-template <typename Record, void (*Delete)(Record*)>
-struct Owned
-{
-    Owned(Record* aRecord) : mRecord(aRecord) {}
-    Owned(Owned&& anOther) : mRecord(std::exchange(anOther.mRecord, nullptr)) {}
-    ~Owned() { Delete(mRecord); }
-    operator Record*() const { return mRecord; }
-    Record* operator->() const { return mRecord; }
-
-    Record* mRecord;
-};
 typedef Owned<UPnPGroupInfo, UPnPGroupInfo_Delete> Group;
 typedef Owned<UPnPGroupCapabilities, UPnPGroupCapabilities_Delete> Capabilities;
-typedef Owned<zoConfigFile, zoConfigFile_Delete> Config;
 
 Group ReadGroup(const std::string& aText) { return UPnPGroupInfo_New("MultiRoom", aText.c_str()); }
 Group LoadGroup(zoConfigFile* aConfig) { return UPnPGroupInfo_NewConfig(aConfig, "MultiRoom"); }
-Config NewConfig(const std::string& aText) { return zoConfigFile_NewFromText(aText.data(), aText.size()); }
 
 std::string Shown(const char* aText) { return aText ? aText : "-"; }
 
@@ -92,12 +79,8 @@ TEST(UPnPGroupCapabilitiesTest, ReadsTheFirstCapability)
     static const char kBad[] = "UPnPGroupCapabilities: Unable to parse XML for 'groupCapabilities' in a device";
     static const char kInvalid[] = "UPnPGroupCapabilities: Found an invalid 'groupCapability' description in a device";
     const std::string kWhole = "capability='MultiRoom' groupedUDN='uuid:1' UDN='uuid:2' ";
-    const struct
-    {
-        std::string mText;
-        const char* mShown; // name, grouped UDN, mode, active capability
-        const char* mLogged;
-    } kCases[] = {
+    const std::tuple<std::string, const char*, const char*> kCases[] = {
+        // text, shown (name, grouped UDN, mode, active capability), logged
         { Capability(kWhole + "mode='master'"), "MultiRoom|uuid:1|2|MultiRoom", "" },
         { Capability(kWhole + "mode='slave'"), "MultiRoom|uuid:1|1|MultiRoom", "" },
         { Capability(kWhole + "mode='Master'"), "MultiRoom|uuid:1|0|", "" },
@@ -114,16 +97,16 @@ TEST(UPnPGroupCapabilitiesTest, ReadsTheFirstCapability)
         { "<a>" + Capability(kWhole) + "</a>", "", "" },
         { Capability(kWhole) + "</a>", "", kBad },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theText, theShown, theLogged] : kCases)
     {
         const LogCatcher theLog;
-        const Capabilities theSet = UPnPGroupCapabilities_New(theCase.mText.c_str());
+        const Capabilities theSet = UPnPGroupCapabilities_New(theText.c_str());
         const UPnPGroupCapability* c = UPnPGroupCapabilities_GetAt(theSet, 0);
         const std::string theMode = c ? "|" + std::to_string(c->mMode) + "|" : "";
-        EXPECT_EQ(theCase.mShown, (c ? Shown(c->mName, c->mGroupedUDN, nullptr) : "") + theMode +
-                                      UPnPGroupCapabilities_GetActive(theSet))
-            << theCase.mText;
-        EXPECT_EQ(Warning(theCase.mLogged), theLog.mText) << theCase.mText;
+        EXPECT_EQ(theShown, (c ? Shown(c->mName, c->mGroupedUDN, nullptr) : "") + theMode +
+                                UPnPGroupCapabilities_GetActive(theSet))
+            << theText;
+        EXPECT_EQ(Warning(theLogged), theLog.mText) << theText;
     }
 }
 
@@ -155,12 +138,7 @@ TEST(UPnPGroupInfoTest, ReadsXML)
     const std::string kStart = "<groupInfo friendlyName='G' UDN='g'>";
     const std::string kMaster = "<master groupedFriendlyName='M' groupedUDN='m'/>";
     const std::string kSlave = "<slave groupedFriendlyName='S' groupedUDN='s'/>";
-    const struct
-    {
-        std::string mText;
-        const char* mShown;
-        const char* mLogged;
-    } kCases[] = {
+    const std::tuple<std::string, const char*, const char*> kCases[] = {
         { kStart + "<a><slave groupedFriendlyName='T' groupedUDN='s'><b>" + kMaster + kSlave +
               "</b></slave></a><master groupedUDN='n'/></groupInfo>" + kMaster + kSlave,
           "G|g; M|m; T|s; S|s", "" }, // at any depth, the first master, slaves of one UDN, nothing behind the root
@@ -181,18 +159,19 @@ TEST(UPnPGroupInfoTest, ReadsXML)
         { kStart + kMaster + "<slave groupedUDN='s'/></groupInfo>", "NULL", kBadSlave },
         { "<a>" + kStart + kMaster + "</groupInfo></a>", "NULL", "" },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theText, theShown, theLogged] : kCases)
     {
         const LogCatcher theLog;
-        const Group g = ReadGroup(theCase.mText);
-        EXPECT_EQ(theCase.mShown, Shown(g)) << theCase.mText;
-        EXPECT_EQ(Warning(theCase.mLogged), theLog.mText) << theCase.mText;
+        const Group g = ReadGroup(theText);
+        EXPECT_EQ(theShown, Shown(g)) << theText;
+        EXPECT_EQ(Warning(theLogged), theLog.mText) << theText;
         if (g) { EXPECT_EQ("1 MultiRoom", std::to_string(g->mfHasMasterSet) + " " + g->mCapability); }
     }
     EXPECT_EQ(nullptr, UPnPGroupInfo_New("MultiRoom", nullptr));
     const LogCatcher theLog;
-    for (size_t theSize = 0; theSize < kCases[0].mText.size(); ++theSize)
-        ReadGroup(kCases[0].mText.substr(0, theSize));
+    const std::string theWhole = std::get<0>(kCases[0]);
+    for (size_t theSize = 0; theSize < theWhole.size(); ++theSize)
+        ReadGroup(theWhole.substr(0, theSize));
 }
 
 TEST(UPnPGroupInfoTest, WritesXML)
@@ -254,7 +233,7 @@ TEST(UPnPGroupInfoTest, ComesBackAsFarAsTheFormatsCarryIt)
             const std::string theXML = Taken(UPnPGroupInfo_GetXML(g));
             EXPECT_EQ(strchr(theCarried, thePlace) != nullptr, Shown(g) == Shown(ReadGroup(theXML))) << theXML;
 
-            const Config theConfig = NewConfig("");
+            const ConfigFile theConfig = NewConfig("");
             UPnPGroupInfo_Store(g, theConfig);
             const std::string theText = Taken(zoConfigFile_GetText(theConfig, nullptr));
             const std::string theLoadedXML = Taken(UPnPGroupInfo_GetXML(LoadGroup(NewConfig(theText))));
@@ -269,7 +248,7 @@ TEST(UPnPGroupInfoTest, Stores)
     SetInAll(g, "a", "1");
     SetInAll(g, "b", "2");
     zoStrReplace(&g->mGroupFriendlyName, nullptr);
-    const Config theConfig = NewConfig("[MultiRoom]\nGroup.FriendlyName=old\nother=key\n");
+    const ConfigFile theConfig = NewConfig("[MultiRoom]\nGroup.FriendlyName=old\nother=key\n");
     UPnPGroupInfo_Store(g, theConfig);
     EXPECT_EQ("[MultiRoom]\nother=key\nGroup.UDN=g\nGroup.MetaData0=a=1\nGroup.MetaData1=b=2\n"
               "Master.GroupedFriendlyName=M\nMaster.GroupedUDN=m\nMaster.MetaData0=a=1\nMaster.MetaData1=b=2\n"
@@ -400,23 +379,17 @@ TEST(UPnPGroupInfoTest, Members)
 TEST(UPnPGroupInfoTest, MetaDataOfMembers)
 {
     const Group g = GroupOf("s");
-    static const struct
-    {
-        const char* mMember;
-        const char* mName;
-        const char* mValue;
-        int mResult;
-        size_t mCount; // afterwards
-    } kCases[] = {
+    static const std::tuple<const char*, const char*, const char*, int, size_t> kCases[] = {
+        // member, name, value, result, count afterwards
         { nullptr, "a", "1", 1, 1 }, { nullptr, "b", "", 1, 2 },      { nullptr, "c", nullptr, 0, 2 },
         { nullptr, "", "1", 0, 2 },  { nullptr, nullptr, "1", 0, 2 }, { nullptr, "a", "2", 1, 2 },
         { "m", "a", "3", 1, 1 },     { "m", "b", nullptr, 0, 1 },     { "s", "a", "4", 1, 1 },
         { "s", "b", nullptr, 1, 1 }, { "s", "", "1", 1, 1 },          { "own", "a", "5", 0, 0 },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theMember, theMetaName, theValue, theResult, theCount] : kCases)
     {
-        EXPECT_EQ(theCase.mResult, UPnPGroupInfo_SetMetaData(g, theCase.mMember, theCase.mName, theCase.mValue));
-        EXPECT_EQ(theCase.mCount, UPnPGroupInfo_GetMetaDataCount(g, theCase.mMember));
+        EXPECT_EQ(theResult, UPnPGroupInfo_SetMetaData(g, theMember, theMetaName, theValue));
+        EXPECT_EQ(theCount, UPnPGroupInfo_GetMetaDataCount(g, theMember));
     }
     EXPECT_EQ("a=2 b= a=4", MetaData(g, nullptr, 0) + " " + MetaData(g, nullptr, 1) + " " + MetaData(g, "s", 0));
     UPnPGroupInfo_FetchMetaDataAt(g, "s", 0, nullptr, nullptr);

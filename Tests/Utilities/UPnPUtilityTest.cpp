@@ -16,8 +16,7 @@ struct Element
         ILibDestructXMLNodeList(mNode);
         free(mText);
     }
-    Element(const Element&) = delete;
-    Element& operator=(const Element&) = delete;
+    Element& operator=(Element&&) = delete;
 
     char* mText;
     struct ILibXMLNode* mNode;
@@ -27,24 +26,18 @@ struct Element
 
 TEST(UPnPUtilTest, WritesTimes)
 {
-    static const struct
-    {
-        uint32 mTime;
-        const char* mText;
-    } kCases[] = {
+    static const std::pair<uint32, const char*> kCases[] = {
         { 0, "00:00:00.000" },          { 3661, "01:01:01.000" },       { 99 * 3600 - 1, "98:59:59.000" },
         { 359999, "00:59:59.000" }, // 99 hours wrap to 0
         { 100 * 3600, "01:00:00.000" }, { 0xFFFFFFFE, "96:28:14.000" }, { kUPnP_UnknownTime, "NOT_IMPLEMENTED" },
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [theTime, theExpected] : kCases)
     {
         const std::unique_ptr<char[]> theText(new char[sizeof(kUPnP_UnknownTimeString)]);
-        UPnPUtil_SetTimeString(theText.get(), theCase.mTime);
-        EXPECT_STREQ(theCase.mText, theText.get());
-        if (theCase.mTime < 99 * 3600 || theCase.mTime == kUPnP_UnknownTime)
-        {
-            EXPECT_EQ(theCase.mTime, UPnPUtil_ParseTimeString(theText.get()));
-        }
+        UPnPUtil_SetTimeString(theText.get(), theTime);
+        EXPECT_STREQ(theExpected, theText.get());
+        const bool fWraps = theTime >= 99 * 3600 && theTime != kUPnP_UnknownTime;
+        if (!fWraps) { EXPECT_EQ(theTime, UPnPUtil_ParseTimeString(theText.get())); }
     }
 }
 
@@ -61,19 +54,14 @@ TEST(UPnPUtilTest, KnowsTrueAndFalse)
 TEST(UPnPUtilTest, ChecksLists)
 {
     const char* theWords[] = { "a", "b", "c,d", nullptr };
-    static const struct
+    static const std::tuple<const char*, size_t, int> kCases[] = {
+        { "x", 0, 0 },    { "a", 1, 0 },     { "a;;b", 4, 0 }, { ";", 1, 0 },      { "a,b", 3, -1 }, { "c,d;B", 5, 0 },
+        { "a;bx", 3, 0 }, { "a;bx", 4, -1 }, { "x;a", 3, -1 }, { "a;b;x", 5, -1 }, { nullptr, 0, 0 }
+    };
+    for (const auto& [theText, theLength, theResult] : kCases)
     {
-        const char* mText;
-        size_t mLength;
-        int mResult;
-    } kCases[] = { { "x", 0, 0 },    { "a", 1, 0 },      { "a;;b", 4, 0 }, { ";", 1, 0 },
-                   { "a,b", 3, -1 }, { "c,d;B", 5, 0 },  { "a;bx", 3, 0 }, { "a;bx", 4, -1 },
-                   { "x;a", 3, -1 }, { "a;b;x", 5, -1 }, { nullptr, 0, 0 } };
-    for (const auto& theCase : kCases)
-    {
-        EXPECT_EQ(theCase.mResult,
-                  UPnPUtil_FindAllCommaSeparatedSubStringInArray(theCase.mText, theCase.mLength, theWords))
-            << (theCase.mText ? theCase.mText : "NULL") << theCase.mLength;
+        EXPECT_EQ(theResult, UPnPUtil_FindAllCommaSeparatedSubStringInArray(theText, theLength, theWords))
+            << (theText ? theText : "NULL") << theLength;
     }
 }
 
@@ -100,14 +88,8 @@ TEST(UPnPUtilDeathTest, ExitsThroughTheCallBack)
 
 TEST(UPnPUtilTest, ReadsValues)
 {
-    static const struct
-    {
-        const char* mText;
-        uint32 mTime; // 77: left alone
-        uint32 mUInt32;
-        int32 mInt32;
-        int mIndex;
-    } kCases[] = {
+    static const std::tuple<const char*, uint32, uint32, int32, int> kCases[] = {
+        // text, as a time (77: left alone), as numbers without and with a sign, its index
         { "<a val=\"12\"/>", 12, 12, 12, 0 },
         { "<a x:val='0:01:00'/>", 60, 77, 77, 1 }, // the prefix doesn't matter
         { "<a value='1' Val='2' VAL='3'/>", 77, 77, 77, -1 },
@@ -118,20 +100,20 @@ TEST(UPnPUtilTest, ReadsValues)
         { "<a/>", 77, 77, 77, -1 },
     };
     const char* theTable[] = { "12", "0:01:00", "", nullptr };
-    for (const auto& theCase : kCases)
+    for (const auto& [theText, theTimeRead, theUnsigned, theSigned, theIndex] : kCases)
     {
-        SCOPED_TRACE(theCase.mText);
-        const Element theElement(theCase.mText);
+        SCOPED_TRACE(theText);
+        const Element theElement(theText);
         uint32 theTime = 77, theUInt32 = 77;
         int32 theInt32 = 77;
-        EXPECT_EQ(theCase.mUInt32 != 77, UPnPUtil_GetUInt32Attribute(theElement.mNode, &theUInt32));
-        EXPECT_EQ(theCase.mInt32 != 77, UPnPUtil_GetInt32Attribute(theElement.mNode, &theInt32));
-        EXPECT_STREQ(theCase.mText, theElement.mText); // these leave the document alone
-        EXPECT_EQ(theCase.mIndex, UPnPUtil_GetTableAttributeIndex(theElement.mNode, theTable));
-        EXPECT_EQ(theCase.mTime != 77, UPnPUtil_GetTimeAttribute(theElement.mNode, &theTime, 99));
-        EXPECT_EQ(theCase.mTime, theTime);
-        EXPECT_EQ(theCase.mUInt32, theUInt32);
-        EXPECT_EQ(theCase.mInt32, theInt32);
+        EXPECT_EQ(theUnsigned != 77, UPnPUtil_GetUInt32Attribute(theElement.mNode, &theUInt32));
+        EXPECT_EQ(theSigned != 77, UPnPUtil_GetInt32Attribute(theElement.mNode, &theInt32));
+        EXPECT_STREQ(theText, theElement.mText); // these leave the document alone
+        EXPECT_EQ(theIndex, UPnPUtil_GetTableAttributeIndex(theElement.mNode, theTable));
+        EXPECT_EQ(theTimeRead != 77, UPnPUtil_GetTimeAttribute(theElement.mNode, &theTime, 99));
+        EXPECT_EQ(theTimeRead, theTime);
+        EXPECT_EQ(theUnsigned, theUInt32);
+        EXPECT_EQ(theSigned, theInt32);
     }
 }
 

@@ -9,31 +9,25 @@
 namespace
 {
 
-struct Config
+struct Config : ConfigFile
 {
-    explicit Config(const std::string& aText) : mFile(zoConfigFile_NewFromText(aText.data(), aText.size())) {}
-    ~Config() { zoConfigFile_Delete(mFile); }
-    Config(const Config&) = delete;
-    Config& operator=(const Config&) = delete;
-
+    explicit Config(const std::string& aText) : ConfigFile(NewConfig(aText)) {}
     std::string Text() const
     {
         size_t theLength = 0;
-        char* theText = zoConfigFile_GetText(mFile, &theLength);
+        char* theText = zoConfigFile_GetText(mRecord, &theLength);
         std::string theCopy(theText, theLength);
         free(theText);
         return theCopy;
     }
     std::string Get(const char* aSection, const char* aKey) const
     {
-        return zoConfigFile_GetString(mFile, aSection, aKey, "(none)");
+        return zoConfigFile_GetString(mRecord, aSection, aKey, "(none)");
     }
     void Set(const char* aSection, const char* aKey, const char* aValue)
     {
-        zoConfigFile_SetString(mFile, aSection, aKey, aValue);
+        zoConfigFile_SetString(mRecord, aSection, aKey, aValue);
     }
-
-    zoConfigFile* mFile;
 };
 
 // A folder of its own, gone at the end.
@@ -41,14 +35,8 @@ struct ScratchFolder
 {
     ScratchFolder() { mPath = mkdtemp(mTemplate); }
     ~ScratchFolder() { std::filesystem::remove_all(mPath); }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    std::string Read(const std::string& aName) const
-    {
-        std::ifstream theFile(mPath + "/" + aName, std::ios::binary);
-        return { std::istreambuf_iterator<char>(theFile), {} };
-    }
+    ScratchFolder& operator=(ScratchFolder&&) = delete;
+    std::string Read(const std::string& aName) const { return ReadFile(mPath + "/" + aName); }
 
     char mTemplate[32] = "/tmp/zoConfigFileTest.XXXXXX";
     std::string mPath;
@@ -56,11 +44,9 @@ struct ScratchFolder
 
 bool SaveKey(const std::string& aPath, const char* aValue)
 {
-    zoConfigFile* theFile = zoConfigFile_New(aPath.c_str());
+    const ConfigFile theFile = zoConfigFile_New(aPath.c_str());
     zoConfigFile_SetString(theFile, "s", "k", aValue);
-    const bool fIsSaved = zoConfigFile_Save(theFile) != 0;
-    zoConfigFile_Delete(theFile);
-    return fIsSaved;
+    return zoConfigFile_Save(theFile) != 0;
 }
 
 } // namespace
@@ -71,12 +57,7 @@ TEST(zoConfigFileTest, ReadsWhatPeopleWrite)
                            "# key=comment\n ; key=comment\n[a]\n  spaced \t=\t two words \t\nempty=\n=nameless\n"
                            "twice=1\ntwice=2\nquoted=\"x\" # no comment\npath=C:\\dir\\new\\x41\\\n"
                            "no equal sign\n[broken\n[ b ] ; remark\nk=v\n[a]\nmore=3\nesc=\\sa\\\\\\t\\n\\r\\s");
-    const struct
-    {
-        const char* mSection;
-        const char* mKey;
-        const char* mValue;
-    } kValues[] = {
+    const char* const kValues[][3] = {
         { "", "top", "1" },
         { "a", "spaced", "two words" },
         { "a", "empty", "" },
@@ -92,72 +73,54 @@ TEST(zoConfigFileTest, ReadsWhatPeopleWrite)
         { "a", "More", "(none)" },
         { "broken", "k", "(none)" },
     };
-    for (const auto& theValue : kValues)
-        EXPECT_EQ(theValue.mValue, theConfig.Get(theValue.mSection, theValue.mKey)) << theValue.mKey;
-    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig.mFile));
-    EXPECT_STREQ("b", zoConfigFile_GetSectionAt(theConfig.mFile, 2));
-    EXPECT_EQ(nullptr, zoConfigFile_GetSectionAt(theConfig.mFile, 3));
-    EXPECT_EQ(8u, zoConfigFile_GetKeyCount(theConfig.mFile, "a"));
-    EXPECT_STREQ("more", zoConfigFile_GetKeyAt(theConfig.mFile, "a", 6));
+    for (const auto& [theSection, theKey, theValue] : kValues)
+        EXPECT_EQ(theValue, theConfig.Get(theSection, theKey)) << theKey;
+    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig));
+    EXPECT_STREQ("b", zoConfigFile_GetSectionAt(theConfig, 2));
+    EXPECT_EQ(nullptr, zoConfigFile_GetSectionAt(theConfig, 3));
+    EXPECT_EQ(8u, zoConfigFile_GetKeyCount(theConfig, "a"));
+    EXPECT_STREQ("more", zoConfigFile_GetKeyAt(theConfig, "a", 6));
 
     const std::string theNUL("a=1\nb=2\0c=3\nd=4", 15);
     EXPECT_EQ("(none)", Config(theNUL).Get("", "b"));
     EXPECT_EQ("4", Config(theNUL).Get("", "d"));
     EXPECT_EQ(theNUL, Config(theNUL).Text());
-    EXPECT_EQ(nullptr, zoConfigFile_GetString(theConfig.mFile, nullptr, "k", nullptr));
+    EXPECT_EQ(nullptr, zoConfigFile_GetString(theConfig, nullptr, "k", nullptr));
     EXPECT_EQ(nullptr, zoConfigFile_GetString(nullptr, "a", "more", nullptr));
 }
 
 TEST(zoConfigFileTest, ReadsNumbersAndOptions)
 {
-    const struct
-    {
-        const char* mValue;
-        uint32 mUInt32;
-        uint16 mUInt16;
-        uint8 mUInt8;
-        int32 mInt32;
-        int mfOption;
-    } kCases[] = {
-        { "0", 0, 0, 0, 0, 0 },
-        { "1", 1, 1, 1, 1, 1 },
-        { "0x10", 16, 16, 16, 16, 7 },
-        { "0XfF", 255, 255, 255, 255, 7 },
-        { "256", 256, 256, 7, 256, 7 },
-        { "65536", 65536, 7, 7, 65536, 7 },
-        { "2147483648", 2147483648u, 7, 7, 7, 7 },
-        { "4294967295", 4294967295u, 7, 7, 7, 7 },
-        { "4294967296", 7, 7, 7, 7, 7 },
-        { "-1", 7, 7, 7, -1, 7 },
-        { "-2147483648", 7, 7, 7, INT32_MIN, 7 },
-        { "-2147483649", 7, 7, 7, 7, 7 },
-        { "-0x10", 7, 7, 7, -16, 7 },
-        { "", 7, 7, 7, 7, 0 },
-        { "12x", 7, 7, 7, 7, 7 },
-        { "+1", 7, 7, 7, 7, 7 },
-        { "0x", 7, 7, 7, 7, 7 },
-        { "--1", 7, 7, 7, 7, 7 },
-        { "1 2", 7, 7, 7, 7, 7 },
-        { "True", 7, 7, 7, 7, 1 },
-        { "YES", 7, 7, 7, 7, 1 },
-        { "on", 7, 7, 7, 7, 1 },
-        { "FALSE", 7, 7, 7, 7, 0 },
-        { "no", 7, 7, 7, 7, 0 },
-        { "Off", 7, 7, 7, 7, 0 },
-        { "onn", 7, 7, 7, 7, 7 },
-        { "o", 7, 7, 7, 7, 7 },
-        { nullptr, 7, 7, 7, 7, 7 },
+    const std::tuple<std::vector<const char*>, uint32, uint16, uint8, int32, int> kCases[] = {
+        // values, as numbers of 32, 16 and 8 bits, with a sign, as an option; 7 is the default
+        { { "0" }, 0, 0, 0, 0, 0 },
+        { { "1" }, 1, 1, 1, 1, 1 },
+        { { "0x10" }, 16, 16, 16, 16, 7 },
+        { { "0XfF" }, 255, 255, 255, 255, 7 },
+        { { "256" }, 256, 256, 7, 256, 7 },
+        { { "65536" }, 65536, 7, 7, 65536, 7 },
+        { { "2147483648" }, 2147483648u, 7, 7, 7, 7 },
+        { { "4294967295" }, 4294967295u, 7, 7, 7, 7 },
+        { { "-1" }, 7, 7, 7, -1, 7 },
+        { { "-2147483648" }, 7, 7, 7, INT32_MIN, 7 },
+        { { "-0x10" }, 7, 7, 7, -16, 7 },
+        { { "", "FALSE", "no", "Off" }, 7, 7, 7, 7, 0 },
+        { { "True", "YES", "on" }, 7, 7, 7, 7, 1 },
+        { { "4294967296", "-2147483649", "12x", "+1", "0x", "--1", "1 2", "onn", "o", nullptr }, 7, 7, 7, 7, 7 },
     };
     Config theConfig("");
-    for (const auto& theCase : kCases)
+    for (const auto& [theValues, theUInt32, theUInt16, theUInt8, theInt32, fOption] : kCases)
     {
-        SCOPED_TRACE(theCase.mValue ? theCase.mValue : "NULL");
-        theConfig.Set("s", "k", theCase.mValue);
-        EXPECT_EQ(theCase.mUInt32, zoConfigFile_GetUInt32(theConfig.mFile, "s", "k", 7));
-        EXPECT_EQ(theCase.mUInt16, zoConfigFile_GetUInt16(theConfig.mFile, "s", "k", 7));
-        EXPECT_EQ(theCase.mUInt8, zoConfigFile_GetUInt8(theConfig.mFile, "s", "k", 7));
-        EXPECT_EQ(theCase.mInt32, zoConfigFile_GetInt32(theConfig.mFile, "s", "k", 7));
-        EXPECT_EQ(theCase.mfOption, zoConfigFile_OptionIsSet(theConfig.mFile, "s", "k", 7));
+        for (const char* theValue : theValues)
+        {
+            SCOPED_TRACE(theValue ? theValue : "NULL");
+            theConfig.Set("s", "k", theValue);
+            EXPECT_EQ(theUInt32, zoConfigFile_GetUInt32(theConfig, "s", "k", 7));
+            EXPECT_EQ(theUInt16, zoConfigFile_GetUInt16(theConfig, "s", "k", 7));
+            EXPECT_EQ(theUInt8, zoConfigFile_GetUInt8(theConfig, "s", "k", 7));
+            EXPECT_EQ(theInt32, zoConfigFile_GetInt32(theConfig, "s", "k", 7));
+            EXPECT_EQ(fOption, zoConfigFile_OptionIsSet(theConfig, "s", "k", 7));
+        }
     }
 }
 
@@ -183,9 +146,9 @@ TEST(zoConfigFileTest, KeepsWhatItDoesNotChange)
     theConfig.Set("a", "l", nullptr);
     theConfig.Set("", "q", nullptr);
     theConfig.Set("x", "y", nullptr);
-    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig.mFile));
-    theConfig.Set("a", "z", zoConfigFile_GetString(theConfig.mFile, "b", "o", nullptr));
-    theConfig.Set("b", "o", zoConfigFile_GetString(theConfig.mFile, "b", "o", nullptr));
+    EXPECT_EQ(3u, zoConfigFile_GetSectionCount(theConfig));
+    theConfig.Set("a", "z", zoConfigFile_GetString(theConfig, "b", "o", nullptr));
+    theConfig.Set("b", "o", zoConfigFile_GetString(theConfig, "b", "o", nullptr));
     EXPECT_EQ("# top\r\n\r\n[a]\r\n; about the next\r\nz=6\r\n\r\n[b]\r\nwhat?\r\nm=4\r\no=6\r\n\r\n[c]\r\np=7\r\n",
               theConfig.Text());
 }
@@ -254,11 +217,7 @@ TEST(zoConfigFileTest, LosesNothingWhenItFails)
     std::ofstream(kFolder + "/blocked") << "[s]\nk=old\n";
     ASSERT_EQ(0, mkfifo((kFolder + "/piped.new").c_str(), 0600));
     ASSERT_EQ(0, symlink("blocked", (kFolder + "/linked.new").c_str()));
-    const struct
-    {
-        std::string mPath;
-        const char* mMessages;
-    } kCases[] = {
+    const std::pair<std::string, const char*> kCases[] = {
         { kFolder, "can't be read" },           // a folder
         { kFolder + "/pipe", "can't be read" }, // nobody writes to it
         { kFolder + "/dangling", "can't be written" },
@@ -267,18 +226,16 @@ TEST(zoConfigFileTest, LosesNothingWhenItFails)
         { kFolder + "/piped", "piped.new' can't be written" },   // nor waited for a reader
         { kFolder + "/linked", "linked.new' can't be written" }, // nor what the link leads to
     };
-    for (const auto& theCase : kCases)
+    for (const auto& [thePath, theMessages] : kCases)
     {
         const LogCatcher theLog;
-        EXPECT_FALSE(SaveKey(theCase.mPath, "new")) << theCase.mPath;
-        EXPECT_NE(std::string::npos, theLog.mText.find(theCase.mMessages)) << theLog.mText;
+        EXPECT_FALSE(SaveKey(thePath, "new")) << thePath;
+        EXPECT_NE(std::string::npos, theLog.mText.find(theMessages)) << theLog.mText;
         EXPECT_EQ("1/0 ", theLog.mText.substr(0, 4));
     }
     EXPECT_EQ("[s]\nk=old\n", theFolder.Read("blocked"));
     EXPECT_FALSE(std::filesystem::exists(kFolder + "/nowhere"));
-    zoConfigFile* theMemory = zoConfigFile_New(nullptr);
-    EXPECT_EQ(1, zoConfigFile_Save(theMemory));
-    zoConfigFile_Delete(theMemory);
+    EXPECT_EQ(1, zoConfigFile_Save(ConfigFile(zoConfigFile_New(nullptr))));
     zoConfigFile_Delete(nullptr);
 }
 
@@ -289,10 +246,10 @@ TEST(zoConfigFileTest, SubstitutesTheHostName)
     const std::string kName = theHostName;
     const Config theConfig("[s]\nname=%HOSTNAME%: %HOSTNAME%HOSTNAME%\n");
     EXPECT_EQ(kName + ": " + kName + "HOSTNAME%",
-              Taken(zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "name", nullptr,
+              Taken(zoConfigFile_GetStringWithSubstitution(theConfig, "s", "name", nullptr,
                                                            zoStringSubstitution_Replace_HostName)));
-    EXPECT_EQ("d" + kName, Taken(zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "x", "d%HOSTNAME%",
+    EXPECT_EQ("d" + kName, Taken(zoConfigFile_GetStringWithSubstitution(theConfig, "s", "x", "d%HOSTNAME%",
                                                                         zoStringSubstitution_Replace_HostName)));
-    EXPECT_EQ(nullptr, zoConfigFile_GetStringWithSubstitution(theConfig.mFile, "s", "x", nullptr,
+    EXPECT_EQ(nullptr, zoConfigFile_GetStringWithSubstitution(theConfig, "s", "x", nullptr,
                                                               zoStringSubstitution_Replace_HostName));
 }

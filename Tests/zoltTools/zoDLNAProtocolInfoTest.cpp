@@ -11,13 +11,10 @@
 namespace
 {
 
-struct ListDeleter
-{
-    void operator()(zoDLNAProtocolInfoList_t* aList) const { zoDLNAProtocolInfoList_Delete(aList); }
-};
-typedef std::unique_ptr<zoDLNAProtocolInfoList_t, ListDeleter> List;
+typedef Owned<zoDLNAProtocolInfo_t, zoDLNAProtocolInfo_Delete> Info;
+typedef Owned<zoDLNAProtocolInfoList_t, zoDLNAProtocolInfoList_Delete> List;
 
-List NewList(const std::string& aText) { return List(zoDLNAProtocolInfoList_New(aText.c_str(), 0)); }
+List NewList(const std::string& aText) { return zoDLNAProtocolInfoList_New(aText.c_str(), 0); }
 
 // From a heap copy of exactly its size, without a NUL.
 zoDLNAProtocolInfo_t* NewInfo(std::string_view aText)
@@ -31,15 +28,8 @@ zoDLNAProtocolInfo_t* NewInfo(std::string_view aText)
 
 TEST(zoDLNAProtocolInfoTest, ReadsTexts)
 {
-    struct Case
-    {
-        const char* mText;
-        const char* mNormalised; // NULL: the same
-        const char* mProfile;
-        int mfConverted;
-        int mfThumbnail;
-    };
-    static const Case kCases[] = {
+    static const std::tuple<const char*, const char*, const char*, int, int> kCases[] = {
+        // text, normalised (NULL: the same), profile, whether converted, whether a thumbnail
         { "http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_TN", nullptr, "JPEG_TN", 0, 1 },
         { "http-get:*:audio/mpeg:DLNA.ORG_OP=01;DLNA.ORG_PN=MP3;DLNA.ORG_CI=1;X=Y", nullptr, "MP3", 1, 0 },
         { " http-get : * : audio/L16;rate=44100 : dlna.org_pn=LPCM ; ; Dlna.Org_Ci=1 ",
@@ -54,27 +44,25 @@ TEST(zoDLNAProtocolInfoTest, ReadsTexts)
         { "", nullptr, nullptr, 0, 0 },
         { " \r\n\t", "", nullptr, 0, 0 },
     };
-    for (const Case& theCase : kCases)
+    for (const auto& [theText, theNormalised, theExpected, fConverted, fThumbnail] : kCases)
     {
-        SCOPED_TRACE(theCase.mText);
-        zoDLNAProtocolInfo_t* theInfo = NewInfo(theCase.mText);
-        EXPECT_EQ(theCase.mNormalised ? theCase.mNormalised : theCase.mText, Taken(zoDLNAProtocolInfo_GetStr(theInfo)));
-        EXPECT_EQ(!theCase.mNormalised, zoDLNAProtocolInfo_IsNormal(theCase.mText, strlen(theCase.mText)));
-        EXPECT_STREQ(theCase.mProfile, zoDLNAProtocolInfo_GetProfile(theInfo));
-        EXPECT_EQ(theCase.mfConverted, zoDLNAProtocolInfo_GetConversionIndicator(theInfo));
-        EXPECT_EQ(theCase.mfThumbnail, zoDLNAProtocolInfo_IsThumbnail(theInfo));
-        EXPECT_EQ(theCase.mProfile != nullptr, zoDLNAProtocolInfo_MatchPN(theInfo, theCase.mProfile));
-        for (const char* theProfile : { "", "JPEG", "JPEG_T", "MP3", theCase.mProfile })
+        SCOPED_TRACE(theText);
+        const Info theInfo = NewInfo(theText);
+        EXPECT_EQ(theNormalised ? theNormalised : theText, Taken(zoDLNAProtocolInfo_GetStr(theInfo)));
+        EXPECT_EQ(!theNormalised, zoDLNAProtocolInfo_IsNormal(theText, strlen(theText)));
+        EXPECT_STREQ(theExpected, zoDLNAProtocolInfo_GetProfile(theInfo));
+        EXPECT_EQ(fConverted, zoDLNAProtocolInfo_GetConversionIndicator(theInfo));
+        EXPECT_EQ(fThumbnail, zoDLNAProtocolInfo_IsThumbnail(theInfo));
+        EXPECT_EQ(theExpected != nullptr, zoDLNAProtocolInfo_MatchPN(theInfo, theExpected));
+        for (const char* theProfile : { "", "JPEG", "JPEG_T", "MP3", theExpected })
         {
             for (const int theIndicator : { -1, 0, 1 })
             {
                 const bool fMatches = (!theProfile || zoDLNAProtocolInfo_MatchPN(theInfo, theProfile)) &&
-                                      (theIndicator == -1 || theIndicator == theCase.mfConverted);
-                EXPECT_EQ(fMatches,
-                          zoDLNAProtocolInfo_MatchText(theCase.mText, strlen(theCase.mText), theProfile, theIndicator));
+                                      (theIndicator == -1 || theIndicator == fConverted);
+                EXPECT_EQ(fMatches, zoDLNAProtocolInfo_MatchText(theText, strlen(theText), theProfile, theIndicator));
             }
         }
-        zoDLNAProtocolInfo_Delete(theInfo);
     }
 }
 
@@ -84,7 +72,7 @@ TEST(zoDLNAProtocolInfoTest, TakesNull)
     EXPECT_EQ(0, zoDLNAProtocolInfo_MatchPN(nullptr, nullptr));
     zoDLNAProtocolInfoList_Add(nullptr, NewInfo("a"), 0); // released all the same
     const List theList(zoDLNAProtocolInfoList_New(nullptr, 0));
-    EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(theList.get()));
+    EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(theList));
     EXPECT_EQ(-1, zoDLNAProtocolInfoList_GetBestIndexForScheme(nullptr, nullptr, nullptr));
     EXPECT_EQ("", Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(nullptr)));
 }
@@ -106,23 +94,22 @@ TEST(zoDLNAProtocolInfoTest, GuessesFromURIs)
     };
     for (const auto& [theURI, theText] : kCases)
     {
-        zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_NewFromURI(theURI);
+        const Info theInfo = zoDLNAProtocolInfo_NewFromURI(theURI);
         EXPECT_EQ(theText, Taken(zoDLNAProtocolInfo_GetStr(theInfo))) << theURI;
-        zoDLNAProtocolInfo_Delete(theInfo);
     }
 }
 
 TEST(zoDLNAProtocolInfoListTest, SplitsAtCommas)
 {
     const List theList = NewList(" a:b:c:d , ,e\\,f:g\\h,\\,,i\\");
-    ASSERT_EQ(4, zoDLNAProtocolInfoList_GetCount(theList.get()));
+    ASSERT_EQ(4, zoDLNAProtocolInfoList_GetCount(theList));
     static const char* const kTexts[] = { "a:b:c:d", "e,f:g\\h", ",", "i\\" };
     for (int i = 0; i < 4; ++i)
     {
-        const zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfoList_GetProtocolInfoAt(theList.get(), i);
+        const zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, i);
         EXPECT_EQ(kTexts[i], Taken(zoDLNAProtocolInfo_GetStr(theInfo)));
     }
-    EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(NewList(" ,,").get()));
+    EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(NewList(" ,,")));
 }
 
 TEST(zoDLNAProtocolInfoListTest, Matches)
@@ -135,14 +122,7 @@ TEST(zoDLNAProtocolInfoListTest, Matches)
         kNotNull = kzoDLNAProtocolInfoMatch_ProfileNotNULL,
         kWild = kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck
     };
-    struct Case
-    {
-        const char* mList;
-        const char* mInfo;
-        int mFlags;
-        int mfMatches;
-    };
-    static const Case kCases[] = {
+    static const std::tuple<const char*, const char*, int, int> kCases[] = {
         { "", "a:*:b/c:*", kNoMime | kNoProfile, 0 },
         { "x:*:b/c:*,HTTP-get:*:Audio/MPEG:*", "http-get:net:audio/mpeg:*", 0, 1 },
         { "http-get:one:b/c:*", "http-get:two:b/c:*", 0, 0 },
@@ -171,20 +151,17 @@ TEST(zoDLNAProtocolInfoListTest, Matches)
         { "a:*:b/c:*,a:*:b/c:DLNA.ORG_PN=P", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime, 1 },
         { "a:*:b/c:*", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime | kAny, 0 },
     };
-    for (const Case& theCase : kCases)
+    for (const auto& [theList, theInfo, theFlags, fMatches] : kCases)
     {
-        zoDLNAProtocolInfo_t* theInfo = NewInfo(theCase.mInfo);
-        EXPECT_EQ(theCase.mfMatches,
-                  zoDLNAProtocolInfoList_Match(NewList(theCase.mList).get(), theInfo, theCase.mFlags))
-            << theCase.mList << " / " << theCase.mInfo << " / " << theCase.mFlags;
-        zoDLNAProtocolInfo_Delete(theInfo);
+        EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(NewList(theList), Info(NewInfo(theInfo)), theFlags))
+            << theList << " / " << theInfo << " / " << theFlags;
     }
 }
 
 TEST(zoDLNAProtocolInfoListTest, ListsProtocolsOnce)
 {
     EXPECT_EQ("http-get,rtsp-rtp-udp", Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(
-                                           NewList("http-get:*,:*,rtsp-rtp-udp:*,HTTP-GET:x").get())));
+                                           NewList("http-get:*,:*,rtsp-rtp-udp:*,HTTP-GET:x"))));
     std::string theText;
     std::string theExpected;
     for (int i = 0; i < 100; ++i)
@@ -192,7 +169,7 @@ TEST(zoDLNAProtocolInfoListTest, ListsProtocolsOnce)
         theText += "P" + std::to_string(i % 40) + ":*,p" + std::to_string(i % 40) + ":*,"; // more than a few
         if (i < 40) { theExpected += (i > 0 ? ",P" : "P") + std::to_string(i); }
     }
-    EXPECT_EQ(theExpected, Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(NewList(theText).get())));
+    EXPECT_EQ(theExpected, Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(NewList(theText))));
 }
 
 TEST(zoDLNAProtocolInfoListTest, RanksByTransport)
@@ -213,16 +190,16 @@ TEST(zoDLNAProtocolInfoListTest, RanksByTransport)
     {
         List theList = NewList("rtsp-rtp-udp,http-get,internal,HTTP-get,*,http-get,http-post");
         for (int i = 0; i < 7; ++i)
-            zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList.get(), i), '0' + i);
+            zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, i), '0' + i);
         std::string theResult;
         for (;;)
         {
-            const int theIndex = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList.get(), theOrder, theSupported);
-            EXPECT_EQ(theIndex, zoDLNAProtocolInfoList_GetBestIndexForScheme(theList.get(), theOrder, theSupported));
+            const int theIndex = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, theOrder, theSupported);
+            EXPECT_EQ(theIndex, zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, theOrder, theSupported));
             if (theIndex < 0) { break; }
             theResult += static_cast<char>(
-                zoDLNAProtocolInfo_GetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList.get(), theIndex)));
-            zoDLNAProtocolInfoList_Remove(theList.get(), theIndex);
+                zoDLNAProtocolInfo_GetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, theIndex)));
+            zoDLNAProtocolInfoList_Remove(theList, theIndex);
         }
         EXPECT_EQ(theDrained, theResult) << theOrder << " / " << theSupported;
     }
@@ -246,12 +223,12 @@ TEST(zoDLNAProtocolInfoListTest, BehavesAsAVector)
         {
             zoDLNAProtocolInfo_t* theInfo = NewInfo(kProtocols[i % 3]);
             zoDLNAProtocolInfo_SetUserData(theInfo, i);
-            zoDLNAProtocolInfoList_Add(theList.get(), theInfo, thePosition);
+            zoDLNAProtocolInfoList_Add(theList, theInfo, thePosition);
             thePlain.insert(fIsInside ? thePlain.begin() + thePosition : thePlain.end(), i);
         }
         else
         {
-            zoDLNAProtocolInfoList_Remove(theList.get(), thePosition);
+            zoDLNAProtocolInfoList_Remove(theList, thePosition);
             if (fIsInside) { thePlain.erase(thePlain.begin() + thePosition); }
         }
         const size_t theOrder = theRandom() % 64 == 0 ? theRandom() % 3 : 0;
@@ -262,13 +239,13 @@ TEST(zoDLNAProtocolInfoListTest, BehavesAsAVector)
                                     [=](int aValue) { return aValue % 3 == kItems[theOrder][k]; });
         }
         const int theBest = theFound == thePlain.end() ? -1 : static_cast<int>(theFound - thePlain.begin());
-        ASSERT_EQ(theBest, zoDLNAProtocolInfoList_GetBestIndexForScheme(theList.get(), kOrders[theOrder], "")) << i;
-        ASSERT_EQ(static_cast<int>(thePlain.size()), zoDLNAProtocolInfoList_GetCount(theList.get()));
+        ASSERT_EQ(theBest, zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, kOrders[theOrder], "")) << i;
+        ASSERT_EQ(static_cast<int>(thePlain.size()), zoDLNAProtocolInfoList_GetCount(theList));
         if (i % 50 != 0) { continue; }
         for (int k = 0; k < static_cast<int>(thePlain.size()); ++k)
         {
             ASSERT_EQ(thePlain[static_cast<size_t>(k)],
-                      zoDLNAProtocolInfo_GetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList.get(), k)));
+                      zoDLNAProtocolInfo_GetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, k)));
         }
     }
 }
@@ -287,13 +264,13 @@ TEST(zoDLNAProtocolInfoListTest, TakesLinearTime)
             for (int i = 0; i < aCount; ++i)
             {
                 const std::string theText = (i % 3 ? "http-get" : "p" + std::to_string(i)) + ":*:*:*";
-                zoDLNAProtocolInfoList_Add(theList.get(), NewInfo(theText), i % 2 ? i / 2 : -1);
+                zoDLNAProtocolInfoList_Add(theList, NewInfo(theText), i % 2 ? i / 2 : -1);
             }
-            EXPECT_NE("", Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(theList.get())));
+            EXPECT_NE("", Taken(zoDLNAProtocolInfoList_GetSupportedProtocolList(theList)));
             int theIndex;
-            while ((theIndex = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList.get(), "http,*", "")) >= 0)
-                zoDLNAProtocolInfoList_Remove(theList.get(), theIndex);
-            EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(theList.get()));
+            while ((theIndex = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, "http,*", "")) >= 0)
+                zoDLNAProtocolInfoList_Remove(theList, theIndex);
+            EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(theList));
             theBest = std::min<int64_t>(theBest, (std::chrono::steady_clock::now() - theStart).count());
         }
         return theBest;

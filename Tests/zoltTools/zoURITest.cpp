@@ -8,15 +8,10 @@
 namespace
 {
 
-struct URI
+struct URI : Owned<zoURI, zoURI_Delete>
 {
-    explicit URI(const std::string& aText) : mURI(zoURI_NewFromEscapedStr(aText.c_str())) {}
-    ~URI() { zoURI_Delete(mURI); }
-    URI(const URI&) = delete;
-    URI& operator=(const URI&) = delete;
-    std::string Text() const { return Taken(zoURI_GetStr(mURI)); }
-
-    zoURI* mURI;
+    explicit URI(const std::string& aText) : Owned(zoURI_NewFromEscapedStr(aText.c_str())) {}
+    std::string Text() const { return Taken(zoURI_GetStr(mRecord)); }
 };
 
 std::string Shown(const char* aText) { return aText ? '<' + std::string(aText) + '>' : "-"; }
@@ -53,30 +48,30 @@ TEST(zoURITest, ComponentsAndTheSameTextBack)
     for (const auto& [theText, theComponents] : kCases)
     {
         const URI theURI(theText);
-        EXPECT_EQ(theComponents, Components(theURI.mURI)) << theText;
+        EXPECT_EQ(theComponents, Components(theURI)) << theText;
         EXPECT_EQ(theText, theURI.Text());
     }
     for (const char* theText : { "http://h:65536/", "http://h:4294967376/", "http://h:80a/", "http://h:-1/",
                                  "http://::1/", "http://[::1", "http://[::1/]", "http://[::1]x/" })
-        EXPECT_EQ("none", Components(URI(theText).mURI)) << theText;
+        EXPECT_EQ("none", Components(URI(theText))) << theText;
 
     // Each cut of a text with everything is parsed, or has a port or a bracket cut off.
     const std::string theWhole = "http://u:p@[::1]:80/a/../b?c=d&e#f%20";
     for (size_t theSize = 0; theSize < theWhole.size(); ++theSize)
     {
         const URI theURI(theWhole.substr(0, theSize));
-        EXPECT_EQ(theSize < 10 || theSize > 15 || theSize == 11, theURI.mURI != nullptr) << theSize;
-        if (theURI.mURI) { EXPECT_EQ(theWhole.substr(0, theSize), theURI.Text()); }
+        EXPECT_EQ(theSize < 10 || theSize > 15 || theSize == 11, theURI.mRecord != nullptr) << theSize;
+        if (theURI) { EXPECT_EQ(theWhole.substr(0, theSize), theURI.Text()); }
     }
 }
 
 TEST(zoURITest, FieldsMayBeReplaced)
 {
     const URI theURI("http://h:080/p");
-    theURI.mURI->mPort = 8080;
-    theURI.mURI->mPath = zoStrdup("/q"); // the one before lies inside the URI's own block
+    theURI->mPort = 8080;
+    theURI->mPath = zoStrdup("/q"); // the one before lies inside the URI's own block
     EXPECT_EQ("http://h:8080/q", theURI.Text());
-    theURI.mURI->mPort = 0;
+    theURI->mPort = 0;
     EXPECT_EQ("http://h/q", theURI.Text());
     EXPECT_EQ("", Taken(zoURI_GetStr(nullptr)));
 }
@@ -88,16 +83,15 @@ TEST(zoURITest, HostAddresses)
     for (std::string theHost, theAddress; theHosts >> theHost >> theAddress;)
     {
         const URI theURI("http://" + theHost + ":80/");
-        EXPECT_EQ(zoSocket_htonl(static_cast<uint32>(std::stoul(theAddress, nullptr, 16))),
-                  zoURI_GetHostIP(theURI.mURI))
+        EXPECT_EQ(zoSocket_htonl(static_cast<uint32>(std::stoul(theAddress, nullptr, 16))), zoURI_GetHostIP(theURI))
             << theHost;
     }
     std::istringstream theOtherHosts("1.2.3 1.2.3.4.5 1.2.3.256 1.2.3.0004 1.2.3. 1..2.3 1.2.3.4x 0.0.0.00000 0.0.0 0 "
                                      "host -1.2.3.4 1.2.3.4. 255.255.255.255 [::1] 00000000000000000000");
     for (std::string theHost; theOtherHosts >> theHost;)
-        EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("http://" + theHost + "/0.0.0.0").mURI)) << theHost;
-    EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("file:///0").mURI));
-    EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("/0").mURI));
+        EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("http://" + theHost + "/0.0.0.0"))) << theHost;
+    EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("file:///0")));
+    EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("/0")));
     EXPECT_EQ(0u, zoSocketGetAddressFromDotForm(nullptr));
     const uint32 theValue = zoSocket_htonl(0x01020304);
     EXPECT_EQ(0, memcmp(&theValue, "\1\2\3\4", 4));
@@ -116,9 +110,9 @@ TEST(zoURITest, Escapes)
     for (const auto& [theText, theEscaped] : kCases)
     {
         const URI theURI(theText);
-        zoURI_Escape(theURI.mURI);
+        zoURI_Escape(theURI);
         EXPECT_EQ(theEscaped, theURI.Text()) << theText;
-        zoURI_Escape(theURI.mURI); // what is escaped stays
+        zoURI_Escape(theURI); // what is escaped stays
         EXPECT_EQ(theEscaped, theURI.Text()) << theText;
     }
 }
@@ -139,18 +133,18 @@ TEST(zoURITest, QueryArguments)
     for (const auto& [theQuery, theValue, theFilled, theEmptied] : kCases)
     {
         const URI theURI(std::string("http://h/p") + theQuery + "#f");
-        EXPECT_EQ(theValue ? theValue : "(null)", Taken(zoURI_GetQueryPart(theURI.mURI, "lock"))) << theQuery;
-        zoURI_AddQueryPart(theURI.mURI, "lock", "a+/=");
+        EXPECT_EQ(theValue ? theValue : "(null)", Taken(zoURI_GetQueryPart(theURI, "lock"))) << theQuery;
+        zoURI_AddQueryPart(theURI, "lock", "a+/=");
         EXPECT_EQ(std::string("http://h/p") + theFilled + "#f", theURI.Text());
-        EXPECT_EQ("a+/=", Taken(zoURI_GetQueryPart(theURI.mURI, "lock"))) << theQuery;
-        zoURI_AddQueryPart(theURI.mURI, "lock", "");
+        EXPECT_EQ("a+/=", Taken(zoURI_GetQueryPart(theURI, "lock"))) << theQuery;
+        zoURI_AddQueryPart(theURI, "lock", "");
         EXPECT_EQ(std::string("http://h/p") + theEmptied + "#f", theURI.Text());
     }
     const URI theURI("http://h/?a=b");
-    zoURI_AddQueryPart(theURI.mURI, "a", theURI.mURI->mQuery); // from the text that it replaces
-    zoURI_AddQueryPart(theURI.mURI, "n&=\xC3\xA4", "%41~");
+    zoURI_AddQueryPart(theURI, "a", theURI->mQuery); // from the text that it replaces
+    zoURI_AddQueryPart(theURI, "n&=\xC3\xA4", "%41~");
     EXPECT_EQ("http://h/?a=a%3Db&n%26%3D%C3%A4=%2541~", theURI.Text());
-    EXPECT_EQ("%41~", Taken(zoURI_GetQueryPart(theURI.mURI, "n&=\xC3\xA4")));
+    EXPECT_EQ("%41~", Taken(zoURI_GetQueryPart(theURI, "n&=\xC3\xA4")));
 }
 
 // RFC 3986, section 5.4.
