@@ -423,6 +423,35 @@ TEST(UPnPDIDLTest, SurvivesEveryCut)
 
 // Elements inside elements: memory stays a small multiple of the text, the innermost title and the outermost elements
 // are there, and tag numbers never come round again.
+// The start tag of the root, and the base URL, are there for each object or resource.
+TEST(UPnPDIDLTest, SharesLongTextsWithinBounds)
+{
+    const std::string theRoot = "<DIDL-Lite " + Repeated("xmlns:long='declaration' ", 200);
+    const std::string theContent = Repeated("<res>a</res>", 1000);
+    const struct
+    {
+        size_t mRootLength;
+        std::string mContent;
+        bool mfInherits;
+    } kCases[] = { { 4000, "", true }, { 5000, "", false }, { 5000, theContent, true } };
+    for (const auto& theCase : kCases)
+    {
+        std::string theText = theRoot.substr(0, theCase.mRootLength / 25 * 25 + 11) + "><item>" + theCase.mContent +
+                              "</item></DIDL-Lite>";
+        ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
+        ASSERT_EQ(kILibProcessXML_NoError, ILibProcessXMLNodeList(theNodes));
+        char *theData = nullptr, *theRes = nullptr;
+        UPnPDIDL_Parse(("http://h/" + std::string(50000, 'x') + "/").c_str(), theNodes, theNodes->Next, nullptr, 1,
+                       &theData, &theRes);
+        ILibDestructXMLNodeList(theNodes);
+        const PackedData theEntry = zoPackedData_NewData(theData), theResources = zoPackedData_NewData(theRes);
+        EXPECT_EQ(theCase.mfInherits, TextOf(theEntry, 0, kCDSEntryInfo_XMLNS) != "(none)") << theCase.mRootLength;
+        EXPECT_EQ(theCase.mContent.empty() ? 0u : 1000u, zoPackedData_GetEntryCount(theResources));
+        EXPECT_LT(zoPackedData_GetMemoryUsage(theResources), 300000u);
+        EXPECT_NE("(none)", TextOf(ParsedObject(theText).mEntry, 0, kCDSEntryInfo_XMLNS)); // the only object has all
+    }
+}
+
 TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
 {
     for (const char* theName :

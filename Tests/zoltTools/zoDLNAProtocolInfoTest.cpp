@@ -66,6 +66,13 @@ TEST(zoDLNAProtocolInfoTest, ReadsTexts)
     }
 }
 
+TEST(zoDLNAProtocolInfoTest, TakesNoMoreThanItCanCompare)
+{
+    const List theList(zoDLNAProtocolInfoList_New((Repeated("a:*:b:*,", 2047) + " ,c,d,e").c_str(), 0));
+    EXPECT_EQ(2048, zoDLNAProtocolInfoList_GetCount(theList));
+    EXPECT_EQ("c", Taken(zoDLNAProtocolInfo_GetStr(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, 2047))));
+}
+
 TEST(zoDLNAProtocolInfoTest, TakesNull)
 {
     EXPECT_EQ("", Taken(zoDLNAProtocolInfo_GetStr(nullptr)));

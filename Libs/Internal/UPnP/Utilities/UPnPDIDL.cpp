@@ -1560,7 +1560,11 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
     {
         theAbsolute = MakeAbsolute(aParser->mBaseURL, NulTerminated(theText).c_str());
     }
-    if (theAbsolute) { theText = { theAbsolute, strlen(theAbsolute) }; }
+    if (theAbsolute)
+    {
+        theText = { theAbsolute, strlen(theAbsolute) };
+        aParser->mStored[kManyTexts_URI] += theText.mLength;
+    }
     AddText(aParser->mResources, kCDSResourceInfo_URI, theText);
     free(theAbsolute);
 }
@@ -1746,8 +1750,9 @@ static void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
     free(aParser->mScratch.mText);
 }
 
-int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
-                   int afIsItem, char** aData, char** aRes)
+// With all declarations of the root.
+static int ParseWholly(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
+                       int afIsItem, char** aData, char** aRes)
 {
     ObjectParser theParser;
     StartObject(&theParser, aBaseURL, aNode, afIsItem);
@@ -1758,6 +1763,22 @@ int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aN
     AddFields(&theParser, afIsItem);
     FinishObject(&theParser, aData, aRes);
     return theResult;
+}
+
+// Whether the root's start tag is longer than each of many objects could afford to go through.
+static bool IsTooLong(ILibXMLNode* aDIDLNode, ILibXMLNode* anObject)
+{
+    const size_t kMostInherited = 4096;
+    const Slice theContent = GetInnerXML(aDIDLNode);
+    const size_t theLength = theContent.mBegin ? static_cast<size_t>(theContent.mBegin - aDIDLNode->Name) : 0;
+    return theLength > kMostInherited && theLength > (anObject ? GetInnerXML(anObject).mLength : 0);
+}
+
+int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
+                   int afIsItem, char** aData, char** aRes)
+{
+    ILibXMLNode* theRoot = aDIDLNode && !IsTooLong(aDIDLNode, aNode) ? aDIDLNode : nullptr;
+    return ParseWholly(aBaseURL, theRoot, aNode, anAttributes, afIsItem, aData, aRes);
 }
 
 // ---- Parsing: the document ----
@@ -1780,8 +1801,8 @@ static int ParseObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLType)
 {
     if (aWalk->mDIDLType != kDIDLItemType_None) { return kUPnPError_InvalidDIDL; }
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aNode);
-    const int fIsValid = UPnPDIDL_Parse(nullptr, aWalk->mDIDLNode, aNode, theAttributes,
-                                        aDIDLType == kDIDLItemType_Item, &aWalk->mData, &aWalk->mRes);
+    const int fIsValid = ParseWholly(nullptr, aWalk->mDIDLNode, aNode, theAttributes, aDIDLType == kDIDLItemType_Item,
+                                     &aWalk->mData, &aWalk->mRes);
     ILibDestructXMLAttributeList(theAttributes);
     if (!fIsValid) { return kUPnPError_InvalidDIDL; }
     aWalk->mDIDLType = aDIDLType;

@@ -100,7 +100,9 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
  * other are stored each with all that it holds, until what is stored of them passes four times the object's text, and
  * 64 KiB: then no more of them are.
  * @param aBaseURL      what relative resource URIs are resolved against; NULL leaves them as they are.
- * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its namespaces; NULL for none.
+ * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its namespaces; NULL for none. One
+ *                      longer than 4 KiB and than what the object holds counts as none, or many small objects would
+ *                      cost its length each.
  * @param aNode         the object's start tag.
  * @param anAttributes  the attribute list of aNode, which stays the caller's; NULL for none.
  * @param afIsItem      1 for an item, 0 for a container.

@@ -15,6 +15,7 @@ using Run = zoDLNARun_t;
 const uint32 kNoRank = 0xFFFFFFFF;
 const size_t kFewDistinct = 16;
 const size_t kMinRoom = 8;
+const int kMostElements = 2048; // of a text
 
 // An element, with what most comparisons need beside it, so that a scan stays in one array.
 struct Slot
@@ -196,7 +197,7 @@ zoDLNAProtocolInfoList_t* zoDLNAProtocolInfoList_New(const char* aText, int /*aF
         theEnd += strcspn(theEnd, ",");
         if (*theEnd == ',' && theEnd > theBegin && theEnd[-1] == '\\') { continue; }
         AppendElement(theList, { theBegin, static_cast<size_t>(theEnd - theBegin) });
-        if (*theEnd == '\0') { return theList; }
+        if (*theEnd == '\0' || zoDLNAProtocolInfoList_GetCount(theList) == kMostElements) { return theList; }
         theBegin = theEnd + 1;
     }
 }

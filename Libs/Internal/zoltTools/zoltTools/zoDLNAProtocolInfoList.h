@@ -29,7 +29,8 @@ enum
 
 /**
  * @param aText   protocol infos separated by commas (a comma after a backslash does not separate, and stands in the
- *                element without the backslash); empty ones are skipped. NULL and "" give an empty list.
+ *                element without the backslash); empty ones are skipped, and so is what follows the 2048th, since
+ *                every resource of a choice may have to be compared with all. NULL and "" give an empty list.
  * @param aFlags  0.
  * @return a new list, released with zoDLNAProtocolInfoList_Delete.
  */
