@@ -1,10 +1,8 @@
 #include "Documents.h"
+#include "Objects.h"
 #include "Yardsticks.h"
 
-#include <UPnP/Utilities/CDSResourceInfo.h>
-#include <UPnP/Utilities/UPnPDIDL.h>
 #include <benchmark/benchmark.h>
-#include <cstring>
 #include <functional>
 #include <list>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
@@ -22,26 +20,6 @@ size_t TotalSize()
     return theSize;
 }
 
-struct Parsed
-{
-    explicit Parsed(const std::string& aText)
-    {
-        mResult = UPnPDIDL_ParseElements(aText.c_str(), &mData, &mRes, &mType);
-    }
-    ~Parsed()
-    {
-        free(mData);
-        free(mRes);
-    }
-    Parsed(const Parsed&) = delete;
-    Parsed& operator=(const Parsed&) = delete;
-
-    char* mData = nullptr;
-    char* mRes = nullptr;
-    int mType = 0;
-    int mResult = 0;
-};
-
 size_t Parse(std::string& aText) { return static_cast<size_t>(Parsed(aText).mResult == kUPnPError_None); }
 
 size_t ParseAndCount(std::string& aText)
@@ -51,37 +29,6 @@ size_t ParseAndCount(std::string& aText)
     theObject.mRes = nullptr;
     const size_t theCount = zoPackedData_GetEntryCount(theResources);
     zoPackedData_Free(theResources);
-    return theCount;
-}
-
-// From the text to the DIDL-Lite that goes with the chosen resource.
-size_t Road(const std::string& aText, zoDLNAProtocolInfoList_t* aSink)
-{
-    Parsed theObject(aText);
-    zoPackedData_t* theEntry = zoPackedData_NewData(theObject.mData);
-    CDSResourceInfo theInfo(theObject.mRes, theEntry);
-    theObject.mData = theObject.mRes = nullptr;
-    uint32 theTarget;
-    memcpy(&theTarget, "\x0A\x4D\x00\x05", sizeof(theTarget));
-    int theConfidence = 0;
-    const int theIndex = theInfo.GetBestResourceIndex(aSink, &theConfidence, "*", &theTarget, 1);
-    zoCString theProfile;
-    benchmark::DoNotOptimize(theInfo.GetThumbnailURI("", &theProfile, &theTarget, 1).length());
-    const zoCString theURI =
-        theIndex < 0 ? zoCString() : theInfo.GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
-    char* theText = UPnPDIDL_Get(theEntry, theInfo.mPackedData, 1, 1, theURI.c_str());
-    benchmark::DoNotOptimize(theText);
-    free(theText);
-    zoPackedData_Free(theEntry);
-    return theInfo.GetResourceCount();
-}
-
-size_t CountResources(const std::string& aText)
-{
-    size_t theCount = 0;
-    for (size_t thePosition = aText.find("<res "); thePosition != std::string::npos;
-         thePosition = aText.find("<res ", thePosition + 1))
-        ++theCount;
     return theCount;
 }
 
@@ -119,33 +66,11 @@ BENCHMARK(BM_Parse);
 void BM_Road(benchmark::State& aState)
 {
     zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
-    const Reader theRoad = [theSink](std::string& aText) { return Road(aText, theSink); };
+    const Reader theRoad = [theSink](std::string& aText) { return FromTextToChoice(aText, theSink); };
     OverDocuments(aState, theRoad, theRoad);
     zoDLNAProtocolInfoList_Delete(theSink);
 }
 BENCHMARK(BM_Road);
-
-// The records of an object.
-struct Records
-{
-    explicit Records(const std::string& aText)
-    {
-        Parsed theObject(aText);
-        mEntry = zoPackedData_NewData(theObject.mData);
-        mResources = zoPackedData_NewData(theObject.mRes);
-        theObject.mData = theObject.mRes = nullptr;
-    }
-    ~Records()
-    {
-        zoPackedData_Free(mEntry);
-        zoPackedData_Free(mResources);
-    }
-    Records(const Records&) = delete;
-    Records& operator=(const Records&) = delete;
-
-    zoPackedData_t* mEntry;
-    zoPackedData_t* mResources;
-};
 
 std::string Written(const Records& aRecords)
 {
@@ -392,7 +317,7 @@ void BM_RoadOfResources(benchmark::State& aState)
     zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
     const std::string theText = Resources(aState.range(0));
     for (auto _ : aState)
-        benchmark::DoNotOptimize(Road(theText, theSink));
+        benchmark::DoNotOptimize(FromTextToChoice(theText, theSink));
     aState.SetComplexityN(aState.range(0));
     zoDLNAProtocolInfoList_Delete(theSink);
 }
