@@ -3,8 +3,8 @@
 # a photo does a television show best?
 set -euo pipefail
 root=$(cd "$(dirname "$0")" && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 
 require cmake ninja-build g++ ccache
 build release "$root/build/run" upnputil -DUPNP_BUILD_TESTS=OFF

@@ -3,8 +3,8 @@
 # speed, or ./test.sh --all-targets for the other processors, under emulation.
 set -euo pipefail
 root=$(cd "$(dirname "$0")" && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 
 presets=("${@:-dev}")
 case ${1-} in

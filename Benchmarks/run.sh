@@ -3,8 +3,8 @@
 # ./run.sh --growth measures how time grows with the input; other arguments go to Google Benchmark. Wants a quiet machine.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 
 require cmake ninja-build g++ ccache libbenchmark-dev libpugixml-dev libxml2-dev
 build bench "$root/build/bench" all

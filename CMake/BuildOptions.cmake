@@ -17,12 +17,14 @@ if(UPNP_FUZZER)
     target_compile_options(BuildOptions INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# upnp_add_library(NAME ROOT DIRECTORY [LIBRARIES...]): a shared library made of all sources of DIRECTORY; programs find
-# its headers under the include root ROOT.
+# upnp_add_library(NAME ROOT DIRECTORY [LIBRARIES...]): a shared library made of all sources of DIRECTORY and of the
+# folders in it. Programs find its headers under the include root ROOT; those in folders of DIRECTORY are private.
 function(upnp_add_library aName aRoot aDirectory)
-    file(GLOB theSources CONFIGURE_DEPENDS ${aDirectory}/*.cpp ${aDirectory}/*.h)
+    file(GLOB_RECURSE theSources CONFIGURE_DEPENDS ${aDirectory}/*.cpp ${aDirectory}/*.h)
     add_library(${aName} SHARED ${theSources})
-    target_include_directories(${aName} PUBLIC $<BUILD_INTERFACE:${aRoot}>) # installed: CMake/Install.cmake
+    target_include_directories(${aName}
+        PUBLIC $<BUILD_INTERFACE:${aRoot}> # installed: CMake/Install.cmake
+        PRIVATE ${PROJECT_SOURCE_DIR}/Libs/Internal) # for <Shared/...>
     target_link_libraries(${aName} PUBLIC ${ARGN} PRIVATE BuildOptions)
     target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti
         -fno-semantic-interposition -fno-plt) # calls between the libraries are many and short

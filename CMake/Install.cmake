@@ -15,18 +15,12 @@ install(TARGETS ${theLibraries} EXPORT UPnPUtilities
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${theHeaderDirectory})
 
-# install_headers(ROOT FOLDER...): the headers of folders under an include root, but for those that say of themselves that
-# they are not for programs.
+# install_headers(ROOT FOLDER...): the headers of folders under an include root; headers in folders of these are private.
 function(install_headers aRoot)
     foreach(theFolder ${ARGN})
         file(GLOB theHeaders CONFIGURE_DEPENDS ${aRoot}/${theFolder}/*.h)
-        foreach(theHeader ${theHeaders})
-            file(READ ${theHeader} theText)
-            if(NOT theText MATCHES "Not for programs\\.")
-                install(FILES ${theHeader} DESTINATION ${theHeaderDirectory}/${theFolder} COMPONENT development)
-                set_property(GLOBAL APPEND PROPERTY UPNP_PUBLIC_HEADERS ${theHeader})
-            endif()
-        endforeach()
+        install(FILES ${theHeaders} DESTINATION ${theHeaderDirectory}/${theFolder} COMPONENT development)
+        set_property(GLOBAL APPEND PROPERTY UPNP_PUBLIC_HEADERS ${theHeaders})
     endforeach()
 endfunction()
 

@@ -1,4 +1,4 @@
-# Debian packages by CPack: the libraries, what it takes to build programs with them, and the tool. CMake/package.sh
+# Debian packages by CPack: the libraries, what it takes to build programs with them, and the tool. Scripts/package.sh
 # builds them for the folders of a Debian system.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "UPnP Utilities")

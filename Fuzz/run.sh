@@ -5,8 +5,8 @@
 # in build/fuzz/found/TARGET; the inputs in "new" there are where the next run goes on.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 
 usage() {
     echo "usage: $0 SECONDS [TARGET...]; a target is one of ${all[*]}" >&2

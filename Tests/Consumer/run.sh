@@ -40,7 +40,7 @@ run_install() {
     quietly "$2.log" "$CMAKE" --install "$1" --prefix "$first"
     mv "$first" "$2"
     expect "fixed to one place" "" "$(grep -rlF "$first" "$2" || true)"
-    expect "private headers" "" "$(find "$2" -name '*Private.h' -o -name CDSRecord.h -o -name Subcommand.h)"
+    expect "private headers" "" "$(cd "$2/include/upnputilities" && find . -path '*/*/*/*/*' ! -path './UPnP/ControlPoint/Stack/*' -o -path '*/Shared/*')"
     expect "in include" upnputilities "$(ls "$2/include")"
 }
 

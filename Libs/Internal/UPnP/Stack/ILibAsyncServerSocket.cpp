@@ -1,5 +1,7 @@
 #include <UPnP/Stack/ILibAsyncServerSocket.h>
 
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
+
 static const ILibConfigBounds_t kBounds[] = {
     { ILibConfigBounds_Values(ILibAsyncServerSocketConfig, mMaxConnections, kILibAsyncSocket_MaxConnections) },
     {},

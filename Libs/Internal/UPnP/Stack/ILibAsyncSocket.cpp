@@ -1,5 +1,7 @@
 #include <UPnP/Stack/ILibAsyncSocket.h>
 
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
+
 static const ILibConfigBounds_t kBounds[] = {
     { ILibConfigBounds_Values(ILibAsyncSocketConfig, mInitialBufferSize, kILibAsyncSocket_InitialBufferSize) },
     { ILibConfigBounds_Values(ILibAsyncSocketConfig, mMaxReadAHeadSize, kILibAsyncSocket_MaxReadAHeadSize) },

@@ -1,6 +1,6 @@
 #include <UPnP/Stack/ILibChain.h>
 
-#include <UPnP/Stack/ILibLifeTimePrivate.h>
+#include <UPnP/Stack/Private/ILibLifeTime.h>
 #include <algorithm>
 #include <errno.h>
 #include <limits.h>

@@ -1,4 +1,4 @@
-#include <UPnP/Stack/ILibConfigBounds.h>
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
 
 #include <string.h>
 #include <zoLog/Log.h>

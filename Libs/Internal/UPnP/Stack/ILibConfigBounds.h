@@ -22,14 +22,6 @@ typedef struct ILibConfigBounds_t
     uint32 mMax; /* 0: there are no bounds */
 } ILibConfigBounds_t;
 
-/* The values of the row of aField of aRecord, whose constants begin with aStem. */
-#define ILibConfigBounds_Values(aRecord, aField, aStem)                                                                \
-    "" #aField, offsetof(aRecord, aField), sizeof(((aRecord*)0)->aField), aStem##_Default, aStem##_Min, aStem##_Max
-
-/** Puts every number of aRecord that is neither 0 nor within its bounds at the nearer one, and logs a warning, which
- *  calls the record aRecordName. */
-void ILibConfigBounds_Apply(const ILibConfigBounds_t* aTable, void* aRecord, const char* aRecordName);
-
 #ifdef __cplusplus
 }
 #endif

@@ -1,7 +1,7 @@
 #include <UPnP/Stack/ILibLifeTime.h>
 
 #include <UPnP/Stack/ILibChain.h>
-#include <UPnP/Stack/ILibLifeTimePrivate.h>
+#include <UPnP/Stack/Private/ILibLifeTime.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <time.h>

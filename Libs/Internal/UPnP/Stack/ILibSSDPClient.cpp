@@ -1,5 +1,7 @@
 #include <UPnP/Stack/ILibSSDPClient.h>
 
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
+
 static const ILibConfigBounds_t kBounds[] = {
     { "mSSDPPort", offsetof(ILibSSDPConfig, mSSDPPort), sizeof(uint16), kILibSSDP_Port, 0, 0 },
     { ILibConfigBounds_Values(ILibSSDPConfig, mSSDPTTL, kILibSSDP_TTL) },

@@ -1,5 +1,7 @@
 #include <UPnP/Stack/ILibWebClient.h>
 
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
+
 static const ILibConfigBounds_t kBounds[] = {
     { ILibConfigBounds_Values(ILibWebClientConfig, mSessionIdleTimeOut, kILibWebClient_SessionIdleTimeOut) },
     { ILibConfigBounds_Values(ILibWebClientConfig, mMaxIdleSessions, kILibWebClient_MaxIdleSessions) },

@@ -1,5 +1,6 @@
 #include <UPnP/Stack/ILibWebServer.h>
 
+#include <UPnP/Stack/Private/ILibConfigBounds.h>
 #include <stdlib.h>
 #include <zoltTools/zoMemory.h>
 

@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/CDSEntryInfo.h>
 
-#include <UPnP/Utilities/CDSRecord.h>
+#include <UPnP/Utilities/CDS/CDSRecord.h>
 
 CDSEntryInfo::CDSEntryInfo() : mPackedData(zoPackedData_New(0)) {}
 

@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/CDSResourceInfo.h>
 
-#include <UPnP/Utilities/CDSRecord.h>
+#include <UPnP/Utilities/CDS/CDSRecord.h>
 #include <algorithm>
 #include <iterator>
 #include <stdint.h>

@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/UPnPConfig.h>
 
-#include <UPnP/Utilities/UPnPUTF8.h>
+#include <UPnP/Utilities/Private/UPnPUTF8.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoOS/zoSocket.h>

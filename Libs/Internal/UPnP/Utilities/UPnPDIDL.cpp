@@ -1,7 +1,7 @@
 #include <UPnP/Utilities/UPnPDIDL.h>
 
 #include <UPnP/Stack/ILibString.h>
-#include <UPnP/Utilities/UPnPUTF8.h>
+#include <UPnP/Utilities/Private/UPnPUTF8.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <algorithm>
 #include <stdarg.h>

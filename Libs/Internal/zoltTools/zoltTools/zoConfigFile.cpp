@@ -4,8 +4,8 @@
 #include <string.h>
 #include <zoLog/Log.h>
 #include <zoltTools/zoBuffer.h>
-#include <zoltTools/zoConfigFileStorage.h>
-#include <zoltTools/zoConfigFileText.h>
+#include <zoltTools/Private/zoConfigFileStorage.h>
+#include <zoltTools/Private/zoConfigFileText.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoMemory.h>
 

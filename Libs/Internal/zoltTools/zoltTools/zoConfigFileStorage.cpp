@@ -1,4 +1,4 @@
-#include <zoltTools/zoConfigFileStorage.h>
+#include <zoltTools/Private/zoConfigFileStorage.h>
 
 #include <errno.h>
 #include <fcntl.h>

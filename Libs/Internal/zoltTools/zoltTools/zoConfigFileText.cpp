@@ -1,4 +1,4 @@
-#include <zoltTools/zoConfigFileText.h>
+#include <zoltTools/Private/zoConfigFileText.h>
 
 #include <string.h>
 #include <zoltTools/zoMemory.h>

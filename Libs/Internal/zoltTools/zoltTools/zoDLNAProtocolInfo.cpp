@@ -5,7 +5,7 @@
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
-#include <zoltTools/zoDLNAProtocolInfoPrivate.h>
+#include <zoltTools/Private/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoMemory.h>
 
 namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-/* How a configuration gets from the disk and onto it. Not for programs. */
+/* How a configuration gets from the disk and onto it. */
 
 #include <zoOS/zoTypes.h>
 

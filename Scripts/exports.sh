@@ -4,8 +4,8 @@
 # data) and its name. Weak symbols are left out: they are templates of the standard library, as the compiler likes.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 lists=$root/Libs/exports
 
 exports() { nm --dynamic --defined-only --demangle --no-weak "$1" | sed 's/^[0-9a-f]* //' | LC_ALL=C sort -u; }
@@ -46,7 +46,7 @@ for list in "$lists"/*.txt; do
     fi
 done
 if [ -n "$changed" ]; then
-    echo "$0: the libraries export something else than Libs/exports lists; if that is meant: CMake/exports.sh --update" >&2
+    echo "$0: the libraries export something else than Libs/exports lists; if that is meant: Scripts/exports.sh --update" >&2
     exit 1
 fi
 echo "${#libraries[@]} libraries export what is listed"

@@ -1,6 +1,6 @@
 #pragma once
 
-/* How a chain makes its timers. Not for programs. */
+/* How a chain makes its timers. */
 
 #include <UPnP/Stack/ILibLifeTime.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-/* How names and values stand in the lines of a configuration file. Not for programs. */
+/* How names and values stand in the lines of a configuration file. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoBuffer.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-/* The record behind zoDLNAProtocolInfo.h, and the text functions that it shares with the list. Not for programs. */
+/* The record behind zoDLNAProtocolInfo.h, and the text functions that it shares with the list. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>

@@ -1,4 +1,4 @@
-#include <UPnP/Utilities/CDSRecord.h>
+#include <UPnP/Utilities/CDS/CDSRecord.h>
 
 #include <string.h>
 

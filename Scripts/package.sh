@@ -2,8 +2,8 @@
 # Builds the Debian packages into build/package: the libraries, what it takes to build programs with them, the tool.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 
 require cmake ninja-build g++ ccache dpkg-dev
 folder=$root/build/package

@@ -1,6 +1,6 @@
 #pragma once
 
-/* Where a text that is too long is cut. Not for programs. */
+/* Where a text that is too long is cut. */
 
 #include <zoOS/zoTypes.h>
 

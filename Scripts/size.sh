@@ -3,8 +3,8 @@
 # become too large. ./size.sh --largest also lists the largest functions and tables.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)
-. "$root/CMake/dependencies.sh"
-. "$root/CMake/build.sh"
+. "$root/Scripts/dependencies.sh"
+. "$root/Scripts/build.sh"
 library=lib/libUPnPUtilities.so
 
 # list_largest NM LIBRARY: sizes, kinds (t a function, d or r a table) and names. A function that the library itself calls

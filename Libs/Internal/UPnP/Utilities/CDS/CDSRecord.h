@@ -1,6 +1,6 @@
 #pragma once
 
-/* How the readers of a media object record (UPnPConst.h) read texts and extra info. Not for programs.
+/* How the readers of a media object record (UPnPConst.h) read texts and extra info.
  * A text ends at its NUL or, when it has none, with its bytes; an absent one reads as "".
  * Extra info is read by pairs: pair k is there when k is below the number of pairs and its value's tag is present. */
 

@@ -1,0 +1,21 @@
+#pragma once
+
+/* The rows of a module's table of bounds, and its validator. */
+
+#include <UPnP/Stack/ILibConfigBounds.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The values of the row of aField of aRecord, whose constants begin with aStem. */
+#define ILibConfigBounds_Values(aRecord, aField, aStem)                                                                \
+    "" #aField, offsetof(aRecord, aField), sizeof(((aRecord*)0)->aField), aStem##_Default, aStem##_Min, aStem##_Max
+
+/** Puts every number of aRecord that is neither 0 nor within its bounds at the nearer one, and logs a warning, which
+ *  calls the record aRecordName. */
+void ILibConfigBounds_Apply(const ILibConfigBounds_t* aTable, void* aRecord, const char* aRecordName);
+
+#ifdef __cplusplus
+}
+#endif
