@@ -1,0 +1,75 @@
+#pragma once
+
+/* ASCII letters, digits and blanks. Protocols compare ASCII alone, whatever the user's locale; bytes of 0x80 and above
+ * belong to no class and have no case. */
+
+#include <stddef.h>
+#include <string.h>
+#include <string_view>
+
+namespace Shared
+{
+
+inline bool IsDigit(char aByte) { return aByte >= '0' && aByte <= '9'; }
+
+inline bool IsLetter(char aByte)
+{
+    const unsigned char theLetter = static_cast<unsigned char>(aByte) | 0x20;
+    return theLetter >= 'a' && theLetter <= 'z';
+}
+
+/** True for space and tab. */
+inline bool IsBlank(char aByte) { return aByte == ' ' || aByte == '\t'; }
+
+/** True for space, tab, carriage return and line feed: XML's white space. */
+inline bool IsSpace(char aByte) { return IsBlank(aByte) || aByte == '\r' || aByte == '\n'; }
+
+inline char ToLower(char aByte) { return static_cast<char>(aByte >= 'A' && aByte <= 'Z' ? aByte | 0x20 : aByte); }
+
+/** Compares aLength bytes of each. */
+inline bool EqualsIgnoringCase(const char* aLeft, const char* aRight, size_t aLength)
+{
+    for (size_t i = 0; i < aLength; ++i)
+    {
+        const int theDifference = aLeft[i] ^ aRight[i];
+        if (theDifference == 0) { continue; }
+        if (theDifference != 0x20 || !IsLetter(aLeft[i])) { return false; }
+    }
+    return true;
+}
+
+inline bool EqualsIgnoringCase(std::string_view aLeft, std::string_view aRight)
+{
+    return aLeft.size() == aRight.size() && EqualsIgnoringCase(aLeft.data(), aRight.data(), aLeft.size());
+}
+
+/** @return below 0, 0 or above 0, as strcmp. */
+inline int CompareIgnoringCase(std::string_view aLeft, std::string_view aRight)
+{
+    const size_t theLength = aLeft.size() < aRight.size() ? aLeft.size() : aRight.size();
+    for (size_t i = 0; i < theLength; ++i)
+    {
+        const int theDifference = ToLower(aLeft[i]) - ToLower(aRight[i]);
+        if (theDifference != 0) { return theDifference; }
+    }
+    return (aLeft.size() > theLength) - (aRight.size() > theLength);
+}
+
+/** Compares exactly. Texts without bytes may have a NULL pointer, which memcmp must not get. */
+inline bool Equals(std::string_view aLeft, std::string_view aRight)
+{
+    return aLeft.size() == aRight.size() && (aLeft.empty() || memcmp(aLeft.data(), aRight.data(), aLeft.size()) == 0);
+}
+
+/** @return the text without the bytes at its ends for which afIsRemoved is true: IsBlank or IsSpace. */
+template <typename Predicate>
+inline std::string_view Trim(std::string_view aText, Predicate afIsRemoved)
+{
+    while (!aText.empty() && afIsRemoved(aText.front()))
+        aText.remove_prefix(1);
+    while (!aText.empty() && afIsRemoved(aText.back()))
+        aText.remove_suffix(1);
+    return aText;
+}
+
+} // namespace Shared
