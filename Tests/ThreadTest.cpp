@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "Support/ParsedObject.h"
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <UPnP/Utilities/CDSResourceInfo.h>
 #include <UPnP/Utilities/UPnPCPUtility.h>
@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
+#include <zoLog/Log.h>
 
 namespace
 {

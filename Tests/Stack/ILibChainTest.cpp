@@ -1,5 +1,5 @@
-#include "TestSupport.h"
-
+#include "Support/Catchers.h"
+#include "Support/TestChain.h"
 #include <algorithm>
 #include <chrono>
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {

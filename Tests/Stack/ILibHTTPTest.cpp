@@ -1,6 +1,5 @@
 #include <UPnP/Stack/ILibHTTP.h>
 #include <gtest/gtest.h>
-#include <zoltTools/zoCStringParser.h>
 
 TEST(ILibHTTPTest, UserAgentTokens)
 {
@@ -19,14 +18,4 @@ TEST(ILibHTTPTest, UserAgentTokens)
         EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, theList)) << theList;
     EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, nullptr));
     EXPECT_FALSE(ILibUserAgentHasOneOfThem(nullptr, "VLC"));
-}
-
-TEST(ILibHTTPTest, ListsContainWholeItems)
-{
-    EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "SHUFFLE"));
-    EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "REPEAT_ALL"));
-    EXPECT_TRUE(zoCStringParser_ListContains("a, b", ",", " b"));
-    for (const char* theItem : { "REPEAT", "shuffle", "", "SHUFFLE,REPEAT_ALL", "ALL" })
-        EXPECT_FALSE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL,", ",", theItem)) << theItem;
-    EXPECT_FALSE(zoCStringParser_ListContains(nullptr, ",", "a"));
 }

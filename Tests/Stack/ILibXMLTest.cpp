@@ -1,5 +1,9 @@
-#include "TestSupport.h"
+#include "Support/Texts.h"
+#include <UPnP/Stack/ILibXML.h>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 namespace
 {

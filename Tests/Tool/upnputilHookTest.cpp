@@ -1,8 +1,8 @@
 #include "RunTool.h"
-#include "TestSupport.h"
 
 #include <UPnP/Stack/ILibXML.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {

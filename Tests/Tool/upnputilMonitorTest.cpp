@@ -1,5 +1,5 @@
-#include "NetworkNamespace.h"
 #include "RunTool.h"
+#include "Support/NetworkNamespace.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

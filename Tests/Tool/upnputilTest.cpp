@@ -1,10 +1,11 @@
 #include "RunTool.h"
-#include "TestSupport.h"
+#include "Support/Texts.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
+#include <utility>
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "Support/Records.h"
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <gtest/gtest.h>
 #include <memory>

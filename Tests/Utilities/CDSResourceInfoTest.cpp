@@ -1,4 +1,5 @@
-#include "TestSupport.h"
+#include "Support/Catchers.h"
+#include "Support/Records.h"
 #include <UPnP/Utilities/CDSResourceInfo.h>
 #include <algorithm>
 #include <chrono>

@@ -1,5 +1,7 @@
-#include "TestSupport.h"
-
+#include "Support/Catchers.h"
+#include "Support/Config.h"
+#include "Support/Records.h"
+#include "Support/Texts.h"
 #include <UPnP/Utilities/UPnPConfig.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <gtest/gtest.h>

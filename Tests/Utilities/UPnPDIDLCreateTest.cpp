@@ -1,5 +1,7 @@
-#include "TestSupport.h"
-
+#include "Support/Records.h"
+#include "Support/Texts.h"
+#include <UPnP/Utilities/CDSEntryInfo.h>
+#include <UPnP/Utilities/UPnPDIDL.h>
 #include <gtest/gtest.h>
 
 namespace

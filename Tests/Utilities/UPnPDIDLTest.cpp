@@ -1,4 +1,5 @@
-#include "TestSupport.h"
+#include "Support/Catchers.h"
+#include "Support/ParsedObject.h"
 #include <UPnP/Stack/ILibString.h>
 #include <gtest/gtest.h>
 #include <vector>

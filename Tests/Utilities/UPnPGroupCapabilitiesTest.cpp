@@ -1,4 +1,6 @@
-#include "TestSupport.h"
+#include "Support/Catchers.h"
+#include "Support/Config.h"
+#include "Support/Texts.h"
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
 #include <gtest/gtest.h>
 #include <utility>

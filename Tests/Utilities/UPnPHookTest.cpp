@@ -1,8 +1,9 @@
-#include "TestSupport.h"
-
+#include "Support/Catchers.h"
+#include "Support/Texts.h"
 #include <UPnP/Stack/ILibWebLinkData.h>
 #include <UPnP/Utilities/UPnPHook.h>
 #include <climits>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <utility>

@@ -1,6 +1,7 @@
-#include "NetworkNamespace.h"
-#include "TestSupport.h"
-
+#include "Support/Catchers.h"
+#include "Support/NetworkNamespace.h"
+#include "Support/Records.h"
+#include "Support/TestChain.h"
 #include <UPnP/Utilities/UPnPIPAddressMonitor.h>
 #include <gtest/gtest.h>
 #include <utility>

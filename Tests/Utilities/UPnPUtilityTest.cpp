@@ -1,8 +1,10 @@
-#include "TestSupport.h"
+#include "Support/Texts.h"
 #include <UPnP/Stack/ILibXML.h>
 #include <UPnP/Utilities/UPnPTool.h>
 #include <UPnP/Utilities/UPnPUtility.h>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {

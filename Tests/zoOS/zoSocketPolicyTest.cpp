@@ -1,4 +1,4 @@
-#include "TestSupport.h"
+#include "Support/Config.h"
 #include <gtest/gtest.h>
 #include <zoltTools/zoSocketPolicyConfig.h>
 

@@ -1,9 +1,11 @@
-#include "TestSupport.h"
-
+#include "Support/Catchers.h"
+#include "Support/Config.h"
+#include "Support/Texts.h"
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 #include <zoltTools/zoConfigFile.h>
 
 namespace

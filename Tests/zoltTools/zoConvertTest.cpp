@@ -1,6 +1,8 @@
-#include "TestSupport.h"
+#include "Support/Texts.h"
+#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <utility>
 #include <vector>
 #include <zoltTools/zoConvert.h>
 

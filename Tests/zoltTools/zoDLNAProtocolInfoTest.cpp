@@ -1,6 +1,8 @@
-#include "TestSupport.h"
+#include "Support/Owned.h"
+#include "Support/Texts.h"
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>

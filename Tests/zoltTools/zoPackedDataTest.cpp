@@ -1,10 +1,10 @@
-#include "TestSupport.h"
+#include "Support/Records.h"
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <vector>
-#include <zoltTools/zoBuffer.h>
 
 namespace
 {
@@ -188,46 +188,4 @@ TEST(zoPackedDataTest, RefusesRepeatedTags)
             memcpy(theBlock + theRow + 4, &theTag, sizeof(theTag));
         EXPECT_EQ(0u, zoPackedData_GetEntryCount(PackedData(zoPackedData_NewData(theBlock))));
     }
-}
-
-TEST(zoArrayTest, KeepsStringsThroughTheRecord)
-{
-    zoArray_t* theArray = NewStringArray({ "first", "", "third", "fourth" });
-    zoArray_RemoveAt(theArray, 2, 1);
-    zoArray_RemoveAt(theArray, 9, 1);
-    const PackedData theRecord = NewEntry();
-    zoPackedData_AddArray(theRecord, 16, theArray, zoStringArray_FlattenerFunc);
-    zoPackedData_AddArray(theRecord, 17, nullptr, zoStringArray_FlattenerFunc);
-    zoArray_Delete(theArray);
-    for (const uint16 theTag : Tags{ 16, 17, 18 })
-    {
-        zoArray_t* theRead = zoPackedData_GetDataArray(theRecord, 0, theTag, zoStringArray_UnFlattenerFunc);
-        zoArray_SetFreeFunc(theRead, zoStringArray_FreeFunc);
-        std::string theTexts;
-        for (size_t i = 0; i < zoArray_GetCount(theRead); ++i)
-            theTexts += static_cast<char*>(zoArray_At(theRead, i)) + std::string("|");
-        EXPECT_EQ(theTag == 16 ? "first||fourth|" : "", theTexts);
-        EXPECT_EQ(nullptr, zoArray_At(theRead, 3));
-        zoArray_Delete(theRead);
-    }
-}
-
-TEST(zoBufferTest, GrowsAndHandsOver)
-{
-    zoBuffer* theBuffer = zoBuffer_New(0);
-    std::string theExpected;
-    for (int i = 0; i < 1000; ++i)
-    {
-        zoBuffer_AppendStr(theBuffer, std::to_string(i).c_str());
-        theExpected += std::to_string(i);
-    }
-    zoBuffer_AppendStr(theBuffer, nullptr);
-    EXPECT_LE(theBuffer->mPos, theBuffer->mSize);
-    size_t theLength = 0;
-    char* theBytes = zoBuffer_TakeOwnership(theBuffer, &theLength, nullptr);
-    EXPECT_EQ(theExpected, std::string(theBytes, theLength));
-    free(theBytes);
-    zoBuffer_AppendStr(theBuffer, "again");
-    EXPECT_EQ(5u, theBuffer->mPos);
-    zoBuffer_Delete(theBuffer);
 }

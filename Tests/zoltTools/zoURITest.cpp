@@ -1,4 +1,5 @@
-#include "TestSupport.h"
+#include "Support/Owned.h"
+#include "Support/Texts.h"
 #include <gtest/gtest.h>
 #include <sstream>
 #include <zoOS/zoSocket.h>
@@ -76,25 +77,20 @@ TEST(zoURITest, FieldsMayBeReplaced)
     EXPECT_EQ("", Taken(zoURI_GetStr(nullptr)));
 }
 
-TEST(zoURITest, HostAddresses)
+TEST(zoURITest, TellsTheAddressOfAnIPv4Host)
 {
-    std::istringstream theHosts("192.168.1.20 c0a80114  0.0.0.0 0  000.00.0.000 0  0.0.0.1 1  010.001.1.1 0a010101 "
-                                "255.255.255.254 fffffffe");
+    std::istringstream theHosts("192.168.1.20 c0a80114  0.0.0.0 0  000.00.0.000 0  0.0.0.1 1");
     for (std::string theHost, theAddress; theHosts >> theHost >> theAddress;)
     {
         const URI theURI("http://" + theHost + ":80/");
         EXPECT_EQ(zoSocket_htonl(static_cast<uint32>(std::stoul(theAddress, nullptr, 16))), zoURI_GetHostIP(theURI))
             << theHost;
     }
-    std::istringstream theOtherHosts("1.2.3 1.2.3.4.5 1.2.3.256 1.2.3.0004 1.2.3. 1..2.3 1.2.3.4x 0.0.0.00000 0.0.0 0 "
-                                     "host -1.2.3.4 1.2.3.4. 255.255.255.255 [::1] 00000000000000000000");
+    std::istringstream theOtherHosts("1.2.3 0.0.0.00000 0.0.0 0 host 255.255.255.255 [::1] 00000000000000000000");
     for (std::string theHost; theOtherHosts >> theHost;)
         EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("http://" + theHost + "/0.0.0.0"))) << theHost;
     EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("file:///0")));
     EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("/0")));
-    EXPECT_EQ(0u, zoSocketGetAddressFromDotForm(nullptr));
-    const uint32 theValue = zoSocket_htonl(0x01020304);
-    EXPECT_EQ(0, memcmp(&theValue, "\1\2\3\4", 4));
 }
 
 TEST(zoURITest, Escapes)

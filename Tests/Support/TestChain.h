@@ -1,0 +1,30 @@
+#pragma once
+
+#include <UPnP/Stack/ILibChain.h>
+
+// A chain with a clock that stands still.
+struct TestChain
+{
+    TestChain()
+    {
+        ILibLifeTime_SetClock(
+            mLifeTime, [](void* aClock) { return *static_cast<uint64*>(aClock); }, &mClock);
+    }
+    ~TestChain() { ILibChain_Delete(mChain); }
+    TestChain& operator=(TestChain&&) = delete; // nor a copy
+
+    void Add(void* aData, int aMilliseconds, ILibLifeTime_Callback_t aCallback,
+             ILibLifeTime_Callback_t aDestroyCallback = nullptr)
+    {
+        ILibLifeTime_AddEx(mLifeTime, aData, aMilliseconds, aCallback, aDestroyCallback);
+    }
+    void Pass(uint64 aMilliseconds)
+    {
+        mClock += aMilliseconds;
+        ILibChain_RunOnce(mChain, 0);
+    }
+
+    uint64 mClock = 1000000;
+    ILibBaseChain* mChain = ILibChain_New();
+    ILibLifeTime* mLifeTime = ILibChain_GetLifeTime(mChain);
+};
