@@ -1,0 +1,14 @@
+#pragma once
+
+/* The attributes of the object's start tag. */
+
+#include <UPnP/Utilities/DIDL/ObjectParser.h>
+
+namespace DIDL
+{
+
+// Reads the attributes of the object's start tag. The result is 0 when a flag is neither true nor false; the other
+// attributes are read all the same.
+int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttributes);
+
+} // namespace DIDL
