@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/* The documents that the benchmarks run over. */
+/* The documents that the benchmarks run over: those of the tests and those that have no expected facts. */
 
 inline std::string ReadDataFile(const std::string& aPath)
 {
@@ -19,18 +19,22 @@ inline const std::vector<std::string>& Documents()
 {
     static const std::vector<std::string> sDocuments = []
     {
-        std::vector<std::string> thePaths;
-        for (const auto& theEntry : std::filesystem::directory_iterator(BENCHMARK_DATA))
+        std::vector<std::filesystem::path> thePaths;
+        for (const char* theFolder : { BENCHMARK_DATA, TEST_DATA "/didl" })
         {
-            if (theEntry.path().extension() == ".xml") { thePaths.push_back(theEntry.path()); }
+            for (const auto& theEntry : std::filesystem::directory_iterator(theFolder))
+            {
+                if (theEntry.path().extension() == ".xml") { thePaths.push_back(theEntry.path()); }
+            }
         }
-        std::sort(thePaths.begin(), thePaths.end());
+        std::sort(thePaths.begin(), thePaths.end(),
+                  [](const auto& aLeft, const auto& aRight) { return aLeft.filename() < aRight.filename(); });
         std::vector<std::string> theDocuments;
-        for (const std::string& thePath : thePaths)
+        for (const std::filesystem::path& thePath : thePaths)
             theDocuments.push_back(ReadDataFile(thePath));
         return theDocuments;
     }();
     return sDocuments;
 }
 
-inline std::string SinkList() { return ReadDataFile(std::string(BENCHMARK_DATA) + "/dlna-tv.txt"); }
+inline std::string SinkList() { return ReadDataFile(TEST_DATA "/sinks/handmade-dlna-tv.txt"); }

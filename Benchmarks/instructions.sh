@@ -17,7 +17,7 @@ counts() {
 
 # report: reads counts; prints the table, and fails at a stage past its bound.
 report() {
-    awk -v documents="$(ls "$root"/Benchmarks/Data/*.xml | wc -l)" '
+    awk -v documents="$(ls "$root"/{Benchmarks/Data,Tests/Data/didl}/*.xml | wc -l)" '
         NR == FNR { if ($0 !~ /^#/ && NF) bound[$1] = $2; next }
         $1 == "pugixml" { yardstick = $2 }
         { name[++stages] = $1; count[stages] = $2 }

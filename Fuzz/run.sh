@@ -16,12 +16,24 @@ usage() {
 # The last number that follows a word in a log.
 number_after() { sed -n "s/.*$1 *\([0-9][0-9]*\).*/\1/p" "$2" | tail -n 1; }
 
+# seeds TARGET: the folders that it begins with: its own, and those of the documents for targets that parse them.
+seeds() {
+    local folder
+    case $1 in
+    ParseWriteFuzz | BrowseResultFuzz | RecordFuzz)
+        for folder in didl didl-odd didl-multi; do echo "$root/Tests/Data/$folder"; done
+        ;;
+    esac
+    if [ -d "$root/Fuzz/Corpus/$1" ]; then echo "$root/Fuzz/Corpus/$1"; fi
+}
+
 # run TARGET: one line about it; the log's end when it found something.
 run() {
-    local found=$root/build/fuzz/found/$1 status=0 used TIMEFORMAT='%U %S'
+    local found=$root/build/fuzz/found/$1 status=0 used folders TIMEFORMAT='%U %S'
+    mapfile -t folders < <(seeds "$1")
     mkdir -p "$found/new"
     used=$({ time "$root/build/fuzz/bin/$1" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
-        -artifact_prefix="$found/" -dict="$root/Fuzz/DIDLLite.dict" "$found/new" "$root/Fuzz/Corpus/$1" \
+        -artifact_prefix="$found/" -dict="$root/Fuzz/DIDLLite.dict" "$found/new" "${folders[@]}" \
         >"$found/log" 2>&1 </dev/null; } 2>&1) || status=$?
     printf '%-22s %10s executions, %6s of %6s edges, %7s s, %s\n' "$1" \
         "$(number_after number_of_executed_units: "$found/log")" "$(number_after cov: "$found/log")" \
@@ -45,5 +57,5 @@ done
 require cmake ninja-build clang libclang-rt-14-dev ccache
 build fuzz "$root/build/fuzz" all
 export root seconds
-export -f run number_after
+export -f run seeds number_after
 printf '%s\n' "${@:-${all[@]}}" | xargs -P "$(nproc)" -I '{}' bash -c 'run {}'
