@@ -15,7 +15,7 @@ foreach(theTest ${theTests})
     list(APPEND theNames Installed-${theTest})
 endforeach()
 set_tests_properties(Install ${theNames} PROPERTIES LABELS install TIMEOUT 120 ENVIRONMENT
-    "CMAKE=${CMAKE_COMMAND};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${PKG_CONFIG}")
+    "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${PKG_CONFIG}")
 
 if(TARGET docs)
     add_test(NAME Manual COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target docs)
