@@ -1,5 +1,7 @@
 #include <zo/CString.h>
 
+#include <Shared/Format.h>
+#include <Shared/OutOfMemory.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -8,8 +10,7 @@
 // A new text of aLength bytes and a NUL, the bytes still to be written.
 static char* NewText(size_t aLength)
 {
-    char* theText = static_cast<char*>(malloc(aLength + 1));
-    if (!theText) { abort(); }
+    char* theText = static_cast<char*>(Shared::NotNull(malloc(aLength + 1), aLength + 1));
     theText[aLength] = '\0';
     return theText;
 }
@@ -89,12 +90,10 @@ zoCString zoCString::AfterFirst(char aCharacter) const
 
 void zoCString::Format(const char* aFormat, ...)
 {
-    char* theText = nullptr;
     va_list theArguments;
     va_start(theArguments, aFormat);
-    const int theLength = vasprintf(&theText, aFormat, theArguments);
+    char* theText = Shared::NewFormattedText(aFormat, theArguments);
     va_end(theArguments);
-    if (theLength < 0) { abort(); }
     FromAllocatedString(theText);
 }
 

@@ -1,5 +1,6 @@
 #include <zoltTools/zoArray.h>
 
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -27,12 +28,11 @@ zoArray_t* zoArray_New(void)
 
 static void Grow(zoArray_t* anArray)
 {
-    if (anArray->mCapacity > SIZE_MAX / 2 / sizeof(void*)) { abort(); } // more than memory can hold
     const bool fWereFew = anArray->mValues == anArray->mFewValues;
-    anArray->mCapacity *= 2;
-    void* theValues = zoRealloc(fWereFew ? nullptr : anArray->mValues, anArray->mCapacity * sizeof(void*));
+    anArray->mCapacity = Shared::GrowCapacity(anArray->mCapacity, 0, 0);
+    void** theValues = Shared::ResizeArray(fWereFew ? nullptr : anArray->mValues, anArray->mCapacity);
     if (fWereFew) { memcpy(theValues, anArray->mFewValues, sizeof(anArray->mFewValues)); }
-    anArray->mValues = static_cast<void**>(theValues);
+    anArray->mValues = theValues;
 }
 
 void zoArray_SetFreeFunc(zoArray_t* anArray, zoArray_FreeFunc_t aFreeFunc)

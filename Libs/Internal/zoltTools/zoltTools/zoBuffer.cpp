@@ -1,15 +1,13 @@
 #include <zoltTools/zoBuffer.h>
 
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
 
 static void Grow(zoBuffer* aBuffer, size_t aCount)
 {
-    const size_t theNeeded = aBuffer->mPos + aCount;
-    if (theNeeded < aCount) { abort(); } // more than memory can hold
-    const size_t theDoubled = aBuffer->mSize <= SIZE_MAX / 2 ? aBuffer->mSize * 2 : SIZE_MAX;
-    aBuffer->mSize = theNeeded > theDoubled ? theNeeded : theDoubled;
+    aBuffer->mSize = Shared::GrowCapacity(aBuffer->mSize, Shared::AddSizes(aBuffer->mPos, aCount), 0);
     aBuffer->mPtr = static_cast<char*>(zoRealloc(aBuffer->mPtr, aBuffer->mSize));
 }
 

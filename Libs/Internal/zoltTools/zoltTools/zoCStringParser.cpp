@@ -1,5 +1,6 @@
 #include <zoltTools/zoCStringParser.h>
 
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -44,13 +45,13 @@ static size_t CountTokens(const Splitter& aSplitter, const char* aText)
     return theCount;
 }
 
-// The tokens stand behind their list, in one block.
+// The tokens follow their list in one block.
 static zoCStringParser_TokenList* NewList(size_t aTokenCount)
 {
     static_assert(alignof(zoCStringParser_Token) <= alignof(zoCStringParser_TokenList), "a token may follow the list");
-    if (aTokenCount > SIZE_MAX / sizeof(zoCStringParser_Token) - 1) { abort(); } // more than memory can hold
+    const size_t theTokenBytes = Shared::MultiplySizes(aTokenCount, sizeof(zoCStringParser_Token));
     zoCStringParser_TokenList* theList = static_cast<zoCStringParser_TokenList*>(
-        zoMalloc(sizeof(zoCStringParser_TokenList) + aTokenCount * sizeof(zoCStringParser_Token)));
+        zoMalloc(Shared::AddSizes(sizeof(zoCStringParser_TokenList), theTokenBytes)));
     theList->mFirstToken = static_cast<zoCStringParser_Token*>(static_cast<void*>(theList + 1));
     theList->mLastToken = theList->mFirstToken + (aTokenCount - 1);
     theList->mTokenCount = aTokenCount;

@@ -1,26 +1,60 @@
 #include <zoltTools/zoMemory.h>
 
+#include <Shared/Append.h>
+#include <Shared/Digits.h>
+#include <Shared/Format.h>
+#include <Shared/Sizes.h>
+#include <atomic>
+#include <iterator>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
-static void* EndWithoutMemory(void* aBlock)
+// ---- No memory left ----
+
+// Nothing here allocates.
+static void WriteToStandardError(size_t aSize)
 {
-    if (!aBlock) { abort(); }
-    return aBlock;
+    char theLine[64];
+    char theDigits[Shared::kMaxDecimalDigits];
+    const char* theFirst = Shared::WriteDecimalBefore(std::end(theDigits), aSize, 1);
+    char* theEnd = Shared::Append(theLine, "zoMemory: no memory left for ");
+    theEnd = Shared::Append(theEnd, { theFirst, static_cast<size_t>(std::end(theDigits) - theFirst) });
+    theEnd = Shared::Append(theEnd, " bytes\n");
+    if (write(STDERR_FILENO, theLine, static_cast<size_t>(theEnd - theLine)) < 0) { return; } // nobody is left to tell
 }
+
+// Any thread may run out of memory while another installs a handler.
+static std::atomic<zoMemory_FailureHandler_t> sFailureHandler{ nullptr };
+
+zoMemory_FailureHandler_t zoMemory_SetFailureHandler(zoMemory_FailureHandler_t aHandler)
+{
+    return sFailureHandler.exchange(aHandler);
+}
+
+void _zoMemory_Failed(size_t aSize)
+{
+    const zoMemory_FailureHandler_t theHandler = sFailureHandler.load();
+    (theHandler ? theHandler : WriteToStandardError)(aSize);
+    abort();
+}
+
+// ---- Blocks ----
 
 // malloc and realloc may give NULL for 0 bytes.
 static size_t AtLeastOne(size_t aSize) { return aSize > 0 ? aSize : 1; }
 
-void* zoMalloc(size_t aSize) { return EndWithoutMemory(malloc(AtLeastOne(aSize))); }
+void* zoMalloc(size_t aSize) { return Shared::NotNull(malloc(AtLeastOne(aSize)), aSize); }
 
-void* zoMallocZeroed(size_t aSize) { return EndWithoutMemory(calloc(1, AtLeastOne(aSize))); }
+void* zoMallocZeroed(size_t aSize) { return Shared::NotNull(calloc(1, AtLeastOne(aSize)), aSize); }
 
-void* zoRealloc(void* aBlock, size_t aSize) { return EndWithoutMemory(realloc(aBlock, AtLeastOne(aSize))); }
+void* zoRealloc(void* aBlock, size_t aSize) { return Shared::NotNull(realloc(aBlock, AtLeastOne(aSize)), aSize); }
 
 void zoFree(void* aBlock) { free(aBlock); }
+
+// ---- Texts ----
 
 static char* NewText(const char* aText, size_t aLength)
 {
@@ -55,7 +89,7 @@ void zoStrcatReplace(char** aTarget, const char* aText)
     const size_t theOffset = reinterpret_cast<uintptr_t>(aText) - reinterpret_cast<uintptr_t>(*aTarget);
     const bool theOwnText = *aTarget && aText && theOffset <= theLength;
 
-    *aTarget = static_cast<char*>(zoRealloc(*aTarget, theLength + theAddedLength + 1));
+    *aTarget = static_cast<char*>(zoRealloc(*aTarget, Shared::AddSizes(theLength + 1, theAddedLength)));
     if (theAddedLength > 0) { memcpy(*aTarget + theLength, theOwnText ? *aTarget + theOffset : aText, theAddedLength); }
     (*aTarget)[theLength + theAddedLength] = '\0';
 }
@@ -79,11 +113,9 @@ int zo_snprintf(char* aBuffer, size_t aSize, const char* aFormat, ...)
 
 char* zo_mnprintf(const char* aFormat, ...)
 {
-    char* theText = nullptr;
     va_list theArguments;
     va_start(theArguments, aFormat);
-    const int theLength = vasprintf(&theText, aFormat, theArguments);
+    char* theText = Shared::NewFormattedText(aFormat, theArguments);
     va_end(theArguments);
-    if (theLength < 0) { abort(); }
     return theText;
 }

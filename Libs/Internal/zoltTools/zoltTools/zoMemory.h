@@ -1,7 +1,7 @@
 #pragma once
 
 /* Heap memory and heap strings. Everything given out here is released with free. When the system has no memory left
- * the process ends: no caller gets NULL for lack of memory. */
+ * the process ends, after a handler was told: no caller gets NULL for lack of memory. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Export.h>
@@ -9,6 +9,16 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/** Is told how many bytes can't be had; SIZE_MAX stands for a size that no memory can hold. It must not allocate. The
+ *  process aborts when it returns. */
+typedef void (*zoMemory_FailureHandler_t)(size_t aSize);
+
+/** Installs a handler, at any time and from any thread; NULL: the default, which writes a line to standard error.
+ *  @return the handler before, NULL when it was the default. */
+ZOLTTOOLS_API zoMemory_FailureHandler_t zoMemory_SetFailureHandler(zoMemory_FailureHandler_t aHandler);
+/** Tells the handler that aSize bytes can't be had, and aborts. */
+ZOLTTOOLS_API void _zoMemory_Failed(size_t aSize);
 
 /** @return aSize bytes, at least one. */
 ZOLTTOOLS_API void* zoMalloc(size_t aSize);
