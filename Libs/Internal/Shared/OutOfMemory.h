@@ -5,17 +5,17 @@
 #include <stddef.h>
 #include <stdlib.h>
 
-/* Tells the handler of zoMemory.h, which need not be there: a device has its own libraries, and libzoltTools is above
- * some that allocate. */
-extern "C" __attribute__((weak)) void _zoMemory_Failed(size_t aSize);
-
 namespace Shared
 {
+
+/* zoMemory.h's report of a failure; NULL where it is not there: a device has its own libraries, and libzoltTools is
+ * above some that allocate. */
+static void ReportFailure(size_t aSize) __attribute__((weakref("_zoMemory_Failed")));
 
 /** Reports that aSize bytes can't be had, and aborts. */
 [[noreturn]] inline void EndWithoutMemory(size_t aSize)
 {
-    if (_zoMemory_Failed) { _zoMemory_Failed(aSize); }
+    if (&ReportFailure) { ReportFailure(aSize); }
     abort();
 }
 
