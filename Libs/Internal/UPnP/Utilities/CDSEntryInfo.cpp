@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/CDSEntryInfo.h>
 
-#include <UPnP/Utilities/CDS/CDSRecord.h>
+#include <UPnP/Utilities/CDS/Record.h>
 
 CDSEntryInfo::CDSEntryInfo() : mPackedData(zoPackedData_New(0)) {}
 
@@ -22,9 +22,9 @@ unsigned long CDSEntryInfo::GetInfoAsULong(uint16 aDataInfoID)
     return zoPackedData_GetDataAsUInt32(mPackedData, 0, aDataInfoID);
 }
 
-zoCString CDSEntryInfo::GetInfoAsCString(uint16 aDataInfoID) { return CDSRecord_GetText(mPackedData, 0, aDataInfoID); }
+zoCString CDSEntryInfo::GetInfoAsCString(uint16 aDataInfoID) { return CDS::GetText(mPackedData, 0, aDataInfoID); }
 
-uint16 CDSEntryInfo::GetExtraInfoCount() { return CDSRecord_CountPairs(mPackedData, 0, kCDSEntryInfo_Count); }
+uint16 CDSEntryInfo::GetExtraInfoCount() { return CDS::CountPairs(mPackedData, 0, kCDSEntryInfo_Count); }
 
 void CDSEntryInfo::GetExtraInfo(int anExtraInfoIndex, zoCString& aName, zoCString& aData)
 {
@@ -34,12 +34,12 @@ void CDSEntryInfo::GetExtraInfo(int anExtraInfoIndex, zoCString& aName, zoCStrin
 
 zoCString CDSEntryInfo::GetExtraInfoName(int anExtraInfoIndex)
 {
-    return CDSRecord_GetPairName(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
+    return CDS::GetPairName(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
 }
 
 zoCString CDSEntryInfo::GetExtraInfoData(int anExtraInfoIndex)
 {
-    return CDSRecord_GetPairValue(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
+    return CDS::GetPairValue(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
 }
 
 CDSEntryInfo* CDSEntryInfo::Clone() const { return new CDSEntryInfo(zoPackedData_Duplicate(mPackedData)); }

@@ -54,8 +54,6 @@ static bool IsBlank(char aCharacter)
     return aCharacter == ' ' || aCharacter == '\t' || aCharacter == '\r' || aCharacter == '\n';
 }
 
-static Run RunOf(const char* aText) { return { aText, strlen(aText) }; }
-
 // Setting bit 5 of each byte makes letters of either case equal; that it makes some others equal, too, does no harm.
 static uint32 AddToHash(uint32 aHash, const char* aBytes, size_t aCount)
 {
@@ -318,6 +316,12 @@ static Fields FieldsOf(const char* aText, size_t aLength)
     return theFields;
 }
 
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromFields(const zoDLNARun_t* aFields)
+{
+    Fields theFields = { { aFields[0], aFields[1], aFields[2], aFields[3] }, kFieldCount, false, { nullptr, 0 } };
+    return NewFromFields(&theFields);
+}
+
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
 {
     Fields theFields = FieldsOf(aText, aLength);
@@ -325,174 +329,6 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, 
 }
 
 void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo) { free(anInfo); }
-
-// ---- From a URI ----
-
-namespace
-{
-
-struct MimeTypeOfExtension
-{
-    const char* mExtension;
-    const char* mMimeType;
-};
-
-// Sorted by extension.
-constexpr MimeTypeOfExtension kMimeTypes[] = {
-    { "3g2", "video/3gpp2" },
-    { "3gp", "video/3gpp" },
-    { "aac", "audio/aac" },
-    { "ac3", "audio/ac3" },
-    { "adts", "audio/vnd.dlna.adts" },
-    { "aif", "audio/aiff" },
-    { "aiff", "audio/aiff" },
-    { "amr", "audio/amr" },
-    { "ape", "audio/x-ape" },
-    { "asf", "video/x-ms-asf" },
-    { "ass", "text/x-ssa" },
-    { "asx", "video/x-ms-asf" },
-    { "avi", "video/x-msvideo" },
-    { "bmp", "image/bmp" },
-    { "divx", "video/x-msvideo" },
-    { "dsf", "audio/x-dsf" },
-    { "dts", "audio/vnd.dts" },
-    { "flac", "audio/flac" },
-    { "flv", "video/x-flv" },
-    { "gif", "image/gif" },
-    { "heic", "image/heic" },
-    { "jpe", "image/jpeg" },
-    { "jpeg", "image/jpeg" },
-    { "jpg", "image/jpeg" },
-    { "l16", "audio/L16" },
-    { "lpcm", "audio/L16" },
-    { "m2t", "video/mpeg" },
-    { "m2ts", "video/mpeg" },
-    { "m2v", "video/mpeg" },
-    { "m3u", "audio/mpegurl" },
-    { "m3u8", "application/vnd.apple.mpegurl" },
-    { "m4a", "audio/mp4" },
-    { "m4b", "audio/mp4" },
-    { "m4v", "video/mp4" },
-    { "mid", "audio/midi" },
-    { "midi", "audio/midi" },
-    { "mka", "audio/x-matroska" },
-    { "mkv", "video/x-matroska" },
-    { "mov", "video/quicktime" },
-    { "mp2", "audio/mpeg" },
-    { "mp3", "audio/mpeg" },
-    { "mp4", "video/mp4" },
-    { "mpa", "audio/mpeg" },
-    { "mpc", "audio/x-musepack" },
-    { "mpd", "application/dash+xml" },
-    { "mpe", "video/mpeg" },
-    { "mpeg", "video/mpeg" },
-    { "mpg", "video/mpeg" },
-    { "mts", "video/mpeg" },
-    { "oga", "audio/ogg" },
-    { "ogg", "audio/ogg" },
-    { "ogv", "video/ogg" },
-    { "opus", "audio/ogg" },
-    { "pcm", "audio/L16" },
-    { "pls", "audio/x-scpls" },
-    { "png", "image/png" },
-    { "qt", "video/quicktime" },
-    { "smi", "application/smil" },
-    { "srt", "text/srt" },
-    { "ssa", "text/x-ssa" },
-    { "sub", "text/x-microdvd" },
-    { "svg", "image/svg+xml" },
-    { "tif", "image/tiff" },
-    { "tiff", "image/tiff" },
-    { "ts", "video/mpeg" },
-    { "ttml", "application/ttml+xml" },
-    { "tts", "video/vnd.dlna.mpeg-tts" },
-    { "vob", "video/mpeg" },
-    { "vtt", "text/vtt" },
-    { "wav", "audio/wav" },
-    { "webm", "video/webm" },
-    { "webp", "image/webp" },
-    { "wma", "audio/x-ms-wma" },
-    { "wmv", "video/x-ms-wmv" },
-    { "wpl", "application/vnd.ms-wpl" },
-    { "wv", "audio/x-wavpack" },
-    { "xspf", "application/xspf+xml" },
-};
-
-constexpr bool IsSorted()
-{
-    for (size_t i = 1; i < std::size(kMimeTypes); ++i)
-    {
-        const char* theLeft = kMimeTypes[i - 1].mExtension;
-        const char* theRight = kMimeTypes[i].mExtension;
-        for (; *theLeft != '\0' && *theLeft == *theRight; ++theLeft)
-            ++theRight;
-        if (*theLeft >= *theRight) { return false; }
-    }
-    return true;
-}
-static_assert(IsSorted(), "look-ups are binary searches");
-
-} // namespace
-
-// The scheme without its ":", empty when the text has none.
-static Run SchemeOf(const char* aURI)
-{
-    size_t theLength = 0;
-    for (; aURI[theLength] != '\0'; ++theLength)
-    {
-        const char theCharacter = ToLower(aURI[theLength]);
-        if (theCharacter >= 'a' && theCharacter <= 'z') { continue; }
-        if (theLength == 0 || !((theCharacter >= '0' && theCharacter <= '9') || strchr("+-.", theCharacter))) { break; }
-    }
-    return { aURI, aURI[theLength] == ':' ? theLength : 0 };
-}
-
-static Run ProtocolOf(Run aScheme)
-{
-    if (aScheme.mLength == 0) { return RunOf("*"); }
-    if (zoDLNARun_Equal(aScheme, RunOf("http")) || zoDLNARun_Equal(aScheme, RunOf("https")))
-    {
-        return RunOf("http-get");
-    }
-    if (zoDLNARun_Equal(aScheme, RunOf("rtsp"))) { return RunOf("rtsp-rtp-udp"); }
-    return aScheme;
-}
-
-// What follows the last "." of the last segment of the path; empty without one.
-static Run ExtensionOf(const char* aHierarchy)
-{
-    const char* thePath = aHierarchy;
-    if (thePath[0] == '/' && thePath[1] == '/') { thePath += 2 + strcspn(thePath + 2, "/?#"); }
-    const char* theEnd = thePath + strcspn(thePath, "?#");
-    for (const char* theBegin = theEnd; theBegin > thePath && theBegin[-1] != '/'; --theBegin)
-    {
-        if (theBegin[-1] == '.') { return { theBegin, static_cast<size_t>(theEnd - theBegin) }; }
-    }
-    return { theEnd, 0 };
-}
-
-static const char* MimeTypeOf(Run anExtension)
-{
-    const MimeTypeOfExtension* theEnd = std::end(kMimeTypes);
-    const MimeTypeOfExtension* theFound = std::lower_bound(std::begin(kMimeTypes), theEnd, anExtension,
-                                                           [](const MimeTypeOfExtension& aLeft, Run aRight) {
-        return zoDLNARun_Compare(RunOf(aLeft.mExtension), aRight) < 0;
-    });
-    const bool fIsKnown = theFound != theEnd && zoDLNARun_Equal(RunOf(theFound->mExtension), anExtension);
-    return fIsKnown ? theFound->mMimeType : "*";
-}
-
-zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
-{
-    const char* theURI = aURI ? aURI : "";
-    const Run theScheme = SchemeOf(theURI);
-    const char* theHierarchy = theScheme.mLength > 0 ? theURI + theScheme.mLength + 1 : theURI;
-    const Run theMimeType = RunOf(MimeTypeOf(ExtensionOf(theHierarchy)));
-    Fields theFields = {
-        { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") }, kFieldCount, false, { nullptr, 0 }
-    };
-    return NewFromFields(&theFields);
-}
 
 // ---- Asking ----
 
@@ -510,7 +346,7 @@ uint32 zoDLNAProtocolInfo_HashMimeType(const zoDLNAProtocolInfo_t* anInfo)
 
 uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo)
 {
-    return anInfo->mProfile ? zoDLNARun_Hash(RunOf(anInfo->mProfile)) | 1u : 0;
+    return anInfo->mProfile ? zoDLNARun_Hash({ anInfo->mProfile, strlen(anInfo->mProfile) }) | 1u : 0;
 }
 
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength) { return !aText || !HasBlanks({ aText, aLength }); }

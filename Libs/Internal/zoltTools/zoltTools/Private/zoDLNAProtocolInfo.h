@@ -34,6 +34,9 @@ struct zoDLNAProtocolInfo_t
     uint8 mfThumbnail;
 };
 
+/** @param aFields  the four fields. @return a new object, released with zoDLNAProtocolInfo_Delete. */
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromFields(const zoDLNARun_t* aFields);
+
 /** @return a hash that ignores the case of ASCII letters: equal runs have equal ones. */
 uint32 zoDLNARun_Hash(zoDLNARun_t aRun);
 /** @return a hash of the MIME type without its parameters, whose lowest bit is set for a wild card and for nothing

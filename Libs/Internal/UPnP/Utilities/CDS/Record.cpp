@@ -1,32 +1,32 @@
-#include <UPnP/Utilities/CDS/CDSRecord.h>
+#include <UPnP/Utilities/CDS/Record.h>
 
 #include <string.h>
 
+namespace CDS
+{
+
 static const uint32 kMaxTag = 0xFFFF;
 
-const char* CDSRecord_FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, size_t* aLength)
+std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
     size_t theSize = 0;
     const char* theText = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
-    *aLength = theText ? strnlen(theText, theSize) : 0;
-    return theText;
+    return { theText, theText ? strnlen(theText, theSize) : 0 };
 }
 
-zoCString CDSRecord_GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
-    size_t theLength;
-    const char* theText = CDSRecord_FindText(aRecord, anEntry, aTag, &theLength);
-    return zoCString(theText, theLength);
+    const std::string_view theText = FindText(aRecord, anEntry, aTag);
+    return zoCString(theText.data(), theText.size());
 }
 
-bool CDSRecord_HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, const char* aText, size_t aLength)
+bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::string_view aText)
 {
-    size_t theLength;
-    const char* theText = CDSRecord_FindText(aRecord, anEntry, aTag, &theLength);
-    return theText && theLength == aLength && memcmp(theText, aText, aLength) == 0;
+    const std::string_view theText = FindText(aRecord, anEntry, aTag);
+    return theText.data() && theText == aText;
 }
 
-uint16 CDSRecord_CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag)
+uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag)
 {
     const uint16 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
     uint32 theCount = 0;
@@ -37,7 +37,7 @@ uint16 CDSRecord_CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint1
     return static_cast<uint16>(theCount / 2);
 }
 
-bool CDSRecord_HasTag(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
+bool HasTag(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
 {
     if (aTag > kMaxTag) { return false; }
     if (zoPackedData_GetData(aRecord, anEntry, static_cast<uint16>(aTag), nullptr)) { return true; }
@@ -56,7 +56,7 @@ static bool IsBelowPairCount(const zoPackedData_t* aRecord, uint32 anEntry, uint
     const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
     if (anIndex >= theTagCount / 2) { return false; }
     if (theTagCount > aFirstTag && anIndex < (theTagCount - aFirstTag) / 2) { return true; }
-    return anIndex < CDSRecord_CountPairs(aRecord, anEntry, aFirstTag);
+    return anIndex < CountPairs(aRecord, anEntry, aFirstTag);
 }
 
 // The text under a pair's name tag (anOffset 0) or value tag (1).
@@ -66,16 +66,18 @@ static zoCString GetPairText(const zoPackedData_t* aRecord, uint32 anEntry, uint
     const uint32 theIndex = static_cast<uint32>(anIndex);
     if (anIndex < 0 || !IsBelowPairCount(aRecord, anEntry, aFirstTag, theIndex)) { return zoCString(); }
     const uint32 theNameTag = aFirstTag + 2 * theIndex;
-    if (!CDSRecord_HasTag(aRecord, anEntry, theNameTag + 1)) { return zoCString(); }
-    return CDSRecord_GetText(aRecord, anEntry, static_cast<uint16>(theNameTag + anOffset));
+    if (!HasTag(aRecord, anEntry, theNameTag + 1)) { return zoCString(); }
+    return GetText(aRecord, anEntry, static_cast<uint16>(theNameTag + anOffset));
 }
 
-zoCString CDSRecord_GetPairName(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
+zoCString GetPairName(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
 {
     return GetPairText(aRecord, anEntry, aFirstTag, anIndex, 0);
 }
 
-zoCString CDSRecord_GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
+zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
 {
     return GetPairText(aRecord, anEntry, aFirstTag, anIndex, 1);
 }
+
+} // namespace CDS

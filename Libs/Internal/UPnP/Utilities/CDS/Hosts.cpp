@@ -1,0 +1,30 @@
+#include <UPnP/Utilities/CDS/Hosts.h>
+
+#include <zoOS/zoSocket.h>
+#include <zoltTools/zoURI.h>
+
+namespace CDS
+{
+
+// The first three, two and one octets.
+static const uint32 sIPAddressMask[] = { 0xFFFFFF00, 0xFFFF0000, 0xFF000000 };
+
+uint32 FindHostAddress(const char* anURI)
+{
+    zoURI* theURI = zoURI_NewFromEscapedStr(anURI);
+    const uint32 theAddress = theURI ? zoURI_GetHostIP(theURI) : kNoAddress;
+    zoURI_Delete(theURI);
+    return theAddress;
+}
+
+uint32 GetLocality(uint32 anAddress, uint32 anotherAddress)
+{
+    const uint32 theDifference = zoSocket_htonl(anAddress) ^ zoSocket_htonl(anotherAddress);
+    for (uint32 i = 0; i < 3; ++i)
+    {
+        if ((theDifference & sIPAddressMask[i]) == 0) { return 3 - i; }
+    }
+    return 0;
+}
+
+} // namespace CDS

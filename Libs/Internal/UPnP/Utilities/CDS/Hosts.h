@@ -1,0 +1,29 @@
+#pragma once
+
+/* The hosts that URIs name, and how near they are to the devices that will fetch from them. */
+
+#include <zoOS/zoTypes.h>
+
+namespace CDS
+{
+
+/** Addresses in network byte order. */
+struct Targets
+{
+    const uint32* mAddresses;
+    uint32 mCount;
+};
+
+/** What FindHostAddress returns for a URI whose host is a name, or that has no host. */
+inline constexpr uint32 kNoAddress = 0xFFFFFFFF;
+
+/** The weight of an IPv4 host; the locality, at most 3, is added to it. */
+inline constexpr uint32 kIsAddressWeight = 0x10;
+
+/** @return the IPv4 address, in network byte order, that is the URI's host; kNoAddress when it is not one. */
+uint32 FindHostAddress(const char* anURI);
+
+/** @return how near two addresses are: 3, 2 or 1 when they share this many first octets, else 0. */
+uint32 GetLocality(uint32 anAddress, uint32 anotherAddress);
+
+} // namespace CDS

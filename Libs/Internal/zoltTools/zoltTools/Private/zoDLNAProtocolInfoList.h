@@ -1,0 +1,57 @@
+#pragma once
+
+/* The record behind zoDLNAProtocolInfoList.h, for the sources of the list. */
+
+#include <zoltTools/Private/zoDLNAProtocolInfo.h>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
+
+inline constexpr uint32 kNoRank = 0xFFFFFFFF;
+
+// An element, with what most comparisons need beside it, so that a scan stays in one array.
+struct Slot
+{
+    zoDLNAProtocolInfo_t* mInfo; // owned
+    uint32 mMimeTypeHash;
+    uint32 mProfileHash;
+    uint32 mRank; // while there is a cursor: the first item of the order that covers the element; else meaningless
+};
+
+// Where draining stands: no element before mPosition has rank mRank, and none at all has a smaller one.
+struct Cursor
+{
+    char* mOrder; // NULL while there is no cursor
+    char* mSupported;
+    uint32* mRemaining; // for each rank the number of elements
+    uint32 mRankCount;
+    uint32 mRank;
+    size_t mPosition;
+};
+
+// A gap buffer: elements at [0, mGapBegin) and [mGapEnd, mEnd), room in the gap between them and at [mEnd, mCapacity).
+// Insertions go to the gap, which moves to where they happen, and appending goes to the end, so that a mix of the two
+// moves nothing.
+struct zoDLNAProtocolInfoList_t
+{
+    Slot* mSlots;
+    size_t mGapBegin;
+    size_t mGapEnd;
+    size_t mEnd;
+    size_t mCapacity;
+    size_t mWildCardCount; // of elements whose MIME type is a wild card
+    Cursor mCursor;
+};
+
+inline size_t CountOf(const zoDLNAProtocolInfoList_t* aList)
+{
+    return aList ? aList->mEnd - (aList->mGapEnd - aList->mGapBegin) : 0;
+}
+
+inline Slot* SlotAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
+{
+    const size_t theGap = aList->mGapEnd - aList->mGapBegin;
+    return aList->mSlots + (aPosition < aList->mGapBegin ? aPosition : aPosition + theGap);
+}
+
+inline bool IsAny(zoDLNARun_t aRun) { return aRun.mLength == 1 && aRun.mData[0] == '*'; }
+
+void zoDLNAProtocolInfoList_DropCursor(zoDLNAProtocolInfoList_t* aList);
