@@ -2,6 +2,7 @@
 #include "Subcommand.h"
 
 #include <UPnP/Stack/ILibWebLinkData.h>
+#include <UPnP/Utilities/Hook/Features.h>
 #include <stdlib.h>
 #include <zoltTools/zoConvert.h>
 
@@ -30,9 +31,24 @@ typedef std::vector<const char*> Texts;
 static const Texts kObjectIDs = { "1" };
 static const Texts kClasses = { "container", "item.imageItem" };
 static const Texts kPlayModes = { "NORMAL", "SHUFFLE", "REPEAT_ONE", "REPEAT_ALL", "RANDOM", "DIRECT_1", "INTRO" };
-static const Texts kSeekModes = { "TRACK_NR", "ABS_TIME", "REL_TIME", "FRAME", "X_DLNA_REL_BYTE" };
-static const Texts kEvents = { ":containerupdateids",     ":dimmingramp", ":dimmingstep",
-                               ":friendlyinfoiconupdate", ":hdlnk",       ":uilistingupdate" };
+
+static Texts SeekModes()
+{
+    Texts theModes;
+    for (const DeviceHook::SeekMode& theMode : DeviceHook::kSeekModes)
+        theModes.push_back(theMode.mName);
+    return theModes;
+}
+
+static Texts Events()
+{
+    Texts theEvents;
+    for (const char* theName : DeviceHook::kEventNames)
+    {
+        if (theName) { theEvents.push_back(theName); }
+    }
+    return theEvents;
+}
 
 static Texts GivenOr(const Options& anOptions, const char* anOption, const Texts& aDefault)
 {
@@ -129,9 +145,9 @@ static void PrintAnswers(UPnPHook* aHook, const Options& anOptions, uint32 aCoun
         PrintClass(aHook, theUserAgent, theClass, anOutput);
     for (const char* theMode : GivenOr(anOptions, "--play-mode", kPlayModes))
         anOutput.Fact(FactName("play mode", theMode), AskByte(aHook, kUPnPHook_CheckPlayMode, theMode));
-    for (const char* theMode : GivenOr(anOptions, "--seek-mode", kSeekModes))
+    for (const char* theMode : GivenOr(anOptions, "--seek-mode", SeekModes()))
         anOutput.Fact(FactName("seek mode", theMode), AskByte(aHook, kUPnPHook_CheckSeekMode, theMode));
-    for (const char* theEvent : GivenOr(anOptions, "--event", kEvents))
+    for (const char* theEvent : GivenOr(anOptions, "--event", Events()))
         anOutput.Fact(FactName("event", theEvent), Ask(aHook, kUPnPHook_GetSupportEvent, theEvent));
 }
 

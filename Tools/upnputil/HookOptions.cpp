@@ -3,54 +3,26 @@
 #include "Names.h"
 #include "Subcommand.h"
 
+#include <UPnP/Utilities/Hook/Features.h>
 #include <iterator>
 #include <string.h>
 
 static const size_t kHelpWidth = 100;
 
-static const Name kFeatures[] = {
-    { "Upload", kUPnPHookFeature_Upload },
-    { "TimeSeek", kUPnPHookFeature_TimeSeek },
-    { "Search", kUPnPHookFeature_Search },
-    { "SortSpec", kUPnPHookFeature_SortSpec },
-    { "ByteSeek", kUPnPHookFeature_ByteSeek },
-    { "GetFeatureList", kUPnPHookFeature_GetFeatureList },
-    { "FreeFormQuery", kUPnPHookFeature_FreeFormQuery },
-    { "SRS", kUPnPHookFeature_SRS },
-    { "SRSConflictResolution", kUPnPHookFeature_SRSConflictResolution },
-    { "MSRegistrar", kUPnPHookFeature_MSRegistrar },
-    { "UseALLIP", kUPnPHookFeature_UseALLIP },
-    { "NoHTTPContentLength", kUPnPHookFeature_NoHTTPContentLength },
-    { "ForceStreamAtBitRate", kUPnPHookFeature_ForceStreamAtBitRate },
-    { "UpdateObject", kUPnPHookFeature_UpdateObject },
-    { "GroupServiceActive", kUPnPHookFeature_GroupServiceActive },
-    { "ContainerUpdateIDs", kUPnPHookFeature_ContainerUpdateIDs },
-    { "UploadDTCPIP", kUPnPHookFeature_UploadDTCPIP },
-    { "SupportRVU", kUPnPHookFeature_SupportRVU },
-    { "NoHTTPEXTHeader", kUPnPHookFeature_NoHTTPEXTHeader },
-    { "NoSetNextURI", kUPnPHookFeature_NoSetNextURI },
-    { "SRSExt", kUPnPHookFeature_SRSExt },
-    { "HDLnk", kUPnPHookFeature_HDLnk },
-    { "JLabs", kUPnPHookFeature_JLabs },
-    { "EnergyManagement", kUPnPHookFeature_EnergyManagement },
-    { "SetUILifeTime", kUPnPHookFeature_SetUILifeTime },
-    { "BasicManagement", kUPnPHookFeature_BasicManagement },
-    { "DLNABasicManagement", kUPnPHookFeature_DLNABasicManagement },
-    { "ConfigurationManagement", kUPnPHookFeature_ConfigurationManagement },
-    { "X_ColorLight", kUPnPHookFeature_X_ColorLight },
-    { "X_WhiteLight", kUPnPHookFeature_X_WhiteLight },
-    { "Authentication", kUPnPHookFeature_Authentication },
-    { "FriendlyInfoUpdate", kUPnPHookFeature_FriendlyInfoUpdate },
-    { "FriendlyInfoIconUpdate", kUPnPHookFeature_FriendlyInfoIconUpdate },
-    { "DimmingRamp", kUPnPHookFeature_DimmingRamp },
-    { "DimmingStep", kUPnPHookFeature_DimmingStep },
-    { "X_AnimatedLight", kUPnPHookFeature_X_AnimatedLight },
-    { "UIListingUpdate", kUPnPHookFeature_UIListingUpdate },
-    { "CVP2Server", kUPnPHookFeature_CVP2Server },
-    { "BCSControl", kUPnPHookFeature_BCSControl },
-    { "VideoAlbumArtURI", kUPnPHookFeature_VideoAlbumArtURI },
+struct FeatureNames
+{
+    Name mNames[kUPnPHookFeature_Count];
 };
-static_assert(sizeof(kFeatures) / sizeof(kFeatures[0]) == kUPnPHookFeature_Count, "every feature has a name");
+
+static constexpr FeatureNames NamesOfFeatures()
+{
+    FeatureNames theNames{};
+    for (const DeviceHook::Feature& theFeature : DeviceHook::kFeatures)
+        theNames.mNames[theFeature.mID] = { theFeature.mName, static_cast<uint32>(theFeature.mID) };
+    return theNames;
+}
+
+static constexpr FeatureNames kFeatures = NamesOfFeatures();
 
 static const Name kProperties[] = {
     { "UserAgent", kUPnPHookProperty_UserAgent },
@@ -74,8 +46,8 @@ std::vector<Option> HookOptionsAnd(std::vector<Option> anOptions)
 
 std::string HookNamesHelp()
 {
-    return "Features:\n" + Names(kFeatures).List(kHelpWidth) + "\nProperties:\n" + Names(kProperties).List(kHelpWidth) +
-           "\n";
+    return "Features:\n" + Names(kFeatures.mNames).List(kHelpWidth) + "\nProperties:\n" +
+           Names(kProperties).List(kHelpWidth) + "\n";
 }
 
 // Without such a constant, says so. @return the constant, or NULL.
@@ -91,7 +63,7 @@ static const Name* FindOrSay(const Options& anOptions, const char* aKind, Names 
 
 static int SetFeature(const Options& anOptions, const char* aName, UPnPHook* aHook)
 {
-    const Name* theFeature = FindOrSay(anOptions, "feature", kFeatures, aName);
+    const Name* theFeature = FindOrSay(anOptions, "feature", kFeatures.mNames, aName);
     if (!theFeature) { return kExit_Bad; }
     UPnPHook_SetSupportFeature(aHook, static_cast<int>(theFeature->mValue), 1);
     return kExit_Done;

@@ -151,7 +151,8 @@ enum
     /* char* aSeekMode, char* afOK: 1 for the seek modes that the service description lists. */
     kUPnPHook_CheckSeekMode = 16,
     /* char* aUserAgent, int* afCDSProvideResSize: 0 for an Xbox and a Windows Media Player, else 1. */
-    kUPnPHook_CDSProvideResSize = 17
+    kUPnPHook_CDSProvideResSize = 17,
+    kUPnPHook_Count = 18 /* IDs are below it */
 };
 
 /**
