@@ -58,7 +58,8 @@ TEST(zoCustomHashTableTest, IsLikeAMapThatKeepsItsOrder)
         const uint32 theKeyCount = i % 4000 < 1000 ? 8 : 600;
         const std::string theKey = std::to_string(theRandom() % theKeyCount) + std::string(theRandom() % 12, 'k');
         const uint32 theChoice = theRandom() % 8;
-        if (theShrinking) { theTable.Remove(theTable.mOrder[theRandom() % theTable.mOrder.size()]); }
+        const size_t theIndexes[] = { 0, theTable.mOrder.size() - 1, theRandom() % (theTable.mOrder.size() + 1) / 2 };
+        if (theShrinking) { theTable.Remove(theTable.mOrder[theIndexes[i / 4000]]); } // at either end, in the middle
         else if (theChoice < 2) { theTable.Remove(theKey); }
         else { theTable.Set(theKey, std::to_string(i), theChoice < 5); }
         theLargest = std::max(theLargest, theTable.mOrder.size());

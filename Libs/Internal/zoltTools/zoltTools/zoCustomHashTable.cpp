@@ -1,38 +1,47 @@
 #include <zoltTools/zoCustomHashTable.h>
 
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
 #include <zoltTools/zoUUID.h>
 
-// The entries stand in their order in one array. A table of more than a few has an index beside it: open addressing
-// with linear probing over a keyed hash, so that nobody who chooses the keys can make them collide.
+// The entries are in one array in their order. A table of more than a few has an index: open addressing with linear
+// probing over a keyed hash, so that nobody who chooses the keys can make them collide. In such a table an entry that
+// is removed between others leaves a hole, so that neither array nor index moves; a Fenwick tree over the holes finds
+// the entry of an index.
 
 namespace
 {
 
 struct Entry
 {
-    char* mKey;
+    char* mKey; // NULL: a hole
     char* mValue;
     uint32 mHash; // valid while the table has an index
 };
 
-const size_t kMaxScanned = 8; // so many entries are looked through without an index
+const size_t kMaxScanned = 8; // up to this many entries are searched without an index
 const size_t kFirstCapacity = 4;
 const uint32 kFreeSlot = UINT32_MAX;
+const size_t kMaxCapacity = UINT32_MAX; // positions fit a slot
 
 } // namespace
 
 struct zoCustomHashTable
 {
-    Entry* mEntries; // mCount of mCapacity are in use
-    size_t mCount;
+    Entry* mEntries; // positions mBegin to mEnd - 1 of mCapacity: mCount entries and holes; the first and the last are
+    size_t mBegin;   // entries
+    size_t mEnd;
     size_t mCapacity;
-    uint32* mSlots;    // positions of entries, or kFreeSlot; NULL: no index
+    size_t mCount;
+    uint32* mHoles;    // Fenwick tree of mCapacity + 1 sums: of holes per position; NULL: there are no holes
+    uint32* mSlots;    // positions of entries, or kFreeSlot; NULL: no index, and no holes
     size_t mSlotCount; // a power of two, at least twice mCount
     uint64 mSecret[2]; // the hash's key, drawn when the index is made
 };
+
+// ---- Hash ----
 
 static uint64 RotateLeft(uint64 aValue, int aCount) { return aValue << aCount | aValue >> (64 - aCount); }
 
@@ -79,6 +88,43 @@ static uint32 HashOf(const char* aKey, const uint64 aSecret[2])
     return static_cast<uint32>(theHash ^ theHash >> 32);
 }
 
+// ---- Holes ----
+
+// Adds to the number of holes at a position: 1, or -1 as an unsigned number.
+static void AddHoles(zoCustomHashTable* aTable, size_t aPosition, uint32 aNumber)
+{
+    for (size_t i = aPosition + 1; i <= aTable->mCapacity; i += i & (~i + 1))
+        aTable->mHoles[i] += aNumber;
+}
+
+static void MakeHole(zoCustomHashTable* aTable, size_t aPosition)
+{
+    if (!aTable->mHoles) { aTable->mHoles = Shared::NewZeroedArray<uint32>(aTable->mCapacity + 1); }
+    AddHoles(aTable, aPosition, 1);
+}
+
+// The position of the entry with the index; there is one. What is before mBegin counts as entries.
+static size_t PositionOfIndex(const zoCustomHashTable* aTable, size_t anIndex)
+{
+    if (!aTable->mHoles) { return aTable->mBegin + anIndex; }
+    size_t thePosition = 0;
+    size_t theEntriesLeft = aTable->mBegin + anIndex;
+    size_t theStep = 1;
+    while (theStep <= aTable->mCapacity / 2)
+        theStep *= 2;
+    for (; theStep > 0; theStep /= 2)
+    {
+        if (theStep > aTable->mCapacity - thePosition) { continue; }
+        const size_t theEntries = theStep - aTable->mHoles[thePosition + theStep];
+        if (theEntries > theEntriesLeft) { continue; }
+        theEntriesLeft -= theEntries;
+        thePosition += theStep;
+    }
+    return thePosition;
+}
+
+// ---- Index ----
+
 // The slot of the key, or the free one where it would go.
 static size_t SlotOfKey(const zoCustomHashTable* aTable, const char* aKey, uint32 aHash)
 {
@@ -102,73 +148,39 @@ static size_t SlotOfContent(const zoCustomHashTable* aTable, uint32 aHash, uint3
     return theSlot;
 }
 
-// A new index with room for aCount entries, over those that are there.
+static void FillIndex(zoCustomHashTable* aTable)
+{
+    memset(aTable->mSlots, 0xFF, aTable->mSlotCount * sizeof(uint32));
+    for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
+        aTable->mSlots[SlotOfContent(aTable, aTable->mEntries[i].mHash, kFreeSlot)] = static_cast<uint32>(i);
+}
+
+static void DrawSecret(zoCustomHashTable* aTable)
+{
+    zoUUID theRandomBytes;
+    zoUUID_Generate(theRandomBytes);
+    static_assert(sizeof(theRandomBytes) == sizeof(aTable->mSecret), "one identifier is one key");
+    memcpy(aTable->mSecret, theRandomBytes, sizeof(theRandomBytes));
+}
+
+// A new index with room for aCount entries, over those that are there; the table has no holes.
 static void MakeIndex(zoCustomHashTable* aTable, size_t aCount)
 {
     if (!aTable->mSlots)
     {
-        zoUUID theRandomBytes;
-        zoUUID_Generate(theRandomBytes);
-        static_assert(sizeof(theRandomBytes) == sizeof(aTable->mSecret), "one identifier is one key");
-        memcpy(aTable->mSecret, theRandomBytes, sizeof(theRandomBytes));
-        for (size_t i = 0; i < aTable->mCount; ++i)
+        DrawSecret(aTable);
+        for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
             aTable->mEntries[i].mHash = HashOf(aTable->mEntries[i].mKey, aTable->mSecret);
     }
-    size_t theSlotCount = 4 * kMaxScanned;
-    while (theSlotCount / 2 < aCount)
-        theSlotCount *= 2;
-    if (theSlotCount > SIZE_MAX / sizeof(uint32)) { abort(); } // more than memory can hold
-
+    aTable->mSlotCount = 4 * kMaxScanned;
+    while (aTable->mSlotCount / 2 < aCount)
+        aTable->mSlotCount *= 2;
     free(aTable->mSlots);
-    aTable->mSlots = static_cast<uint32*>(zoMalloc(theSlotCount * sizeof(uint32)));
-    aTable->mSlotCount = theSlotCount;
-    memset(aTable->mSlots, 0xFF, theSlotCount * sizeof(uint32));
-    for (uint32 i = 0; i < aTable->mCount; ++i)
-        aTable->mSlots[SlotOfContent(aTable, aTable->mEntries[i].mHash, kFreeSlot)] = i;
+    aTable->mSlots = Shared::NewArray<uint32>(aTable->mSlotCount);
+    FillIndex(aTable);
 }
 
-static void Reserve(zoCustomHashTable* aTable, size_t aCount)
-{
-    if (aCount > aTable->mCapacity)
-    {
-        const size_t theDoubled = aTable->mCapacity > 0 ? aTable->mCapacity * 2 : kFirstCapacity;
-        aTable->mCapacity = aCount > theDoubled ? aCount : theDoubled;
-        if (aTable->mCapacity > SIZE_MAX / sizeof(Entry) || aCount >= kFreeSlot) { abort(); } // more than is addressed
-        aTable->mEntries = static_cast<Entry*>(zoRealloc(aTable->mEntries, aTable->mCapacity * sizeof(Entry)));
-    }
-    if (aCount > kMaxScanned && (!aTable->mSlots || aCount > aTable->mSlotCount / 2)) { MakeIndex(aTable, aCount); }
-}
-
-static Entry* FindEntry(const zoCustomHashTable* aTable, const char* aKey)
-{
-    if (!aTable || !aKey) { return nullptr; }
-    if (aTable->mSlots)
-    {
-        const uint32 thePosition = aTable->mSlots[SlotOfKey(aTable, aKey, HashOf(aKey, aTable->mSecret))];
-        return thePosition != kFreeSlot ? &aTable->mEntries[thePosition] : nullptr;
-    }
-    for (size_t i = 0; i < aTable->mCount; ++i)
-    {
-        if (strcmp(aTable->mEntries[i].mKey, aKey) == 0) { return &aTable->mEntries[i]; }
-    }
-    return nullptr;
-}
-
-// Takes both texts over.
-static void AppendEntry(zoCustomHashTable* aTable, char* aKey, char* aValue)
-{
-    Reserve(aTable, aTable->mCount + 1);
-    Entry* theEntry = &aTable->mEntries[aTable->mCount];
-    *theEntry = { aKey, aValue, 0 };
-    if (aTable->mSlots)
-    {
-        theEntry->mHash = HashOf(aKey, aTable->mSecret);
-        aTable->mSlots[SlotOfContent(aTable, theEntry->mHash, kFreeSlot)] = static_cast<uint32>(aTable->mCount);
-    }
-    ++aTable->mCount;
-}
-
-// Frees a slot and moves up those behind it that would no longer be found.
+// Frees a slot and moves up those after it that would no longer be found.
 static void FreeSlot(zoCustomHashTable* aTable, size_t aSlot)
 {
     const size_t theMask = aTable->mSlotCount - 1;
@@ -183,13 +195,108 @@ static void FreeSlot(zoCustomHashTable* aTable, size_t aSlot)
     aTable->mSlots[theFree] = kFreeSlot;
 }
 
-static void RemoveFromIndex(zoCustomHashTable* aTable, size_t aPosition)
+// ---- Entries ----
+
+// Moves the entries to the front of the array, one after the other.
+static void CloseHoles(zoCustomHashTable* aTable)
 {
-    const uint32 theRemoved = static_cast<uint32>(aPosition);
-    FreeSlot(aTable, SlotOfContent(aTable, aTable->mEntries[aPosition].mHash, theRemoved));
-    for (uint32 i = theRemoved + 1; i < aTable->mCount; ++i)
-        aTable->mSlots[SlotOfContent(aTable, aTable->mEntries[i].mHash, i)] = i - 1;
+    size_t theEnd = 0;
+    for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
+    {
+        if (aTable->mEntries[i].mKey) { aTable->mEntries[theEnd++] = aTable->mEntries[i]; }
+    }
+    aTable->mBegin = 0;
+    aTable->mEnd = theEnd;
+    free(aTable->mHoles);
+    aTable->mHoles = nullptr;
 }
+
+// Makes room for aCount entries in all. A quarter of the array is free afterwards, so that moving what is there is paid
+// for by those that can now be added.
+static void Reserve(zoCustomHashTable* aTable, size_t aCount)
+{
+    const bool fIsFull = aTable->mCapacity - aTable->mEnd < aCount - aTable->mCount;
+    if (fIsFull) { CloseHoles(aTable); }
+    if (fIsFull && aCount > aTable->mCapacity / 4 * 3)
+    {
+        aTable->mCapacity = Shared::GrowCapacity(aTable->mCapacity, aCount, kFirstCapacity);
+        if (aTable->mCapacity > kMaxCapacity) { Shared::EndWithoutMemory(SIZE_MAX); }
+        aTable->mEntries = Shared::ResizeArray(aTable->mEntries, aTable->mCapacity);
+    }
+    const bool fIsIndexFull = aTable->mSlots ? aCount > aTable->mSlotCount / 2 : aCount > kMaxScanned;
+    if (fIsIndexFull) { CloseHoles(aTable); }
+    if (fIsIndexFull) { MakeIndex(aTable, aCount); }
+    else if (fIsFull && aTable->mSlots) { FillIndex(aTable); }
+}
+
+static Entry* FindEntry(const zoCustomHashTable* aTable, const char* aKey)
+{
+    if (!aTable || !aKey) { return nullptr; }
+    if (aTable->mSlots)
+    {
+        const uint32 thePosition = aTable->mSlots[SlotOfKey(aTable, aKey, HashOf(aKey, aTable->mSecret))];
+        return thePosition != kFreeSlot ? &aTable->mEntries[thePosition] : nullptr;
+    }
+    for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
+    {
+        if (strcmp(aTable->mEntries[i].mKey, aKey) == 0) { return &aTable->mEntries[i]; }
+    }
+    return nullptr;
+}
+
+// Takes both texts over.
+static void AppendEntry(zoCustomHashTable* aTable, char* aKey, char* aValue)
+{
+    Reserve(aTable, aTable->mCount + 1);
+    Entry* theEntry = &aTable->mEntries[aTable->mEnd];
+    *theEntry = { aKey, aValue, 0 };
+    if (aTable->mSlots)
+    {
+        theEntry->mHash = HashOf(aKey, aTable->mSecret);
+        aTable->mSlots[SlotOfContent(aTable, theEntry->mHash, kFreeSlot)] = static_cast<uint32>(aTable->mEnd);
+    }
+    ++aTable->mEnd;
+    ++aTable->mCount;
+}
+
+// Takes holes off both ends; each was paid for when it was made.
+static void TrimHoles(zoCustomHashTable* aTable)
+{
+    while (aTable->mBegin < aTable->mEnd && !aTable->mEntries[aTable->mBegin].mKey)
+        AddHoles(aTable, aTable->mBegin++, UINT32_MAX);
+    while (aTable->mBegin < aTable->mEnd && !aTable->mEntries[aTable->mEnd - 1].mKey)
+        AddHoles(aTable, --aTable->mEnd, UINT32_MAX);
+}
+
+// Takes the position out of the array, whose texts are gone.
+static void RemovePosition(zoCustomHashTable* aTable, size_t aPosition)
+{
+    Entry* theEntry = &aTable->mEntries[aPosition];
+    --aTable->mCount;
+    if (aPosition == aTable->mBegin) { ++aTable->mBegin; }
+    else if (aPosition + 1 == aTable->mEnd) { --aTable->mEnd; }
+    else if (!aTable->mSlots)
+    {
+        --aTable->mEnd;
+        memmove(theEntry, theEntry + 1, (aTable->mEnd - aPosition) * sizeof(Entry));
+    }
+    else
+    {
+        theEntry->mKey = nullptr;
+        MakeHole(aTable, aPosition);
+        return;
+    }
+    if (aTable->mHoles) { TrimHoles(aTable); }
+}
+
+// The entry at anIndex in the table's order; NULL past the end.
+static const Entry* EntryAt(const zoCustomHashTable* aTable, size_t anIndex)
+{
+    return anIndex < zoCustomHashTable_GetTupleCount(aTable) ? &aTable->mEntries[PositionOfIndex(aTable, anIndex)]
+                                                             : nullptr;
+}
+
+// ---- Operations ----
 
 zoCustomHashTable* zoCustomHashTable_New_String_String(void)
 {
@@ -229,23 +336,24 @@ void zoCustomHashTable_Remove(zoCustomHashTable* aTable, const char* aKey)
     Entry* theEntry = FindEntry(aTable, aKey);
     if (!theEntry) { return; }
     const size_t thePosition = static_cast<size_t>(theEntry - aTable->mEntries);
-    if (aTable->mSlots) { RemoveFromIndex(aTable, thePosition); }
+    if (aTable->mSlots) { FreeSlot(aTable, SlotOfContent(aTable, theEntry->mHash, static_cast<uint32>(thePosition))); }
     free(theEntry->mKey);
     free(theEntry->mValue);
-    --aTable->mCount;
-    memmove(theEntry, theEntry + 1, (aTable->mCount - thePosition) * sizeof(Entry));
+    RemovePosition(aTable, thePosition);
 }
 
 size_t zoCustomHashTable_GetTupleCount(const zoCustomHashTable* aTable) { return aTable ? aTable->mCount : 0; }
 
 const char* zoCustomHashTable_GetKeyAtIndex(const zoCustomHashTable* aTable, size_t anIndex)
 {
-    return anIndex < zoCustomHashTable_GetTupleCount(aTable) ? aTable->mEntries[anIndex].mKey : nullptr;
+    const Entry* theEntry = EntryAt(aTable, anIndex);
+    return theEntry ? theEntry->mKey : nullptr;
 }
 
 const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, size_t anIndex)
 {
-    return anIndex < zoCustomHashTable_GetTupleCount(aTable) ? aTable->mEntries[anIndex].mValue : nullptr;
+    const Entry* theEntry = EntryAt(aTable, anIndex);
+    return theEntry ? theEntry->mValue : nullptr;
 }
 
 zoCustomHashTable* zoCustomHashTable_Duplicate(const zoCustomHashTable* aTable)
@@ -253,20 +361,25 @@ zoCustomHashTable* zoCustomHashTable_Duplicate(const zoCustomHashTable* aTable)
     if (!aTable) { return nullptr; }
     zoCustomHashTable* theTable = zoCustomHashTable_New_String_String();
     if (aTable->mCount > 0) { Reserve(theTable, aTable->mCount); }
-    for (size_t i = 0; i < aTable->mCount; ++i)
-        AppendEntry(theTable, zoStrdup(aTable->mEntries[i].mKey), zoStrdup(aTable->mEntries[i].mValue));
+    for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
+    {
+        const Entry& theEntry = aTable->mEntries[i];
+        if (theEntry.mKey) { AppendEntry(theTable, zoStrdup(theEntry.mKey), zoStrdup(theEntry.mValue)); }
+    }
     return theTable;
 }
 
 void zoCustomHashTable_Delete(zoCustomHashTable* aTable)
 {
     if (!aTable) { return; }
-    for (size_t i = 0; i < aTable->mCount; ++i)
+    for (size_t i = aTable->mBegin; i < aTable->mEnd; ++i)
     {
+        if (!aTable->mEntries[i].mKey) { continue; }
         free(aTable->mEntries[i].mKey);
         free(aTable->mEntries[i].mValue);
     }
     free(aTable->mEntries);
+    free(aTable->mHoles);
     free(aTable->mSlots);
     free(aTable);
 }

@@ -1,7 +1,8 @@
 #pragma once
 
 /* A table of values by key. Entries keep the order in which their keys came first; a replaced value keeps its place;
- * removing one moves those after it up. Looking up and adding take O(1), whatever the keys. */
+ * removing one moves those after it up. Finding and adding take O(1), whatever the keys; access by index and removing
+ * take O(log n), and amortised O(1) at either end. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Export.h>
