@@ -1,17 +1,14 @@
 #pragma once
 
+#include "ChildProcess.h"
 #include <arpa/inet.h>
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <functional>
-#include <gtest/gtest.h>
+#include <linux/rtnetlink.h>
 #include <net/if.h>
 #include <sched.h>
 #include <string>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 /* A network of one's own: a child process in a new network namespace, in which there is only the interface "lo", down
@@ -37,36 +34,40 @@ inline bool SetInterfaceUp(const std::string& aName, bool afUp)
     return AskInterface(SIOCSIFFLAGS, aName, theInterface);
 }
 
-inline bool SetInterfaceAddress(const std::string& aName, const char* anAddress)
+// Adds an IPv4 address to "lo". A label that is not "lo:" and a number is one that only netlink can give.
+inline bool AddAddress(const char* anAddress, const char* aLabel)
 {
-    struct ifreq theInterface = {};
-    struct sockaddr_in theAddress = {};
-    theAddress.sin_family = AF_INET;
-    inet_pton(AF_INET, anAddress, &theAddress.sin_addr);
-    memcpy(&theInterface.ifr_addr, &theAddress, sizeof(theAddress));
-    return AskInterface(SIOCSIFADDR, aName, theInterface);
+    struct
+    {
+        struct nlmsghdr mHeader = { sizeof(*this), RTM_NEWADDR, NLM_F_REQUEST | NLM_F_ACK | NLM_F_CREATE, 0, 0 };
+        struct ifaddrmsg mInfo = { AF_INET, 8, 0, 0, if_nametoindex("lo") };
+        struct rtattr mLocalHeader = { sizeof(struct rtattr) + sizeof(struct in_addr), IFA_LOCAL };
+        struct in_addr mLocal = {};
+        struct rtattr mLabelHeader = { sizeof(struct rtattr) + IFNAMSIZ, IFA_LABEL };
+        char mLabel[IFNAMSIZ] = "";
+    } theRequest;
+    struct
+    {
+        struct nlmsghdr mHeader;
+        struct nlmsgerr mError;
+    } theAnswer = {};
+    inet_pton(AF_INET, anAddress, &theRequest.mLocal);
+    snprintf(theRequest.mLabel, sizeof(theRequest.mLabel), "%s", aLabel);
+    const int theSocket = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE);
+    const bool fIsAnswered = send(theSocket, &theRequest, sizeof(theRequest), 0) == sizeof(theRequest) &&
+                             recv(theSocket, &theAnswer, sizeof(theAnswer), 0) > 0;
+    close(theSocket);
+    return fIsAnswered && theAnswer.mError.error == 0;
 }
 
 // Runs a test in a network of its own, with "lo" up at 127.0.0.1, or skips it where that can't be had.
 inline void RunInNetworkNamespace(const std::function<void()>& aTest)
 {
-    static const int kCannot = 200; // and above: the error number is added
-    fflush(nullptr);
-    const pid_t theChild = fork();
-    if (theChild == 0)
-    {
-        const bool fIsAlone = unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
-        if (!fIsAlone || !SetInterfaceAddress("lo", "127.0.0.1") || !SetInterfaceUp("lo", true))
+    RunInChildProcess(
+        []
         {
-            _exit(kCannot + (errno < 50 ? errno : 50));
-        }
-        aTest();
-        fflush(nullptr);
-        _exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    int theStatus = 0;
-    waitpid(theChild, &theStatus, 0);
-    const int theExit = WIFEXITED(theStatus) ? WEXITSTATUS(theStatus) : -1;
-    if (theExit >= kCannot) { GTEST_SKIP() << "no network namespace here: " << strerror(theExit - kCannot); }
-    EXPECT_EQ(0, theExit) << "in the network namespace";
+        const bool fIsAlone = unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
+        return fIsAlone && AddAddress("127.0.0.1", "lo") && SetInterfaceUp("lo", true);
+        },
+        aTest);
 }

@@ -3,9 +3,9 @@
 #include <stdlib.h>
 #include <string.h>
 #include <zoLog/Log.h>
-#include <zoltTools/zoBuffer.h>
 #include <zoltTools/Private/zoConfigFileStorage.h>
 #include <zoltTools/Private/zoConfigFileText.h>
+#include <zoltTools/zoBuffer.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoMemory.h>
 

@@ -45,10 +45,19 @@ ZOLTTOOLS_API zoConfigFile* zoConfigFile_NewFromText(const char* aText, size_t a
 ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
 /**
  * Writes the configuration to its path, with the comments, order and other lines that it was loaded with. Atomic and
- * durable: a temporary file beside the target is flushed to disk and renamed over it, so that a crash at any point
- * leaves the old file or the new one. It is called like the target with ".new" behind it; programs that save the same
- * file at once wait for each other, and what a killed one has left is removed by the next. The file's permissions stay;
- * a symbolic link stays, and what it points to is replaced.
+ * durable: a temporary file next to the target is flushed to disk and renamed over it, so that a crash at any point
+ * leaves the old file or the new one, whole. Of programs that save the same file at once the last one counts; none
+ * waits. A symbolic link stays, and what it points to is replaced, or made when it is not there yet.
+ *
+ * The temporary file of "device.conf" is ".device.conf.zoConfigFile-" and 16 hexadecimal digits, other ones each time.
+ * A save removes those that killed programs have left: those that nobody has locked, and where that can't be found out,
+ * those older than a minute. Other files are not touched.
+ *
+ * The new file keeps the mode of the old one, and its owner and group where the process may set them. A file of another
+ * user therefore becomes the process's own, unless that is privileged: with the old group, if the process is a member
+ * of it; else with the process's group, which then may do what everybody may. Where modes can't be set (FAT, some
+ * network file systems), and for the first file, the mode is 0644 less the umask. Access control lists, extended
+ * attributes and further hard links stay behind with the old file.
  * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
  *         file is then as it was, or, when only the folder could not be flushed, the new one is in its place.
  */

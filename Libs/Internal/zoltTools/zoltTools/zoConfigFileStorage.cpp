@@ -1,27 +1,24 @@
 #include <zoltTools/Private/zoConfigFileStorage.h>
 
+#include <Shared/LogMessage.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zoLog/Log.h>
+#include <zoltTools/Private/zoConfigFileTemporary.h>
 #include <zoltTools/zoMemory.h>
 
 static const mode_t kNewFileMode = 0644;
 
-// The result is 0, so that a caller can give up with it.
+// Logs errno. The result is 0, so that a caller can give up with it.
 static int Complain(const char* aPath, const char* anOperation)
 {
-    const int theError = errno;
-    zoLogRecord_t* theRecord = zoLog_Begin(ZOLOGLEVEL_ERROR, ZOLOG_M_DEFAULT);
-    if (!theRecord) { return 0; }
-    zoLog_SetLocation(theRecord, __FILE__, __LINE__);
-    zoLog_Append_F(theRecord, "zoConfigFile: '%s' can't be %s: %s\n", aPath, anOperation, strerror(theError));
-    zoLog_End(theRecord);
+    Shared::LogMessage(ZOLOGLEVEL_ERROR, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "zoConfigFile: '%s' can't be %s: %s\n",
+                       aPath, anOperation, strerror(errno));
     return 0;
 }
 
@@ -56,12 +53,11 @@ static char* ReadAll(int aDescriptor, size_t* aLength)
     return theBytes;
 }
 
-static bool IsRegular(int aDescriptor)
+// False with errno for a folder, a pipe, a device.
+static bool IsRegular(const struct stat& aStatus)
 {
-    struct stat theStatus;
-    if (fstat(aDescriptor, &theStatus) != 0) { return false; }
-    if (S_ISREG(theStatus.st_mode)) { return true; }
-    errno = S_ISDIR(theStatus.st_mode) ? EISDIR : EINVAL;
+    if (S_ISREG(aStatus.st_mode)) { return true; }
+    errno = S_ISDIR(aStatus.st_mode) ? EISDIR : EINVAL;
     return false;
 }
 
@@ -70,7 +66,9 @@ char* zoConfigFileStorage_Read(const char* aPath, size_t* aLength)
     *aLength = 0;
     const int theDescriptor = open(aPath, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // nothing here waits for a pipe's writer
     if (theDescriptor < 0 && errno == ENOENT) { return static_cast<char*>(zoMallocZeroed(1)); }
-    char* theBytes = theDescriptor >= 0 && IsRegular(theDescriptor) ? ReadAll(theDescriptor, aLength) : nullptr;
+    struct stat theStatus;
+    const bool fCanRead = theDescriptor >= 0 && fstat(theDescriptor, &theStatus) == 0 && IsRegular(theStatus);
+    char* theBytes = fCanRead ? ReadAll(theDescriptor, aLength) : nullptr;
     if (!theBytes) { Complain(aPath, "read"); }
     if (theDescriptor >= 0) { close(theDescriptor); }
     return theBytes;
@@ -78,57 +76,34 @@ char* zoConfigFileStorage_Read(const char* aPath, size_t* aLength)
 
 // ---- Replacing ----
 
-// The file's own path, a new text: what symbolic links lead to. One that leads nowhere is an error.
+// What a symbolic link at aPath holds, as a path to where it leads: a new text.
+static char* FollowLink(const char* aPath, const char* aContent)
+{
+    const char* theSlash = strrchr(aPath, '/');
+    if (*aContent == '/' || !theSlash) { return zoStrdup(aContent); }
+    return zo_mnprintf("%.*s%s", static_cast<int>(theSlash + 1 - aPath), aPath, aContent);
+}
+
+// The file's own path, a new text: what symbolic links lead to, whether that is there or not. NULL with errno.
 static char* ResolveLinks(const char* aPath)
 {
-    struct stat theStatus;
-    char* theTarget = realpath(aPath, nullptr);
-    if (theTarget || errno != ENOENT) { return theTarget; }
-    if (lstat(aPath, &theStatus) == 0)
+    static const int kMaxLinks = 40; // as the system's
+    char* thePath = zoStrdup(aPath);
+    for (int theLinks = 0; theLinks < kMaxLinks; ++theLinks)
     {
-        errno = ENOENT;
-        return nullptr;
+        char* theTarget = realpath(thePath, nullptr);
+        if (theTarget || errno != ENOENT)
+        {
+            free(thePath);
+            return theTarget;
+        }
+        char theContent[PATH_MAX] = "";
+        if (readlink(thePath, theContent, sizeof(theContent) - 1) < 0) { return thePath; }
+        char* theNext = FollowLink(thePath, theContent);
+        free(thePath);
+        thePath = theNext;
     }
-    return zoStrdup(aPath);
-}
-
-// Keeps other programs from a file until it is closed. True when the path then still names it.
-static bool Lock(const char* aPath, int aDescriptor)
-{
-    while (flock(aDescriptor, LOCK_EX) != 0 && errno == EINTR) {} // where files can't be locked, there is no waiting
-    struct stat theFile, theNamed;
-    return fstat(aDescriptor, &theFile) == 0 && lstat(aPath, &theNamed) == 0 && theFile.st_dev == theNamed.st_dev &&
-           theFile.st_ino == theNamed.st_ino;
-}
-
-// Waits until no other program uses the temporary file, and removes it when that was killed. False with errno when it
-// can't be removed, or is something else.
-static bool RemoveLeftOver(const char* aPath)
-{
-    const int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    int theDescriptor = open(aPath, O_WRONLY | kFlags); // some file systems lock only what may be written
-    if (theDescriptor < 0 && errno == EACCES) { theDescriptor = open(aPath, O_RDONLY | kFlags); }
-    if (theDescriptor < 0) { return errno == ENOENT; }
-    const bool fIsGone = IsRegular(theDescriptor) && (!Lock(aPath, theDescriptor) || unlink(aPath) == 0);
-    const int theError = errno;
-    close(theDescriptor);
-    errno = theError;
-    return fIsGone;
-}
-
-// Makes the temporary file and locks it; -1 with errno when that fails. It is always a new file, which nobody else has
-// open. Another program may take it for a left-over before it is locked: then there is another try.
-static int NewTemporary(const char* aPath, mode_t aMode)
-{
-    for (int theTries = 0; theTries < 1000; ++theTries)
-    {
-        const int theDescriptor = open(aPath, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, aMode);
-        if (theDescriptor >= 0 && Lock(aPath, theDescriptor)) { return theDescriptor; }
-        if (theDescriptor >= 0) { close(theDescriptor); }
-        else if (errno != EEXIST || !RemoveLeftOver(aPath)) { return -1; }
-    }
-    errno = EBUSY;
-    return -1;
+    return GiveUp(thePath, ELOOP);
 }
 
 static bool WriteAll(int aDescriptor, const char* aBytes, size_t aLength)
@@ -146,59 +121,86 @@ static bool WriteAll(int aDescriptor, const char* aBytes, size_t aLength)
     return true;
 }
 
-// The new file gets the mode of the old one, and its owner and group where that may be done. Without its group, the
-// group that it has instead may do what everybody may.
-static bool TakePermissions(int aDescriptor, const struct stat* anOld)
+// The mode for a file that can't have its group: the group that it has instead may do what everybody may.
+static mode_t ModeForAnyGroup(mode_t aMode) { return (aMode & 0707) | (aMode & 0007) << 3; }
+
+// Nobody may open the new file while it is empty whom the old one keeps out; where modes can't be set later, this
+// stays.
+static mode_t ModeToBeginWith(const struct stat* anOld)
 {
-    const mode_t theMode = anOld->st_mode & 07777;
-    if (fchown(aDescriptor, anOld->st_uid, anOld->st_gid) == 0) { return fchmod(aDescriptor, theMode) == 0; }
-    if (fchown(aDescriptor, static_cast<uid_t>(-1), anOld->st_gid) == 0)
-    {
-        return fchmod(aDescriptor, theMode & 0777) == 0;
-    }
-    return fchmod(aDescriptor, (theMode & 0707) | (theMode & 0007) << 3) == 0;
+    return anOld ? 0600 | (ModeForAnyGroup(anOld->st_mode) & kNewFileMode) : kNewFileMode;
 }
 
-// Flushes the folder of a file, so that its new name lasts; some file systems have nothing to flush there.
-static bool FlushFolder(const char* aPath)
+// The new file gets the mode of the old one, and its owner and group where that may be done. Some file systems have no
+// owners or modes; the file is as good without.
+static void KeepPermissions(int aDescriptor, const struct stat* anOld)
 {
-    const char* theSlash = strrchr(aPath, '/');
-    char* theFolder = theSlash ? zoStrndup(aPath, static_cast<size_t>(theSlash + 1 - aPath)) : zoStrdup(".");
-    const int theDescriptor = open(theFolder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    free(theFolder);
+    mode_t theMode = ModeForAnyGroup(anOld->st_mode);
+    if (fchown(aDescriptor, anOld->st_uid, anOld->st_gid) == 0) { theMode = anOld->st_mode & 07777; }
+    else if (fchown(aDescriptor, static_cast<uid_t>(-1), anOld->st_gid) == 0) { theMode = anOld->st_mode & 0777; }
+    (void)!fchmod(aDescriptor, theMode);
+}
+
+// Fills a temporary file and gives it the target's name. False with errno when that failed.
+static bool Write(int aFolder, const char* aTemporary, const char* aTarget, int aDescriptor, const char* aBytes,
+                  size_t aLength)
+{
+    if (WriteAll(aDescriptor, aBytes, aLength) && fsync(aDescriptor) == 0 &&
+        renameat(aFolder, aTemporary, aFolder, aTarget) == 0)
+    {
+        return true;
+    }
+    const int theError = errno;
+    unlinkat(aFolder, aTemporary, 0);
+    errno = theError;
+    return false;
+}
+
+// Replaces the file of a folder. False with errno when that failed.
+static bool ReplaceIn(int aFolder, const char* aName, const char* aBytes, size_t aLength)
+{
+    struct stat theStatus;
+    const struct stat* theOld = fstatat(aFolder, aName, &theStatus, AT_SYMLINK_NOFOLLOW) == 0 ? &theStatus : nullptr;
+    if (theOld ? !IsRegular(*theOld) : errno != ENOENT) { return false; }
+    char theTemporary[kzoConfigFileTemporary_NameSize];
+    const int theDescriptor = zoConfigFileTemporary_New(aFolder, aName, ModeToBeginWith(theOld), theTemporary);
     if (theDescriptor < 0) { return false; }
-    const bool fIsFlushed = fsync(theDescriptor) == 0 || errno == EINVAL;
+    if (theOld) { KeepPermissions(theDescriptor, theOld); }
+    const bool fIsReplaced = Write(aFolder, theTemporary, aName, theDescriptor, aBytes, aLength);
+    const int theError = errno;
     close(theDescriptor);
-    return fIsFlushed;
+    errno = theError;
+    return fIsReplaced;
 }
 
-static int ReplaceThrough(const char* aTemporary, const char* aTarget, const char* aBytes, size_t aLength)
+// The folder that aLength bytes of a path name. One that can't be read can perhaps be written.
+static int OpenFolder(const char* aPath, size_t aLength)
 {
-    struct stat theOld;
-    const bool fIsThere = stat(aTarget, &theOld) == 0;
-    if (!fIsThere && errno != ENOENT) { return Complain(aTarget, "written"); }
-    // Nobody may read from the new file what the old one keeps from them: permissions come first.
-    const int theDescriptor = NewTemporary(aTemporary, fIsThere ? 0600 : kNewFileMode);
-    if (theDescriptor < 0) { return Complain(aTemporary, "written"); }
-    const bool fIsReplaced = (!fIsThere || TakePermissions(theDescriptor, &theOld)) &&
-                             WriteAll(theDescriptor, aBytes, aLength) && fsync(theDescriptor) == 0 &&
-                             rename(aTemporary, aTarget) == 0;
-    if (!fIsReplaced)
-    {
-        Complain(aTarget, "written");
-        unlink(aTemporary);
-    }
-    close(theDescriptor);
-    return fIsReplaced && (FlushFolder(aTarget) || Complain(aTarget, "flushed"));
+    char* thePath = aLength > 0 ? zoStrndup(aPath, aLength) : zoStrdup(".");
+    int theFolder = open(thePath, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (theFolder < 0 && errno == EACCES) { theFolder = open(thePath, O_PATH | O_DIRECTORY | O_CLOEXEC); }
+    free(thePath);
+    return theFolder;
+}
+
+static int ReplaceTarget(const char* aTarget, const char* aBytes, size_t aLength)
+{
+    const char* theSlash = strrchr(aTarget, '/');
+    const char* theName = theSlash ? theSlash + 1 : aTarget;
+    const int theFolder = OpenFolder(aTarget, static_cast<size_t>(theName - aTarget));
+    if (theFolder < 0) { return Complain(aTarget, "written"); }
+    int theResult = ReplaceIn(theFolder, theName, aBytes, aLength) || Complain(aTarget, "written");
+    // The new name has to last, too. Some file systems have nothing to flush there.
+    if (theResult && fsync(theFolder) != 0 && errno != EINVAL) { theResult = Complain(aTarget, "flushed"); }
+    close(theFolder);
+    return theResult;
 }
 
 int zoConfigFileStorage_Replace(const char* aPath, const char* aBytes, size_t aLength)
 {
     char* theTarget = ResolveLinks(aPath);
     if (!theTarget) { return Complain(aPath, "written"); }
-    char* theTemporary = zo_mnprintf("%s.new", theTarget);
-    const int theResult = ReplaceThrough(theTemporary, theTarget, aBytes, aLength);
-    free(theTemporary);
+    const int theResult = ReplaceTarget(theTarget, aBytes, aLength);
     free(theTarget);
     return theResult;
 }
