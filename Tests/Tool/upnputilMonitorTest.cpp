@@ -81,7 +81,7 @@ TEST(ToolMonitorTest, PrintsTheAddressesThatCount)
             { "Local", "address 0: 127.0.0.1" },  { "Others", "address 0: 192.0.2.7" }, { "Excluding", nullptr },
             { "Absent", "address 0: 127.0.0.1" }, { "Absent", "address 1: 192.0.2.7" },
         };
-        ASSERT_TRUE(SetInterfaceAddress("lo:1", "192.0.2.7"));
+        ASSERT_TRUE(AddAddress("192.0.2.7", "lo:1"));
         const ScratchFile theFile("[Local]\nUPnPLocal=1\n[Others]\nUPnPLocal=2\n[Excluding]\nexclude-if=eth0, lo");
         for (const auto& [theSection, theFact] : kCases)
         {
@@ -99,10 +99,10 @@ TEST(ToolMonitorTest, PrintsChanges)
     RunInNetworkNamespace(
         []
         {
-        ASSERT_TRUE(SetInterfaceAddress("lo:1", "192.0.2.7"));
+        ASSERT_TRUE(AddAddress("192.0.2.7", "lo:1"));
         RunningMonitor theMonitor;
         EXPECT_NE(std::string::npos, theMonitor.ReadTo("addresses: ").find("\naddress 1: 192.0.2.7\n"));
-        ASSERT_TRUE(SetInterfaceUp("lo:1", false) && SetInterfaceAddress("lo:2", "192.0.2.8"));
+        ASSERT_TRUE(SetInterfaceUp("lo:1", false) && AddAddress("192.0.2.8", "lo:2"));
         const std::string theLine = theMonitor.ReadTo("change 0: ");
         EXPECT_NE(std::string::npos, theLine.find("Z, added 192.0.2.8, removed 192.0.2.7\n")) << theLine;
         EXPECT_EQ(0, theMonitor.EndBy(SIGINT));

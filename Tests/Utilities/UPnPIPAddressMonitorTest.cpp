@@ -103,6 +103,12 @@ TEST(UPnPIPAddressMonitorTest, CallsWhenTheSetOfAddressesDiffers)
     }
     theWatched.CallsAfter(60000); // a busy chain makes up for nothing
     EXPECT_EQ(theLooks + 1, FakeAddresses::sLooks);
+    FakeAddresses::sNow = { "failure" };
+    Watched theBlind;
+    FakeAddresses::sNow = { "10.0.0.1" };
+    EXPECT_EQ(0, theBlind.CallsAfter(4000)) << "the first look that succeeds";
+    FakeAddresses::sNow = {};
+    EXPECT_EQ(1, theBlind.CallsAfter(4000));
 
     FakeAddresses::sNow = { "fe80::1", "10.0.0.2", "fe80::1", "10.0.0.10" };
     EXPECT_EQ(" 10.0.0.10 10.0.0.2 fe80::1", AddressesFor(kzoSocketPolicy_IP_All));
@@ -147,17 +153,20 @@ TEST(UPnPIPAddressMonitorTest, WatchesTheHostsInterfaces)
         {
         Watched theWatched;
         EXPECT_EQ(0, theWatched.CallsAfter(4000));
-        ASSERT_TRUE(SetInterfaceAddress("lo:1", "192.0.2.7"));
+        ASSERT_TRUE(AddAddress("192.0.2.7", "lo:1"));
         EXPECT_EQ(1, theWatched.CallsAfter(4000)) << "an address has come";
         EXPECT_EQ(" 127.0.0.1 192.0.2.7", AddressesFor(kzoSocketPolicy_IP_All));
         EXPECT_EQ(" 127.0.0.1", AddressesFor(kzoSocketPolicy_IP_LocalHostOnly));
         EXPECT_EQ(" 192.0.2.7", AddressesFor(kzoSocketPolicy_IP_AllExceptLocalHost));
-        EXPECT_EQ("", AddressesFor(kzoSocketPolicy_IP_All, "lo"));
+        ASSERT_TRUE(AddAddress("172.16.0.1", "lox"));
+        EXPECT_EQ(" 127.0.0.1 172.16.0.1", AddressesFor(kzoSocketPolicy_IP_All, "lo:1"));
+        EXPECT_EQ("", AddressesFor(kzoSocketPolicy_IP_All, "lo")) << "an interface's, whatever their labels";
+        EXPECT_EQ(2, theWatched.CallsAfter(4000));
         ASSERT_TRUE(SetInterfaceUp("lo:1", false));
-        EXPECT_EQ(2, theWatched.CallsAfter(4000)) << "an address has gone";
+        EXPECT_EQ(3, theWatched.CallsAfter(4000)) << "an address has gone";
         ASSERT_TRUE(SetInterfaceUp("lo", false));
-        EXPECT_EQ(3, theWatched.CallsAfter(4000)) << "an interface has gone down";
+        EXPECT_EQ(4, theWatched.CallsAfter(4000)) << "an interface has gone down";
         EXPECT_EQ("", AddressesFor(kzoSocketPolicy_IP_All));
-        EXPECT_EQ(3, theWatched.CallsAfter(4000));
+        EXPECT_EQ(4, theWatched.CallsAfter(4000));
     });
 }

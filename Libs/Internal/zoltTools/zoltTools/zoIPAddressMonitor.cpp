@@ -1,13 +1,10 @@
 #include <zoltTools/zoIPAddressMonitor.h>
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <atomic>
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <netinet/in.h>
 #include <stdlib.h>
 #include <string.h>
+#include <zoltTools/Private/zoHostAddresses.h>
 #include <zoltTools/zoMemory.h>
 
 namespace
@@ -25,76 +22,16 @@ struct AddressSet
 struct zoIPAddressMonitor
 {
     const zoSocketPolicy* mSocketPolicy;
+    bool mfIsKnown; // false until a look succeeds
     AddressSet mAddresses;
 };
 
-// ---- The host's interfaces ----
+static std::atomic<zoIPAddressMonitor_Source_t> sSource{ zoHostAddresses_Read };
 
-static bool IsLoopback(const struct in_addr& anAddress)
+void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSource)
 {
-    uint8 theFirst = 0; // in network order: 127.0.0.0/8
-    memcpy(&theFirst, &anAddress, sizeof(theFirst));
-    return theFirst == 127;
+    sSource = aSource ? aSource : zoHostAddresses_Read;
 }
-
-static bool IsLoopback(const struct in6_addr& anAddress)
-{
-    return memcmp(&anAddress, &in6addr_loopback, sizeof(anAddress)) == 0;
-}
-
-// anAddressName: "eth0", or "eth0:1" for a further address of "eth0"; no interface's own name has a colon.
-static bool IsAdmitted(const zoSocketPolicy* aSocketPolicy, const char* anAddressName, bool afLoopback)
-{
-    if (!zoSocketPolicy_Admits(aSocketPolicy, anAddressName, afLoopback)) { return false; }
-    const char* const theColon = strchr(anAddressName, ':');
-    if (!theColon) { return true; }
-    char* theInterfaceName = zoStrndup(anAddressName, static_cast<size_t>(theColon - anAddressName));
-    const bool fAdmitted = zoSocketPolicy_Admits(aSocketPolicy, theInterfaceName, afLoopback) != 0;
-    free(theInterfaceName);
-    return fAdmitted;
-}
-
-// aField: where an Address, an in_addr or an in6_addr, lies in a socket address.
-template <typename Address>
-static void AppendAddress(zoArray_t* anArray, const zoSocketPolicy* aSocketPolicy, const struct ifaddrs& anInterface,
-                          size_t aField)
-{
-    Address theAddress;
-    char theText[INET6_ADDRSTRLEN];
-    memcpy(&theAddress, reinterpret_cast<const char*>(anInterface.ifa_addr) + aField, sizeof(theAddress));
-    if (!IsAdmitted(aSocketPolicy, anInterface.ifa_name, IsLoopback(theAddress))) { return; }
-    if (!inet_ntop(anInterface.ifa_addr->sa_family, &theAddress, theText, sizeof(theText))) { return; }
-    zoArray_Append(anArray, zoStrdup(theText));
-}
-
-static void AppendInterface(zoArray_t* anArray, const zoSocketPolicy* aSocketPolicy, const struct ifaddrs& anInterface)
-{
-    if (!anInterface.ifa_addr || (anInterface.ifa_flags & IFF_UP) == 0) { return; }
-    switch (anInterface.ifa_addr->sa_family)
-    {
-    case AF_INET: AppendAddress<in_addr>(anArray, aSocketPolicy, anInterface, offsetof(sockaddr_in, sin_addr)); break;
-    case AF_INET6:
-        AppendAddress<in6_addr>(anArray, aSocketPolicy, anInterface, offsetof(sockaddr_in6, sin6_addr));
-        break;
-    default: break;
-    }
-}
-
-static zoArray_t* ReadInterfaces(const zoSocketPolicy* aSocketPolicy)
-{
-    struct ifaddrs* theInterfaces = nullptr;
-    if (getifaddrs(&theInterfaces) != 0) { return nullptr; }
-    zoArray_t* theArray = zoArray_New();
-    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
-    for (const struct ifaddrs* theInterface = theInterfaces; theInterface; theInterface = theInterface->ifa_next)
-        AppendInterface(theArray, aSocketPolicy, *theInterface);
-    freeifaddrs(theInterfaces);
-    return theArray;
-}
-
-static std::atomic<zoIPAddressMonitor_Source_t> sSource{ ReadInterfaces };
-
-void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSource) { sSource = aSource ? aSource : ReadInterfaces; }
 
 // ---- Sets ----
 
@@ -153,7 +90,7 @@ zoIPAddressMonitor* zoIPAddressMonitor_New(const zoSocketPolicy* aSocketPolicy)
 {
     zoIPAddressMonitor* theMonitor = static_cast<zoIPAddressMonitor*>(zoMallocZeroed(sizeof(zoIPAddressMonitor)));
     theMonitor->mSocketPolicy = aSocketPolicy;
-    ReadSet(aSocketPolicy, &theMonitor->mAddresses);
+    theMonitor->mfIsKnown = ReadSet(aSocketPolicy, &theMonitor->mAddresses);
     return theMonitor;
 }
 
@@ -161,7 +98,8 @@ int zoIPAddressMonitor_IPAddressChanged(zoIPAddressMonitor* aMonitor)
 {
     AddressSet theSet;
     if (!aMonitor || !ReadSet(aMonitor->mSocketPolicy, &theSet)) { return 0; }
-    const bool fChanged = !AreEqual(theSet, aMonitor->mAddresses);
+    const bool fChanged = aMonitor->mfIsKnown && !AreEqual(theSet, aMonitor->mAddresses);
+    aMonitor->mfIsKnown = true;
     std::swap(aMonitor->mAddresses, theSet);
     free(theSet.mTexts);
     return fChanged;

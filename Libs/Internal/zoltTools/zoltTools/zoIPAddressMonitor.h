@@ -1,7 +1,9 @@
 #pragma once
 
 /* Watches the host's IP addresses: the set of IPv4 and IPv6 addresses of the interfaces that are up and that a socket
- * policy admits. An interface without an address adds nothing, and one that goes down takes its addresses away. */
+ * policy admits. An excluded interface is left out with all its addresses, whatever their labels; an excluded label
+ * ("eth0:1") leaves out the addresses that carry it. An interface without an address adds nothing, and one that goes down
+ * takes its addresses away. */
 
 #include <zoOS/zoSocketPolicy.h>
 #include <zoltTools/Export.h>
@@ -25,11 +27,11 @@ ZOLTTOOLS_API void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSou
 ZOLTTOOLS_API zoArray_t* zoIPAddressMonitor_GetAddresses(const zoSocketPolicy* aSocketPolicy);
 
 /** @param aSocketPolicy  outlives the monitor; NULL admits all addresses.
- *  @return a new monitor that remembers the addresses of now, none when they can't be found out; released with
- *          zoIPAddressMonitor_Delete. */
+ *  @return a new monitor that remembers the addresses of now, released with zoIPAddressMonitor_Delete. When they can't
+ *          be found out, as when no descriptor is free, it remembers those of the first look that succeeds. */
 ZOLTTOOLS_API zoIPAddressMonitor* zoIPAddressMonitor_New(const zoSocketPolicy* aSocketPolicy);
-/** @return whether the addresses differ from those remembered; those of now are remembered then. 0 when they can't be
- *          found out, and nothing is forgotten. */
+/** True if the addresses differ from those remembered; those of now are remembered then. False when they can't be found
+ *  out, which forgets nothing, and when none were remembered because they never could. */
 ZOLTTOOLS_API int zoIPAddressMonitor_IPAddressChanged(zoIPAddressMonitor* aMonitor);
 /** Releases the monitor; NULL is ignored. */
 ZOLTTOOLS_API void zoIPAddressMonitor_Delete(zoIPAddressMonitor* aMonitor);
