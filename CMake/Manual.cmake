@@ -1,11 +1,19 @@
 # The target docs makes the manual in the folder manual of the build, by Doxygen; whatever Doxygen warns of is an error.
-find_program(DOXYGEN doxygen)
-find_program(AWK awk)
-if(NOT DOXYGEN OR NOT AWK)
+find_program(UPNP_DOXYGEN doxygen)
+find_program(UPNP_AWK awk)
+if(NOT UPNP_DOXYGEN OR NOT UPNP_AWK)
+    add_custom_target(docs
+        COMMAND ${CMAKE_COMMAND} -E echo "The manual wants doxygen and awk (on Debian: apt-get install doxygen mawk)."
+        COMMAND ${CMAKE_COMMAND} -E echo "Install what is missing, and configure again."
+        COMMAND ${CMAKE_COMMAND} -E false
+        VERBATIM)
     return()
 endif()
 
-get_property(theHeaders GLOBAL PROPERTY UPNP_PUBLIC_HEADERS)
+foreach(theLibrary zoOS zoLog zo zoltTools UPnPStack UPnPUtilities)
+    get_target_property(theLibraryHeaders ${theLibrary} HEADER_SET)
+    list(APPEND theHeaders ${theLibraryHeaders})
+endforeach()
 file(GLOB thePages CONFIGURE_DEPENDS Docs/*.md)
 set(theManualDirectory ${PROJECT_BINARY_DIR}/manual)
 set(theManualRoots ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/Libs/Internal ${PROJECT_BINARY_DIR}/include)
@@ -22,6 +30,6 @@ configure_file(Docs/Doxyfile.in ${PROJECT_BINARY_DIR}/Doxyfile @ONLY)
 add_custom_target(docs
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${theManualDirectory}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${theManualDirectory}
-    COMMAND ${DOXYGEN} ${PROJECT_BINARY_DIR}/Doxyfile
+    COMMAND ${UPNP_DOXYGEN} ${PROJECT_BINARY_DIR}/Doxyfile
     COMMENT "Manual: ${theManualDirectory}/index.html"
     VERBATIM)

@@ -14,17 +14,23 @@ list_largest() {
         sed -n '1,25s/^0*//p'
 }
 
-# measure PRESET PREFIX KIB: builds the library; 1 when it is larger stripped.
+# within BOUND SIZE WHAT: 1 when SIZE is larger than BOUND KiB.
+within() {
+    echo "$3: $2 bytes, $(($1 * 1024)) are allowed"
+    [ "$2" -le $(($1 * 1024)) ]
+}
+
+# measure PRESET PREFIX KIB [CODE_KIB]: builds the library; 1 when it is larger stripped, or its code and constants.
 measure() {
-    local built=$root/build/$1/$library stripped size
+    local built=$root/build/$1/$library stripped size code
     build "$1" "$root/build/$1" UPnPUtilities
     stripped=$(mktemp)
     "$2strip" --strip-all -o "$stripped" "$built"
     size=$(stat -c %s "$stripped")
+    code=$("$2size" -A "$stripped" | awk '$1 == ".text" || $1 == ".rodata" { sum += $2 } END { print sum }')
     rm -f "$stripped"
-    echo "$1: $size bytes, $(($3 * 1024)) are allowed"
     if [ -n "$largest" ]; then list_largest "$2nm" "$built"; fi
-    [ "$size" -le $(($3 * 1024)) ]
+    within "$3" "$size" "$1, stripped" && within "${4-$3}" "$code" "$1, code and constants"
 }
 
 largest=
@@ -38,7 +44,7 @@ case ${1-} in
 esac
 require cmake ninja-build g++ g++-arm-linux-gnueabihf googletest ccache
 status=0
-if [ "$(uname -m)" = x86_64 ]; then measure release "" 96 || status=1; fi
-measure armhf arm-linux-gnueabihf- 80 || status=1
+if [ "$(uname -m)" = x86_64 ]; then measure release "" 132 64 || status=1; fi
+measure armhf arm-linux-gnueabihf- 96 || status=1
 if [ $status -ne 0 ]; then echo "$0: too large" >&2; fi
 exit $status

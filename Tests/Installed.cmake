@@ -1,7 +1,7 @@
 # Tests of what cmake --install gives, as programs find it that are not part of the project.
-find_program(PKG_CONFIG pkg-config)
+find_program(UPNP_PKG_CONFIG pkg-config)
 set(theTests cmake tool)
-if(PKG_CONFIG)
+if(UPNP_PKG_CONFIG)
     list(APPEND theTests pkg-config)
 endif()
 
@@ -15,7 +15,7 @@ foreach(theTest ${theTests})
     list(APPEND theNames Installed-${theTest})
 endforeach()
 set_tests_properties(Install ${theNames} PROPERTIES LABELS install TIMEOUT 120 ENVIRONMENT
-    "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${PKG_CONFIG}")
+    "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${UPNP_PKG_CONFIG}")
 
 if(TARGET docs)
     add_test(NAME Manual COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target docs)

@@ -21,7 +21,7 @@ int main(void)
     zoPackedData_t* theResources = zoPackedData_NewData(theResourceBlock);
     char theTime[sizeof(kUPnP_UnknownTimeString)];
     UPnPUtil_SetTimeString(theTime, zoPackedData_GetDataAsUInt32(theResources, 0, kCDSResourceInfo_Duration));
-    printf("%s: %s, %s\n", kUPnPUtilities_Version, zoPackedData_GetData(theEntry, 0, kCDSEntryInfo_Title, NULL),
+    printf("%s: %s, %s\n", UPnPUtilities_GetVersion(), zoPackedData_GetData(theEntry, 0, kCDSEntryInfo_Title, NULL),
            theTime);
     zoPackedData_Free(theResources);
     zoPackedData_Free(theEntry);

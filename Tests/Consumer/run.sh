@@ -133,7 +133,7 @@ run_tool() {
     completion=$1/share/bash-completion/completions/upnputil
     PATH=$1/bin:$PATH
     expect "tool" "upnputil $2" "$(upnputil --version)"
-    expect "SONAME" "libUPnPUtilities.so.${2%%.*}" \
+    expect "SONAME" "libUPnPUtilities.so.${2%.*}" \
         "$(objdump -p "$libraries/libUPnPUtilities.so" | sed -n 's/^ *SONAME *//p')"
     expect "file" "libUPnPUtilities.so.$2" "$(basename "$(readlink -f "$libraries/libUPnPUtilities.so")")"
     expect "change log" "## [$2]" "$(grep -o -m 1 '^## \[[0-9.]*\]' "$1/share/doc/upnputilities/CHANGELOG.md")"

@@ -1,0 +1,3 @@
+#include <UPnP/Utilities/UPnPVersion.h>
+
+const char* UPnPUtilities_GetVersion(void) { return kUPnPUtilities_Version; }
