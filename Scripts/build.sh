@@ -13,6 +13,7 @@ build() {
 build_unlocked() {
     local preset=$1 folder=$2 target=$3 fresh=
     shift 3
+    if command -v ccache >/dev/null; then export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
     if ! grep -qsxF "CMAKE_HOME_DIRECTORY:INTERNAL=${root:?}" "$folder/CMakeCache.txt"; then fresh=--fresh; fi
     if [ -n "$fresh" ] || [ ! -e "$folder/build.ninja" ] || [ "$root/CMakePresets.json" -nt "$folder/build.ninja" ]; then
         quietly env -C "$root" cmake --preset "$preset" -B "$folder" $fresh "$@" || return
