@@ -193,6 +193,21 @@ TEST(zoConfigFileTest, KeepsWhatItDoesNotChange)
               theConfig.Text());
 }
 
+TEST(zoConfigFileTest, ANewSectionComesAfterAnEmptyLine)
+{
+    const std::pair<std::string, const char*> kCases[] = {
+        { "", "" },          { "\n", "" },        { "[a]", "\n\n" }, { "[a]\n\n", "" }, { "[a]\r\n\r\n", "" },
+        { "#\r\n", "\r\n" }, { "k=v\n\n\n", "" }, { "\r", "\n" },
+    };
+    for (const auto& [theText, theBetween] : kCases)
+    {
+        Config theConfig(theText);
+        theConfig.Set("b", "k", "v");
+        const std::string theLineEnd = theText.find("\r\n") != theText.npos ? "\r\n" : "\n";
+        EXPECT_EQ(theText + theBetween + "[b]" + theLineEnd + "k=v" + theLineEnd, theConfig.Text());
+    }
+}
+
 TEST(zoConfigFileTest, AKeyThatBecomesTheFirstKeepsItsByteOrderMark)
 {
     Config theConfig("k=1\n\xEF\xBB\xBFk=2\n");

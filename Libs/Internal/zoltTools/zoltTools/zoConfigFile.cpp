@@ -1,43 +1,27 @@
 #include <zoltTools/zoConfigFile.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Append.h>
+#include <Shared/LogMessage.h>
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
-#include <zoLog/Log.h>
+#include <zoltTools/Private/zoConfigFileLines.h>
 #include <zoltTools/Private/zoConfigFileStorage.h>
 #include <zoltTools/Private/zoConfigFileText.h>
 #include <zoltTools/zoBuffer.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoMemory.h>
 
-// A configuration is the list of its lines, as they are written, and beside it the sections with their keys, each of
-// which knows the line that it comes from. So a line that nobody changes keeps its bytes.
+using ConfigFile::Line;
+
+// A configuration is the list of its lines, as they are written, and the sections with their keys, each of which knows
+// the line that it comes from.
 
 namespace
 {
 
-enum LineEnd : uint8
-{
-    kLineEnd_None, // of the last line of a text
-    kLineEnd_CR,   // of the last line of a text, half a line end
-    kLineEnd_LF,
-    kLineEnd_CRLF
-};
-
-const char kByteOrderMark[] = "\xEF\xBB\xBF";
-
-struct Line
-{
-    Line* mPrevious;
-    Line* mNext;
-    const char* mText; // without the line end; a piece of the text that was loaded, or the line's own
-    size_t mLength;
-    size_t mValueOffset; // of a key's line
-    Line* mSameKey;      // the line before this one with the same key
-    LineEnd mEnd;
-    bool mfOwnsText;
-};
-
-// A key's line, the last one if there are several: the one that counts. Its value stands behind the record.
+// The last line of a key: the one that counts. The key's value follows the record.
 struct Entry
 {
     Line* mLine;
@@ -45,8 +29,8 @@ struct Entry
 
 struct Section
 {
-    zoCustomHashTable* mEntries; // of Entry
-    Line* mLastLine;             // behind which a new key goes; NULL: at the begin
+    zoCustomHashTable* mEntries; // of Entry; NULL until there is one
+    Line* mLastLine;             // after which a new key goes; NULL: at the beginning
     bool mfHasHeader;
 };
 
@@ -55,12 +39,8 @@ struct Section
 struct zoConfigFile
 {
     char* mPath; // NULL: in memory only
-    char* mText; // what was loaded
     bool mfIsLoaded;
-    bool mfHasByteOrderMark;
-    LineEnd mLineEnd; // of new lines
-    Line* mFirst;
-    Line* mLast;
+    ConfigFile::Lines mLines;
     zoCustomHashTable* mSections; // of Section
 };
 
@@ -78,17 +58,34 @@ static Record* FindRecord(const zoCustomHashTable* aTable, const char* aKey)
     return reinterpret_cast<Record*>(const_cast<char*>(zoCustomHashTable_Get(aTable, aKey)));
 }
 
-static const char* ValueOf(const Entry* anEntry) { return reinterpret_cast<const char*>(anEntry + 1); }
+static char* ValueOf(Entry* anEntry) { return reinterpret_cast<char*>(anEntry + 1); }
 
-// Puts a key's value and line in the place of what it had.
-static void PutEntry(Section* aSection, const char* aKey, const char* aValue, Line* aLine)
+static Entry* NewEntry(Line* aLine, size_t aValueLength)
 {
-    const size_t theSize = strlen(aValue) + 1;
-    const Entry theEntry = { aLine };
-    char* theRecord = static_cast<char*>(zoMalloc(sizeof(theEntry) + theSize));
-    memcpy(theRecord, &theEntry, sizeof(theEntry));
-    memcpy(theRecord + sizeof(theEntry), aValue, theSize);
-    zoCustomHashTable_AddValueAllocated(aSection->mEntries, aKey, theRecord);
+    const size_t theSize = Shared::AddSizes(sizeof(Entry) + 1, aValueLength);
+    Entry* theEntry = static_cast<Entry*>(zoMalloc(theSize));
+    theEntry->mLine = aLine;
+    return theEntry;
+}
+
+static Entry* NewEntryWithValue(Line* aLine, const char* aValue)
+{
+    const size_t theLength = strlen(aValue);
+    Entry* theEntry = NewEntry(aLine, theLength);
+    memcpy(ValueOf(theEntry), aValue, theLength + 1);
+    return theEntry;
+}
+
+static Entry* FindEntry(const Section* aSection, const char* aKey)
+{
+    return aSection && aKey ? FindRecord<Entry>(aSection->mEntries, aKey) : nullptr;
+}
+
+// Takes the entry over, and replaces the one that the key had.
+static void PutEntry(Section* aSection, const char* aKey, Entry* anEntry)
+{
+    if (!aSection->mEntries) { aSection->mEntries = zoCustomHashTable_New_String_String(); }
+    zoCustomHashTable_AddValueAllocated(aSection->mEntries, aKey, reinterpret_cast<char*>(anEntry));
 }
 
 static Section* FindSection(const zoConfigFile* aConfigFile, const char* aSection)
@@ -101,182 +98,108 @@ static Section* FindOrAddSection(zoConfigFile* aConfigFile, const char* aSection
     Section* theSection = FindSection(aConfigFile, aSection);
     if (theSection) { return theSection; }
     theSection = static_cast<Section*>(zoMallocZeroed(sizeof(Section)));
-    theSection->mEntries = zoCustomHashTable_New_String_String();
     zoCustomHashTable_AddValueAllocated(aConfigFile->mSections, aSection, reinterpret_cast<char*>(theSection));
     return theSection;
 }
 
-// ---- Lines ----
-
-static void LinkBehind(zoConfigFile* aConfigFile, Line* aPrevious, Line* aLine)
-{
-    Line* theNext = aPrevious ? aPrevious->mNext : aConfigFile->mFirst;
-    aLine->mPrevious = aPrevious;
-    aLine->mNext = theNext;
-    (aPrevious ? aPrevious->mNext : aConfigFile->mFirst) = aLine;
-    (theNext ? theNext->mPrevious : aConfigFile->mLast) = aLine;
-}
-
-static void FreeText(Line* aLine)
-{
-    if (aLine->mfOwnsText) { free(const_cast<char*>(aLine->mText)); }
-}
-
-// Takes the text over.
-static void SetText(Line* aLine, zoBuffer* aText)
-{
-    FreeText(aLine);
-    zoBuffer_Append(aText, "", 1);
-    aLine->mLength = aText->mPos - 1;
-    aLine->mText = zoBuffer_TakeOwnership(aText, nullptr, nullptr);
-    aLine->mfOwnsText = true;
-    zoBuffer_Delete(aText);
-}
-
-// A new line of its own behind another; takes the text over.
-static Line* AddLine(zoConfigFile* aConfigFile, Line* aPrevious, zoBuffer* aText)
-{
-    Line* theLine = static_cast<Line*>(zoMallocZeroed(sizeof(Line)));
-    theLine->mEnd = aConfigFile->mLineEnd;
-    SetText(theLine, aText);
-    LinkBehind(aConfigFile, aPrevious, theLine);
-    return theLine;
-}
-
-static void FreeLine(Line* aLine)
-{
-    FreeText(aLine);
-    free(aLine);
-}
-
-static void RemoveLine(zoConfigFile* aConfigFile, Line* aLine)
-{
-    (aLine->mPrevious ? aLine->mPrevious->mNext : aConfigFile->mFirst) = aLine->mNext;
-    (aLine->mNext ? aLine->mNext->mPrevious : aConfigFile->mLast) = aLine->mPrevious;
-    FreeLine(aLine);
-}
-
 // ---- Loading ----
 
-// The section whose header the trimmed text of a line is; NULL when it is none.
-static Section* ReadHeader(zoConfigFile* aConfigFile, const char* aText, size_t aLength)
+namespace
 {
-    const char* theEnd = static_cast<const char*>(memchr(aText, ']', aLength));
-    if (!theEnd) { return nullptr; }
-    const char* theName = aText + 1;
-    size_t theNameLength = static_cast<size_t>(theEnd - theName);
-    zoConfigFileText_Trim(&theName, &theNameLength);
-    char* theSectionName = zoConfigFileText_NewUnescaped(theName, theNameLength, true);
-    Section* theSection = FindOrAddSection(aConfigFile, theSectionName);
-    theSection->mfHasHeader = true;
-    free(theSectionName);
-    return theSection;
+
+struct Loader
+{
+    zoConfigFile* mConfigFile;
+    Section* mSection; // that the lines so far are in; NULL before the first one
+    Line* mOthers;     // lines without key and header just before; NULL: there are none
+    zoBuffer* mName;   // the last name that was read
+};
+
+} // namespace
+
+static std::string_view Trimmed(std::string_view aText) { return Shared::Trim(aText, Shared::IsBlank); }
+
+static const char* ReadName(Loader* aLoader, std::string_view aText)
+{
+    aLoader->mName->mPos = 0;
+    char* theName = Shared::Reserve(aLoader->mName, Shared::AddSizes(aText.size(), 1));
+    ConfigFile::Unescape(aText, true, theName);
+    return theName;
 }
 
-// Whether the line has a key; it then is one of the section, or of "" for NULL.
-static bool ReadKey(zoConfigFile* aConfigFile, Section** aSection, Line* aLine)
+static Line* LoadLine(Loader* aLoader, std::string_view aLine)
 {
-    const char* theEqualSign = static_cast<const char*>(memchr(aLine->mText, '=', aLine->mLength));
-    if (!theEqualSign) { return false; }
-    const char* theName = aLine->mText;
-    size_t theNameLength = static_cast<size_t>(theEqualSign - theName);
-    const char* theValue = theEqualSign + 1;
-    size_t theValueLength = static_cast<size_t>(aLine->mText + aLine->mLength - theValue);
-    zoConfigFileText_Trim(&theName, &theNameLength);
-    zoConfigFileText_Trim(&theValue, &theValueLength);
-    aLine->mValueOffset = static_cast<size_t>(theValue - aLine->mText);
+    aLoader->mOthers = nullptr;
+    return ConfigFile::AppendLoadedLine(&aLoader->mConfigFile->mLines, aLine);
+}
 
-    if (!*aSection) { *aSection = FindOrAddSection(aConfigFile, ""); }
-    char* theKey = zoConfigFileText_NewUnescaped(theName, theNameLength, true);
-    char* theText = zoConfigFileText_NewUnescaped(theValue, theValueLength, false);
-    const Entry* theEntry = FindRecord<Entry>((*aSection)->mEntries, theKey);
-    aLine->mSameKey = theEntry ? theEntry->mLine : nullptr;
-    PutEntry(*aSection, theKey, theText, aLine);
-    free(theText);
-    free(theKey);
-    return true;
+// Neighbours share one record: there may be as many of them as bytes.
+static void LoadOther(Loader* aLoader, std::string_view aLine)
+{
+    if (aLoader->mOthers) { aLoader->mOthers->mLength += aLine.size(); }
+    else { aLoader->mOthers = LoadLine(aLoader, aLine); }
+}
+
+static void LoadHeader(Loader* aLoader, std::string_view aName, std::string_view aLine)
+{
+    aLoader->mSection = FindOrAddSection(aLoader->mConfigFile, ReadName(aLoader, aName));
+    aLoader->mSection->mfHasHeader = true;
+    aLoader->mSection->mLastLine = LoadLine(aLoader, aLine);
+}
+
+static void LoadKey(Loader* aLoader, std::string_view aName, std::string_view aValue, std::string_view aLine)
+{
+    if (!aLoader->mSection) { aLoader->mSection = FindOrAddSection(aLoader->mConfigFile, ""); }
+    Section* theSection = aLoader->mSection;
+    const char* theKey = ReadName(aLoader, aName);
+    const Entry* theBefore = FindEntry(theSection, theKey);
+    Line* theLine = LoadLine(aLoader, aLine);
+    theLine->mSameKey = theBefore ? theBefore->mLine : nullptr;
+    theSection->mLastLine = theLine;
+    Entry* theEntry = NewEntry(theLine, aValue.size());
+    ConfigFile::Unescape(aValue, false, ValueOf(theEntry));
+    PutEntry(theSection, theKey, theEntry);
 }
 
 // Finds out what a line says, in the section that the lines before it are in.
-static void ReadLine(zoConfigFile* aConfigFile, Section** aSection, Line* aLine)
+static void ReadLine(Loader* aLoader, std::string_view aLine)
 {
-    const char* theText = aLine->mText;
-    size_t theLength = aLine->mLength;
-    zoConfigFileText_Trim(&theText, &theLength);
-    if (theLength == 0 || *theText == '#' || *theText == ';' || memchr(theText, '\0', theLength)) { return; }
-    if (*theText == '[')
-    {
-        Section* theSection = ReadHeader(aConfigFile, theText, theLength);
-        if (!theSection) { return; }
-        *aSection = theSection;
-    }
-    else if (!ReadKey(aConfigFile, aSection, aLine)) { return; }
-    (*aSection)->mLastLine = aLine;
-}
-
-// Cuts the next line off the text.
-static Line* TakeLine(const char** aText, const char* anEnd)
-{
-    Line* theLine = static_cast<Line*>(zoMallocZeroed(sizeof(Line)));
-    const char* theLineFeed = static_cast<const char*>(memchr(*aText, '\n', static_cast<size_t>(anEnd - *aText)));
-    theLine->mText = *aText;
-    theLine->mLength = static_cast<size_t>((theLineFeed ? theLineFeed : anEnd) - *aText);
-    theLine->mEnd = theLineFeed ? kLineEnd_LF : kLineEnd_None;
-    *aText = theLineFeed ? theLineFeed + 1 : anEnd;
-    if (theLine->mLength > 0 && theLine->mText[theLine->mLength - 1] == '\r')
-    {
-        --theLine->mLength;
-        theLine->mEnd = theLineFeed ? kLineEnd_CRLF : kLineEnd_CR;
-    }
-    return theLine;
-}
-
-static bool BeginsWithMark(const char* aText, size_t aLength)
-{
-    const size_t theMarkLength = strlen(kByteOrderMark);
-    return aLength >= theMarkLength && memcmp(aText, kByteOrderMark, theMarkLength) == 0;
+    const std::string_view theText = Trimmed(ConfigFile::ContentOf(aLine));
+    const char theFirst = theText.empty() ? '#' : theText.front();
+    const bool fIsHeader = theFirst == '[';
+    const size_t theEnd = theText.find(fIsHeader ? ']' : '=');
+    const bool fSaysNothing = theFirst == '#' || theFirst == ';' || theEnd == theText.npos;
+    if (fSaysNothing || theText.find('\0') != theText.npos) { LoadOther(aLoader, aLine); }
+    else if (fIsHeader) { LoadHeader(aLoader, Trimmed(theText.substr(1, theEnd - 1)), aLine); }
+    else { LoadKey(aLoader, Trimmed(theText.substr(0, theEnd)), Trimmed(theText.substr(theEnd + 1)), aLine); }
 }
 
 // Takes the text over.
-static void Load(zoConfigFile* aConfigFile, char* aText, size_t aLength)
-{
-    const char* theText = aText;
-    const char* theEnd = aText + aLength;
-    aConfigFile->mText = aText;
-    aConfigFile->mfHasByteOrderMark = BeginsWithMark(aText, aLength);
-    if (aConfigFile->mfHasByteOrderMark) { theText += strlen(kByteOrderMark); }
-    Section* theSection = nullptr;
-    while (theText < theEnd)
-    {
-        Line* theLine = TakeLine(&theText, theEnd);
-        LinkBehind(aConfigFile, aConfigFile->mLast, theLine);
-        ReadLine(aConfigFile, &theSection, theLine);
-    }
-    const bool fIsCRLF = aConfigFile->mFirst && aConfigFile->mFirst->mEnd == kLineEnd_CRLF;
-    aConfigFile->mLineEnd = fIsCRLF ? kLineEnd_CRLF : kLineEnd_LF;
-}
-
 static zoConfigFile* New(const char* aPath, char* aText, size_t aLength)
 {
     zoConfigFile* theConfigFile = static_cast<zoConfigFile*>(zoMallocZeroed(sizeof(zoConfigFile)));
     theConfigFile->mPath = zoStrdup(aPath);
     theConfigFile->mSections = zoCustomHashTable_New_String_String();
     theConfigFile->mfIsLoaded = aText != nullptr;
-    Load(theConfigFile, aText ? aText : zoStrdup(""), aLength);
+    Loader theLoader = { theConfigFile, nullptr, nullptr, zoBuffer_New(64) };
+    std::string_view theText = ConfigFile::BeginLines(&theConfigFile->mLines, aText, aLength);
+    while (!theText.empty())
+        ReadLine(&theLoader, ConfigFile::TakeLine(&theText));
+    zoBuffer_Delete(theLoader.mName);
     return theConfigFile;
 }
 
 zoConfigFile* zoConfigFile_New(const char* aPath)
 {
     size_t theLength = 0;
-    char* theText = aPath ? zoConfigFileStorage_Read(aPath, &theLength) : zoStrdup("");
+    char* theText = aPath ? ConfigFile::Read(aPath, &theLength) : zoStrdup("");
     return New(aPath, theText, theLength);
 }
 
 zoConfigFile* zoConfigFile_NewFromText(const char* aText, size_t aLength)
 {
     const size_t theLength = aText ? aLength : 0;
-    char* theText = static_cast<char*>(zoMalloc(theLength + 1));
+    char* theText = static_cast<char*>(zoMalloc(theLength));
     if (theLength > 0) { memcpy(theText, aText, theLength); }
     return New(nullptr, theText, theLength);
 }
@@ -289,77 +212,39 @@ void zoConfigFile_Delete(zoConfigFile* aConfigFile)
     for (size_t i = 0; i < zoCustomHashTable_GetTupleCount(aConfigFile->mSections); ++i)
         zoCustomHashTable_Delete(RecordAt<Section>(aConfigFile->mSections, i)->mEntries);
     zoCustomHashTable_Delete(aConfigFile->mSections);
-    for (Line* theLine = aConfigFile->mFirst; theLine;)
-    {
-        Line* theNext = theLine->mNext;
-        FreeLine(theLine);
-        theLine = theNext;
-    }
-    free(aConfigFile->mText);
+    ConfigFile::FreeLines(&aConfigFile->mLines);
     free(aConfigFile->mPath);
     free(aConfigFile);
 }
 
 // ---- Saving ----
 
-// How a line ends that another one follows, even if it was the last one before.
-static LineEnd WholeEnd(const zoConfigFile* aConfigFile, const Line* aLine)
-{
-    switch (aLine->mEnd)
-    {
-    case kLineEnd_None: return aConfigFile->mLineEnd;
-    case kLineEnd_CR: return kLineEnd_CRLF;
-    default: return aLine->mEnd;
-    }
-}
-
-// A mark of a line that has become the first is part of what the line says: one more is skipped in its place.
-static bool NeedsByteOrderMark(const zoConfigFile* aConfigFile)
-{
-    const Line* theFirst = aConfigFile->mFirst;
-    return aConfigFile->mfHasByteOrderMark || (theFirst && BeginsWithMark(theFirst->mText, theFirst->mLength));
-}
-
 char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength)
 {
-    static const char* const kLineEnds[] = { "", "\r", "\n", "\r\n" };
-    zoBuffer* theBuffer = zoBuffer_New(1024);
-    if (aConfigFile && NeedsByteOrderMark(aConfigFile)) { zoBuffer_AppendStr(theBuffer, kByteOrderMark); }
-    for (const Line* theLine = aConfigFile ? aConfigFile->mFirst : nullptr; theLine; theLine = theLine->mNext)
-    {
-        zoBuffer_Append(theBuffer, theLine->mText, theLine->mLength);
-        zoBuffer_AppendStr(theBuffer, kLineEnds[theLine->mNext ? WholeEnd(aConfigFile, theLine) : theLine->mEnd]);
-    }
-    if (aLength) { *aLength = theBuffer->mPos; }
-    zoBuffer_Append(theBuffer, "", 1);
-    char* theText = zoBuffer_TakeOwnership(theBuffer, nullptr, nullptr);
-    zoBuffer_Delete(theBuffer);
+    static const ConfigFile::Lines kNone = {};
+    size_t theLength = 0;
+    char* theText = ConfigFile::NewTextOf(aConfigFile ? &aConfigFile->mLines : &kNone, &theLength);
+    if (aLength) { *aLength = theLength; }
     return theText;
 }
 
-static void LogNotLoaded(const char* aPath)
+static int LogNotLoaded(const char* aPath)
 {
-    zoLogRecord_t* theRecord = zoLog_Begin(ZOLOGLEVEL_ERROR, ZOLOG_M_DEFAULT);
-    if (!theRecord) { return; }
-    zoLog_SetLocation(theRecord, __FILE__, __LINE__);
-    zoLog_Append_F(theRecord, "zoConfigFile: '%s' could not be read and is not replaced\n", aPath);
-    zoLog_End(theRecord);
+    Shared::LogMessage(ZOLOGLEVEL_ERROR, ZOLOG_M_DEFAULT, __FILE__, __LINE__,
+                       "zoConfigFile: '%s' could not be read and is not replaced\n", aPath);
+    return 0;
 }
 
 int zoConfigFile_Save(zoConfigFile* aConfigFile)
 {
     if (!aConfigFile) { return 0; }
     if (!aConfigFile->mPath) { return 1; }
-    if (!aConfigFile->mfIsLoaded)
-    {
-        LogNotLoaded(aConfigFile->mPath);
-        return 0;
-    }
+    if (!aConfigFile->mfIsLoaded) { return LogNotLoaded(aConfigFile->mPath); }
     size_t theLength = 0;
     char* theText = zoConfigFile_GetText(aConfigFile, &theLength);
-    const int theResult = zoConfigFileStorage_Replace(aConfigFile->mPath, theText, theLength);
+    const bool fIsSaved = ConfigFile::Replace(aConfigFile->mPath, theText, theLength);
     free(theText);
-    return theResult;
+    return fIsSaved;
 }
 
 // ---- Asking ----
@@ -367,8 +252,7 @@ int zoConfigFile_Save(zoConfigFile* aConfigFile)
 const char* zoConfigFile_GetString(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                    const char* aDefaultValue)
 {
-    const Section* theSection = FindSection(aConfigFile, aSection);
-    const Entry* theEntry = theSection && aKey ? FindRecord<Entry>(theSection->mEntries, aKey) : nullptr;
+    Entry* theEntry = FindEntry(FindSection(aConfigFile, aSection), aKey);
     return theEntry ? ValueOf(theEntry) : aDefaultValue;
 }
 
@@ -396,23 +280,22 @@ const char* zoConfigFile_GetKeyAt(const zoConfigFile* aConfigFile, const char* a
 
 // ---- Setting ----
 
-// A section that is new to the file stands at its end, behind an empty line.
+// A section that is new to the file goes to its end, after an empty line.
 static Section* FindOrWriteSection(zoConfigFile* aConfigFile, const char* aSection)
 {
     Section* theSection = FindSection(aConfigFile, aSection);
     if (theSection) { return theSection; }
     theSection = FindOrAddSection(aConfigFile, aSection);
     if (*aSection == '\0') { return theSection; }
-    if (aConfigFile->mLast && aConfigFile->mLast->mLength > 0)
-    {
-        AddLine(aConfigFile, aConfigFile->mLast, zoBuffer_New(1));
-    }
+    ConfigFile::Lines* theLines = &aConfigFile->mLines;
+    if (!ConfigFile::EndsWithEmptyLine(theLines)) { ConfigFile::InsertLine(theLines, theLines->mLast, ""); }
     zoBuffer* theHeader = zoBuffer_New(strlen(aSection) + 8);
-    zoBuffer_AppendStr(theHeader, "[");
-    zoConfigFileText_AppendEscaped(theHeader, aSection, true);
-    zoBuffer_AppendStr(theHeader, "]");
-    theSection->mLastLine = AddLine(aConfigFile, aConfigFile->mLast, theHeader);
+    Shared::AppendLiteral(theHeader, "[");
+    ConfigFile::AppendEscaped(theHeader, aSection, true);
+    Shared::AppendLiteral(theHeader, "]");
+    theSection->mLastLine = ConfigFile::InsertLine(theLines, theLines->mLast, { theHeader->mPtr, theHeader->mPos });
     theSection->mfHasHeader = true;
+    zoBuffer_Delete(theHeader);
     return theSection;
 }
 
@@ -420,36 +303,46 @@ static void AddKey(zoConfigFile* aConfigFile, const char* aSection, const char* 
 {
     Section* theSection = FindOrWriteSection(aConfigFile, aSection);
     zoBuffer* theText = zoBuffer_New(strlen(aKey) + strlen(aValue) + 8);
-    zoConfigFileText_AppendEscaped(theText, aKey, true);
-    zoBuffer_AppendStr(theText, "=");
-    const size_t theValueOffset = theText->mPos;
-    zoConfigFileText_AppendEscaped(theText, aValue, false);
-    Line* theLine = AddLine(aConfigFile, theSection->mLastLine, theText);
-    theLine->mValueOffset = theValueOffset;
-    theSection->mLastLine = theLine;
-    PutEntry(theSection, aKey, aValue, theLine);
+    ConfigFile::AppendEscaped(theText, aKey, true);
+    Shared::AppendLiteral(theText, "=");
+    ConfigFile::AppendEscaped(theText, aValue, false);
+    theSection->mLastLine =
+        ConfigFile::InsertLine(&aConfigFile->mLines, theSection->mLastLine, { theText->mPtr, theText->mPos });
+    PutEntry(theSection, aKey, NewEntryWithValue(theSection->mLastLine, aValue));
+    zoBuffer_Delete(theText);
 }
 
-// What stands before the value in its line stays.
-static void ChangeKey(Section* aSection, const char* aKey, const char* aValue, Line* aLine)
+// What a key's line has before its value: name, equal sign and blanks.
+static std::string_view BeforeValue(const Line* aLine)
 {
-    zoBuffer* theText = zoBuffer_New(aLine->mValueOffset + strlen(aValue) + 8);
-    zoBuffer_Append(theText, aLine->mText, aLine->mValueOffset);
-    zoConfigFileText_AppendEscaped(theText, aValue, false);
-    SetText(aLine, theText);
-    PutEntry(aSection, aKey, aValue, aLine);
+    const std::string_view theContent = ConfigFile::ContentOf(aLine);
+    const size_t theAfterName = theContent.find('=') + 1;
+    const std::string_view theValue = Trimmed(theContent.substr(theAfterName));
+    return theContent.substr(0, static_cast<size_t>(theValue.data() - theContent.data()));
+}
+
+static void ChangeKey(zoConfigFile* aConfigFile, Section* aSection, const char* aKey, const char* aValue)
+{
+    Line* theLine = FindEntry(aSection, aKey)->mLine;
+    const std::string_view theBeginning = BeforeValue(theLine);
+    zoBuffer* theText = zoBuffer_New(theBeginning.size() + strlen(aValue) + 8);
+    Shared::Append(theText, theBeginning);
+    ConfigFile::AppendEscaped(theText, aValue, false);
+    Line* theChanged = ConfigFile::ReplaceLine(&aConfigFile->mLines, theLine, { theText->mPtr, theText->mPos });
+    if (aSection->mLastLine == theLine) { aSection->mLastLine = theChanged; }
+    PutEntry(aSection, aKey, NewEntryWithValue(theChanged, aValue));
+    zoBuffer_Delete(theText);
 }
 
 // Removes all lines of the key; new keys of its section go where they were.
 static void RemoveKey(zoConfigFile* aConfigFile, const char* aSection, const char* aKey)
 {
     Section* theSection = FindSection(aConfigFile, aSection);
-    const Entry* theEntry = FindRecord<Entry>(theSection->mEntries, aKey);
-    for (Line* theLine = theEntry->mLine; theLine;)
+    for (Line* theLine = FindEntry(theSection, aKey)->mLine; theLine;)
     {
         Line* theSameKey = theLine->mSameKey;
         if (theSection->mLastLine == theLine) { theSection->mLastLine = theLine->mPrevious; }
-        RemoveLine(aConfigFile, theLine);
+        ConfigFile::RemoveLine(&aConfigFile->mLines, theLine);
         theLine = theSameKey;
     }
     zoCustomHashTable_Remove(theSection->mEntries, aKey);
@@ -462,12 +355,8 @@ void zoConfigFile_SetString(zoConfigFile* aConfigFile, const char* aSection, con
 {
     if (!aConfigFile || !aSection || !aKey) { return; }
     Section* theSection = FindSection(aConfigFile, aSection);
-    const Entry* theEntry = theSection ? FindRecord<Entry>(theSection->mEntries, aKey) : nullptr;
-    if (!aValue)
-    {
-        if (theEntry) { RemoveKey(aConfigFile, aSection, aKey); }
-        return;
-    }
-    if (!theEntry) { AddKey(aConfigFile, aSection, aKey, aValue); }
-    else if (strcmp(ValueOf(theEntry), aValue) != 0) { ChangeKey(theSection, aKey, aValue, theEntry->mLine); }
+    Entry* theEntry = FindEntry(theSection, aKey);
+    if (!theEntry && aValue) { AddKey(aConfigFile, aSection, aKey, aValue); }
+    else if (theEntry && !aValue) { RemoveKey(aConfigFile, aSection, aKey); }
+    else if (theEntry && strcmp(ValueOf(theEntry), aValue) != 0) { ChangeKey(aConfigFile, theSection, aKey, aValue); }
 }

@@ -1,6 +1,7 @@
 #include <zoltTools/Private/zoConfigFileStorage.h>
 
 #include <Shared/LogMessage.h>
+#include <Shared/Sizes.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -12,14 +13,17 @@
 #include <zoltTools/Private/zoConfigFileTemporary.h>
 #include <zoltTools/zoMemory.h>
 
+namespace ConfigFile
+{
+
 static const mode_t kNewFileMode = 0644;
 
-// Logs errno. The result is 0, so that a caller can give up with it.
-static int Complain(const char* aPath, const char* anOperation)
+// Logs errno. The result is false, so that a caller can give up with it.
+static bool Complain(const char* aPath, const char* anOperation)
 {
     Shared::LogMessage(ZOLOGLEVEL_ERROR, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "zoConfigFile: '%s' can't be %s: %s\n",
                        aPath, anOperation, strerror(errno));
-    return 0;
+    return false;
 }
 
 // ---- Reading ----
@@ -32,25 +36,23 @@ static char* GiveUp(char* aBytes, int anError)
 }
 
 // All that the descriptor has left; NULL with errno when reading fails.
-static char* ReadAll(int aDescriptor, size_t* aLength)
+static char* ReadAll(int aDescriptor, off_t anExpectedSize, size_t* aLength)
 {
-    size_t theCapacity = 4096;
+    static const off_t kMaxExpected = 1 << 20; // a file that claims more has to show it
+    size_t theCapacity = static_cast<size_t>(anExpectedSize < kMaxExpected ? anExpectedSize : kMaxExpected) + 1;
     char* theBytes = static_cast<char*>(zoMalloc(theCapacity));
     for (*aLength = 0;;)
     {
-        if (theCapacity - *aLength < 2)
+        if (*aLength == theCapacity)
         {
-            if (theCapacity > SIZE_MAX / 2) { return GiveUp(theBytes, EFBIG); }
-            theCapacity *= 2;
-            theBytes = static_cast<char*>(zoRealloc(theBytes, theCapacity));
+            theCapacity = Shared::GrowCapacity(theCapacity, theCapacity + 1, 4096);
+            theBytes = Shared::ResizeArray(theBytes, theCapacity);
         }
-        const ssize_t theCount = read(aDescriptor, theBytes + *aLength, theCapacity - *aLength - 1);
+        const ssize_t theCount = read(aDescriptor, theBytes + *aLength, theCapacity - *aLength);
         if (theCount > 0) { *aLength += static_cast<size_t>(theCount); }
-        else if (theCount == 0) { break; }
+        else if (theCount == 0) { return theBytes; }
         else if (errno != EINTR) { return GiveUp(theBytes, errno); }
     }
-    theBytes[*aLength] = '\0';
-    return theBytes;
 }
 
 // False with errno for a folder, a pipe, a device.
@@ -61,14 +63,14 @@ static bool IsRegular(const struct stat& aStatus)
     return false;
 }
 
-char* zoConfigFileStorage_Read(const char* aPath, size_t* aLength)
+char* Read(const char* aPath, size_t* aLength)
 {
     *aLength = 0;
     const int theDescriptor = open(aPath, O_RDONLY | O_CLOEXEC | O_NONBLOCK); // nothing here waits for a pipe's writer
     if (theDescriptor < 0 && errno == ENOENT) { return static_cast<char*>(zoMallocZeroed(1)); }
     struct stat theStatus;
     const bool fCanRead = theDescriptor >= 0 && fstat(theDescriptor, &theStatus) == 0 && IsRegular(theStatus);
-    char* theBytes = fCanRead ? ReadAll(theDescriptor, aLength) : nullptr;
+    char* theBytes = fCanRead ? ReadAll(theDescriptor, theStatus.st_size, aLength) : nullptr;
     if (!theBytes) { Complain(aPath, "read"); }
     if (theDescriptor >= 0) { close(theDescriptor); }
     return theBytes;
@@ -162,8 +164,8 @@ static bool ReplaceIn(int aFolder, const char* aName, const char* aBytes, size_t
     struct stat theStatus;
     const struct stat* theOld = fstatat(aFolder, aName, &theStatus, AT_SYMLINK_NOFOLLOW) == 0 ? &theStatus : nullptr;
     if (theOld ? !IsRegular(*theOld) : errno != ENOENT) { return false; }
-    char theTemporary[kzoConfigFileTemporary_NameSize];
-    const int theDescriptor = zoConfigFileTemporary_New(aFolder, aName, ModeToBeginWith(theOld), theTemporary);
+    char theTemporary[kTemporaryNameSize];
+    const int theDescriptor = NewTemporary(aFolder, aName, ModeToBeginWith(theOld), theTemporary);
     if (theDescriptor < 0) { return false; }
     if (theOld) { KeepPermissions(theDescriptor, theOld); }
     const bool fIsReplaced = Write(aFolder, theTemporary, aName, theDescriptor, aBytes, aLength);
@@ -183,24 +185,26 @@ static int OpenFolder(const char* aPath, size_t aLength)
     return theFolder;
 }
 
-static int ReplaceTarget(const char* aTarget, const char* aBytes, size_t aLength)
+static bool ReplaceTarget(const char* aTarget, const char* aBytes, size_t aLength)
 {
     const char* theSlash = strrchr(aTarget, '/');
     const char* theName = theSlash ? theSlash + 1 : aTarget;
     const int theFolder = OpenFolder(aTarget, static_cast<size_t>(theName - aTarget));
     if (theFolder < 0) { return Complain(aTarget, "written"); }
-    int theResult = ReplaceIn(theFolder, theName, aBytes, aLength) || Complain(aTarget, "written");
+    bool fIsReplaced = ReplaceIn(theFolder, theName, aBytes, aLength) || Complain(aTarget, "written");
     // The new name has to last, too. Some file systems have nothing to flush there.
-    if (theResult && fsync(theFolder) != 0 && errno != EINVAL) { theResult = Complain(aTarget, "flushed"); }
+    if (fIsReplaced && fsync(theFolder) != 0 && errno != EINVAL) { fIsReplaced = Complain(aTarget, "flushed"); }
     close(theFolder);
-    return theResult;
+    return fIsReplaced;
 }
 
-int zoConfigFileStorage_Replace(const char* aPath, const char* aBytes, size_t aLength)
+bool Replace(const char* aPath, const char* aBytes, size_t aLength)
 {
     char* theTarget = ResolveLinks(aPath);
     if (!theTarget) { return Complain(aPath, "written"); }
-    const int theResult = ReplaceTarget(theTarget, aBytes, aLength);
+    const bool fIsReplaced = ReplaceTarget(theTarget, aBytes, aLength);
     free(theTarget);
-    return theResult;
+    return fIsReplaced;
 }
+
+} // namespace ConfigFile

@@ -11,18 +11,21 @@
 #include <zoltTools/zoMemory.h>
 #include <zoltTools/zoUUID.h>
 
+namespace ConfigFile
+{
+
 static const char kDigits[] = "0123456789ABCDEF";
 static const size_t kDigitCount = 16;
-static const size_t kPrefixSize = kzoConfigFileTemporary_NameSize - kDigitCount;
+static const size_t kPrefixSize = kTemporaryNameSize - kDigitCount;
 static const time_t kMaxAgeSeconds = 60; // of a file that may be in use, where locks do not tell
 
 // What the temporary files of a target begin with. The target's name is cut before a character, not in it.
 static void MakePrefix(const char* aTargetName, char aPrefix[kPrefixSize])
 {
-    size_t theLength = strnlen(aTargetName, kzoConfigFileTemporary_MaxTargetLength + 1);
-    if (theLength > kzoConfigFileTemporary_MaxTargetLength)
+    size_t theLength = strnlen(aTargetName, kMaxTargetLength + 1);
+    if (theLength > kMaxTargetLength)
     {
-        theLength = kzoConfigFileTemporary_MaxTargetLength;
+        theLength = kMaxTargetLength;
         while (theLength > 0 && (aTargetName[theLength] & 0xC0) == 0x80)
             --theLength;
     }
@@ -96,7 +99,7 @@ static void RemoveLeftOvers(int aFolder, const char* aPrefix, const char* aName,
     closedir(theFolder);
 }
 
-int zoConfigFileTemporary_New(int aFolder, const char* aTargetName, mode_t aMode, char* aName)
+int NewTemporary(int aFolder, const char* aTargetName, mode_t aMode, char aName[kTemporaryNameSize])
 {
     static const int kMaxTries = 100;
     char thePrefix[kPrefixSize];
@@ -119,3 +122,5 @@ int zoConfigFileTemporary_New(int aFolder, const char* aTargetName, mode_t aMode
     errno = EBUSY;
     return -1;
 }
+
+} // namespace ConfigFile

@@ -1,29 +1,15 @@
 #include <zoltTools/Private/zoConfigFileText.h>
 
-#include <string.h>
-#include <zoltTools/zoMemory.h>
+#include <Shared/Append.h>
+#include <Shared/Digits.h>
 
-static bool IsBlank(char aByte) { return aByte == ' ' || aByte == '\t'; }
-
-void zoConfigFileText_Trim(const char** aText, size_t* aLength)
+namespace ConfigFile
 {
-    for (; *aLength > 0 && IsBlank(**aText); --*aLength)
-        ++*aText;
-    while (*aLength > 0 && IsBlank((*aText)[*aLength - 1]))
-        --*aLength;
-}
-
-static int HexValue(char aDigit)
-{
-    if (aDigit >= '0' && aDigit <= '9') { return aDigit - '0'; }
-    const char theLetter = static_cast<char>(aDigit | 0x20);
-    return theLetter >= 'a' && theLetter <= 'f' ? theLetter - 'a' + 10 : -1;
-}
 
 namespace
 {
 
-// Letters behind a backslash, and what they stand for.
+// The letters after a backslash, and what they stand for.
 struct Escape
 {
     char mLetter;
@@ -34,64 +20,68 @@ const Escape kEscapes[] = { { '\\', '\\' }, { 'n', '\n' }, { 'r', '\r' }, { 't',
 
 } // namespace
 
-// The length of the escape that aLength bytes begin with, and the byte that it stands for; 0 when it is none.
-static size_t ReadEscape(const char* aText, size_t aLength, int afIsName, char* aByte)
+// The length of the escape that a text begins with, and the byte that it stands for; 0 when it begins with none.
+static size_t ReadEscape(std::string_view aText, bool afIsName, char* aByte)
 {
-    if (aLength < 2 || aText[0] != '\\') { return 0; }
+    if (aText.size() < 2 || aText[0] != '\\') { return 0; }
     for (const Escape& theEscape : kEscapes)
     {
         if (aText[1] != theEscape.mLetter) { continue; }
         *aByte = theEscape.mByte;
         return 2;
     }
-    if (!afIsName || aLength < 4 || aText[1] != 'x') { return 0; }
-    const int theHigh = HexValue(aText[2]);
-    const int theLow = HexValue(aText[3]);
-    if (theHigh < 0 || theLow < 0 || (theHigh | theLow) == 0) { return 0; } // a name has no NUL
-    *aByte = static_cast<char>(theHigh * 16 + theLow);
+    const int theByte = afIsName && aText.size() >= 4 && aText[1] == 'x' ? Shared::HexByteValue(&aText[2]) : -1;
+    if (theByte <= 0) { return 0; } // a name has no NUL
+    *aByte = static_cast<char>(theByte);
     return 4;
 }
 
-char* zoConfigFileText_NewUnescaped(const char* aText, size_t aLength, int afIsName)
+void Unescape(std::string_view aText, bool afIsName, char* aTarget)
 {
-    char* theText = static_cast<char*>(zoMalloc(aLength + 1));
-    char* theTarget = theText;
-    for (size_t i = 0; i < aLength; ++theTarget)
+    for (; !aText.empty(); ++aTarget)
     {
-        const size_t theEscapeLength = ReadEscape(aText + i, aLength - i, afIsName, theTarget);
-        if (theEscapeLength == 0) { *theTarget = aText[i]; }
-        i += theEscapeLength > 0 ? theEscapeLength : 1;
+        const size_t theEscapeLength = ReadEscape(aText, afIsName, aTarget);
+        if (theEscapeLength == 0) { *aTarget = aText[0]; }
+        aText.remove_prefix(theEscapeLength > 0 ? theEscapeLength : 1);
     }
-    *theTarget = '\0';
-    return theText;
+    *aTarget = '\0';
 }
 
-static bool NeedsHex(const char* aName, const char* aByte)
+// True if a byte of a name would end the name, or at its beginning make the line another one.
+static bool NeedsHex(char aByte, bool afIsFirst)
 {
-    return *aByte == '=' || *aByte == ']' || (aByte == aName && strchr("[#;\xEF", *aByte));
+    const std::string_view theSpecial = afIsFirst ? "=][#;\xEF" : "=]";
+    return theSpecial.find(aByte) != theSpecial.npos;
 }
 
 static void AppendHex(zoBuffer* aBuffer, char aByte)
 {
-    static const char kDigits[] = "0123456789ABCDEF";
-    const uint8 theByte = static_cast<uint8>(aByte);
-    const char theEscape[] = { '\\', 'x', kDigits[theByte >> 4], kDigits[theByte & 15] };
-    zoBuffer_Append(aBuffer, theEscape, sizeof(theEscape));
+    char theEscape[4] = { '\\', 'x' };
+    Shared::WriteHexByte(theEscape + 2, aByte);
+    Shared::Append(aBuffer, theEscape, sizeof(theEscape));
 }
 
-void zoConfigFileText_AppendEscaped(zoBuffer* aBuffer, const char* aText, int afIsName)
+// The letter for a byte that needs one; 0 for others.
+static char LetterFor(char aByte, bool afIsAtEnd)
 {
-    for (const char* theByte = aText; *theByte; ++theByte)
+    if (aByte == ' ' && !afIsAtEnd) { return 0; }
+    for (const Escape& theEscape : kEscapes)
     {
-        const Escape* theEscape = nullptr;
-        const bool fIsAtEnd = theByte == aText || theByte[1] == '\0';
-        for (const Escape& theCandidate : kEscapes)
-        {
-            if (*theByte == theCandidate.mByte && (*theByte != ' ' || fIsAtEnd)) { theEscape = &theCandidate; }
-        }
-        const char thePair[] = { '\\', theEscape ? theEscape->mLetter : '\0' };
-        if (theEscape) { zoBuffer_Append(aBuffer, thePair, sizeof(thePair)); }
-        else if (afIsName && NeedsHex(aText, theByte)) { AppendHex(aBuffer, *theByte); }
-        else { zoBuffer_Append(aBuffer, theByte, 1); }
+        if (aByte == theEscape.mByte) { return theEscape.mLetter; }
+    }
+    return 0;
+}
+
+void AppendEscaped(zoBuffer* aBuffer, std::string_view aText, bool afIsName)
+{
+    for (size_t i = 0; i < aText.size(); ++i)
+    {
+        const char theLetter = LetterFor(aText[i], i == 0 || i + 1 == aText.size());
+        const char thePair[] = { '\\', theLetter };
+        if (theLetter) { Shared::Append(aBuffer, thePair, sizeof(thePair)); }
+        else if (afIsName && NeedsHex(aText[i], i == 0)) { AppendHex(aBuffer, aText[i]); }
+        else { Shared::Append(aBuffer, &aText[i], 1); }
     }
 }
+
+} // namespace ConfigFile

@@ -8,27 +8,21 @@
 #include <sys/types.h>
 #include <zoOS/zoTypes.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
-enum
+namespace ConfigFile
 {
-    kzoConfigFileTemporary_MaxTargetLength =
-        100, /* of the target's name: together shorter than any file system's limit */
-    kzoConfigFileTemporary_NameSize = kzoConfigFileTemporary_MaxTargetLength + sizeof("..zoConfigFile-0123456789ABCDEF")
-};
+
+/** Of the target's name, which is cut to it: no file system's longest name is shorter than both together. */
+constexpr size_t kMaxTargetLength = 100;
+constexpr size_t kTemporaryNameSize = kMaxTargetLength + sizeof("..zoConfigFile-0123456789ABCDEF");
 
 /**
  * Makes a temporary file, locks it, and removes what others have left of the same target.
  * @param aFolder      a descriptor of the folder.
  * @param aTargetName  the name of the file that it will replace.
  * @param aMode        as open takes it.
- * @param aName        out: its name; kzoConfigFileTemporary_NameSize bytes.
+ * @param aName        out: its name.
  * @return a descriptor to write to, which holds the lock until it is closed; -1 with errno when that failed.
  */
-int zoConfigFileTemporary_New(int aFolder, const char* aTargetName, mode_t aMode, char* aName);
+int NewTemporary(int aFolder, const char* aTargetName, mode_t aMode, char aName[kTemporaryNameSize]);
 
-#ifdef __cplusplus
-}
-#endif
+} // namespace ConfigFile

@@ -1,21 +1,17 @@
 #pragma once
 
-/* How names and values stand in the lines of a configuration file. */
+/* How names and values are written in the lines of a configuration file. */
 
-#include <zoOS/zoTypes.h>
+#include <string_view>
 #include <zoltTools/zoBuffer.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
+namespace ConfigFile
+{
 
-/** Takes the blanks at its ends off a text. */
-void zoConfigFileText_Trim(const char** aText, size_t* aLength);
-/** @return what aLength bytes of a line mean as a name or a value: a new text, released with free. */
-char* zoConfigFileText_NewUnescaped(const char* aText, size_t aLength, int afIsName);
+/** Writes the name or value that a piece of a line stands for, and a NUL, to aTarget, which has room for aText.size() +
+ * 1 bytes. */
+void Unescape(std::string_view aText, bool afIsName, char* aTarget);
 /** Appends a name or a value so that it is read as what it is. */
-void zoConfigFileText_AppendEscaped(zoBuffer* aBuffer, const char* aText, int afIsName);
+void AppendEscaped(zoBuffer* aBuffer, std::string_view aText, bool afIsName);
 
-#ifdef __cplusplus
-}
-#endif
+} // namespace ConfigFile
