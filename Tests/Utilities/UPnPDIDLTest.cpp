@@ -291,6 +291,8 @@ TEST(UPnPDIDLParseTest, ReadsEntryFields)
         { "", "<x:a/>", 22, "", 0 },
         { " xmlns:a='1'", "<res xmlns:b='&amp;,' xmlns='no'/><p xmlns:a='2' XMLNS:c='no'/><XMLNS:c>3</XMLNS:c>",
           kCDSEntryInfo_XMLNS, "xmlns:a=\"1\",xmlns:b=\"&amp;\\,\",XMLNS:c=\"3\"", 0 },
+        { "", "<xmlns:a><![CDATA[x]]></xmlns:a><xmlns:b>&#65;&amp;\"<z/></xmlns:b>", kCDSEntryInfo_XMLNS,
+          "xmlns:a=\"x\",xmlns:b=\"A&amp;&quot;&lt;z/>\"", 0 },
         { " xmlns:a='say \"x\"'", "", kCDSEntryInfo_XMLNS, "xmlns:a=\"say &quot;x&quot;\"", 0 },
         { "", "", kCDSEntryInfo_XMLNS, "(none)", 0 },
     };
@@ -329,7 +331,7 @@ TEST(UPnPDIDLParseTest, ReadsResourceFields)
         { "dlna:lifetime='1:00'", kCDSResourceInfo_LifeTime, nullptr, 15 },
         { "dlna:lifetime='7'", kCDSResourceInfo_LifeTime, nullptr, 7 },
         { "dlna:trackTotal='0'", kCDSResourceInfo_TrackTotal, "(none)", 0 },
-        { "dlna:trackTotal='3'", kCDSResourceInfo_TrackTotal, nullptr, 3 },
+        { "dlna:trackTotal='1'", kCDSResourceInfo_TrackTotal, nullptr, 1 },
         { "dlna:ifoFileURI=''", kCDSResourceInfo_IFOFileURI, "", 0 },
         { "", kCDSResourceInfo_IFOFileURI, "(none)", 0 },
         { "importURI='a&#38;b'", kCDSResourceInfo_ImportURI, "a&b", 0 },
@@ -422,34 +424,84 @@ TEST(UPnPDIDLTest, SurvivesEveryCut)
     }
 }
 
-// Elements inside elements: memory stays a small multiple of the text, the innermost title and the outermost elements
-// are there, and tag numbers never come round again.
-// The start tag of the root, and the base URL, are there for each object or resource.
-TEST(UPnPDIDLTest, SharesLongTextsWithinBounds)
+namespace
 {
-    const std::string theRoot = "<DIDL-Lite " + Repeated("xmlns:long='declaration' ", 200);
-    const std::string theContent = Repeated("<res>a</res>", 1000);
+
+// An object that is parsed as one of many: the first element in its document's root.
+struct ParsedMember
+{
+    ParsedMember(std::string aText, const char* aBaseURL) : mText(std::move(aText)), mBaseURL(aBaseURL) {}
+    ~ParsedMember() { ILibDestructXMLNodeList(mNodes); }
+
+    std::string mText;
+    const char* mBaseURL;
+    ILibXMLNode* mNodes = ILibParseXML(mText.data(), 0, mText.size());
+    char* mData = nullptr; // belongs to mEntry
+    char* mRes = nullptr;  // belongs to mResources
+    int mResult = UPnPDIDL_Parse(mBaseURL, mNodes, mNodes->Next, nullptr, 1, &mData, &mRes);
+    PackedData mEntry = zoPackedData_NewData(mData);
+    PackedData mResources = zoPackedData_NewData(mRes);
+};
+
+std::string Declarations(const char* aPrefix, int aCount)
+{
+    std::string theText;
+    for (int i = 0; i < aCount; ++i)
+        theText += std::string(" xmlns:") + aPrefix + std::to_string(i) + "='" + std::to_string(i) + "'";
+    return theText;
+}
+
+} // namespace
+
+TEST(UPnPDIDLTest, InheritsDeclarationsWithinBounds)
+{
+    const std::string theQuotes(200, '"');
+    const std::string theLong(246, 'u'); // the longest that fits as the only one
     const struct
     {
-        size_t mRootLength;
-        std::string mContent;
-        bool mfInherits;
-    } kCases[] = { { 4000, "", true }, { 5000, "", false }, { 5000, theContent, true } };
+        std::string mRoot, mItem, mStored;
+    } kCases[] = {
+        { " xmlns:a='" + theLong + "'", "", "xmlns:a=\"" + theLong + "\"" },
+        { " xmlns:a='" + theLong + "u' xmlns:b=',' c='1' xmlns='d'", "", "xmlns=\"d\",xmlns:b=\"\\,\",c=\"1\"" },
+        { " xmlns:q='" + theQuotes + "' xmlns:b='2' xmlns='d'", "<q:r xmlns:q='3'/>",
+          "xmlns=\"d\",xmlns:b=\"2\",xmlns:q=\"3\"" },
+        { Declarations("n", 30) + " xmlns:y='2' xmlns:x='1'", "<p x:r='1'><y:r/></p>",
+          "xmlns:y=\"2\",xmlns:x=\"1\",xmlns:n0=\"0\"" },
+        { Declarations("n", 300) + Declarations("n", 300), "", "xmlns:n0=\"0\",xmlns:n1=\"1\"" },
+    };
     for (const auto& theCase : kCases)
     {
-        std::string theText = theRoot.substr(0, theCase.mRootLength / 25 * 25 + 11) + "><item>" + theCase.mContent +
-                              "</item></DIDL-Lite>";
-        ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
-        ASSERT_EQ(kILibProcessXML_NoError, ILibProcessXMLNodeList(theNodes));
-        char *theData = nullptr, *theRes = nullptr;
-        UPnPDIDL_Parse(("http://h/" + std::string(50000, 'x') + "/").c_str(), theNodes, theNodes->Next, nullptr, 1,
-                       &theData, &theRes);
-        ILibDestructXMLNodeList(theNodes);
-        const PackedData theEntry = zoPackedData_NewData(theData), theResources = zoPackedData_NewData(theRes);
-        EXPECT_EQ(theCase.mfInherits, TextOf(theEntry, 0, kCDSEntryInfo_XMLNS) != "(none)") << theCase.mRootLength;
-        EXPECT_EQ(theCase.mContent.empty() ? 0u : 1000u, zoPackedData_GetEntryCount(theResources));
-        EXPECT_LT(zoPackedData_GetMemoryUsage(theResources), 300000u);
-        EXPECT_NE("(none)", TextOf(ParsedObject(theText).mEntry, 0, kCDSEntryInfo_XMLNS)); // the only object has all
+        const std::string theText = "<DIDL-Lite" + theCase.mRoot + "><item>" + theCase.mItem + "</item></DIDL-Lite>";
+        const std::string theStored = TextOf(ParsedMember(theText, nullptr).mEntry, 0, kCDSEntryInfo_XMLNS);
+        EXPECT_EQ(theCase.mStored, theStored.substr(0, theCase.mStored.size())) << theCase.mRoot;
+        EXPECT_LE(theStored.size(), 256u);
+    }
+
+    // The only object of a document has all, each once.
+    const std::string theTwice =
+        "<DIDL-Lite" + Declarations("n", 99) + "><item" + Declarations("n", 99) + "/></DIDL-Lite>";
+    std::string theAll = Declarations("n", 99).substr(1);
+    std::replace(theAll.begin(), theAll.end(), ' ', ',');
+    std::replace(theAll.begin(), theAll.end(), '\'', '"');
+    EXPECT_EQ(theAll, TextOf(ParsedObject(theTwice).mEntry, 0, kCDSEntryInfo_XMLNS));
+}
+
+// A URI becomes absolute or stays as it is; none is lost.
+TEST(UPnPDIDLTest, MakesURIsAbsoluteWithinBounds)
+{
+    static const std::tuple<size_t, size_t> kCases[] = { { 411, 9 }, { 1024, 3 }, { 1025, 0 } };
+    for (const auto& [theBaseLength, theExpected] : kCases)
+    {
+        const std::string theBase = "http://h/" + std::string(theBaseLength - 10, 'x') + "/";
+        const ParsedMember theObject("<a>" + Item("", Repeated("<res>u</res>", 20)) + "</a>", theBase.c_str());
+        size_t theCount = 0;
+        for (uint32 i = 0; i < 20; ++i)
+        {
+            const std::string theURI = TextOf(theObject.mResources, i, kCDSResourceInfo_URI);
+            theCount += theURI == theBase + "u";
+            EXPECT_TRUE(theURI == "u" || theURI == theBase + "u") << theURI;
+        }
+        EXPECT_EQ(theExpected, theCount) << theBaseLength;
     }
 }
 
@@ -478,8 +530,8 @@ TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
     std::string theMany;
     for (int i = 0; i < 33000; ++i)
         theMany += "<x:e>" + std::to_string(i) + "</x:e>";
-    const ParsedObject theObject(Item("", theMany + "<dc:title>t</dc:title>"));
-    EXPECT_EQ("t", TextOf(theObject.mEntry, 0, kCDSEntryInfo_Title));
+    const ParsedObject theObject(Item("", theMany + "<dc:title>t&amp;u</dc:title>"));
+    EXPECT_EQ("t&u", TextOf(theObject.mEntry, 0, kCDSEntryInfo_Title));
     EXPECT_EQ("0", TextOf(theObject.mEntry, 0, 22));
     EXPECT_EQ("32756", TextOf(theObject.mEntry, 0, 0xFFFE));
     EXPECT_EQ("(none)", TextOf(theObject.mEntry, 0, 0xFFFF));

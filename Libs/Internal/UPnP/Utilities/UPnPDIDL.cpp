@@ -125,21 +125,23 @@ char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMediaData, const char
 
 // ---- Parsing: one object ----
 
-// The next start tag of the object that ends at anEnd; NULL when there is none left.
-static ILibXMLNode* NextStartTag(ILibXMLNode* aNode, const ILibXMLNode* anEnd)
+// The next start tag of an object after aNode; NULL without another one.
+static ILibXMLNode* NextStartTag(const ObjectNodes& anObject, ILibXMLNode* aNode)
 {
     do
     {
         aNode = aNode->Next;
         if (!zoAssert(aNode != NULL)) { return nullptr; }
-        if (aNode == anEnd) { return nullptr; }
+        aNode = anObject.SkipInnerObject(aNode);
+        if (aNode == anObject.mStartTag->ClosingTag) { return nullptr; }
     } while (!aNode->StartTag);
     return aNode;
 }
 
-static void ParseElementsOf(ObjectParser* aParser, ILibXMLNode* anObject)
+static void ParseElementsOf(ObjectParser* aParser)
 {
-    for (ILibXMLNode* theNode = anObject; (theNode = NextStartTag(theNode, anObject->ClosingTag)) != nullptr;)
+    ILibXMLNode* theNode = aParser->mNodes.mStartTag;
+    while (theNode && (theNode = NextStartTag(aParser->mNodes, theNode)) != nullptr)
     {
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
         if (IsResource(theNode)) { ParseResource(aParser, theNode, theAttributes); }
@@ -148,29 +150,47 @@ static void ParseElementsOf(ObjectParser* aParser, ILibXMLNode* anObject)
     }
 }
 
-// With all declarations of the root.
-static int ParseWholly(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
-                       int afIsItem, char** aData, char** aRes)
+namespace
+{
+
+// An object to be parsed.
+struct Object
+{
+    ObjectNodes mNodes;
+    const ILibXMLAttribute* mAttributes;
+    ILibXMLNode* mDIDLNode; // the DIDL-Lite element around it; NULL without one
+    const char* mBaseURL;
+    int mfIsItem;
+    bool mfIsOnlyOne; // in its document
+};
+
+} // namespace
+
+static int ParseObject(const Object& anObject, char** aData, char** aRes)
 {
     ObjectParser theParser;
-    StartObject(&theParser, aBaseURL, aNode, afIsItem);
-    const int theResult = ParseObjectAttributes(&theParser, anAttributes);
-    if (aDIDLNode) { AddRootNameSpaces(aDIDLNode, &theParser.mNamespaces); }
-    AddXMLNameSpaces(anAttributes, &theParser.mNamespaces);
-    if (aNode) { ParseElementsOf(&theParser, aNode); }
-    AddFields(&theParser, afIsItem);
-    FinishObject(&theParser, aData, aRes);
+    StartObject(&theParser, anObject.mNodes, anObject.mBaseURL, anObject.mfIsItem);
+    NamespaceList* theNamespaces = &theParser.mNamespaces;
+    const int theResult = ParseObjectAttributes(&theParser, anObject.mAttributes);
+    if (anObject.mDIDLNode && anObject.mfIsOnlyOne) { theNamespaces->AddAllOfRoot(anObject.mDIDLNode); }
+    else if (anObject.mDIDLNode)
+    {
+        theNamespaces->AddOfRoot(anObject.mDIDLNode, anObject.mNodes, anObject.mAttributes,
+                                 MaxInheritedSize(theParser));
+    }
+    theNamespaces->AddXMLNameSpaces(anObject.mAttributes);
+    ParseElementsOf(&theParser);
+    FinishObject(&theParser, anObject.mfIsItem, aData, aRes);
     return theResult;
 }
 
 int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
                    int afIsItem, char** aData, char** aRes)
 {
-    ILibXMLNode* theRoot = aDIDLNode && !IsTooLong(aDIDLNode, aNode) ? aDIDLNode : nullptr;
-    return ParseWholly(aBaseURL, theRoot, aNode, anAttributes, afIsItem, aData, aRes);
+    return ParseObject({ { aNode, false }, anAttributes, aDIDLNode, aBaseURL, afIsItem, false }, aData, aRes);
 }
 
-// ---- Parsing: the document ----
+// ---- Parsing: a document of one object ----
 
 namespace
 {
@@ -186,20 +206,28 @@ struct DocumentWalk
 
 } // namespace
 
-static int ParseObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLType)
+static int ParseOnlyObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLType)
 {
     if (aWalk->mDIDLType != kDIDLItemType_None) { return kUPnPError_InvalidDIDL; }
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aNode);
-    const int fIsValid = ParseWholly(nullptr, aWalk->mDIDLNode, aNode, theAttributes, aDIDLType == kDIDLItemType_Item,
-                                     &aWalk->mData, &aWalk->mRes);
+    const int fIsItem = aDIDLType == kDIDLItemType_Item;
+    const Object theObject = { { aNode, false }, theAttributes, aWalk->mDIDLNode, nullptr, fIsItem, true };
+    const int fIsValid = ParseObject(theObject, &aWalk->mData, &aWalk->mRes);
     ILibDestructXMLAttributeList(theAttributes);
     if (!fIsValid) { return kUPnPError_InvalidDIDL; }
     aWalk->mDIDLType = aDIDLType;
     return kUPnPError_None;
 }
 
-// Where the walk goes on behind an element that is not looked into.
-static ILibXMLNode* NextBehind(const ILibXMLNode* aNode)
+// kDIDLItemType_None for an element that is not an object.
+static int TypeOf(const ILibXMLNode* aNode)
+{
+    if (IsNamed(aNode, "item")) { return kDIDLItemType_Item; }
+    return IsNamed(aNode, "container") ? kDIDLItemType_Container : kDIDLItemType_None;
+}
+
+// Where the walk goes on after an element that holds no objects.
+static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
 {
     if (aNode->Peer) { return aNode->Peer; }
     return aNode->Parent ? aNode->Parent->Peer : aNode->Next;
@@ -207,29 +235,20 @@ static ILibXMLNode* NextBehind(const ILibXMLNode* aNode)
 
 static int WalkDocument(DocumentWalk* aWalk, ILibXMLNode* aNodeList)
 {
-    int theResult = kUPnPError_None;
-    for (ILibXMLNode* theNode = aNodeList; theNode && theResult == kUPnPError_None;)
+    for (ILibXMLNode* theNode = aNodeList; theNode;)
     {
         ILibXMLNode* theNext = theNode->Next;
-        if (!theNode->StartTag)
+        const int theType = theNode->StartTag ? TypeOf(theNode) : kDIDLItemType_None;
+        if (theType != kDIDLItemType_None)
         {
-            theNode = theNext;
-            continue;
+            const int theResult = ParseOnlyObject(aWalk, theNode, theType);
+            if (theResult != kUPnPError_None) { return theResult; }
         }
-        if (IsName(theNode->Name, theNode->NameLength, "item"))
-        {
-            theResult = ParseObject(aWalk, theNode, kDIDLItemType_Item);
-        }
-        else if (IsName(theNode->Name, theNode->NameLength, "container"))
-        {
-            theResult = ParseObject(aWalk, theNode, kDIDLItemType_Container);
-        }
-        else if (IsName(theNode->Name, theNode->NameLength, "DIDL-Lite")) { aWalk->mDIDLNode = theNode; }
-        else { theNext = NextBehind(theNode); }
+        else if (theNode->StartTag && IsNamed(theNode, "DIDL-Lite")) { aWalk->mDIDLNode = theNode; }
+        else if (theNode->StartTag) { theNext = SkipElement(theNode); }
         theNode = theNext;
     }
-    const bool fHasNone = theResult == kUPnPError_None && aWalk->mDIDLType == kDIDLItemType_None;
-    return fHasNone ? kUPnPError_InvalidDIDL : theResult;
+    return aWalk->mDIDLType == kDIDLItemType_None ? kUPnPError_InvalidDIDL : kUPnPError_None;
 }
 
 int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, int* aDIDLType)

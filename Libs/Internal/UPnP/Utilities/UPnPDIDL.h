@@ -81,8 +81,23 @@ UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMed
                                                             const char* aParentID, int afEnableResumeUpload,
                                                             uint32 aDTCPUploadInfo);
 
+/* What an object's records hold of its document is in UPnPConst.h. Elements that every one of counts may be inside each
+ * other, and each then stores the text of those inside, too. So that no document is stored once for each of its levels,
+ * each of these kinds ends for itself, once what is stored of it has passed four times the length of the object's text
+ * (what is between its start tag and its end tag), and 4 KiB:
+ *
+ *     elements without a field (pairs)   no further pair is stored
+ *     upnp:albumArtURI, upnp:createClass no further one is stored
+ *     xmlns: elements                    no further one is stored
+ *     res                                further resources have the URI ""
+ *
+ * A document without such nesting never gets there. The last upnp:channelNr that is a number counts, however deep. A
+ * kind also ends once eight times as much of the document has been read for it: references can be long for what they
+ * stand for. */
+
 /**
- * Parses a document that describes one object, an item or a container.
+ * Parses a document that describes one object, an item or a container. The object inherits all declarations of its
+ * root.
  * @param anElements  NUL-terminated and writable: bytes of it are changed while the call runs, and back again. NULL or
  *                    "" counts as a document without an object.
  * @param aData, aRes out: the serialized entry record and resource record; both NULL on failure.
@@ -94,15 +109,19 @@ UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMed
 UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, int* aDIDLType);
 
 /**
- * Parses one object of a document that the caller has read with ILibParseXML and found in order with
- * ILibProcessXMLNodeList, a browse result with many objects for instance. The text must be writable, as for
- * UPnPDIDL_ParseElements, and outlive the call; it can be parsed again. Elements with a prefix that stand inside each
- * other are stored each with all that it holds, until what is stored of them passes four times the object's text, and
- * 64 KiB: then no more of them are.
- * @param aBaseURL      what relative resource URIs are resolved against; NULL leaves them as they are.
- * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its namespaces; NULL for none. One
- *                      longer than 4 KiB and than what the object holds counts as none, or many small objects would
- *                      cost its length each.
+ * Parses one object of a document that the caller has read with ILibParseXML and checked with ILibProcessXMLNodeList.
+ * The text must be writable, as for UPnPDIDL_ParseElements, and outlive the call; it can be parsed again. Objects
+ * inside the object are read as parts of it: when each of many that are inside each other is parsed, that takes the
+ * product of their number and their length.
+ *
+ * The declarations of the root are inherited while they take at most four times the length of the object's text, or 256
+ * bytes if that is more, in the form in which they are stored. When they take more, first the default namespace and the
+ * prefixes of the object's elements and attributes are inherited, in the root's order, then the others, each that fits.
+ * Of a long start tag at most 8 KiB, or as much as may be stored if that is more, is read for one object.
+ * @param aBaseURL      what relative resource URIs are made absolute against; NULL leaves them as they are. So does one
+ *                      of more than 1 KiB; and a URI that would bring the object's absolute URIs past eight times the
+ *                      length of its text and past 4 KiB stays as it is.
+ * @param aDIDLNode     the start tag of the DIDL-Lite element around the object, for its declarations; NULL for none.
  * @param aNode         the object's start tag.
  * @param anAttributes  the attribute list of aNode, which stays the caller's; NULL for none.
  * @param afIsItem      1 for an item, 0 for a container.

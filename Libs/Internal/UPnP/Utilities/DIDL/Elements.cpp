@@ -10,113 +10,107 @@ namespace DIDL
 namespace
 {
 
-typedef void (*ElementHandler_t)(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes,
-                                 int aParameter);
+typedef void (*ElementHandler_t)(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
 
 struct Element
 {
-    const char* mIdentifier;
-    size_t mLength;
+    std::string_view mIdentifier; // the qualified name
     ElementHandler_t mHandler;
-    int mParameter;
 };
 
 } // namespace
 
-static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute*, int aSingleText)
+template <SingleText Kind>
+static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* /*anAttributes*/)
 {
-    aParser->mLast[aSingleText] = aNode;
+    aParser->mLast[Kind] = aNode;
 }
 
-static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
+static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
     aParser->mLast[kSingleText_BGMURI] = aNode;
     GetXMLAttribute(anAttributes, "av", "protocolInfo", &aParser->mBGMProtocolInfo);
 }
 
-static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute*, int)
+// Only an element without child elements can be a number, so no text is read twice.
+static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* /*anAttributes*/)
 {
-    Slice theText;
-    if (!TakeInnerXML(aParser, aNode, kManyTexts_ChannelNr, &theText)) { return; }
-    theText = Resolve(&aParser->mScratch, theText);
-    zoConvert_strntouint32(theText.mBegin, theText.mLength, &aParser->mChannelNr);
+    if (aNode->Next != aNode->ClosingTag) { return; }
+    const std::string_view theText = aParser->mResolver.Resolve(GetInnerXML(aNode));
+    zoConvert_strntouint32(theText.data(), theText.size(), &aParser->mChannelNr);
 }
 
-static zoArray_t* NewStringArray()
+static void AppendCopy(zoArray_t* anArray, std::string_view aText)
 {
-    zoArray_t* theArray = zoArray_New();
-    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
-    return theArray;
+    zoArray_Append(anArray, zoStrndup(aText.empty() ? "" : aText.data(), aText.size()));
 }
 
-static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
+static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
-    Slice theText;
-    if (!TakeInnerXML(aParser, aNode, kManyTexts_AlbumArt, &theText)) { return; }
-    theText = Resolve(&aParser->mScratch, theText);
-    if (theText.mLength == 0) { return; }
-    Slice theProfile = { nullptr, 0 };
+    std::string_view theURI;
+    if (!aParser->ReadText(aNode, kRepeatedText_AlbumArt, &theURI) || theURI.empty()) { return; }
+    std::string_view theProfile;
     GetXMLAttribute(anAttributes, "dlna", "profileID", &theProfile);
-    if (!aParser->mAlbumArt) { aParser->mAlbumArt = NewStringArray(); }
-    zoArray_Append(aParser->mAlbumArt, zoStrndup(theText.mBegin, theText.mLength));
-    zoArray_Append(aParser->mAlbumArt, zoStrndup(theProfile.mBegin ? theProfile.mBegin : "", theProfile.mLength));
+    if (!aParser->mAlbumArt)
+    {
+        aParser->mAlbumArt = zoArray_New();
+        zoArray_SetFreeFunc(aParser->mAlbumArt, zoStringArray_FreeFunc);
+    }
+    AppendCopy(aParser->mAlbumArt, theURI);
+    AppendCopy(aParser->mAlbumArt, theProfile);
 }
 
+// The first attribute of that name decides: one character other than "0" includes the derived classes.
 static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
 {
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        if (IsName(theAttribute->Name, theAttribute->NameLength, "includeDerived"))
-        {
-            return theAttribute->ValueLength == 1 && *theAttribute->Value != '0';
-        }
+        if (!IsNamed(theAttribute, "includeDerived")) { continue; }
+        return theAttribute->ValueLength == 1 && *theAttribute->Value != '0';
     }
     return false;
 }
 
-static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes, int)
+static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
-    Slice theText;
-    if (!TakeInnerXML(aParser, aNode, kManyTexts_CreateClass, &theText)) { return; }
-    theText = Resolve(&aParser->mScratch, theText);
-    if (theText.mLength == 0) { return; }
+    std::string_view theClass;
+    if (!aParser->ReadText(aNode, kRepeatedText_CreateClass, &theClass) || theClass.empty()) { return; }
     TextBuilder* theList = &aParser->mCreateClass;
-    if (theList->mLength > 0) { Append(theList, ";", 1); }
-    Append(theList, theText.mBegin, theText.mLength);
-    if (IncludesDerived(anAttributes)) { Append(theList, ",1", 2); }
+    if (!theList->empty()) { theList->Append(';'); }
+    theList->Append(theClass);
+    if (IncludesDerived(anAttributes)) { theList->Append(",1"); }
 }
 
 static constexpr Element kElements[] = {
-    { "dc:title", 8, ParseSingleText, kSingleText_Title },
-    { "upnp:class", 10, ParseSingleText, kSingleText_Class },
-    { "dc:creator", 10, ParseSingleText, kSingleText_Creator },
-    { "dc:date", 7, ParseSingleText, kSingleText_Date },
-    { "upnp:genre", 10, ParseSingleText, kSingleText_Genre },
-    { "upnp:album", 10, ParseSingleText, kSingleText_Album },
-    { "upnp:albumArtURI", 16, ParseAlbumArtURI, 0 },
-    { "upnp:channelNr", 14, ParseChannelNr, 0 },
-    { "upnp:createClass", 16, ParseCreateClass, 0 },
-    { "upnp:storageMedium", 18, ParseSingleText, kSingleText_StorageMedium },
-    { "av:bgmURI", 9, ParseBGMURI, 0 },
+    { "dc:title", ParseSingleText<kSingleText_Title> },
+    { "upnp:class", ParseSingleText<kSingleText_Class> },
+    { "dc:creator", ParseSingleText<kSingleText_Creator> },
+    { "dc:date", ParseSingleText<kSingleText_Date> },
+    { "upnp:genre", ParseSingleText<kSingleText_Genre> },
+    { "upnp:album", ParseSingleText<kSingleText_Album> },
+    { "upnp:albumArtURI", ParseAlbumArtURI },
+    { "upnp:channelNr", ParseChannelNr },
+    { "upnp:createClass", ParseCreateClass },
+    { "upnp:storageMedium", ParseSingleText<kSingleText_StorageMedium> },
+    { "av:bgmURI", ParseBGMURI },
 };
 
 static constexpr NameIndex kElementIndex(kElements);
 
-// An element that the object has no field for.
-static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode)
+static void ParseDeclaration(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
 {
-    const Slice theName = QualifiedName(aNode);
-    const bool fIsDeclaration = BeginsWithXMLNS(theName);
-    Slice theText;
-    if (!fIsDeclaration && aParser->mNextExtraTag + 1 > kLastExtraTag) { return; }
-    if (!TakeInnerXML(aParser, aNode, kManyTexts_ExtraInfo, &theText)) { return; }
-    if (fIsDeclaration)
-    {
-        AppendXMLNS(&aParser->mNamespaces, theName, theText); // as written: it is written into a tag again
-        return;
-    }
-    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag), theName);
-    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag + 1), Resolve(&aParser->mScratch, theText));
+    std::string_view theText;
+    if (aParser->mNamespaces.Has(aName) || !aParser->ReadText(aNode, kRepeatedText_Namespace, &theText)) { return; }
+    aParser->mNamespaces.AppendXMLNS(aName, theText, ValueSource::Element);
+}
+
+static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
+{
+    std::string_view theText;
+    if (aParser->mNextExtraTag + 1 > kLastExtraTag) { return; }
+    if (!aParser->ReadText(aNode, kRepeatedText_ExtraInfo, &theText)) { return; }
+    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag), aName);
+    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag + 1), theText);
     aParser->mNextExtraTag += 2;
 }
 
@@ -124,12 +118,13 @@ void ParseElement(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttrib
 {
     if (aNode->NSTag)
     {
-        const Slice theName = QualifiedName(aNode);
-        const Element* theElement = kElementIndex.Find(theName.mBegin, theName.mLength);
-        if (theElement) { theElement->mHandler(aParser, aNode, anAttributes, theElement->mParameter); }
-        else { ParseExtraElement(aParser, aNode); }
+        const std::string_view theName = Shared::QualifiedName(aNode);
+        const Element* theElement = kElementIndex.Find(theName);
+        if (theElement) { theElement->mHandler(aParser, aNode, anAttributes); }
+        else if (BeginsWithXMLNS(theName)) { ParseDeclaration(aParser, aNode, theName); }
+        else { ParseExtraElement(aParser, aNode, theName); }
     }
-    AddXMLNameSpaces(anAttributes, &aParser->mNamespaces);
+    aParser->mNamespaces.AddXMLNameSpaces(anAttributes);
 }
 
 } // namespace DIDL

@@ -1,12 +1,11 @@
 #pragma once
 
-/* The elements of an object but its resources. */
-
 #include <UPnP/Utilities/DIDL/ObjectParser.h>
 
 namespace DIDL
 {
 
+// Reads an element of the object that is not a resource.
 void ParseElement(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
 
 } // namespace DIDL

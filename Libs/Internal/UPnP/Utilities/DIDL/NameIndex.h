@@ -1,14 +1,11 @@
 #pragma once
 
-/* Rows of a table by their names. */
-
-#include <UPnP/Utilities/DIDL/Text.h>
+#include <UPnP/Utilities/DIDL/DocumentText.h>
 
 namespace DIDL
 {
 
-// Finds rows of a table by their mIdentifier, of mLength bytes, ignoring case. Built when compiling: length and last
-// letter tell the names of a table apart, most of them at the first look.
+// Finds the rows of a table by their mIdentifier, ignoring case. Built at compile time.
 template <typename Row, size_t Size>
 class NameIndex
 {
@@ -17,37 +14,35 @@ public:
     {
         for (size_t i = 0; i < Size; ++i)
         {
-            size_t theSlot = SlotOf(aTable[i].mIdentifier, aTable[i].mLength);
+            size_t theSlot = SlotOf(aTable[i].mIdentifier);
             for (; mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots) {}
             mRows[theSlot] = static_cast<uint8>(i + 1);
         }
     }
 
-    // NULL when there is none. A name has a byte at least.
-    const Row* Find(const char* aName, size_t aLength) const
+    // NULL without a row of that name, which is not empty.
+    const Row* Find(std::string_view aName) const
     {
-        for (size_t theSlot = SlotOf(aName, aLength); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
+        for (size_t theSlot = SlotOf(aName); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
         {
             const Row* theRow = mTable + (mRows[theSlot] - 1);
-            if (theRow->mLength == aLength && EqualsIgnoringCase(theRow->mIdentifier, aName, aLength))
-            {
-                return theRow;
-            }
+            if (IsSameName(theRow->mIdentifier, aName)) { return theRow; }
         }
         return nullptr;
     }
 
 private:
     static const size_t kSlots = 64;
-    static_assert(Size < kSlots, "a search ends");
+    static_assert(Size < kSlots, "a search ends at a free slot");
 
-    static constexpr size_t SlotOf(const char* aName, size_t aLength)
+    // Length and last letter, without its case, differ for nearly all names of a table.
+    static constexpr size_t SlotOf(std::string_view aName)
     {
-        return (aLength * 5 + (static_cast<uint8>(aName[aLength - 1]) & 0x1Fu)) % kSlots;
+        return (aName.size() * 5 + (static_cast<uint8>(aName[aName.size() - 1]) & 0x1Fu)) % kSlots;
     }
 
     const Row* mTable;
-    uint8 mRows[kSlots]; // 1 plus the row's number; 0 is free
+    uint8 mRows[kSlots]; // 1 plus the row's index; 0 is free
 };
 
 } // namespace DIDL

@@ -1,40 +1,64 @@
 #pragma once
 
-/* The namespace declarations of an object. */
+/* The namespace declarations of an object, collected into one text (kCDSEntryInfo_XMLNS):
+ *
+ *     xmlns:dc="http://...",xmlns:upnp="urn:..."
+ *
+ * A comma in a declaration has a backslash before it, and a value can be written between double quotes as it is. The
+ * first declaration of a name counts. */
 
-#include <UPnP/Utilities/DIDL/Text.h>
+#include <UPnP/Utilities/DIDL/NameSet.h>
+#include <UPnP/Utilities/DIDL/ObjectNodes.h>
 #include <UPnP/Utilities/DIDL/TextBuilder.h>
-#include <zoltTools/zoCustomHashTable.h>
+#include <stdint.h>
 
 namespace DIDL
 {
 
-// The declarations met so far, in the form of kCDSEntryInfo_XMLNS, and their names: the first ones in an array, once
-// there are more than that in a table.
-struct NamespaceList
+// Where a declaration's value comes from, which decides what in it becomes an entity.
+enum class ValueSource
 {
-    enum : size_t
-    {
-        kFew = 16
-    };
-    TextBuilder mText = { nullptr, 0, 0 };
-    size_t mCount = 0;
-    zoCustomHashTable* mTable = nullptr; // NULL while there are few
-    Slice mNames[kFew];                  // the first mCount of them, or all, are set
+    Attribute,           // as written: " and <; what is an entity already stays one
+    AttributeWithoutAny, // the same, when there is no < and no comma in it
+    Element              // resolved: &, " and <
 };
 
-// Adds a declaration, unless one of that name is there: the first one counts. Plain ones have no comma and no "<".
-void AppendXMLNS(NamespaceList* aNamespaces, const Slice& aName, const Slice& aValue, bool afIsPlain = false);
-
-// The xmlns: declarations of an element inside the object, or of the object itself.
-void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes, NamespaceList* aNamespaces);
-
-// The declarations of the root: its attributes without a prefix, or with one that "xmlns" begins with.
-void AddRootNameSpaces(ILibXMLNode* aDIDLNode, NamespaceList* aNamespaces);
-
-inline bool BeginsWithXMLNS(const Slice& aName)
+class NamespaceList
 {
-    return aName.mLength >= 6 && EqualsIgnoringCase(aName.mBegin, "xmlns:", 6);
+public:
+    bool empty() const { return mText.empty(); }
+
+    // The list, to which nothing is added after this. The byte after it is writable.
+    std::string_view EndText() { return mText.EndText(); }
+
+    bool Has(std::string_view aName) const { return mNames.Contains(aName); }
+
+    // Adds a declaration. False when its name is declared already, or the list would get longer than aMaxSize.
+    bool AppendXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource, size_t aMaxSize = SIZE_MAX);
+
+    // Adds the xmlns: attributes of an element inside the object, or of the object itself.
+    void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes);
+
+    // Adds the declarations of the root, and each attribute of it that has no prefix.
+    void AddAllOfRoot(ILibXMLNode* aRoot);
+
+    // The same, but at most aMaxSize bytes: when not all fit, first those that the names of the object's elements and
+    // attributes need, then the others, each while it fits.
+    void AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
+                   size_t aMaxSize);
+
+private:
+    void AppendEscaped(std::string_view aText, ValueSource aSource);
+    bool AddWhileAllFit(const struct RootAttributes& aRoot, size_t aMaxSize);
+
+    TextBuilder mText;
+    NameSet mNames;
+};
+
+// True if an element or an attribute of this qualified name declares a namespace.
+inline bool BeginsWithXMLNS(std::string_view aName)
+{
+    return aName.size() >= 6 && Shared::EqualsIgnoringCase(aName.substr(0, 6), "xmlns:");
 }
 
 } // namespace DIDL

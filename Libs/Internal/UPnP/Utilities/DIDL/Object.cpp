@@ -1,25 +1,81 @@
 #include <UPnP/Utilities/DIDL/Object.h>
 
 #include <algorithm>
-#include <stdlib.h>
+#include <stdint.h>
+#include <string.h>
 #include <zoltTools/zoConvert.h>
-#include <zoltTools/zoMemory.h>
 
 namespace DIDL
 {
 
-// Stores the text of the last element of its kind, "" when there was none.
-static void AddLastText(ObjectParser* aParser, uint16 aTag, SingleText aSingleText)
+static const size_t kMaxBaseURLLength = 1024;
+
+// What an object may store, as multiples of its text. A text that is stored once, or whose size is that of what it
+// replaces, never gets near; the least sizes are for objects of a few bytes.
+static const size_t kStoredPerText = 4;
+static const size_t kLeastStored = 4096;
+static const size_t kAbsolutePerText = 8;
+static const size_t kLeastAbsolute = 4096;
+static const size_t kInheritedPerText = 4;
+static const size_t kLeastInherited = 256;
+
+// What is read for one kind, as a multiple of what may be stored: long references may stand for few bytes.
+static const size_t kReadPerStored = 8;
+
+static size_t Multiple(size_t aSize, size_t aFactor)
 {
-    ILibXMLNode* theNode = aParser->mLast[aSingleText];
-    if (theNode) { AddResolvedText(aParser, aParser->mEntry, aTag, GetInnerXML(theNode)); }
-    else { AddText(aParser->mEntry, aTag, { nullptr, 0 }); }
+    return aSize <= SIZE_MAX / aFactor ? aSize * aFactor : SIZE_MAX;
 }
 
-// The same, but with no bytes when there was none.
-static void AddLastTextIfAny(ObjectParser* aParser, uint16 aTag, SingleText aSingleText)
+bool ObjectParser::ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText)
 {
-    if (aParser->mLast[aSingleText]) { AddLastText(aParser, aTag, aSingleText); }
+    TextSizes* theSizes = &mSizes[aKind];
+    if (theSizes->mStored > mMaxStored || theSizes->mRead > Multiple(mMaxStored, kReadPerStored)) { return false; }
+    const std::string_view theText = GetInnerXML(aNode);
+    *aText = mResolver.Resolve(theText);
+    theSizes->mRead += theText.size();
+    theSizes->mStored += aText->size();
+    return true;
+}
+
+void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* aBaseURL, int afIsItem)
+{
+    aParser->mNodes = aNodes;
+    aParser->mTextLength = aNodes.TextLength();
+    aParser->mMaxStored = std::max(Multiple(aParser->mTextLength, kStoredPerText), kLeastStored);
+    aParser->mMaxAbsolute = std::max(Multiple(aParser->mTextLength, kAbsolutePerText), kLeastAbsolute);
+    const bool fHasBaseURL = aBaseURL && strnlen(aBaseURL, kMaxBaseURLLength + 1) <= kMaxBaseURLLength;
+    aParser->mBaseURL = fHasBaseURL ? aBaseURL : nullptr;
+
+    const std::string_view theText = GetInnerXML(aNodes.mStartTag);
+    if (theText.data())
+    {
+        const char* theBegin = Shared::QualifiedName(aNodes.mStartTag).data();
+        aParser->mResolver.SetObject({ theBegin, static_cast<size_t>(theText.data() + theText.size() - theBegin) });
+    }
+    if (!afIsItem) { aParser->mFlags |= kDIDL_Flags_Searchable; }
+    aParser->mEntry = zoPackedData_New(1);
+    zoPackedData_AddNewEntry(aParser->mEntry);
+    aParser->mResources = zoPackedData_New(0);
+}
+
+size_t MaxInheritedSize(const ObjectParser& aParser)
+{
+    return std::max(Multiple(aParser.mTextLength, kInheritedPerText), kLeastInherited);
+}
+
+// ---- The object's fields ----
+
+// Stores the text of the last element of its kind, "" without one.
+static void AddLastText(ObjectParser* aParser, uint16 aTag, SingleText aKind)
+{
+    AddResolvedText(aParser, aParser->mEntry, aTag, GetInnerXML(aParser->mLast[aKind]));
+}
+
+// The same, but a value without bytes when there was no such element.
+static void AddLastTextIfAny(ObjectParser* aParser, uint16 aTag, SingleText aKind)
+{
+    if (aParser->mLast[aKind]) { AddLastText(aParser, aTag, aKind); }
     else { zoPackedData_AddData(aParser->mEntry, aTag, nullptr, 0); }
 }
 
@@ -31,30 +87,19 @@ static void AddDate(ObjectParser* aParser)
         zoPackedData_AddData(aParser->mEntry, kCDSEntryInfo_Date, nullptr, 0);
         return;
     }
-    Slice theText = Resolve(&aParser->mScratch, GetInnerXML(theNode));
+    const std::string_view theDate = aParser->mResolver.Resolve(GetInnerXML(theNode));
     int32 theParts[kzoDLNADatePart_Count];
-    if (zoConvert_dlnadatestrtodate(NulTerminated(theText).c_str(), theParts) != 0) { theText = { nullptr, 0 }; }
-    AddText(aParser->mEntry, kCDSEntryInfo_Date, theText);
+    const bool fIsDate = zoConvert_dlnadatestrtodate(NulTerminated(theDate).c_str(), theParts) == 0;
+    AddText(aParser->mEntry, kCDSEntryInfo_Date, fIsDate ? theDate : std::string_view());
 }
 
-// Stores a text that was built here.
-static void AddBuilt(zoPackedData_t* aRecord, uint16 aTag, TextBuilder* aBuilder)
+static void AddNamespaces(ObjectParser* aParser)
 {
-    *Extend(aBuilder, 1) = 0;
-    zoPackedData_AddData(aRecord, aTag, aBuilder->mText, aBuilder->mLength);
+    if (aParser->mNamespaces.empty()) { return; }
+    AddText(aParser->mEntry, kCDSEntryInfo_XMLNS, aParser->mNamespaces.EndText());
 }
 
-// An empty array has no bytes.
-static void AddAlbumArt(zoPackedData_t* anEntry, const zoArray_t* anAlbumArt)
-{
-    if (anAlbumArt)
-    {
-        zoPackedData_AddArray(anEntry, kCDSEntryInfo_AlbumArtURI, anAlbumArt, zoStringArray_FlattenerFunc);
-    }
-    else { zoPackedData_AddData(anEntry, kCDSEntryInfo_AlbumArtURI, nullptr, 0); }
-}
-
-void AddFields(ObjectParser* aParser, int afIsItem)
+static void AddFields(ObjectParser* aParser, int afIsItem)
 {
     zoPackedData_t* theEntry = aParser->mEntry;
     AddLastText(aParser, kCDSEntryInfo_Title, kSingleText_Title);
@@ -62,8 +107,7 @@ void AddFields(ObjectParser* aParser, int afIsItem)
     AddDate(aParser);
     AddLastText(aParser, kCDSEntryInfo_Genre, kSingleText_Genre);
     AddLastText(aParser, kCDSEntryInfo_Album, kSingleText_Album);
-    if (aParser->mCreateClass.mLength > 0) { AddBuilt(theEntry, kCDSEntryInfo_CreateClass, &aParser->mCreateClass); }
-    else { AddText(theEntry, kCDSEntryInfo_CreateClass, { nullptr, 0 }); }
+    AddText(theEntry, kCDSEntryInfo_CreateClass, aParser->mCreateClass.EndText());
     AddResolvedText(aParser, theEntry, kCDSEntryInfo_ParentID, aParser->mParentID);
     AddNumber(theEntry, kCDSEntryInfo_IsContainer, static_cast<uint16>(!afIsItem));
     AddNumber(theEntry, kCDSEntryInfo_UpdateID, uint32{ 0 });
@@ -77,44 +121,17 @@ void AddFields(ObjectParser* aParser, int afIsItem)
     AddNumber(theEntry, kCDSEntryInfo_DLNAManaged, aParser->mManaged);
     AddResolvedText(aParser, theEntry, kCDSEntryInfo_RefID, aParser->mRefID);
     AddLastTextIfAny(aParser, kCDSEntryInfo_StorageMedium, kSingleText_StorageMedium);
-    if (aParser->mNamespaces.mCount > 0) { AddBuilt(theEntry, kCDSEntryInfo_XMLNS, &aParser->mNamespaces.mText); }
-    AddAlbumArt(theEntry, aParser->mAlbumArt);
+    AddNamespaces(aParser);
+    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt, zoStringArray_FlattenerFunc);
 }
 
-void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode* aNode, int afIsItem)
+void FinishObject(ObjectParser* aParser, int afIsItem, char** aData, char** aRes)
 {
-    const Slice theObject = GetInnerXML(aNode);
-    aParser->mBaseURL = aBaseURL;
-    if (theObject.mBegin)
-    {
-        aParser->mScratch.mPlain = FindPlainText(QualifiedName(aNode).mBegin, theObject.mBegin + theObject.mLength);
-    }
-    aParser->mStoredLimit = std::max(theObject.mLength * kStoredPerText, kStoredAtLeast);
-    if (!afIsItem) { aParser->mFlags |= kDIDL_Flags_Searchable; }
-    aParser->mEntry = zoPackedData_New(1);
-    zoPackedData_AddNewEntry(aParser->mEntry);
-    aParser->mResources = zoPackedData_New(0);
-}
-
-void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
-{
+    AddFields(aParser, afIsItem);
     *aData = zoPackedData_TakeData(aParser->mEntry);
     *aRes = zoPackedData_TakeData(aParser->mResources);
     zoPackedData_Free(aParser->mEntry);
     zoPackedData_Free(aParser->mResources);
-    zoArray_Delete(aParser->mAlbumArt);
-    free(aParser->mCreateClass.mText);
-    free(aParser->mNamespaces.mText.mText);
-    zoCustomHashTable_Delete(aParser->mNamespaces.mTable);
-    free(aParser->mScratch.mText);
-}
-
-bool IsTooLong(ILibXMLNode* aDIDLNode, ILibXMLNode* anObject)
-{
-    const size_t kMostInherited = 4096;
-    const Slice theContent = GetInnerXML(aDIDLNode);
-    const size_t theLength = theContent.mBegin ? static_cast<size_t>(theContent.mBegin - aDIDLNode->Name) : 0;
-    return theLength > kMostInherited && theLength > (anObject ? GetInnerXML(anObject).mLength : 0);
 }
 
 } // namespace DIDL

@@ -1,20 +1,17 @@
 #pragma once
 
-/* The records of an object. */
-
 #include <UPnP/Utilities/DIDL/ObjectParser.h>
 
 namespace DIDL
 {
 
-void StartObject(ObjectParser* aParser, const char* aBaseURL, ILibXMLNode* aNode, int afIsItem);
+// Makes the records. What aNodes and aBaseURL point to outlives the parser.
+void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* aBaseURL, int afIsItem);
 
-// Adds the object's fields to its record, after its pairs.
-void AddFields(ObjectParser* aParser, int afIsItem);
+// How many bytes of the root's declarations one of many objects inherits.
+size_t MaxInheritedSize(const ObjectParser& aParser);
 
-void FinishObject(ObjectParser* aParser, char** aData, char** aRes);
-
-// Whether the root's start tag is longer than each of many objects could afford to go through.
-bool IsTooLong(ILibXMLNode* aDIDLNode, ILibXMLNode* anObject);
+// Adds the object's fields to the entry record, after its pairs, and hands over both records in serialized form.
+void FinishObject(ObjectParser* aParser, int afIsItem, char** aData, char** aRes);
 
 } // namespace DIDL

@@ -21,16 +21,15 @@ enum SOAPType
 // An attribute of the object and what becomes of it.
 struct DIDLParserInfo
 {
-    const char* mIdentifier;
-    size_t mLength;
+    std::string_view mIdentifier;
     SOAPType mItemType;
     uint32 mValue; // the bit of a kSOAPType_BitField
 };
 
-// Where the value of a row of the table goes; a text is a piece of the document, its entities not resolved yet.
+// Where the value of a row of the table goes. A text is stored as written: its entities are resolved later.
 union zoSOAPParserValue
 {
-    Slice* mStr;
+    std::string_view* mStr;
     uint32* mUInt32;
     uint32* mBitField;
 };
@@ -49,53 +48,56 @@ enum
 
 } // namespace
 
-static constexpr DIDLParserInfo sInfo[kDIDL_Attribute_Count] = {
-    { "id", 2, kSOAPType_Str, 0 },
-    { "parentID", 8, kSOAPType_Str, 0 },
-    { "refID", 5, kSOAPType_Str, 0 },
-    { "childCount", 10, kSOAPType_UInt32, 0 },
-    { "dlnaManaged", 11, kSOAPType_UInt32Hex, 0 },
-    { "restricted", 10, kSOAPType_BitField, kDIDL_Flags_Restricted },
-    { "searchable", 10, kSOAPType_BitField, kDIDL_Flags_Searchable },
+static constexpr DIDLParserInfo sInfo[] = {
+    { "id", kSOAPType_Str, 0 },
+    { "parentID", kSOAPType_Str, 0 },
+    { "refID", kSOAPType_Str, 0 },
+    { "childCount", kSOAPType_UInt32, 0 },
+    { "dlnaManaged", kSOAPType_UInt32Hex, 0 },
+    { "restricted", kSOAPType_BitField, kDIDL_Flags_Restricted },
+    { "searchable", kSOAPType_BitField, kDIDL_Flags_Searchable },
 };
+static_assert(sizeof(sInfo) / sizeof(sInfo[0]) == kDIDL_Attribute_Count, "each row has a target");
 
 static constexpr NameIndex kInfoIndex(sInfo);
 
-static int ParseAttribute(const DIDLParserInfo& anInfo, const Slice& aValue, zoSOAPParserValue aTarget,
-                          Scratch* aScratch)
+static int ParseBitField(const char* aValue, uint32 aBit, uint32* aBitField)
+{
+    if (UPnPUtil_IsStrTrue(aValue)) { *aBitField |= aBit; }
+    else if (UPnPUtil_IsStrFalse(aValue)) { *aBitField &= ~aBit; }
+    else { return 0; }
+    return 1;
+}
+
+static int ParseAttribute(const DIDLParserInfo& anInfo, std::string_view aValue, zoSOAPParserValue aTarget,
+                          EntityResolver* aResolver)
 {
     if (anInfo.mItemType == kSOAPType_Str)
     {
         *aTarget.mStr = aValue;
         return 1;
     }
-    const Slice theResolved = Resolve(aScratch, aValue);
+    const std::string_view theResolved = aResolver->Resolve(aValue);
     const NulTerminated theValue(theResolved);
     switch (anInfo.mItemType)
     {
-    case kSOAPType_UInt32: zoConvert_strntouint32(theValue.c_str(), theResolved.mLength, aTarget.mUInt32); return 1;
+    case kSOAPType_UInt32: zoConvert_strntouint32(theValue.c_str(), theResolved.size(), aTarget.mUInt32); return 1;
     case kSOAPType_UInt32Hex: zoConvert_strtouint32_base(theValue.c_str(), aTarget.mUInt32, 16); return 1;
-    case kSOAPType_BitField:
-        if (UPnPUtil_IsStrTrue(theValue.c_str())) { *aTarget.mBitField |= anInfo.mValue; }
-        else if (UPnPUtil_IsStrFalse(theValue.c_str())) { *aTarget.mBitField &= ~anInfo.mValue; }
-        else { return 0; }
-        return 1;
-    default: return 1;
+    default: return ParseBitField(theValue.c_str(), anInfo.mValue, aTarget.mBitField);
     }
 }
 
-// Fills the targets, in the order of the table, from the attributes that the table knows under any prefix. The result
-// is 0 when a flag is neither true nor false; the other attributes are read all the same.
-static int ParseAttributes(const ILibXMLAttribute* anAttributes, const zoSOAPParserValue* aTargets, Scratch* aScratch)
+// Fills the targets, in the order of the table, from the attributes that the table names, whatever their prefix.
+static int ParseAttributes(const ILibXMLAttribute* anAttributes, const zoSOAPParserValue* aTargets,
+                           EntityResolver* aResolver)
 {
     int theResult = 1;
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        const DIDLParserInfo* theRow =
-            kInfoIndex.Find(theAttribute->Name, static_cast<size_t>(theAttribute->NameLength));
+        const DIDLParserInfo* theRow = kInfoIndex.Find(Shared::LocalName(theAttribute));
         if (!theRow) { continue; }
-        const Slice theValue = RemoveQuotesFromAttributeValue(theAttribute);
-        if (!ParseAttribute(*theRow, theValue, aTargets[theRow - sInfo], aScratch)) { theResult = 0; }
+        const std::string_view theValue = RemoveQuotesFromAttributeValue(theAttribute);
+        if (!ParseAttribute(*theRow, theValue, aTargets[theRow - sInfo], aResolver)) { theResult = 0; }
     }
     return theResult;
 }
@@ -110,7 +112,7 @@ int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttri
     theTargets[kDIDL_Attribute_Managed_Index].mUInt32 = &aParser->mManaged;
     theTargets[kDIDL_Attribute_Flags1_Index].mBitField = &aParser->mFlags;
     theTargets[kDIDL_Attribute_Flags2_Index].mBitField = &aParser->mFlags;
-    return ParseAttributes(anAttributes, theTargets, &aParser->mScratch);
+    return ParseAttributes(anAttributes, theTargets, &aParser->mResolver);
 }
 
 } // namespace DIDL

@@ -1,7 +1,5 @@
 #pragma once
 
-/* The attributes of the object's start tag. */
-
 #include <UPnP/Utilities/DIDL/ObjectParser.h>
 
 namespace DIDL

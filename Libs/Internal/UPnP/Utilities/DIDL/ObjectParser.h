@@ -1,9 +1,7 @@
 #pragma once
 
-/* What is known of an object while its elements are walked. */
-
+#include <UPnP/Utilities/DIDL/Entities.h>
 #include <UPnP/Utilities/DIDL/Namespaces.h>
-#include <UPnP/Utilities/DIDL/Scratch.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <zoltTools/zoArray.h>
 
@@ -24,63 +22,67 @@ enum SingleText
     kSingleText_Count
 };
 
-// Elements that all count.
-enum ManyTexts
+// Elements of which every one counts. They may be inside each other, and the text of each then holds those inside.
+enum RepeatedText
 {
-    kManyTexts_URI,
-    kManyTexts_AlbumArt,
-    kManyTexts_ChannelNr,
-    kManyTexts_CreateClass,
-    kManyTexts_ExtraInfo,
-    kManyTexts_Count
+    kRepeatedText_URI,
+    kRepeatedText_AlbumArt,
+    kRepeatedText_CreateClass,
+    kRepeatedText_ExtraInfo,
+    kRepeatedText_Namespace,
+    kRepeatedText_Count
 };
 
-// What is known of the object while its elements are walked.
+// What was stored of one kind, and read for it, in bytes.
+struct TextSizes
+{
+    size_t mStored = 0;
+    size_t mRead = 0;
+};
+
+// What is known of an object while its elements are walked.
 struct ObjectParser
 {
-    const char* mBaseURL = nullptr;
+    ObjectNodes mNodes = { nullptr, false };
+    const char* mBaseURL = nullptr; // NULL when URIs stay as they are
+    size_t mTextLength = 0;         // of the object
     zoPackedData_t* mEntry = nullptr;
     zoPackedData_t* mResources = nullptr;
-    Scratch mScratch = { nullptr, 0, { nullptr, nullptr, nullptr, nullptr } };
+    EntityResolver mResolver;
     NamespaceList mNamespaces;
-    zoArray_t* mAlbumArt = nullptr; // NULL while there is none
 
-    // Elements that can be many may stand inside each other, and the text of each holds those inside. What is stored of
-    // a kind ends once it has passed a multiple of the object's text, which without nesting it never does.
-    size_t mStored[kManyTexts_Count] = {};
-    size_t mStoredLimit = 0;
+    TextSizes mSizes[kRepeatedText_Count];
+    size_t mMaxStored = 0;      // of each kind
+    size_t mAbsoluteLength = 0; // of the URIs that were made absolute
+    size_t mMaxAbsolute = 0;
 
-    ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL when there is none
-    Slice mBGMProtocolInfo = { nullptr, 0 };
-    TextBuilder mCreateClass = { nullptr, 0, 0 }; // the list, without a NUL
+    ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL without such an element
+    zoArray_t* mAlbumArt = nullptr;             // NULL without album art
+    std::string_view mBGMProtocolInfo;
+    TextBuilder mCreateClass;
     uint32 mChannelNr = 0;
     uint32 mNextExtraTag = kCDSEntryInfo_Count;
 
-    Slice mID = { nullptr, 0 };
-    Slice mParentID = { nullptr, 0 };
-    Slice mRefID = { nullptr, 0 };
+    std::string_view mID;
+    std::string_view mParentID;
+    std::string_view mRefID;
     uint32 mChildCount = 0xFFFFFFFF;
-    uint32 mManaged = 0;
+    uint32 mManaged = kDLNAManaged_None;
     uint32 mFlags = kDIDL_Flags_Restricted;
+
+    ~ObjectParser() { zoArray_Delete(mAlbumArt); }
+
+    // Reads the text of an element, resolved. False when enough of its kind is stored.
+    bool ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText);
 };
 
-inline constexpr size_t kStoredPerText = 4;
-inline constexpr size_t kStoredAtLeast = size_t{ 64 } * 1024;
-inline constexpr uint32 kLastExtraTag = 0xFFFE; // of a value: an entry has room for 65535 values
-
-// The element's text as written; false when enough of its kind is stored.
-inline bool TakeInnerXML(ObjectParser* aParser, ILibXMLNode* aNode, ManyTexts aKind, Slice* aText)
-{
-    if (aParser->mStored[aKind] > aParser->mStoredLimit) { return false; }
-    *aText = GetInnerXML(aNode);
-    aParser->mStored[aKind] += aText->mLength;
-    return true;
-}
+// The last tag that a pair's value may have: a tag is 16 bits wide, and an entry holds 65535 values.
+inline constexpr uint32 kLastExtraTag = 0xFFFE;
 
 // Stores the text with its entities resolved.
-inline void AddResolvedText(ObjectParser* aParser, zoPackedData_t* aRecord, uint16 aTag, const Slice& aText)
+inline void AddResolvedText(ObjectParser* aParser, zoPackedData_t* aRecord, uint16 aTag, std::string_view aText)
 {
-    AddText(aRecord, aTag, Resolve(&aParser->mScratch, aText));
+    AddText(aRecord, aTag, aParser->mResolver.Resolve(aText));
 }
 
 } // namespace DIDL

@@ -18,11 +18,11 @@ namespace
 // A resource's fields as they come from its attributes.
 struct Resource
 {
-    Slice mProtocolInfo;
-    Slice mResolution;
-    Slice mImportURI;
-    Slice mDTCPUploadInfo;
-    Slice mIFOFileURI;
+    std::string_view mProtocolInfo;
+    std::string_view mResolution;
+    std::string_view mImportURI;
+    std::string_view mDTCPUploadInfo;
+    std::string_view mIFOFileURI;
     uint32 mDuration;
     uint32 mBitRate;
     uint32 mColorDepth;
@@ -35,101 +35,99 @@ struct Resource
     bool mfHasIFOFileURI;
 };
 
-typedef void (*ResourceReader_t)(const Slice& aValue, Resource* aResource);
+typedef void (*ResourceReader_t)(std::string_view aValue, Resource* aResource);
 
 struct ResourceAttribute
 {
-    const char* mIdentifier;
-    size_t mLength;
-    const char* mPrefix; // what the attribute's prefix must be a beginning of, and not ""; NULL: any or none
+    std::string_view mIdentifier;
+    std::string_view mPrefix; // the attribute's prefix is a beginning of it, and not empty; "" takes any and none
     ResourceReader_t mReader;
 };
 
 } // namespace
 
-template <Slice Resource::*Field>
-static void ReadText(const Slice& aValue, Resource* aResource)
+template <std::string_view Resource::*Field>
+static void ReadText(std::string_view aValue, Resource* aResource)
 {
     aResource->*Field = aValue;
 }
 
-static void ReadIFOFileURI(const Slice& aValue, Resource* aResource)
+static void ReadIFOFileURI(std::string_view aValue, Resource* aResource)
 {
     aResource->mIFOFileURI = aValue;
     aResource->mfHasIFOFileURI = true;
 }
 
 template <uint32 Resource::*Field>
-static void ReadUInt32(const Slice& aValue, Resource* aResource)
+static void ReadUInt32(std::string_view aValue, Resource* aResource)
 {
-    zoConvert_strntouint32(aValue.mBegin, aValue.mLength, &(aResource->*Field));
+    zoConvert_strntouint32(aValue.data(), aValue.size(), &(aResource->*Field));
 }
 
 template <uint64 Resource::*Field>
-static void ReadUInt64(const Slice& aValue, Resource* aResource)
+static void ReadUInt64(std::string_view aValue, Resource* aResource)
 {
     zoULongLong theValue = { 0, 0 };
-    zoConvert_strntoULongLong(aValue.mBegin, aValue.mLength, &theValue);
+    zoConvert_strntoULongLong(aValue.data(), aValue.size(), &theValue);
     aResource->*Field = zoULongLong_ToUInt64(&theValue);
 }
 
 // From bytes per second to bits.
-static void ReadBitRate(const Slice& aValue, Resource* aResource)
+static void ReadBitRate(std::string_view aValue, Resource* aResource)
 {
     uint32 theBytes = 0;
-    if (zoConvert_strntouint32(aValue.mBegin, aValue.mLength, &theBytes) != kzoConvertError_None) { return; }
+    if (zoConvert_strntouint32(aValue.data(), aValue.size(), &theBytes) != kzoConvertError_None) { return; }
     aResource->mBitRate = theBytes <= kBitRate_NotSet / 8 ? theBytes * 8 : kBitRate_NotSet;
 }
 
-static void ReadDuration(const Slice& aValue, Resource* aResource)
+static void ReadDuration(std::string_view aValue, Resource* aResource)
 {
     aResource->mDuration = ILibString_ParseTimeString(NulTerminated(aValue).c_str());
 }
 
-static void ReadLifeTime(const Slice& aValue, Resource* aResource)
+static void ReadLifeTime(std::string_view aValue, Resource* aResource)
 {
     const uint32 theTime = ILibString_ParseTimeString(NulTerminated(aValue).c_str());
     aResource->mLifeTime = std::min(std::max(theTime, 5u), 15u);
 }
 
 static constexpr ResourceAttribute kResourceAttributes[] = {
-    { "protocolInfo", 12, nullptr, ReadText<&Resource::mProtocolInfo> },
-    { "resolution", 10, nullptr, ReadText<&Resource::mResolution> },
-    { "duration", 8, nullptr, ReadDuration },
-    { "bitrate", 7, nullptr, ReadBitRate },
-    { "colorDepth", 10, nullptr, ReadUInt32<&Resource::mColorDepth> },
-    { "nrAudioChannels", 15, nullptr, ReadUInt32<&Resource::mAudioChannelCount> },
-    { "size", 4, nullptr, ReadUInt64<&Resource::mSize> },
-    { "resumeUpload", 12, "dlna", ReadUInt32<&Resource::mResumeUpload> },
-    { "uploadedSize", 12, "dlna", ReadUInt64<&Resource::mUploadedSize> },
-    { "trackTotal", 10, "dlna", ReadUInt32<&Resource::mTrackTotal> },
-    { "lifetime", 8, "dlna", ReadLifeTime },
-    { "ifoFileURI", 10, "dlna", ReadIFOFileURI },
-    { "importURI", 9, nullptr, ReadText<&Resource::mImportURI> },
-    { "uploadInfo", 10, "dtcp", ReadText<&Resource::mDTCPUploadInfo> },
+    { "protocolInfo", "", ReadText<&Resource::mProtocolInfo> },
+    { "resolution", "", ReadText<&Resource::mResolution> },
+    { "duration", "", ReadDuration },
+    { "bitrate", "", ReadBitRate },
+    { "colorDepth", "", ReadUInt32<&Resource::mColorDepth> },
+    { "nrAudioChannels", "", ReadUInt32<&Resource::mAudioChannelCount> },
+    { "size", "", ReadUInt64<&Resource::mSize> },
+    { "resumeUpload", "dlna", ReadUInt32<&Resource::mResumeUpload> },
+    { "uploadedSize", "dlna", ReadUInt64<&Resource::mUploadedSize> },
+    { "trackTotal", "dlna", ReadUInt32<&Resource::mTrackTotal> },
+    { "lifetime", "dlna", ReadLifeTime },
+    { "ifoFileURI", "dlna", ReadIFOFileURI },
+    { "importURI", "", ReadText<&Resource::mImportURI> },
+    { "uploadInfo", "dtcp", ReadText<&Resource::mDTCPUploadInfo> },
 };
 
 static constexpr NameIndex kResourceAttributeIndex(kResourceAttributes);
 
-// The attribute's row in the table, its prefix considered; NULL when it is none that a resource has a field for.
+// The attribute's row in the table; NULL when a resource has no field for it.
 static const ResourceAttribute* FindResourceAttribute(const ILibXMLAttribute* anAttribute)
 {
-    const size_t theLength = static_cast<size_t>(anAttribute->NameLength);
-    const ResourceAttribute* theRow = kResourceAttributeIndex.Find(anAttribute->Name, theLength);
-    if (!theRow || !theRow->mPrefix) { return theRow; }
-    const size_t thePrefixLength = static_cast<size_t>(anAttribute->PrefixLength);
-    const bool fHasPrefix = thePrefixLength > 0 && thePrefixLength <= 4 &&
-                            EqualsIgnoringCase(theRow->mPrefix, anAttribute->Prefix, thePrefixLength);
+    const ResourceAttribute* theRow = kResourceAttributeIndex.Find(Shared::LocalName(anAttribute));
+    if (!theRow || theRow->mPrefix.empty()) { return theRow; }
+    const std::string_view thePrefix = Shared::Prefix(anAttribute);
+    const bool fHasPrefix =
+        !thePrefix.empty() && Shared::EqualsIgnoringCase(theRow->mPrefix.substr(0, thePrefix.size()), thePrefix);
     return fHasPrefix ? theRow : nullptr;
 }
 
 static void ParseExtraAttribute(ObjectParser* aParser, const ILibXMLAttribute* anAttribute, uint32* aNextTag)
 {
-    const Slice theName = QualifiedName(anAttribute);
-    const Slice theValue = RemoveQuotesFromAttributeValue(anAttribute);
+    const std::string_view theName = Shared::QualifiedName(anAttribute);
+    const std::string_view theValue = RemoveQuotesFromAttributeValue(anAttribute);
     if (BeginsWithXMLNS(theName))
     {
-        AppendXMLNS(&aParser->mNamespaces, theName, theValue);
+        aParser->mNamespaces.AppendXMLNS(theName, theValue, ValueSource::Attribute);
         return;
     }
     if (*aNextTag + 1 > kLastExtraTag) { return; }
@@ -149,43 +147,49 @@ static void ParseResourceAttributes(ObjectParser* aParser, const ILibXMLAttribut
     }
 }
 
-// The absolute form of a URI without a scheme, new; NULL for one that has a scheme.
-static char* MakeAbsolute(const char* aBaseURL, const char* aURI)
+static bool HasScheme(const char* aURI)
 {
     zoURI* theURI = zoURI_NewFromEscapedStr(aURI);
-    const bool fIsRelative = !theURI || zoStrEmpty(theURI->mScheme);
+    const bool fHasScheme = theURI && !zoStrEmpty(theURI->mScheme);
     zoURI_Delete(theURI);
-    return fIsRelative ? zoURI_S_Combine(aBaseURL, aURI) : nullptr;
+    return fHasScheme;
+}
+
+// The absolute form of a relative URI, new; NULL when the URI is stored as written.
+static char* NewAbsoluteURI(ObjectParser* aParser, std::string_view aURI)
+{
+    const NulTerminated theURI(aURI);
+    if (!aParser->mBaseURL || aURI.empty() || HasScheme(theURI.c_str())) { return nullptr; }
+    char* theAbsolute = zoURI_S_Combine(aParser->mBaseURL, theURI.c_str());
+    const size_t theLength = strlen(theAbsolute);
+    if (theLength > aParser->mMaxAbsolute - aParser->mAbsoluteLength)
+    {
+        free(theAbsolute);
+        return nullptr;
+    }
+    aParser->mAbsoluteLength += theLength;
+    return theAbsolute;
 }
 
 static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 {
-    Slice theText = { nullptr, 0 };
-    if (TakeInnerXML(aParser, aNode, kManyTexts_URI, &theText)) { theText = Resolve(&aParser->mScratch, theText); }
-    char* theAbsolute = nullptr;
-    if (aParser->mBaseURL && theText.mLength > 0)
-    {
-        theAbsolute = MakeAbsolute(aParser->mBaseURL, NulTerminated(theText).c_str());
-    }
-    if (theAbsolute)
-    {
-        theText = { theAbsolute, strlen(theAbsolute) };
-        aParser->mStored[kManyTexts_URI] += theText.mLength;
-    }
-    AddText(aParser->mResources, kCDSResourceInfo_URI, theText);
+    std::string_view theURI;
+    aParser->ReadText(aNode, kRepeatedText_URI, &theURI); // "" when enough is stored: each resource has an entry
+    char* theAbsolute = NewAbsoluteURI(aParser, theURI);
+    AddText(aParser->mResources, kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
     free(theAbsolute);
 }
 
-static void AddProtocolInfo(ObjectParser* aParser, const Slice& aProtocolInfo)
+static void AddProtocolInfo(ObjectParser* aParser, std::string_view aProtocolInfo)
 {
-    const Slice theText = Resolve(&aParser->mScratch, aProtocolInfo);
-    if (zoDLNAProtocolInfo_IsNormal(theText.mBegin, theText.mLength))
+    const std::string_view theText = aParser->mResolver.Resolve(aProtocolInfo);
+    if (zoDLNAProtocolInfo_IsNormal(theText.data(), theText.size()))
     {
         AddText(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theText);
         return;
     }
-    char* theTextForm = NewTextForm(theText.mBegin, theText.mLength);
-    zoPackedData_AddData(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theTextForm, strlen(theTextForm) + 1);
+    char* theTextForm = NewTextForm(theText.data(), theText.size());
+    AddText(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theTextForm);
     free(theTextForm);
 }
 

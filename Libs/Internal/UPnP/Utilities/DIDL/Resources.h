@@ -1,14 +1,13 @@
 #pragma once
 
-/* The resources of an object. */
-
 #include <UPnP/Utilities/DIDL/ObjectParser.h>
 
 namespace DIDL
 {
 
-inline bool IsResource(const ILibXMLNode* aNode) { return IsName(aNode->Name, aNode->NameLength, "res"); }
+inline bool IsResource(const ILibXMLNode* aNode) { return IsNamed(aNode, "res"); }
 
+// Reads a res element into an entry of the resource record.
 void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
 
 } // namespace DIDL

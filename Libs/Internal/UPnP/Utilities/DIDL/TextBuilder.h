@@ -1,40 +1,63 @@
 #pragma once
 
-/* A text that grows. */
-
-#include <algorithm>
+#include <Shared/Sizes.h>
+#include <stdlib.h>
 #include <string.h>
-#include <zoltTools/zoMemory.h>
+#include <string_view>
 
 namespace DIDL
 {
 
-inline constexpr size_t kFirstBuilderSize = 512;
-
-// A text that grows: mLength of mSize bytes are written.
-struct TextBuilder
+// A text that grows.
+class TextBuilder
 {
-    char* mText;
-    size_t mLength;
-    size_t mSize;
-};
+public:
+    TextBuilder() = default;
+    ~TextBuilder() { free(mText); }
+    TextBuilder(const TextBuilder&) = delete;
+    TextBuilder& operator=(const TextBuilder&) = delete;
 
-// Makes room for aCount further bytes and gives their place.
-inline char* Extend(TextBuilder* aBuilder, size_t aCount)
-{
-    if (aCount > aBuilder->mSize - aBuilder->mLength)
+    size_t size() const { return mLength; }
+    bool empty() const { return mLength == 0; }
+
+    // The text, which nothing is appended to after this. The byte after it is writable; without text there is none.
+    std::string_view EndText()
     {
-        aBuilder->mSize = std::max(aBuilder->mSize * 2, aBuilder->mLength + aCount + kFirstBuilderSize);
-        aBuilder->mText = static_cast<char*>(zoRealloc(aBuilder->mText, aBuilder->mSize));
+        if (mLength == 0) { return {}; }
+        const size_t theLength = mLength;
+        Extend(1);
+        return { mText, theLength };
     }
-    char* thePlace = aBuilder->mText + aBuilder->mLength;
-    aBuilder->mLength += aCount;
-    return thePlace;
-}
 
-inline void Append(TextBuilder* aBuilder, const char* aBytes, size_t aCount)
-{
-    memcpy(Extend(aBuilder, aCount), aBytes, aCount);
-}
+    // Makes room for aCount further bytes and returns where they go.
+    char* Extend(size_t aCount)
+    {
+        if (aCount > mSize - mLength)
+        {
+            mSize = Shared::GrowCapacity(mSize, Shared::AddSizes(mLength, aCount), kFirstSize);
+            mText = Shared::ResizeArray(mText, mSize);
+        }
+        char* thePlace = mText + mLength;
+        mLength += aCount;
+        return thePlace;
+    }
+    void Append(std::string_view aText)
+    {
+        if (!aText.empty()) { memcpy(Extend(aText.size()), aText.data(), aText.size()); }
+    }
+    void Append(char aByte) { *Extend(1) = aByte; }
+
+    // Drops what is past the first aLength bytes, of at least as many.
+    void CutTo(size_t aLength) { mLength = aLength; }
+
+private:
+    enum : size_t
+    {
+        kFirstSize = 512 // the declarations of most documents fit
+    };
+    char* mText = nullptr; // mLength of mSize bytes are written
+    size_t mLength = 0;
+    size_t mSize = 0;
+};
 
 } // namespace DIDL
