@@ -1,4 +1,5 @@
 # What the scripts need beyond the checkout; to be sourced. Debian's package names stand for the things themselves.
+# shellcheck shell=bash
 
 can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
 
@@ -34,21 +35,43 @@ require() {
         echo "$0: missing; on Debian: apt-get install ${missing[*]}" >&2
         return 3
     fi
-    echo "Installing ${missing[*]}" >&2
     export DEBIAN_FRONTEND=noninteractive
-    quietly apt-get update
+    stage "Installing ${missing[*]}" apt-get update
     quietly apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
-# quietly COMMAND...: what it prints is shown, on standard error, when it fails.
-quietly() {
-    local log status=0
+# quietly COMMAND...: what it prints is shown, on standard error, when it fails; on a terminal, its last line meanwhile.
+quietly() { stage "" "$@"; }
+
+# stage NAME COMMAND...: as quietly, and says NAME once the command has something to do.
+stage() {
+    local name=$1 log status=0
+    shift
     log=$(mktemp)
-    "$@" >"$log" 2>&1 </dev/null || status=3
+    "$@" </dev/null 2>&1 | tee "$log" | show_progress "$name" || status=3
     if [ $status -ne 0 ]; then
         echo "$0: failed: $*" >&2
         tail -n 200 "$log" >&2
     fi
     rm -f "$log"
     return $status
+}
+
+# show_progress NAME: says NAME when lines come that tell of work; on a terminal, shows the lines one over the other.
+show_progress() {
+    local name=$1 line width clear=
+    if [ -t 2 ]; then
+        clear=$'\r\e[K'
+        width=$(tput cols 2>/dev/null) || width=80
+    fi
+    while IFS= read -r line || [ -n "$line" ]; do
+        line=${line##*$'\r'}
+        case $line in "" | *"globbed directories..." | "ninja: no work to do.") continue ;; esac
+        if [ -n "$name" ]; then
+            echo "$name" >&2
+            name=
+        fi
+        if [ -n "$clear" ]; then printf '%s%s' "$clear" "${line:0:width-1}" >&2; fi
+    done
+    printf '%s' "$clear" >&2
 }
