@@ -13,7 +13,7 @@ case ${1-} in
 esac
 
 for preset in "${presets[@]}"; do
-    packages=(cmake ninja-build g++ ccache googletest pkg-config)
+    packages=(cmake ninja-build g++ ccache libcli11-dev googletest pkg-config)
     case $preset in
     dev | release-tests | asan | tsan) ;;
     asan-clang) packages+=(clang libclang-rt-14-dev) ;;

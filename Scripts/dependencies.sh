@@ -14,6 +14,7 @@ has_package() {
     g++-12-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
     g++-arm-linux-gnueabihf | g++-mips-linux-gnu) command -v "${1#g++-}-g++" ;;
     qemu-user) command -v qemu-arm && command -v qemu-mips ;;
+    libcli11-dev) [ -e /usr/include/CLI/CLI.hpp ] ;;
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
     libbenchmark-dev) [ -e /usr/include/benchmark/benchmark.h ] ;;
     libpugixml-dev) [ -e /usr/include/pugixml.hpp ] ;;

@@ -5,7 +5,7 @@ root=$(cd "$(dirname "$0")/.." && pwd -P)
 . "$root/Scripts/dependencies.sh"
 . "$root/Scripts/build.sh"
 
-require cmake ninja-build g++ ccache dpkg-dev
+require cmake ninja-build g++ ccache libcli11-dev dpkg-dev
 folder=$root/build/package
 build release "$folder" all -DUPNP_BUILD_TESTS=OFF -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_RPATH=ON
 rm -f "$folder"/*.deb

@@ -120,6 +120,10 @@ expect_names() {
     expect "completion of a property" "PlayModeList= PlaySpeedList=" "$(offered upnputil hook --property=Play | xargs)"
     expect "completion of a record" "SSDP" "$(offered upnputil config --record SS)"
     expect "completion of a file" "$page" "$(offered upnputil describe --part ":nexturi=${page%.*}")"
+    printf '[A b]\n[C]\n' >"$1.conf"
+    expect "completion of a section" 'A\ b C' "$(offered upnputil config "$1.conf" "" | xargs -d '\n')"
+    expect "completion of an option that names one" C "$(offered upnputil monitor --config "$1.conf" --section C)"
+    expect "completion of what help is wanted for" item "$(offered upnputil help create it)"
     expect "completion of a number" "" "$(offered upnputil hook --count "")"
     for name in $(offered upnputil describe --feature "") $(offered upnputil describe --property "" | tr -d =) \
         $(offered upnputil config --record ""); do
@@ -138,12 +142,13 @@ run_tool() {
     expect "file" "libUPnPUtilities.so.$2" "$(basename "$(readlink -f "$libraries/libUPnPUtilities.so")")"
     expect "change log" "## [$2]" "$(grep -o -m 1 '^## \[[0-9.]*\]' "$1/share/doc/upnputilities/CHANGELOG.md")"
     expect "manual page" "upnputil $2" "$(sed -n 's/^\.TH.*"\(upnputil [0-9.]*\)".*/\1/p' "$page")"
+    if command -v mandoc >/dev/null; then expect "lint of the manual page" "" "$(mandoc -T lint "$page")"; fi
     if command -v man >/dev/null; then
         expect "faults of the manual page" "" "$(LC_ALL=C MANWIDTH=80 man --warnings -l "$page" 2>&1 >/dev/null)"
     fi
     [ -n "$(help_rows "[a-z]*")" ] || fail "upnputil --help lists no subcommand"
     expect_help
-    expect_names
+    expect_names "$1"
 }
 
 command=$1

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
@@ -45,7 +44,7 @@ struct ScratchFile
     FILE* mFile;
 };
 
-inline Result RunTool(const Words& anArguments, const std::string& anInput = "", const char* anOutputPath = nullptr)
+inline Result RunTool(const Words& anArguments, const std::string& anInput = "", int anOutput = -1)
 {
     const ScratchFile theInput(anInput), theOutput, theError;
     const pid_t theChild = fork();
@@ -56,7 +55,7 @@ inline Result RunTool(const Words& anArguments, const std::string& anInput = "",
             theArguments.push_back(const_cast<char*>(theArgument.c_str()));
         theArguments.push_back(nullptr);
         dup2(theInput.Descriptor(), STDIN_FILENO);
-        dup2(anOutputPath ? open(anOutputPath, O_WRONLY) : theOutput.Descriptor(), STDOUT_FILENO);
+        dup2(anOutput >= 0 ? anOutput : theOutput.Descriptor(), STDOUT_FILENO);
         dup2(theError.Descriptor(), STDERR_FILENO);
         execv(TEST_TOOL, theArguments.data());
         _exit(127);

@@ -1,6 +1,7 @@
 #include "RunTool.h"
 #include "Support/Texts.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
@@ -58,7 +59,11 @@ TEST(ToolTest, RefusesInOneLine)
 {
     ExpectRefusals({
         { {}, "a subcommand is missing" },
-        { { "sing" }, "\"sing\"" },
+        { { "sing" }, "no subcommand is called \"sing\"; see upnputil --help" },
+        { { "shwo" }, "\"shwo\", did you mean \"show\"? See upnputil --help" },
+        { { "help", "create", "itme" }, "\"itme\", did you mean \"item\"? See upnputil create --help" },
+        { { "show", "-", "--Bas=x" }, "\"--Bas\", did you mean \"--base\"?" },
+        { { "show", "show" }, "show: No such file" },
         { { "show" }, "FILE is missing" },
         { { "show", "-", "x" }, "\"x\" is one argument too many" },
         { { "show", "--", "--help" }, "--help: No such file" },
@@ -86,9 +91,25 @@ TEST(ToolTest, RefusesInOneLine)
         { { "select", "-", "--sink", "x" }, "more than one object", "<DIDL-Lite><item/><item/></DIDL-Lite>" },
         { { "select", "-", "--sink", "x" }, "neither true nor false", "<item restricted='maybe'/>" },
     });
-    EXPECT_NE(std::string::npos,
-              RunTool({ "show", "--help" }, "", "/dev/full").mError.find("standard output: No space"));
-    EXPECT_EQ(2, RunTool({ "show", "-" }, Item(""), "/dev/full").mStatus);
+    const int theFull = open("/dev/full", O_WRONLY);
+    EXPECT_NE(std::string::npos, RunTool({ "show", "--help" }, "", theFull).mError.find("standard output: No space"));
+    EXPECT_EQ(2, RunTool({ "show", "-" }, Item(""), theFull).mStatus);
+    close(theFull);
+}
+
+// As cat does: by SIGPIPE, without a word. The monitor has no more to write by then.
+TEST(ToolTest, EndsWithItsReader)
+{
+    for (const Words& theArguments : { Words{ "--help" }, Words{ "show", "-" }, Words{ "monitor", "--json" } })
+    {
+        int theEnds[2];
+        ASSERT_EQ(0, pipe(theEnds));
+        close(theEnds[0]);
+        const Result theResult = RunTool(theArguments, Item(""), theEnds[1]);
+        close(theEnds[1]);
+        EXPECT_EQ(-1, theResult.mStatus) << theArguments[0];
+        EXPECT_EQ("", theResult.mError);
+    }
 }
 
 TEST(ToolTest, Help)
@@ -103,6 +124,9 @@ TEST(ToolTest, Help)
     }
     EXPECT_EQ(0u, RunTool({ "--help" }).mOutput.find("Usage: upnputil "));
     EXPECT_EQ(0u, RunTool({ "--version" }).mOutput.find("upnputil "));
+    EXPECT_EQ(RunTool({ "--version" }).mOutput, RunTool({ "-V" }).mOutput);
+    EXPECT_EQ(RunTool({ "create", "item", "--help" }).mOutput, RunTool({ "help", "create", "item" }).mOutput);
+    EXPECT_EQ(RunTool({ "--help" }).mOutput, RunTool({ "-h" }).mOutput);
 }
 
 TEST(ToolTest, ValuesStayInTheirLines)

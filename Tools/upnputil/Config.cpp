@@ -1,12 +1,14 @@
 #include "Input.h"
+#include "LogReceiver.h"
 #include "Subcommand.h"
+#include "Suggestion.h"
 
 #include <UPnP/Utilities/UPnPConfig.h>
 #include <UPnP/Utilities/UPnPUtility.h>
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <string.h>
-#include <zoLog/Log.h>
 #include <zoltTools/zoMemory.h>
 #include <zoltTools/zoSocketPolicyConfig.h>
 
@@ -17,24 +19,14 @@ namespace
 class Warnings
 {
 public:
-    Warnings() { zoLog_SetSink(TakeLogged, this); }
-    ~Warnings() { zoLog_SetSink(nullptr, nullptr); }
-    Warnings(const Warnings&) = delete;
-    Warnings& operator=(const Warnings&) = delete;
-
     void Add(const std::string& aMessage)
     {
         if (mSaid.insert(aMessage).second) { Say("warning: " + aMessage); }
     }
 
 private:
-    static void TakeLogged(int, int, const char*, int, const char* aText, void* aWarnings)
-    {
-        const std::string theText = aText;
-        static_cast<Warnings*>(aWarnings)->Add(theText.substr(0, theText.find_last_not_of('\n') + 1));
-    }
-
     std::set<std::string> mSaid;
+    LogReceiver mReceiver{ [this](const std::string& aMessage) { Add(aMessage); } };
 };
 
 // One section of a configuration file, and what is being found out about it.
@@ -135,23 +127,30 @@ static const RecordKind kRecordKinds[kUPnPConfigRecord_Count] = {
 
 static const char kPolicyName[] = "SocketPolicy";
 
-static std::string RecordNames()
+static std::vector<std::string> RecordNames()
 {
-    std::string theNames = kPolicyName;
+    std::vector<std::string> theNames = { kPolicyName };
     for (const RecordKind& theKind : kRecordKinds)
-        theNames += std::string(", ") + theKind.Description().mName;
+        theNames.emplace_back(theKind.Description().mName);
     return theNames;
 }
 
+static std::string RecordList()
+{
+    std::string theList;
+    for (const std::string& theName : RecordNames())
+        theList += (theList.empty() ? "" : ", ") + theName;
+    return theList;
+}
+
 static const Usage kUsage = {
-    "config",
     "[--record NAME]...",
     "FILE SECTION",
     "Prints what the stack's records get from a section of a configuration file, field by field, each with where its\n"
     "value comes from; a number of 0 that the stack replaces by its own default when it starts is marked so. Warns of\n"
     "keys that none of the records reads, and of values that are not taken as they are. \"-\" is standard input.\n"
     "Records: " +
-        RecordNames() + ".\n",
+        RecordList() + ".\n",
     {
         { "--record", "NAME", true, "print this record only; may repeat" },
     },
@@ -353,35 +352,30 @@ static bool IsWanted(const std::vector<const char*>& aNames, const char* aName)
     return aNames.empty();
 }
 
-static const char* FindUnknownName(const std::vector<const char*>& aNames)
+static int CheckNames(const Arguments& anArguments)
 {
-    for (const char* theName : aNames)
+    const std::vector<std::string> theKnown = RecordNames();
+    for (const std::string theName : anArguments.GetAll("--record"))
     {
-        bool fIsKnown = strcmp(theName, kPolicyName) == 0;
-        for (const RecordKind& theKind : kRecordKinds)
-            fIsKnown = fIsKnown || strcmp(theName, theKind.Description().mName) == 0;
-        if (!fIsKnown) { return theName; }
+        if (std::find(theKnown.begin(), theKnown.end(), theName) != theKnown.end()) { continue; }
+        return anArguments.BadUsage("no record is called \"" + theName + "\"; there are " + RecordList() +
+                                    Suggestion(theName, theKnown));
     }
-    return nullptr;
+    return kExit_Done;
 }
 
-int ShowConfig(const Arguments& anArguments, Output& anOutput)
+static int ShowConfig(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
-    const std::vector<const char*> theNames = theOptions.GetAll("--record");
-    if (const char* theName = FindUnknownName(theNames))
-    {
-        return theOptions.BadUsage("no record is called \"" + std::string(theName) + "\"; there are " + RecordNames());
-    }
+    if (CheckNames(anArguments) != kExit_Done) { return kExit_Bad; }
     std::vector<char> theText;
-    if (!ReadInput(theOptions.Operand(), theText)) { return kExit_Bad; }
-    Section theSection(theText, theOptions.Operand(1));
+    if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
+    Section theSection(theText, anArguments.Operand(1));
     if (!theSection.Exists())
     {
-        return FailToFind(InputName(theOptions.Operand()) + ": no section \"" + theSection.mName + "\"");
+        return FailToFind(InputName(anArguments.Operand()) + ": no section \"" + theSection.mName + "\"");
     }
 
+    const std::vector<const char*> theNames = anArguments.GetAll("--record");
     anOutput.SetSubject(std::string(kPolicyName) + " ");
     if (IsWanted(theNames, kPolicyName)) { PrintPolicy(theSection, anOutput); }
     for (const RecordKind& theKind : kRecordKinds)
@@ -394,3 +388,5 @@ int ShowConfig(const Arguments& anArguments, Output& anOutput)
     WarnOfUnreadKeys(theSection);
     return kExit_Done;
 }
+
+const Subcommand kConfig = { "config", "print what the stack gets from a configuration file", &kUsage, ShowConfig };

@@ -41,7 +41,6 @@ static std::string FlagsHelp(const char* anOption, const Names& aNames)
 }
 
 static const Usage kContainerUsage = {
-    "create container",
     "[OPTION...]",
     nullptr,
     "Prints the Elements document by which a control point asks a media server to create a container.\n"
@@ -53,7 +52,6 @@ static const Usage kContainerUsage = {
 };
 
 static const Usage kItemUsage = {
-    "create item",
     "[OPTION...]",
     nullptr,
     "Prints the Elements document by which a control point asks a media server to create an item, whose content it will\n"
@@ -70,7 +68,6 @@ static const Usage kItemUsage = {
 };
 
 static const Usage kResponseUsage = {
-    "create response",
     "[OPTION...]",
     nullptr,
     "Prints the Result document by which a media server answers such a request. What is not given is left empty. With\n"
@@ -114,9 +111,9 @@ static std::vector<std::string> SplitAtCommas(const std::string& aText)
 }
 
 // Leaves aFlags alone when the option isn't given.
-static int ReadFlags(const Options& anOptions, const char* anOption, const Names& aNames, uint32* aFlags)
+static int ReadFlags(const Arguments& anArguments, const char* anOption, const Names& aNames, uint32* aFlags)
 {
-    const char* theText = anOptions.Get(anOption);
+    const char* theText = anArguments.Get(anOption);
     if (!theText) { return kExit_Done; }
     *aFlags = 0;
     for (const std::string& theItem : SplitAtCommas(theText))
@@ -124,8 +121,8 @@ static int ReadFlags(const Options& anOptions, const char* anOption, const Names
         uint32 theFlag = 0;
         if (!ReadFlag(theItem, aNames, &theFlag))
         {
-            return anOptions.BadUsage(std::string(anOption) + ": \"" + theItem +
-                                      "\" is no hexadecimal number of 32 bits and none of " + aNames.List());
+            return anArguments.BadUsage(std::string(anOption) + ": \"" + theItem +
+                                        "\" is no hexadecimal number of 32 bits and none of " + aNames.List());
         }
         *aFlags |= theFlag;
     }
@@ -133,16 +130,16 @@ static int ReadFlags(const Options& anOptions, const char* anOption, const Names
 }
 
 // The length stays 0 when it isn't given.
-static int ReadLength(const Options& anOptions, zoFileOffset* aLength)
+static int ReadLength(const Arguments& anArguments, zoFileOffset* aLength)
 {
-    const char* theText = anOptions.Get("--length");
+    const char* theText = anArguments.Get("--length");
     if (!theText) { return kExit_Done; }
     zoULongLong theLength = { 0, 0 };
     const bool fIsNumber = zoConvert_strntoULongLong(theText, strlen(theText), &theLength) == kzoConvertError_None;
     if (!fIsNumber || zoULongLong_ToUInt64(&theLength) > INT64_MAX)
     {
-        return anOptions.BadUsage("--length \"" + std::string(theText) + "\" is no number from 0 to " +
-                                  std::to_string(INT64_MAX));
+        return anArguments.BadUsage("--length \"" + std::string(theText) + "\" is no number from 0 to " +
+                                    std::to_string(INT64_MAX));
     }
     *aLength = static_cast<zoFileOffset>(zoULongLong_ToUInt64(&theLength));
     return kExit_Done;
@@ -156,30 +153,30 @@ static int PrintDocument(char* aDocument, Output& anOutput)
     return kExit_Done;
 }
 
-static int CreateContainer(const Options& anOptions, Output& anOutput)
+static int CreateContainer(const Arguments& anArguments, Output& anOutput)
 {
     uint32 theFlags = kDLNAManaged_None;
-    if (ReadFlags(anOptions, "--flags", kManagedFlags, &theFlags) != kExit_Done) { return kExit_Bad; }
-    return PrintDocument(UPnPDIDL_GetForCreateContainerRequest(anOptions.Get("--parent"), anOptions.Get("--title"),
-                                                               theFlags, anOptions.Get("--class"),
-                                                               anOptions.Get("--create-classes")),
+    if (ReadFlags(anArguments, "--flags", kManagedFlags, &theFlags) != kExit_Done) { return kExit_Bad; }
+    return PrintDocument(UPnPDIDL_GetForCreateContainerRequest(anArguments.Get("--parent"), anArguments.Get("--title"),
+                                                               theFlags, anArguments.Get("--class"),
+                                                               anArguments.Get("--create-classes")),
                          anOutput);
 }
 
-static int CreateItem(const Options& anOptions, Output& anOutput)
+static int CreateItem(const Arguments& anArguments, Output& anOutput)
 {
     uint32 theFlags = kDLNAManaged_None;
     uint32 theUploadInfo = kNoUploadInfo;
     zoFileOffset theLength = 0;
-    if (ReadFlags(anOptions, "--flags", kManagedFlags, &theFlags) != kExit_Done ||
-        ReadFlags(anOptions, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done ||
-        ReadLength(anOptions, &theLength) != kExit_Done)
+    if (ReadFlags(anArguments, "--flags", kManagedFlags, &theFlags) != kExit_Done ||
+        ReadFlags(anArguments, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done ||
+        ReadLength(anArguments, &theLength) != kExit_Done)
     {
         return kExit_Bad;
     }
-    return PrintDocument(UPnPDIDL_GetForCreateItemRequest(anOptions.Get("--parent"), anOptions.Get("--title"), theFlags,
-                                                          anOptions.Get("--class"), anOptions.Get("--protocol-info"),
-                                                          theLength, theUploadInfo),
+    return PrintDocument(UPnPDIDL_GetForCreateItemRequest(anArguments.Get("--parent"), anArguments.Get("--title"),
+                                                          theFlags, anArguments.Get("--class"),
+                                                          anArguments.Get("--protocol-info"), theLength, theUploadInfo),
                          anOutput);
 }
 
@@ -188,65 +185,38 @@ static void AddText(zoPackedData_t* aRecord, uint16 aTag, const char* aText)
     if (aText) { zoPackedData_AddData(aRecord, aTag, aText, strlen(aText) + 1); }
 }
 
-static int CreateResponse(const Options& anOptions, Output& anOutput)
+static int CreateResponse(const Arguments& anArguments, Output& anOutput)
 {
     uint32 theUploadInfo = kNoUploadInfo;
-    if (ReadFlags(anOptions, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done) { return kExit_Bad; }
+    if (ReadFlags(anArguments, "--dtcp", kUploadFlags, &theUploadInfo) != kExit_Done) { return kExit_Bad; }
     zoPackedData_t* theEntry = zoPackedData_New(1);
     zoPackedData_AddNewEntry(theEntry);
-    AddText(theEntry, kCDSEntryInfo_Title, anOptions.Get("--title"));
-    AddText(theEntry, kCDSEntryInfo_ItemClassName, anOptions.Get("--class"));
-    AddText(theEntry, kCDSEntryInfo_CreateClass, anOptions.Get("--create-classes"));
-    const char* theInfoText = anOptions.Get("--protocol-info");
+    AddText(theEntry, kCDSEntryInfo_Title, anArguments.Get("--title"));
+    AddText(theEntry, kCDSEntryInfo_ItemClassName, anArguments.Get("--class"));
+    AddText(theEntry, kCDSEntryInfo_CreateClass, anArguments.Get("--create-classes"));
+    const char* theInfoText = anArguments.Get("--protocol-info");
     zoDLNAProtocolInfo_t* theInfo = theInfoText ? zoDLNAProtocolInfo_New(theInfoText, strlen(theInfoText), 0) : nullptr;
 
     char* theDocument = UPnPDIDL_GetForCreateObjectResponse(
-        theEntry, anOptions.Get("--import-uri"), anOptions.Get("--import-ifo-uri"), theInfo, anOptions.Get("--id"),
-        anOptions.Get("--parent"), anOptions.Get("--resume") != nullptr, theUploadInfo);
+        theEntry, anArguments.Get("--import-uri"), anArguments.Get("--import-ifo-uri"), theInfo,
+        anArguments.Get("--id"), anArguments.Get("--parent"), anArguments.Get("--resume") != nullptr, theUploadInfo);
     zoDLNAProtocolInfo_Delete(theInfo);
     zoPackedData_Free(theEntry);
     return PrintDocument(theDocument, anOutput);
 }
 
-static const struct
-{
-    const char* mName;
-    const char* mSummary;
-    const Usage& mUsage;
-    int (*mFunction)(const Options& anOptions, Output& anOutput);
-} kDocuments[] = {
-    { "container", "the request for a container", kContainerUsage, CreateContainer },
-    { "item", "the request for an item", kItemUsage, CreateItem },
-    { "response", "the answer to either", kResponseUsage, CreateResponse },
+static const Subcommand kDocuments[] = {
+    { "container", "the request for a container", &kContainerUsage, CreateContainer },
+    { "item", "the request for an item", &kItemUsage, CreateItem },
+    { "response", "the answer to either", &kResponseUsage, CreateResponse },
 };
 
-static int Help(Output& anOutput)
-{
-    anOutput.Text("Usage: upnputil create DOCUMENT [OPTION...]\n\n"
-                  "Prints a DIDL-Lite document by which an object is created on a media server.\n\nDocuments:\n");
-    for (const auto& theDocument : kDocuments)
-        anOutput.Row(theDocument.mName, theDocument.mSummary);
-    anOutput.Text("\nupnputil create DOCUMENT --help tells more.\n");
-    return kExit_Done;
-}
-
-int Create(const Arguments& anArguments, Output& anOutput)
-{
-    if (anArguments.empty())
-    {
-        return Fail("create: container, item or response is missing; see upnputil create --help");
-    }
-    const char* theName = anArguments.front();
-    if (strcmp(theName, "--help") == 0) { return Help(anOutput); }
-    for (const auto& theDocument : kDocuments)
-    {
-        if (strcmp(theName, theDocument.mName) != 0) { continue; }
-        Options theOptions(theDocument.mUsage);
-        if (!theOptions.Read(Arguments(anArguments.begin() + 1, anArguments.end()), anOutput))
-        {
-            return theOptions.Status();
-        }
-        return theDocument.mFunction(theOptions, anOutput);
-    }
-    return Fail("create: no document is called \"" + std::string(theName) + "\"; see upnputil create --help");
-}
+const Subcommand kCreate = {
+    "create",
+    "print a document by which an object is created on a media server",
+    nullptr,
+    nullptr,
+    "a document",
+    "",
+    { &kDocuments[0], &kDocuments[1], &kDocuments[2] },
+};

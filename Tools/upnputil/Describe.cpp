@@ -10,7 +10,6 @@
 static const char kMarker[] = "%@";
 
 static const Usage kUsage = {
-    "describe",
     "[--part NAME=FILE]... [OPTION...]",
     "TEMPLATE",
     "Rewrites a service description, or with --device a device description, for a client and prints it as it is, without\n"
@@ -49,32 +48,33 @@ struct Part
 
 static size_t LengthOf(const Text& aText) { return aText.size() - 1; }
 
-static int ReadPartNames(const Options& anOptions, std::vector<Part>& aParts)
+static int ReadPartNames(const Arguments& anArguments, std::vector<Part>& aParts)
 {
-    for (const char* theText : anOptions.GetAll("--part"))
+    for (const char* theText : anArguments.GetAll("--part"))
     {
         const char* theEqualSign = strchr(theText, '=');
-        if (!theEqualSign) { return anOptions.BadUsage("--part " + std::string(theText) + " has no \"=\""); }
+        if (!theEqualSign) { return anArguments.BadUsage("--part " + std::string(theText) + " has no \"=\""); }
         const std::string theName(theText, theEqualSign);
         if (theName.find(':') == std::string::npos)
         {
-            return anOptions.BadUsage("--part " + std::string(theText) + ": no \":\" in its name, as in \":timeseek\"");
+            return anArguments.BadUsage("--part " + std::string(theText) +
+                                        ": no \":\" in its name, as in \":timeseek\"");
         }
         aParts.push_back({ theName, theEqualSign + 1, Text(1) });
     }
     return kExit_Done;
 }
 
-static bool WantsInputTwice(const Options& anOptions, const std::vector<Part>& aParts)
+static bool WantsInputTwice(const Arguments& anArguments, const std::vector<Part>& aParts)
 {
     const auto theCount =
         std::count_if(aParts.begin(), aParts.end(), [](const Part& aPart) { return aPart.mPath == "-"; });
-    return theCount + (strcmp(anOptions.Operand(), "-") == 0) > 1;
+    return theCount + (strcmp(anArguments.Operand(), "-") == 0) > 1;
 }
 
-static bool ReadTexts(const Options& anOptions, Text& aTemplate, std::vector<Part>& aParts)
+static bool ReadTexts(const Arguments& anArguments, Text& aTemplate, std::vector<Part>& aParts)
 {
-    if (!ReadInput(anOptions.Operand(), aTemplate)) { return false; }
+    if (!ReadInput(anArguments.Operand(), aTemplate)) { return false; }
     for (Part& thePart : aParts)
     {
         if (!thePart.mPath.empty() && !ReadInput(thePart.mPath, thePart.mText)) { return false; }
@@ -100,9 +100,9 @@ static size_t CountMarkers(const Text& aTemplate)
 }
 
 // What the library takes for granted.
-static int CheckTemplate(const Options& anOptions, const Text& aTemplate, size_t aPartCount)
+static int CheckTemplate(const Arguments& anArguments, const Text& aTemplate, size_t aPartCount)
 {
-    const std::string theName = InputName(anOptions.Operand());
+    const std::string theName = InputName(anArguments.Operand());
     const size_t theLength = LengthOf(aTemplate);
     if (theLength == 0 || aTemplate[theLength - 1] != '>') { return Fail(theName + ": its end is no \">\""); }
     const size_t theCount = CountMarkers(aTemplate);
@@ -112,7 +112,7 @@ static int CheckTemplate(const Options& anOptions, const Text& aTemplate, size_t
 }
 
 // The rewritten description, released with free.
-static char* Rewrite(UPnPHook* aHook, const Options& anOptions, Text& aTemplate, std::vector<Part>& aParts)
+static char* Rewrite(UPnPHook* aHook, const Arguments& anArguments, Text& aTemplate, std::vector<Part>& aParts)
 {
     std::vector<char*> theNames, theTexts;
     std::vector<size_t> theLengths;
@@ -124,9 +124,9 @@ static char* Rewrite(UPnPHook* aHook, const Options& anOptions, Text& aTemplate,
     }
     theTexts.push_back(nullptr);
 
-    const char* theUserAgent = UserAgent(anOptions);
+    const char* theUserAgent = UserAgent(anArguments);
     char* theDescription = nullptr;
-    if (anOptions.Get("--device"))
+    if (anArguments.Get("--device"))
     {
         UPnPHook_Hook(aHook, kUPnPHook_GetDeviceDescription, AsInput(theUserAgent), theTexts.data(), theNames.data(),
                       theLengths.data(), aTemplate.data(), &theDescription);
@@ -141,25 +141,25 @@ static char* Rewrite(UPnPHook* aHook, const Options& anOptions, Text& aTemplate,
     return theDescription;
 }
 
-int Describe(const Arguments& anArguments, Output& anOutput)
+static int Describe(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
-    const HookPtr theHook = NewHook(theOptions);
+    const HookPtr theHook = NewHook(anArguments);
     if (!theHook) { return kExit_Bad; }
     std::vector<Part> theParts;
-    if (ReadPartNames(theOptions, theParts) != kExit_Done) { return kExit_Bad; }
-    if (WantsInputTwice(theOptions, theParts))
+    if (ReadPartNames(anArguments, theParts) != kExit_Done) { return kExit_Bad; }
+    if (WantsInputTwice(anArguments, theParts))
     {
-        return theOptions.BadUsage("standard input can't be more than one file");
+        return anArguments.BadUsage("standard input can't be more than one file");
     }
     Text theTemplate;
-    if (!ReadTexts(theOptions, theTemplate, theParts)) { return kExit_Bad; }
+    if (!ReadTexts(anArguments, theTemplate, theParts)) { return kExit_Bad; }
     CutLineEnds(theTemplate);
-    if (CheckTemplate(theOptions, theTemplate, theParts.size()) != kExit_Done) { return kExit_Bad; }
+    if (CheckTemplate(anArguments, theTemplate, theParts.size()) != kExit_Done) { return kExit_Bad; }
 
-    char* theDescription = Rewrite(theHook.get(), theOptions, theTemplate, theParts);
+    char* theDescription = Rewrite(theHook.get(), anArguments, theTemplate, theParts);
     anOutput.Text(theDescription);
     free(theDescription);
     return kExit_Done;
 }
+
+const Subcommand kDescribe = { "describe", "rewrite a device or service description for a client", &kUsage, Describe };

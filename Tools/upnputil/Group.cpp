@@ -1,4 +1,5 @@
 #include "Input.h"
+#include "LogReceiver.h"
 #include "Subcommand.h"
 
 #include <UPnP/Stack/ILibString.h>
@@ -6,11 +7,9 @@
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
 #include <memory>
 #include <string.h>
-#include <zoLog/Log.h>
 #include <zoltTools/zoConfigFile.h>
 
 static const Usage kShowUsage = {
-    "group show",
     "[OPTION...]",
     "FILE",
     "Prints the fields of a groupInfo document, or those of a groupCapabilities document. FILE \"-\" is standard input.\n",
@@ -18,7 +17,6 @@ static const Usage kShowUsage = {
 };
 
 static const Usage kStoreUsage = {
-    "group store",
     "[OPTION...]",
     "FILE CAPABILITY CONFIG",
     "Stores the group of a groupInfo document in the configuration file CONFIG, in the section CAPABILITY. FILE \"-\" is\n"
@@ -27,7 +25,6 @@ static const Usage kStoreUsage = {
 };
 
 static const Usage kLoadUsage = {
-    "group load",
     "[OPTION...]",
     "CONFIG CAPABILITY",
     "Prints the group in the section CAPABILITY of the configuration file CONFIG as a groupInfo document. CONFIG \"-\" is\n"
@@ -43,23 +40,10 @@ typedef std::unique_ptr<UPnPGroupInfo, decltype(&UPnPGroupInfo_Delete)> Group;
 typedef std::unique_ptr<UPnPGroupCapabilities, decltype(&UPnPGroupCapabilities_Delete)> Capabilities;
 typedef std::unique_ptr<zoConfigFile, decltype(&zoConfigFile_Delete)> Config;
 
-struct Action
-{
-    const char* mName;
-    const char* mSummary;
-    const Usage& mUsage;
-    int (*mFunction)(const Options& anOptions, Output& anOutput);
-};
-
 // What the library logs last, while this lives: it says why an input is refused.
 class Reason
 {
 public:
-    Reason() { zoLog_SetSink(TakeLogged, this); }
-    ~Reason() { zoLog_SetSink(nullptr, nullptr); }
-    Reason(const Reason&) = delete;
-    Reason& operator=(const Reason&) = delete;
-
     bool IsKnown() const { return !mText.empty(); }
     int Fail(const std::string& anInput, const char* anOtherReason) const
     {
@@ -67,13 +51,8 @@ public:
     }
 
 private:
-    static void TakeLogged(int, int, const char*, int, const char* aText, void* aReason)
-    {
-        const std::string theText = aText;
-        static_cast<Reason*>(aReason)->mText = theText.substr(0, theText.find_last_not_of('\n') + 1);
-    }
-
     std::string mText;
+    LogReceiver mReceiver{ [this](const std::string& aMessage) { mText = aMessage; } };
 };
 
 } // namespace
@@ -148,12 +127,12 @@ static int PrintCapabilities(const char* aText, const std::string& anInput, Outp
     return kExit_Done;
 }
 
-static int ShowGroup(const Options& anOptions, Output& anOutput)
+static int ShowGroup(const Arguments& anArguments, Output& anOutput)
 {
     static const char* kRoots[] = { "groupInfo", "groupCapabilities", nullptr };
-    const std::string theInput = InputName(anOptions.Operand());
+    const std::string theInput = InputName(anArguments.Operand());
     std::vector<char> theText;
-    if (!ReadInput(anOptions.Operand(), theText)) { return kExit_Bad; }
+    if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
     bool fIsWellFormed = false;
     const int theRoot = FindRoot(theText, kRoots, &fIsWellFormed);
     if (!fIsWellFormed) { return Fail(theInput + ": tags that are not well-formed"); }
@@ -191,16 +170,16 @@ static size_t RemoveStaleKeys(UPnPGroupInfo* aGroup, zoConfigFile* aConfig)
     return theCount;
 }
 
-static int StoreGroup(const Options& anOptions, Output& anOutput)
+static int StoreGroup(const Arguments& anArguments, Output& anOutput)
 {
-    const char* theSection = anOptions.Operand(1);
-    const char* thePath = anOptions.Operand(2);
-    if (strcmp(thePath, "-") == 0) { return anOptions.BadUsage("CONFIG has to be a file"); }
+    const char* theSection = anArguments.Operand(1);
+    const char* thePath = anArguments.Operand(2);
+    if (strcmp(thePath, "-") == 0) { return anArguments.BadUsage("CONFIG has to be a file"); }
     const Reason theReason;
     std::vector<char> theText;
-    if (!ReadInput(anOptions.Operand(0), theText)) { return kExit_Bad; }
+    if (!ReadInput(anArguments.Operand(0), theText)) { return kExit_Bad; }
     const Group theGroup(UPnPGroupInfo_New(theSection, theText.data()), UPnPGroupInfo_Delete);
-    if (!theGroup) { return theReason.Fail(InputName(anOptions.Operand(0)), "no well-formed groupInfo document"); }
+    if (!theGroup) { return theReason.Fail(InputName(anArguments.Operand(0)), "no well-formed groupInfo document"); }
 
     const Config theConfig(zoConfigFile_New(thePath), zoConfigFile_Delete);
     if (!zoConfigFile_IsLoaded(theConfig.get())) { return theReason.Fail(thePath, "can't be read"); }
@@ -213,17 +192,17 @@ static int StoreGroup(const Options& anOptions, Output& anOutput)
     return kExit_Done;
 }
 
-static int LoadGroup(const Options& anOptions, Output& anOutput)
+static int LoadGroup(const Arguments& anArguments, Output& anOutput)
 {
-    const char* theSection = anOptions.Operand(1);
+    const char* theSection = anArguments.Operand(1);
     std::vector<char> theText;
-    if (!ReadInput(anOptions.Operand(0), theText)) { return kExit_Bad; }
+    if (!ReadInput(anArguments.Operand(0), theText)) { return kExit_Bad; }
     const Config theConfig(zoConfigFile_NewFromText(theText.data(), theText.size() - 1), zoConfigFile_Delete);
     const Group theGroup(UPnPGroupInfo_NewConfig(theConfig.get(), theSection), UPnPGroupInfo_Delete);
     const std::unique_ptr<char, decltype(&free)> theXML(UPnPGroupInfo_GetXML(theGroup.get()), free);
     if (!theXML)
     {
-        return FailToFind(InputName(anOptions.Operand(0)) + ": no complete group in section \"" + theSection + "\"");
+        return FailToFind(InputName(anArguments.Operand(0)) + ": no complete group in section \"" + theSection + "\"");
     }
     anOutput.Text(theXML.get() + std::string("\n"));
     return kExit_Done;
@@ -231,34 +210,13 @@ static int LoadGroup(const Options& anOptions, Output& anOutput)
 
 // ---- The subcommand ----
 
-static const Action kActions[] = {
-    { "show", "print the fields of a group, or of group capabilities", kShowUsage, ShowGroup },
-    { "store", "store a group in a configuration file", kStoreUsage, StoreGroup },
-    { "load", "print a stored group as XML", kLoadUsage, LoadGroup },
+static const Subcommand kActions[] = {
+    { "show", "print the fields of a group, or of group capabilities", &kShowUsage, ShowGroup },
+    { "store", "store a group in a configuration file", &kStoreUsage, StoreGroup },
+    { "load", "print a stored group as XML", &kLoadUsage, LoadGroup },
 };
 
-static int Help(Output& anOutput)
-{
-    anOutput.Text("Usage: upnputil group ACTION [ARGUMENT...]\n\nActions:\n");
-    for (const Action& theAction : kActions)
-        anOutput.Row(theAction.mName, theAction.mSummary);
-    anOutput.Text("\nupnputil group ACTION --help tells more.\n");
-    return kExit_Done;
-}
-
-int GroupOfDevices(const Arguments& anArguments, Output& anOutput)
-{
-    static const char kSeeHelp[] = "; see upnputil group --help";
-    if (anArguments.empty()) { return Fail(std::string("group: an action is missing") + kSeeHelp); }
-    const char* theName = anArguments.front();
-    if (strcmp(theName, "--help") == 0) { return Help(anOutput); }
-    for (const Action& theAction : kActions)
-    {
-        if (strcmp(theName, theAction.mName) != 0) { continue; }
-        Options theOptions(theAction.mUsage);
-        const Arguments theRest(anArguments.begin() + 1, anArguments.end());
-        if (!theOptions.Read(theRest, anOutput)) { return theOptions.Status(); }
-        return theAction.mFunction(theOptions, anOutput);
-    }
-    return Fail(std::string("group: no action is called \"") + theName + "\"" + kSeeHelp);
-}
+const Subcommand kGroup = {
+    "group", "show, store and load groups of devices",     nullptr, nullptr, "an action",
+    "",      { &kActions[0], &kActions[1], &kActions[2] },
+};

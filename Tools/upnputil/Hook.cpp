@@ -7,7 +7,6 @@
 #include <zoltTools/zoConvert.h>
 
 static const Usage kUsage = {
-    "hook",
     "[OPTION...]",
     nullptr,
     "Prints how the stack treats a client: the device hook's answers to its questions. Those on descriptions are answered\n"
@@ -50,9 +49,9 @@ static Texts Events()
     return theEvents;
 }
 
-static Texts GivenOr(const Options& anOptions, const char* anOption, const Texts& aDefault)
+static Texts GivenOr(const Arguments& anArguments, const char* anOption, const Texts& aDefault)
 {
-    Texts theTexts = anOptions.GetAll(anOption);
+    Texts theTexts = anArguments.GetAll(anOption);
     return theTexts.empty() ? aDefault : theTexts;
 }
 
@@ -133,37 +132,37 @@ static void PrintClass(UPnPHook* aHook, const char* aUserAgent, const char* aCla
     anOutput.Fact(FactName("class", aClass), theClass ? theClass : aClass);
 }
 
-static void PrintAnswers(UPnPHook* aHook, const Options& anOptions, uint32 aCount, Output& anOutput)
+static void PrintAnswers(UPnPHook* aHook, const Arguments& anArguments, uint32 aCount, Output& anOutput)
 {
-    const char* theUserAgent = UserAgent(anOptions);
+    const char* theUserAgent = UserAgent(anArguments);
     PrintClient(aHook, theUserAgent, anOutput);
-    PrintDevice(aHook, anOptions.Get("--manufacturer"), anOutput);
+    PrintDevice(aHook, anArguments.Get("--manufacturer"), anOutput);
     PrintCount(aHook, theUserAgent, aCount, anOutput);
-    for (const char* theID : GivenOr(anOptions, "--object-id", kObjectIDs))
-        PrintObjectID(aHook, theUserAgent, theID, anOptions.Get("--filter"), anOutput);
-    for (const char* theClass : GivenOr(anOptions, "--class", kClasses))
+    for (const char* theID : GivenOr(anArguments, "--object-id", kObjectIDs))
+        PrintObjectID(aHook, theUserAgent, theID, anArguments.Get("--filter"), anOutput);
+    for (const char* theClass : GivenOr(anArguments, "--class", kClasses))
         PrintClass(aHook, theUserAgent, theClass, anOutput);
-    for (const char* theMode : GivenOr(anOptions, "--play-mode", kPlayModes))
+    for (const char* theMode : GivenOr(anArguments, "--play-mode", kPlayModes))
         anOutput.Fact(FactName("play mode", theMode), AskByte(aHook, kUPnPHook_CheckPlayMode, theMode));
-    for (const char* theMode : GivenOr(anOptions, "--seek-mode", SeekModes()))
+    for (const char* theMode : GivenOr(anArguments, "--seek-mode", SeekModes()))
         anOutput.Fact(FactName("seek mode", theMode), AskByte(aHook, kUPnPHook_CheckSeekMode, theMode));
-    for (const char* theEvent : GivenOr(anOptions, "--event", Events()))
+    for (const char* theEvent : GivenOr(anArguments, "--event", Events()))
         anOutput.Fact(FactName("event", theEvent), Ask(aHook, kUPnPHook_GetSupportEvent, theEvent));
 }
 
-int Hook(const Arguments& anArguments, Output& anOutput)
+static int Hook(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
-    const char* theCountText = theOptions.Get("--count");
+    const char* theCountText = anArguments.Get("--count");
     uint32 theCount = 0;
     if (theCountText && zoConvert_strtouint32(theCountText, &theCount) != kzoConvertError_None)
     {
-        return theOptions.BadUsage("--count \"" + std::string(theCountText) + "\" is no number from 0 to 4294967295");
+        return anArguments.BadUsage("--count \"" + std::string(theCountText) + "\" is no number from 0 to 4294967295");
     }
-    const HookPtr theHook = NewHook(theOptions);
+    const HookPtr theHook = NewHook(anArguments);
     if (!theHook) { return kExit_Bad; }
-    ILibWebLinkData_SetID(theOptions.Get("--web-link"));
-    PrintAnswers(theHook.get(), theOptions, theCount, anOutput);
+    ILibWebLinkData_SetID(anArguments.Get("--web-link"));
+    PrintAnswers(theHook.get(), anArguments, theCount, anOutput);
     return kExit_Done;
 }
+
+const Subcommand kHook = { "hook", "print how the stack treats a client", &kUsage, Hook };

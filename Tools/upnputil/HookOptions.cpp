@@ -2,6 +2,7 @@
 
 #include "Names.h"
 #include "Subcommand.h"
+#include "Suggestion.h"
 
 #include <UPnP/Utilities/Hook/Features.h>
 #include <iterator>
@@ -51,50 +52,51 @@ std::string HookNamesHelp()
 }
 
 // Without such a constant, says so. @return the constant, or NULL.
-static const Name* FindOrSay(const Options& anOptions, const char* aKind, Names aNames, const std::string& aName)
+static const Name* FindOrSay(const Arguments& anArguments, const char* aKind, Names aNames, const std::string& aName)
 {
     const Name* theName = aNames.Find(aName);
     if (!theName)
     {
-        anOptions.BadUsage("no " + std::string(aKind) + " is called \"" + aName + "\"; known: " + aNames.List());
+        anArguments.BadUsage("no " + std::string(aKind) + " is called \"" + aName + "\"; known: " + aNames.List() +
+                             Suggestion(aName, aNames.All()));
     }
     return theName;
 }
 
-static int SetFeature(const Options& anOptions, const char* aName, UPnPHook* aHook)
+static int SetFeature(const Arguments& anArguments, const char* aName, UPnPHook* aHook)
 {
-    const Name* theFeature = FindOrSay(anOptions, "feature", kFeatures.mNames, aName);
+    const Name* theFeature = FindOrSay(anArguments, "feature", kFeatures.mNames, aName);
     if (!theFeature) { return kExit_Bad; }
     UPnPHook_SetSupportFeature(aHook, static_cast<int>(theFeature->mValue), 1);
     return kExit_Done;
 }
 
-static int SetProperty(const Options& anOptions, const char* aText, UPnPHook* aHook, bool* afIsSet)
+static int SetProperty(const Arguments& anArguments, const char* aText, UPnPHook* aHook, bool* afIsSet)
 {
     const char* theEqualSign = strchr(aText, '=');
-    if (!theEqualSign) { return anOptions.BadUsage("--property " + std::string(aText) + " has no \"=\""); }
+    if (!theEqualSign) { return anArguments.BadUsage("--property " + std::string(aText) + " has no \"=\""); }
     const std::string theName(aText, theEqualSign);
-    const Name* theProperty = FindOrSay(anOptions, "property", kProperties, theName);
+    const Name* theProperty = FindOrSay(anArguments, "property", kProperties, theName);
     if (!theProperty) { return kExit_Bad; }
-    if (afIsSet[theProperty->mValue]) { return anOptions.BadUsage("--property " + theName + " is given twice"); }
+    if (afIsSet[theProperty->mValue]) { return anArguments.BadUsage("--property " + theName + " is given twice"); }
     afIsSet[theProperty->mValue] = true;
     UPnPHook_SetProperty(aHook, static_cast<int>(theProperty->mValue), theEqualSign + 1);
     return kExit_Done;
 }
 
-HookPtr NewHook(const Options& anOptions)
+HookPtr NewHook(const Arguments& anArguments)
 {
     HookPtr theHook(UPnPHook_New());
     bool fIsSet[kUPnPHookProperty_Count] = {};
-    for (const char* theName : anOptions.GetAll("--feature"))
+    for (const char* theName : anArguments.GetAll("--feature"))
     {
-        if (SetFeature(anOptions, theName, theHook.get()) != kExit_Done) { return nullptr; }
+        if (SetFeature(anArguments, theName, theHook.get()) != kExit_Done) { return nullptr; }
     }
-    for (const char* theText : anOptions.GetAll("--property"))
+    for (const char* theText : anArguments.GetAll("--property"))
     {
-        if (SetProperty(anOptions, theText, theHook.get(), fIsSet) != kExit_Done) { return nullptr; }
+        if (SetProperty(anArguments, theText, theHook.get(), fIsSet) != kExit_Done) { return nullptr; }
     }
     return theHook;
 }
 
-const char* UserAgent(const Options& anOptions) { return anOptions.Get("--user-agent"); }
+const char* UserAgent(const Arguments& anArguments) { return anArguments.Get("--user-agent"); }

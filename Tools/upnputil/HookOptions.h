@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Options.h"
+#include "CommandLine.h"
 
 #include <UPnP/Utilities/UPnPHook.h>
 #include <memory>
@@ -19,9 +19,9 @@ std::vector<Option> HookOptionsAnd(std::vector<Option> anOptions);
 std::string HookNamesHelp();
 
 /** @return a new hook as the options want it; NULL when they are wrong, which then is said: bad usage. */
-HookPtr NewHook(const Options& anOptions);
+HookPtr NewHook(const Arguments& anArguments);
 /** @return the client's user agent, NULL for one that tells none. */
-const char* UserAgent(const Options& anOptions);
+const char* UserAgent(const Arguments& anArguments);
 
 /** The library's questions take texts as char*; it only reads them. */
 inline char* AsInput(const char* aText) { return const_cast<char*>(aText); }

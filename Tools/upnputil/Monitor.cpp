@@ -1,6 +1,7 @@
 #include "Input.h"
 #include "Subcommand.h"
 
+#include <UPnP/Stack/ILibChain.h>
 #include <UPnP/Utilities/UPnPConfig.h>
 #include <UPnP/Utilities/UPnPIPAddressMonitor.h>
 #include <algorithm>
@@ -9,10 +10,10 @@
 #include <memory>
 #include <signal.h>
 #include <time.h>
+#include <unistd.h>
 #include <zoltTools/zoIPAddressMonitor.h>
 
 static const Usage kUsage = {
-    "monitor",
     "[--config FILE --section NAME] [--once]",
     nullptr,
     "Prints the host's IP addresses, and then a line with the time for each change of them, until it is interrupted\n"
@@ -69,16 +70,45 @@ private:
     struct sigaction mBefore[std::size(kSignals)];
 };
 
+// On the chain: ends the program, as a write would, when nobody reads its output any more.
+struct ReaderWatch
+{
+    ILibChain mChain = {};
+    size_t mPlace = 0;
+};
+
 } // namespace
 
-// The policy that the configuration asks for; without one all addresses count, and there is no policy.
-static bool ReadPolicy(const Options& anOptions, Policy& aPolicy, int* aStatus)
+static void WatchForReader(void* aWatch, ILibChain_PollSet* aPollSet, int*)
 {
-    const char* thePath = anOptions.Get("--config");
-    const char* theSection = anOptions.Get("--section");
+    static_cast<ReaderWatch*>(aWatch)->mPlace = ILibChain_PollSet_Add(aPollSet, STDOUT_FILENO, 0);
+}
+
+static void EndWithoutReader(void* aWatch, const ILibChain_PollSet* aPollSet)
+{
+    const ReaderWatch& theWatch = *static_cast<ReaderWatch*>(aWatch);
+    if (ILibChain_PollSet_GetEvents(aPollSet, theWatch.mPlace) == 0) { return; }
+    raise(SIGPIPE);
+    ILibChain_Stop(theWatch.mChain.mBaseChain); // SIGPIPE is ignored
+}
+
+static void AddReaderWatch(ILibBaseChain* aChain)
+{
+    auto* theWatch = new ReaderWatch;
+    theWatch->mChain.mPreSelect = WatchForReader;
+    theWatch->mChain.mPostSelect = EndWithoutReader;
+    theWatch->mChain.mFree = [](void* aWatch) { delete static_cast<ReaderWatch*>(aWatch); };
+    ILibAddToChain(aChain, theWatch);
+}
+
+// The policy that the configuration asks for; without one all addresses count, and there is no policy.
+static bool ReadPolicy(const Arguments& anArguments, Policy& aPolicy, int* aStatus)
+{
+    const char* thePath = anArguments.Get("--config");
+    const char* theSection = anArguments.Get("--section");
     if (!thePath != !theSection)
     {
-        *aStatus = anOptions.BadUsage("--config and --section are needed together");
+        *aStatus = anArguments.BadUsage("--config and --section are needed together");
         return false;
     }
     if (!thePath) { return true; }
@@ -164,6 +194,7 @@ static int Watching(zoSocketPolicy* aPolicy, Output& anOutput)
     if (!ReadAddresses(aPolicy, theWatch.mAddresses)) { return Fail("the host's addresses can't be read"); }
     PrintAddresses(theWatch.mAddresses, anOutput);
     FlushOrStop(theWatch);
+    AddReaderWatch(theChain.get());
     ILibChain_Run(theChain.get());
     return kExit_Done;
 }
@@ -177,12 +208,12 @@ static int Once(const zoSocketPolicy* aPolicy, Output& anOutput)
     return kExit_Done;
 }
 
-int Monitor(const Arguments& anArguments, Output& anOutput)
+static int Monitor(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
     Policy thePolicy(nullptr, &zoSocketPolicy_Delete);
     int theStatus = kExit_Done;
-    if (!ReadPolicy(theOptions, thePolicy, &theStatus)) { return theStatus; }
-    return theOptions.Get("--once") ? Once(thePolicy.get(), anOutput) : Watching(thePolicy.get(), anOutput);
+    if (!ReadPolicy(anArguments, thePolicy, &theStatus)) { return theStatus; }
+    return anArguments.Get("--once") ? Once(thePolicy.get(), anOutput) : Watching(thePolicy.get(), anOutput);
 }
+
+const Subcommand kMonitor = { "monitor", "print the host's IP addresses, and each change of them", &kUsage, Monitor };

@@ -9,6 +9,14 @@ const Name* Names::Find(const std::string& aName) const
     return nullptr;
 }
 
+std::vector<std::string> Names::All() const
+{
+    std::vector<std::string> theNames;
+    for (const Name* theName = mBegin; theName != mEnd; ++theName)
+        theNames.emplace_back(theName->mName);
+    return theNames;
+}
+
 std::string Names::List(size_t aWidth) const
 {
     std::string theList;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 #include <zoOS/zoTypes.h>
 
 /* Constants that are given by name on the command line: the library's, without their prefix. */
@@ -19,6 +20,8 @@ public:
 
     /** @return the constant with exactly that name, NULL when there is none. */
     const Name* Find(const std::string& aName) const;
+    /** @return all names. */
+    std::vector<std::string> All() const;
     /** @return all names, separated by commas; lines that would pass the width, if any, are broken there. */
     std::string List(size_t aWidth = std::string::npos) const;
 

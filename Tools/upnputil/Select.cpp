@@ -11,7 +11,6 @@
 #include <zoOS/zoSocket.h>
 
 static const Usage kUsage = {
-    "select",
     "(--sink TEXT | --sink-file FILE) [OPTION...]",
     "FILE",
     "Chooses the resource of an object that a renderer plays best, and prints what is to be known before it is played.\n"
@@ -54,36 +53,36 @@ static bool ReadSinkFile(const char* aPath, std::string& aSink)
     return true;
 }
 
-static bool ReadTargets(const Options& anOptions, std::vector<uint32>& aTargets, int* aStatus)
+static bool ReadTargets(const Arguments& anArguments, std::vector<uint32>& aTargets, int* aStatus)
 {
-    for (const char* theTarget : anOptions.GetAll("--target"))
+    for (const char* theTarget : anArguments.GetAll("--target"))
     {
         aTargets.push_back(zoSocketGetAddressFromDotForm(theTarget));
         if (aTargets.back() != 0) { continue; }
-        *aStatus = anOptions.BadUsage("--target " + std::string(theTarget) + " is no IPv4 address");
+        *aStatus = anArguments.BadUsage("--target " + std::string(theTarget) + " is no IPv4 address");
         return false;
     }
     return true;
 }
 
-static bool ReadRequest(const Options& anOptions, Request& aRequest, int* aStatus)
+static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aStatus)
 {
-    const char* theSink = anOptions.Get("--sink");
-    const char* theSinkFile = anOptions.Get("--sink-file");
+    const char* theSink = anArguments.Get("--sink");
+    const char* theSinkFile = anArguments.Get("--sink-file");
     if (!theSink == !theSinkFile)
     {
-        *aStatus = anOptions.BadUsage("one of --sink and --sink-file is needed");
+        *aStatus = anArguments.BadUsage("one of --sink and --sink-file is needed");
         return false;
     }
-    if (theSinkFile && strcmp(theSinkFile, "-") == 0 && strcmp(anOptions.Operand(), "-") == 0)
+    if (theSinkFile && strcmp(theSinkFile, "-") == 0 && strcmp(anArguments.Operand(), "-") == 0)
     {
-        *aStatus = anOptions.BadUsage("standard input can't be both FILE and the sink file");
+        *aStatus = anArguments.BadUsage("standard input can't be both FILE and the sink file");
         return false;
     }
-    if (!ReadTargets(anOptions, aRequest.mTargets, aStatus)) { return false; }
-    aRequest.mScheme = anOptions.Get("--scheme") ? anOptions.Get("--scheme") : "*";
-    aRequest.mProfiles = anOptions.Get("--profiles");
-    aRequest.mPin = anOptions.Get("--pin");
+    if (!ReadTargets(anArguments, aRequest.mTargets, aStatus)) { return false; }
+    aRequest.mScheme = anArguments.Get("--scheme") ? anArguments.Get("--scheme") : "*";
+    aRequest.mProfiles = anArguments.Get("--profiles");
+    aRequest.mPin = anArguments.Get("--pin");
     *aStatus = kExit_Bad;
     if (theSink) { aRequest.mSink = theSink; }
     return theSink || ReadSinkFile(theSinkFile, aRequest.mSink);
@@ -189,13 +188,13 @@ static int PrintSelection(MediaObject& anObject, Request& aRequest, Output& anOu
     return kExit_Done;
 }
 
-int Select(const Arguments& anArguments, Output& anOutput)
+static int Select(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
     Request theRequest;
     int theStatus = kExit_Done;
-    if (!ReadRequest(theOptions, theRequest, &theStatus)) { return theStatus; }
-    const std::unique_ptr<MediaObject> theObject = ReadObject(theOptions.Operand(), &theStatus);
+    if (!ReadRequest(anArguments, theRequest, &theStatus)) { return theStatus; }
+    const std::unique_ptr<MediaObject> theObject = ReadObject(anArguments.Operand(), &theStatus);
     return theObject ? PrintSelection(*theObject, theRequest, anOutput) : theStatus;
 }
+
+const Subcommand kSelect = { "select", "choose the resource of an object that a renderer plays best", &kUsage, Select };

@@ -12,7 +12,6 @@
 #include <zoltTools/zoURI.h>
 
 static const Usage kUsage = {
-    "show",
     "[OPTION...]",
     "FILE",
     "Prints every field of every object of a DIDL-Lite document, or of the response to a Browse action.\n"
@@ -247,17 +246,15 @@ static bool IsAbsoluteURL(const char* aURL)
     return fIsAbsolute;
 }
 
-int Show(const Arguments& anArguments, Output& anOutput)
+static int Show(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
-    const char* theBaseURL = theOptions.Get("--base");
-    if (theBaseURL && !IsAbsoluteURL(theBaseURL)) { return theOptions.BadUsage("--base needs an absolute URL"); }
+    const char* theBaseURL = anArguments.Get("--base");
+    if (theBaseURL && !IsAbsoluteURL(theBaseURL)) { return anArguments.BadUsage("--base needs an absolute URL"); }
 
     std::vector<char> theText;
-    if (!ReadInput(theOptions.Operand(), theText)) { return kExit_Bad; }
+    if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
     const Document theDocument(std::move(theText));
-    const std::string theName = InputName(theOptions.Operand());
+    const std::string theName = InputName(anArguments.Operand());
     if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
     const std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
     if (theObjects.empty()) { return FailToFind(theName + ": no object"); }
@@ -271,3 +268,5 @@ int Show(const Arguments& anArguments, Output& anOutput)
     anOutput.Fact("objects", std::to_string(theObjects.size()));
     return kExit_Done;
 }
+
+const Subcommand kShow = { "show", "print every field of every object of a DIDL-Lite document", &kUsage, Show };

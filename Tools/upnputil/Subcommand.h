@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Options.h"
+#include "CommandLine.h"
 #include "Output.h"
 
-/* What upnputil can do. A new subcommand is a source file of its own with its function, declared here, and a row in
- * the table of Main.cpp. */
+/* What upnputil can do. A new subcommand is a source file of its own with its constant, declared here, and a row in the
+ * table of Main.cpp. */
 
 /* How the program ends. */
 enum
@@ -14,21 +14,12 @@ enum
     kExit_Bad = 2       // wrong usage, or an input that can't be read
 };
 
-struct Subcommand
-{
-    const char* mName;
-    const char* mSummary;
-    /** @param anArguments what stands behind the subcommand's name.
-     *  @return a kExit_*. */
-    int (*mFunction)(const Arguments& anArguments, Output& anOutput);
-};
-
-int Create(const Arguments& anArguments, Output& anOutput);
-int Describe(const Arguments& anArguments, Output& anOutput);
-int GroupOfDevices(const Arguments& anArguments, Output& anOutput);
-int Hook(const Arguments& anArguments, Output& anOutput);
-int Monitor(const Arguments& anArguments, Output& anOutput);
-int Select(const Arguments& anArguments, Output& anOutput);
-int Show(const Arguments& anArguments, Output& anOutput);
-int ShowConfig(const Arguments& anArguments, Output& anOutput);
-int Unlock(const Arguments& anArguments, Output& anOutput);
+extern const Subcommand kConfig;
+extern const Subcommand kCreate;
+extern const Subcommand kDescribe;
+extern const Subcommand kGroup;
+extern const Subcommand kHook;
+extern const Subcommand kMonitor;
+extern const Subcommand kSelect;
+extern const Subcommand kShow;
+extern const Subcommand kUnlock;

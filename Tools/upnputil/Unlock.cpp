@@ -5,7 +5,6 @@
 #include <zoltTools/zoURI.h>
 
 static const Usage kUsage = {
-    "unlock",
     "--pin CODE",
     "URI",
     "Prints the unlocked form of a parental-locked URI, one with a query argument \"lock\".\n",
@@ -24,14 +23,14 @@ static bool HasLock(const char* aURI)
     return fHasLock;
 }
 
-int Unlock(const Arguments& anArguments, Output& anOutput)
+static int Unlock(const Arguments& anArguments, Output& anOutput)
 {
-    Options theOptions(kUsage);
-    if (!theOptions.Read(anArguments, anOutput)) { return theOptions.Status(); }
-    const char* thePin = theOptions.Get("--pin");
-    if (!thePin) { return theOptions.BadUsage("--pin is needed"); }
-    const char* theURI = theOptions.Operand();
+    const char* thePin = anArguments.Get("--pin");
+    if (!thePin) { return anArguments.BadUsage("--pin is needed"); }
+    const char* theURI = anArguments.Operand();
     if (!HasLock(theURI)) { return FailToFind(std::string(theURI) + ": no lock argument"); }
     anOutput.Fact("unlocked uri", UPnPCPUtility::GetURIUnlocked(theURI, thePin).c_str());
     return kExit_Done;
 }
+
+const Subcommand kUnlock = { "unlock", "unlock a parental-locked URI", &kUsage, Unlock };
