@@ -59,6 +59,7 @@ TEST(ILibXMLTest, ReadsWhatServersSend)
         { "<a><![CDATA[<b>]] ]]]>]]></a>", "(a|<![CDATA[<b>]] ]]]>]]>)" },
         { "<a>1 & 2</a>", "(a|1 & 2)" },
         { "<a:b:c :x='' y:=''/>", "(a:b:c :x= y:=)" }, // only a first colon inside splits
+        { "<_-.9 \xC3\xA9:1=''/>", "(_-.9 \xC3\xA9:1=)" },
         { "<ab></ab><a/>", "(ab)(a)" },
         { "no tag", "" },
     };
@@ -69,6 +70,7 @@ TEST(ILibXMLTest, ReadsWhatServersSend)
         { "error -1", { "</a>", "<a/></b>" } },
         { "error -3",
           { "<a>", "<a></a><", "<", "<a></a", "<a x></a>", "<a x=1></a>", "<a x='1></a>", "<a / ></a>", "< a></a>",
+            "<1a></1a>", "<-a/>", "<.a/>", "<a x='' 1y=''/>", "<a [=\"x\"/>", "<a&b></a&b>", "<a x;y=''/>",
             "<a><!-->--</a>", "<a><![CDATA[]></a>", "<!DOCTYPE a [ <!ENTITY ><a/>" } },
     };
     for (const auto& [theError, theTexts] : kErrors)
@@ -82,7 +84,7 @@ TEST(ILibXMLTest, ResolvesReferences)
 {
     static const char* const kCases[][2] = {
         { "a&amp;lt;b &lt;&gt;&quot;&apos;", "a&lt;b <>\"'" },
-        { "&#65;&#x42;&#X63;&#0000000000000000068;", "ABcD" },
+        { "&#65;&#x42;&#x6a;&#x4A;&#0000000000000000068;&#X41;", "ABjJD&#X41;" },
         { "&#xE9;&#x20AC;&#x1F600;&#x10FFFF;", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF" },
         { "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1", "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1" },
         { "&AMP;&nbsp;&amp &;&", "&AMP;&nbsp;&amp &;&" },

@@ -218,8 +218,9 @@ TEST(UPnPGroupInfoTest, ComesBackAsFarAsTheFormatsCarryIt)
         { "it's/>", "fvN" },
         { "<![CDATA[&amp;]]>&#10;", "fvN" },
         { "line\r\nend\t\n", "fvN" },
-        { "[Section]\\n#;%s", "fnvN" },
-        { "\xE6\x97\xA5\x01\xFF", "fnvN" },
+        { "[Section]\\n#;%s", "fvN" },
+        { "\xE6\x97\xA5\x01\xFF", "fvN" },
+        { "\xE6\x97\xA5-2.x", "fnvN" },
         { "uDN", "fvN" }, // is read as the group's UDN
         { "GROUPEDudn", "fvN" },
     };

@@ -1,10 +1,14 @@
 #pragma once
 
-/* A small XML reader. A document is read in one pass into a list of nodes, one a tag, whose names and values point into
- * the text: nothing is copied, nothing recurses, time and memory are linear in the text, and nodes and attributes lie
- * in a few blocks. It reads what devices send: a byte-order mark, XML declaration, DOCTYPE, comments, processing
- * instructions, CDATA sections, either quote, blanks and line ends between attributes and around "=", attributes
- * without a blank between them, a stray "&". Entities of a DOCTYPE are not expanded.
+/* A small XML reader. A document is read in one pass into a list of nodes, one for each tag, whose names and values
+ * point into the text. Nothing is copied and nothing recurses; time and memory are linear in the text, and nodes and
+ * attributes are allocated in a few blocks. It reads what devices send: a byte-order mark, XML declaration, DOCTYPE,
+ * comments, processing instructions, CDATA sections, either quote, blanks and line ends between attributes and around
+ * "=", attributes without a blank between them, a stray "&", several roots. Entities of a DOCTYPE are not expanded.
+ *
+ * A name begins with a letter, "_", ":" or a byte of 0x80 and above, and goes on with those, digits, "-" and ".". A tag
+ * is not well-formed when it has another name or attributes without quotes or value. What is in texts, values,
+ * comments, processing instructions and declarations is not checked, its UTF-8 neither; an attribute may be repeated.
  *
  *     struct ILibXMLNode* theNodes = ILibParseXML(theText, 0, theLength);
  *     if (ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError) { ... walk theNodes ... }
@@ -25,7 +29,7 @@ enum
     kILibProcessXML_NoError = 0,
     kILibProcessXML_IllegalCloseTag = -1,      /* an end tag without a start tag before it */
     kILibProcessXML_IllegalCloseTagOrder = -2, /* an end tag that is not that of the innermost open element */
-    kILibProcessXML_IncompleteXML = -3         /* an element without its end tag, or a tag that is none */
+    kILibProcessXML_IncompleteXML = -3         /* an element without its end tag, or a tag that is not well-formed */
 };
 
 struct ILibXMLAttribute;
@@ -42,14 +46,13 @@ struct ILibXMLNode
     struct ILibXMLNode* Next; /* in document order, start and end tags alike */
 
     /* When ILibProcessXMLNodeList finds no error: */
-    struct ILibXMLNode* Parent;      /* the element around this one; NULL at the top */
-    struct ILibXMLNode* Peer;        /* the next element with the same parent */
-    struct ILibXMLNode* ClosingTag;  /* of a start tag: its end tag */
-    struct ILibXMLNode* StartingTag; /* of an end tag: its start tag */
-
-    /* For the reader's own use: */
-    struct ILibXMLAttribute* Attributes;
-    char* TagEnd; /* past the ">" */
+    struct ILibXMLNode* Parent; /* the element around this one; NULL at the top */
+    struct ILibXMLNode* Peer;   /* of a start tag: the next element with the same parent */
+    union
+    {
+        struct ILibXMLNode* ClosingTag;  /* of a start tag: its end tag */
+        struct ILibXMLNode* StartingTag; /* of an end tag: its start tag */
+    };
 };
 
 /* One attribute of a start tag. */
@@ -67,30 +70,34 @@ struct ILibXMLAttribute
 
 /**
  * Reads aLength bytes of aText from anOffset on.
- * @return the first node of a new list, released with ILibDestructXMLNodeList; NULL when there is no tag. What is no
- *         well-formed tag, or an end tag out of place, ends the list, and ILibProcessXMLNodeList then reports it, as it
- *         does for a text of 2 GiB or more. When nothing comes before it the list is one node without a name.
+ * @return the first node of a new list, released with ILibDestructXMLNodeList; NULL when there is no tag. A tag that is
+ *         not well-formed, or an end tag out of place, ends the list, and ILibProcessXMLNodeList then reports it, as it
+ *         does for a text of 2 GiB or more. When nothing comes before it the list is one node without a name. On a
+ *         64-bit system a tag takes 64 to 80 bytes and an attribute 56, half of that on a 32-bit one.
  */
 UPNPSTACK_API struct ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength);
-/** Whether the list is in order: every tag well-formed, and start and end tags in pairs. NULL is a list without errors.
- *  @return a kILibProcessXML_*; after an error the links are not complete and not to be used. */
+/** Checks that every tag is well-formed, attributes included, and that start and end tags are in pairs.
+ *  @return a kILibProcessXML_*, NoError for NULL; after an error the links are not complete and not to be used. */
 UPNPSTACK_API int ILibProcessXMLNodeList(struct ILibXMLNode* aNodeList);
 /** Releases the list, given its first node; NULL is ignored. */
 UPNPSTACK_API void ILibDestructXMLNodeList(struct ILibXMLNode* aNodeList);
 
-/** @return the attributes of a start tag in their order, NULL when it has none; released with
- *          ILibDestructXMLAttributeList before the nodes are. They don't change when the text does. */
+/** @return the attributes of a start tag in their order, NULL when it has none or aNode is NULL; released with
+ *          ILibDestructXMLAttributeList before the nodes are. They are read with the tags: a later change of the text
+ *          changes the bytes that they point to, not where they point. */
 UPNPSTACK_API struct ILibXMLAttribute* ILibGetXMLAttributes(struct ILibXMLNode* aNode);
 /** Releases an attribute list (not the text), given its first attribute; NULL is ignored. */
 UPNPSTACK_API void ILibDestructXMLAttributeList(struct ILibXMLAttribute* aList);
 
-/** @param aStart out: the text between a start tag and its end tag, not NUL-terminated; NULL when aNode is none.
+/** @param aStart out: the text between a start tag and its end tag, not NUL-terminated; NULL when aNode is not a start
+ *                tag.
  *  @return its length in bytes. */
 UPNPSTACK_API int ILibReadInnerXML(struct ILibXMLNode* aNode, char** aStart);
 
 /**
- * Resolves in place the five named entities and numeric character references (as UTF-8), and unwraps CDATA sections,
- * whose content stays as it is. Unknown references stay, and so does one to NUL, to a surrogate or past U+10FFFF.
+ * Resolves in place the five named entities and numeric character references ("&#65;", "&#x41;", written as UTF-8), and
+ * unwraps CDATA sections, whose content is not resolved. Other references stay as written, also one to NUL, to a
+ * surrogate or past U+10FFFF.
  * @param aText NUL-terminated; never becomes longer. NULL is ignored.
  * @return the new length.
  */

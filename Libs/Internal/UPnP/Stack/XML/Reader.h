@@ -1,0 +1,13 @@
+#pragma once
+
+/* Reading the tags of a text into a list of nodes. */
+
+#include <UPnP/Stack/ILibXML.h>
+
+namespace XML
+{
+
+/** As ILibParseXML. */
+ILibXMLNode* Read(char* aText, size_t aLength);
+
+} // namespace XML
