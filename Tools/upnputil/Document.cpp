@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include <algorithm>
+#include <string.h>
 #include <string_view>
 
 // Of a name in a message.
@@ -76,36 +77,72 @@ struct Surroundings
     ILibXMLNode* mDIDL;
     bool mfHoldsObjects;
     bool mfInObject;
+    bool mfIsObject;
+};
+
+// Gives each piece of a document's text to the innermost object around it.
+class TextDivider
+{
+public:
+    TextDivider(const char* aText, std::vector<DocumentObject>& aObjects) : mBegin(aText), mObjects(aObjects) {}
+
+    void Open(const char* aStartTag, DocumentObject aObject)
+    {
+        GiveTo(aStartTag);
+        mOpen.push_back(mObjects.size());
+        mObjects.push_back(std::move(aObject));
+    }
+    void Close(const char* aEndOfTag)
+    {
+        GiveTo(aEndOfTag);
+        mOpen.pop_back();
+    }
+
+private:
+    void GiveTo(const char* aEnd)
+    {
+        if (!mOpen.empty()) { mObjects[mOpen.back()].mText.append(mBegin, aEnd); }
+        mBegin = aEnd;
+    }
+
+    const char* mBegin; // of what nobody has yet
+    std::vector<DocumentObject>& mObjects;
+    std::vector<size_t> mOpen; // indices, the innermost last
 };
 
 } // namespace
 
+static const char* BeginOf(const ILibXMLNode* aTag) { return (aTag->NSTag ? aTag->NSTag : aTag->Name) - 1; }
+
+static const char* EndOf(const ILibXMLNode* anEndTag)
+{
+    if (!anEndTag->EmptyTag) { return strchr(anEndTag->Name + anEndTag->NameLength, '>') + 1; }
+    char* theEnd = nullptr;
+    ILibReadInnerXML(anEndTag->StartingTag, &theEnd);
+    return theEnd;
+}
+
 void Document::FindObjects()
 {
-    std::vector<Surroundings> theOpen = { { nullptr, true, false } };
-    ILibXMLNode* theBefore = nullptr;
-    for (ILibXMLNode* theNode = mNodes; theNode; theBefore = theNode, theNode = theNode->Next)
+    std::vector<Surroundings> theOpen = { { nullptr, true, false, false } };
+    TextDivider theDivider(mText.data(), mObjects);
+    for (ILibXMLNode* theNode = mNodes; theNode; theNode = theNode->Next)
     {
+        const Surroundings theOuter = theOpen.back();
         if (!theNode->StartTag)
         {
+            if (theOuter.mfIsObject) { theDivider.Close(EndOf(theNode)); }
             theOpen.pop_back();
             continue;
         }
-        const Surroundings theOuter = theOpen.back();
-        Surroundings theInner = { theOuter.mDIDL, false, theOuter.mfInObject };
+        Surroundings theInner = { theOuter.mDIDL, false, theOuter.mfInObject, false };
         const bool fIsContainer = IsCalled(theNode, "container");
         if (theOuter.mfHoldsObjects && (fIsContainer || IsCalled(theNode, "item")))
         {
-            mObjects.push_back({ theNode, theOuter.mDIDL, !fIsContainer, theOuter.mfInObject ? theBefore : nullptr });
-            theInner = { theOuter.mDIDL, fIsContainer, true };
+            theDivider.Open(BeginOf(theNode), { "", theOuter.mDIDL, !fIsContainer });
+            theInner = { theOuter.mDIDL, fIsContainer, true, true };
         }
-        else if (!theOuter.mfInObject && IsCalled(theNode, "DIDL-Lite")) { theInner = { theNode, true, false }; }
+        else if (!theOuter.mfInObject && IsCalled(theNode, "DIDL-Lite")) { theInner = { theNode, true, false, false }; }
         theOpen.push_back(theInner);
-    }
-
-    // From the last to the first: what comes after an object then is final.
-    for (auto theObject = mObjects.rbegin(); theObject != mObjects.rend(); ++theObject)
-    {
-        if (theObject->mBefore) { theObject->mBefore->Next = theObject->mNode->ClosingTag->Next; }
     }
 }

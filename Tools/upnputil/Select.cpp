@@ -88,7 +88,7 @@ static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aS
     return theSink || ReadSinkFile(theSinkFile, aRequest.mSink);
 }
 
-static int FailToParse(const std::string& aName, const Document& aDocument, int aResult, int aType)
+static int FailToParse(const std::string& aName, Document& aDocument, int aResult, int aType)
 {
     if (aResult == kUPnPError_InvalidXML) { return Fail(aName + ": " + aDocument.GetFault()); }
     if (aType != kDIDLItemType_None) { return Fail(aName + ": more than one object; upnputil show prints them all"); }

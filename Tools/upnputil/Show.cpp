@@ -215,14 +215,17 @@ static void PrintResource(CDSResourceInfo& aResources, uint32 anIndex, Output& a
     }
 }
 
-static void PrintObject(const DocumentObject& anObject, size_t anIndex, const char* aBaseURL, Output& anOutput)
+static void PrintObject(DocumentObject& anObject, size_t anIndex, const char* aBaseURL, Output& anOutput)
 {
     char* theEntry = nullptr;
     char* theResources = nullptr;
-    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(anObject.mNode);
-    const int theResult = UPnPDIDL_Parse(aBaseURL, anObject.mDIDL, anObject.mNode, theAttributes, anObject.mfIsItem,
-                                         &theEntry, &theResources);
+    ILibXMLNode* theNodes = ILibParseXML(anObject.mText.data(), 0, anObject.mText.size());
+    ILibProcessXMLNodeList(theNodes);
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNodes);
+    const int theResult =
+        UPnPDIDL_Parse(aBaseURL, anObject.mDIDL, theNodes, theAttributes, anObject.mfIsItem, &theEntry, &theResources);
     ILibDestructXMLAttributeList(theAttributes);
+    ILibDestructXMLNodeList(theNodes);
 
     MediaObject theObject(theEntry, theResources);
     const std::string theSubject = "object " + std::to_string(anIndex) + " ";
@@ -253,10 +256,10 @@ static int Show(const Arguments& anArguments, Output& anOutput)
 
     std::vector<char> theText;
     if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
-    const Document theDocument(std::move(theText));
+    Document theDocument(std::move(theText));
     const std::string theName = InputName(anArguments.Operand());
     if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
-    const std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
+    std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
     if (theObjects.empty()) { return FailToFind(theName + ": no object"); }
     Progress theProgress(theObjects.size(), "objects");
     for (size_t i = 0; i < theObjects.size(); ++i)
