@@ -8,7 +8,7 @@
 
 static const char kLockArgument[] = "lock";
 
-// The value of "lock" that opens the path; a new text, NULL when it can't be made.
+// The value of "lock" that opens the path: a new text, NULL on failure.
 static char* NewLockValue(const char* aPath, const zoCString& aPinCode)
 {
     zoMD5Context theContext;

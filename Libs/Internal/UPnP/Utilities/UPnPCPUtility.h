@@ -12,12 +12,12 @@
 class UPNPUTILITIES_API UPnPCPUtility
 {
 public:
-    /** @return whether the URI has an empty argument "lock"; false for a text that is no URI. */
+    /** @return true if the URI has an empty argument "lock"; false for an invalid URI. */
     static bool IsURIParentalLocked(const zoCString& anURI);
     /**
-     * Gives a URI with an argument "lock", empty or not, the digest for a code in its place. A wrong code isn't noticed
-     * here: it gives another digest, which the server refuses.
-     * @return the URI with that single "lock", escaped; anURI as it is when it has no "lock" or is no URI.
+     * Replaces the arguments "lock" of a URI, empty or not, with one that holds the digest for a code. A wrong code is
+     * not noticed here: it gives another digest, which the server refuses.
+     * @return the URI with that single "lock", escaped; anURI unchanged when it has no "lock" or is invalid.
      */
     static zoCString GetURIUnlocked(const zoCString& anURI, const zoCString& aPinCode);
 };

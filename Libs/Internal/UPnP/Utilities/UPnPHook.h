@@ -1,8 +1,8 @@
 #pragma once
 
-/* The device hook: the switches and texts by which a device decides how the stack presents it and how it treats a
- * particular client. A hook is made and configured before the stack runs, and only read afterwards; nothing is locked.
- * It is carried by pointer in the records of the web server and the control point. */
+/* The device hook: switches and texts that decide how the stack presents the device and how it treats each client.
+ * A hook is configured before the stack runs and only read afterwards; nothing is locked. The configuration records of
+ * the web server and the control point carry a pointer to it. */
 
 #include <UPnP/Stack/ILibWebServer.h>
 #include <UPnP/Utilities/Export.h>
@@ -12,8 +12,8 @@
 extern "C" {
 #endif
 
-/* Features: each a switch, off in a new hook. A feature with a part name switches the parts of descriptions that carry
- * that name. */
+/* Features: each a switch, off in a new hook. Many switch the parts of descriptions that carry their part name; see
+ * UPnPHook_Hook. */
 enum
 {
     kUPnPHookFeature_Upload = 0,
@@ -59,7 +59,7 @@ enum
     kUPnPHookFeature_Count = 40
 };
 
-/* Properties: each a text, not set in a new hook but for the user agent. */
+/* Properties: each a text, NULL in a new hook except for the user agent. */
 enum
 {
     kUPnPHookProperty_UserAgent = 0,               /* the device's product token */
@@ -70,7 +70,7 @@ enum
     kUPnPHookProperty_Count = 5
 };
 
-/* A hook, to be read and written by its operations. */
+/* A hook; use the operations below to read and write it. */
 typedef struct UPnPHook_t
 {
     int32 mfSupportFeature[kUPnPHookFeature_Count]; /* the hook's own switches; any value but 0 means on */
@@ -78,63 +78,65 @@ typedef struct UPnPHook_t
     struct UPnPHook_t* mParentHook;                 /* owned; NULL for none */
 } UPnPHook;
 
-/* A hook in which nothing is set. */
+/* A hook in which nothing is set. The library does not use it. */
 extern UPNPUTILITIES_API struct UPnPHook_t UPnPHook_t;
 
-/* A NULL hook, where it isn't said to be allowed, and the ID of a feature or a property that is none are programming
- * errors: they are reported as assertions, after which an operation that still runs changes nothing and answers 0 or
- * NULL. */
+/* An invalid feature or property ID is a programming error, and so is a NULL hook for every operation except
+ * UPnPHook_Delete. They are reported as assertions; if the handler returns, the operation changes nothing and returns 0
+ * or NULL. */
 
-/** @return a new hook without a parent, every feature off, its user agent "Zolt/1.1, UPnP/1.0" and no other property;
+/** @return a new hook without a parent, with every feature off and one property, the user agent "Zolt/1.1, UPnP/1.0";
  *          released with UPnPHook_Delete. */
 UPNPUTILITIES_API UPnPHook* UPnPHook_New(void);
-/** @param aParentHook  belongs to the new hook from now on; NULL for none.
- *  @return a new hook, every feature off by itself and no property set; released with UPnPHook_Delete. */
+/** @param aParentHook  owned by the new hook, which has every feature that the parent has; NULL for none.
+ *  @return a new hook without a feature or a property of its own; released with UPnPHook_Delete. */
 UPNPUTILITIES_API UPnPHook* UPnPHook_New_WithParent(UPnPHook* aParentHook);
-/** Releases the hook and its parents; NULL is ignored. */
+/** Releases the hook, its parent, the parent's parent and so on; NULL is ignored. */
 UPNPUTILITIES_API void UPnPHook_Delete(UPnPHook* aUPnPHook);
 
-/** Sets a property to a copy of aValue, which may be the value that it replaces; NULL clears it. */
+/** Sets a property to a copy of aValue, which may be the value that it replaces; NULL clears the property. */
 UPNPUTILITIES_API void UPnPHook_SetProperty(UPnPHook* aUPnPHook, int aPropertyID, const char* aValue);
-/** @return the hook's own value, never a parent's, borrowed until it is set again; NULL when it is not set. */
+/** @return the hook's own value, never a parent's, borrowed until the property is set again; NULL when it is not set.
+ */
 UPNPUTILITIES_API const char* UPnPHook_GetProperty(UPnPHook* aUPnPHook, int aPropertyID);
-/** Sets the hook's own switch to afSupport, which is kept as it is. */
+/** Sets the hook's own switch to afSupport, unchanged: any value except 0 means on. */
 UPNPUTILITIES_API void UPnPHook_SetSupportFeature(UPnPHook* aUPnPHook, int aFeatureID, int afSupport);
 /** @return 1 when a parent, at any distance, has the feature on; else the hook's own switch, as it was set. A hook
- * can't switch off what a parent has on. */
+ *          can't switch off a feature of a parent. */
 UPNPUTILITIES_API int UPnPHook_SupportFeature(UPnPHook* aUPnPHook, int aFeatureID);
 
-/* What the stack's modules ask. Each question has further arguments, told behind its ID: inputs first, then where the
- * answers go. Clients are told apart by their user agents: an Xbox has "Xbox/"; a Windows Media Player has "Windows"
- * and one of "9x)", "NT/5.1)", "Windows-Media-Player/". A NULL user agent is that of any other client. */
+/* The questions of the stack's modules, with the further arguments of each: inputs, then the places for the answers.
+ * A client's user agent tells its kind: an Xbox has "Xbox/"; a Windows Media Player has "Windows" and one of "9x)",
+ * "NT/5.1)", "Windows-Media-Player/". A NULL user agent belongs to another client. Texts are compared exactly. */
 enum
 {
-    /* char* aUserAgent, char** anObjectID, char** aFilter (may be NULL): from the IDs that an Xbox or a Windows Media
-     * Player asks for to the device's own. Both texts become new ones, released with free; a missing filter stays
-     * missing. What they were before stays the caller's. */
+    /* char* aUserAgent, char** anObjectID, char** aFilter (may be NULL): replaces the ID of a container that an Xbox or
+     * a Windows Media Player asks for with the device's own. Both pointers receive new texts, released with free; a
+     * NULL filter stays NULL. The texts before belong to the caller as before. */
     kUPnPHook_ConvertObjectID = 1,
     /* char* aUserAgent, int* afNeedToCheck: 0 for an Xbox and a Windows Media Player, else 1. */
     kUPnPHook_NeedToCheckSortCriteria = 2,
     /* char* aUserAgent, int* aFlag: 1 for an Xbox, else 0. */
     kUPnPHook_ByteRateIsBitRate = 3,
     /* char* aUserAgent, char* aMediaClassName, char** aNewMediaClassName: the class that the client expects instead, a
-     * constant text; NULL keeps the class. */
+     * constant text; NULL when the class stays. */
     kUPnPHook_AdjustMediaClassName = 4,
     /* ILibWebServer_Session* aSession, char* aServiceName, char* aServiceDescription, size_t aServiceDescriptionLength,
      * char** anOptional, char** anOptionalName, size_t* anOptionalLength, char** aBuffer, size_t* aBufferLength: the
      * service description for the session's client; see below. */
     kUPnPHook_GetServiceDescription = 5,
-    /* char* aDeviceManufacturerName (may be NULL), int* afSetResExtraInfoInMetadata: 0 for "Roku" in any case, else
+    /* char* aDeviceManufacturerName (may be NULL), int* afSetResExtraInfoInMetadata: 0 for "Roku", ignoring case, else
      * 1. */
     kUPnPHook_SetResExtraInfoInMetadata = 6,
-    /* char* aUserAgent, int* afSupportSearch: 1 with the feature Search, and for an Xbox and a Windows Media Player. */
+    /* char* aUserAgent, int* afSupportSearch: 1 with the feature Search, and for an Xbox or a Windows Media Player. */
     kUPnPHook_GetSupportSearch = 8,
-    /* char* aUserAgent, char** aDescription: the state of the web link as XML, a new text released with free. */
+    /* char* aUserAgent, char** aDescription: the state of the web link as XML, a new text, released with free: "ok"
+     * with the identifier, "nok" without one and for an Xbox. */
     kUPnPHook_GetInfoDescription = 9,
-    /* int* afSupportSortSpec: the feature SortSpec, as UPnPHook_SupportFeature tells it. */
+    /* int* afSupportSortSpec: the feature SortSpec, as from UPnPHook_SupportFeature. */
     kUPnPHook_GetSupportSortSpec = 10,
-    /* char* aUserAgent, unsigned int* aRequestedCount, char* anObjectID: brings the number of objects that one answer
-     * may have, 0 for any, within what the client can take: at most 200 for a Windows Media Player, 100 for others; an
+    /* char* aUserAgent, unsigned int* aRequestedCount, char* anObjectID: limits the number of objects of one answer to
+     * 200 for a Windows Media Player and to 100 for other clients; 0, which asks for no limit, becomes that number. An
      * Xbox gets what it asks for. The object ID is not used. */
     kUPnPHook_GetRequestedCount = 11,
     /* char* aUserAgent, char** anOptional, char** anOptionalName, size_t* anOptionalLength, char* aTemplate,
@@ -143,12 +145,14 @@ enum
     /* char* aUserAgent, int* afEnableHTTPChunk: 0 when the user agent has a token of the hook's own
      * kUPnPHookProperty_DoNotChunkUserAgentList, else 1. */
     kUPnPHook_CheckHTTPChunk = 13,
-    /* char* anEventName, int* afSupportEvent: whether an event, named like the part of its feature (":hdlnk"), is
-     * sent. */
+    /* char* anEventName, int* afSupportEvent: 0 when the event has the part name of a feature that is off (":hdlnk"),
+     * and for ":extra", else 1. The features with events: ContainerUpdateIDs, HDLnk, FriendlyInfoIconUpdate,
+     * DimmingRamp, DimmingStep and UIListingUpdate. */
     kUPnPHook_GetSupportEvent = 14,
-    /* char* aPlayMode, char* afOK: 1 for "NORMAL" and for an item of the hook's own kUPnPHookProperty_PlayModeList. */
+    /* char* aPlayMode, char* afOK: 1 for "NORMAL" and for the items of the hook's own kUPnPHookProperty_PlayModeList,
+     * else 0. */
     kUPnPHook_CheckPlayMode = 15,
-    /* char* aSeekMode, char* afOK: 1 for the seek modes that the service description lists. */
+    /* char* aSeekMode, char* afOK: 1 for the seek modes that service descriptions list, else 0. */
     kUPnPHook_CheckSeekMode = 16,
     /* char* aUserAgent, int* afCDSProvideResSize: 0 for an Xbox and a Windows Media Player, else 1. */
     kUPnPHook_CDSProvideResSize = 17,
@@ -156,17 +160,25 @@ enum
 };
 
 /**
- * Answers a question. An ID that is none is logged as a warning, and nothing is written.
+ * Answers a question. An unknown ID is logged as a warning, and nothing is written.
  *
- * Descriptions are written from a template, a service's of a length in bytes, a device's NUL-terminated, in which "%@"
- * marks the place of each optional part in turn. anOptional holds the parts' texts, ended by NULL, anOptionalLength
- * their lengths in bytes, and anOptionalName their names. A part is included when its name contains the name of a
- * feature that is on (":upload"; a ":nexturi" part while NoSetNextURI is off), dropped otherwise. In a service
- * description the parts named ":search" follow the client as well, ":rvu" and ":pfc" the feature SupportRVU, and the
- * parts named ":playmodelist", ":transportstatuslist", ":seekmodelist" and ":playspeedlist" are replaced by an
- * allowedValueList made of the hook's own properties and features. The result is a new text, NUL-terminated and
- * released with free. A template that has not one marker for each part, or doesn't end with ">", is reported as an
- * assertion; after it the result is NULL and its length 0 where the markers don't fit the parts, else the text.
+ * A description is made from a template in which "%@" marks the place of each optional part. A service's template has a
+ * length in bytes, a device's ends with a NUL. Three arrays describe the parts in the order of their markers:
+ * anOptional holds their texts and ends with NULL, anOptionalLength their lengths in bytes, anOptionalName their names.
+ * A name may hold several part names (":timeseek:byteseek"); the first rule that applies decides about the part:
+ * - It is included when its name contains the part name of a feature that is on (":upload"), or ":nexturi" while the
+ *   feature NoSetNextURI is off. In a service description ":search" follows kUPnPHook_GetSupportSearch, and the feature
+ *   SupportRVU has the part names ":rvu" and ":pfc".
+ * - In a service description, an allowedValueList replaces the parts named ":seekmodelist", ":playspeedlist",
+ *   ":transportstatuslist" and ":playmodelist". It lists what the hook's features and own properties allow; a part
+ * whose list is empty is dropped.
+ * - It is dropped.
+ * Values are written as they are, not escaped.
+ *
+ * The result is a new text, NUL-terminated and released with free. A template whose markers are more or fewer than the
+ * parts gives NULL and the length 0, after an assertion; one that does not end with ">" gives the text, after an
+ * assertion. The cost is linear in template, parts and properties, and in the result, in which one list may replace
+ * several parts.
  */
 UPNPUTILITIES_API void UPnPHook_Hook(UPnPHook* aUPnPHook, int aHookID, ...);
 

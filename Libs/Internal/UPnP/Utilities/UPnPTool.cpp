@@ -1,12 +1,14 @@
 #include <UPnP/Utilities/UPnPTool.h>
 
+#include <Shared/ASCII.h>
+
 bool UPnPTool::HostNameIsIPAddress(const zoCString& aHostName)
 {
     size_t theDots = 0;
-    for (const char* thePosition = aHostName.c_str(); *thePosition != '\0'; ++thePosition)
+    for (const char theByte : std::string_view(aHostName.c_str(), aHostName.length()))
     {
-        if (*thePosition == '.') { ++theDots; }
-        else if (*thePosition < '0' || *thePosition > '9') { return false; }
+        if (theByte == '.') { ++theDots; }
+        else if (!Shared::IsDigit(theByte)) { return false; }
     }
     return theDots == 3;
 }

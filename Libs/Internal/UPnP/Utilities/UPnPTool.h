@@ -3,10 +3,10 @@
 #include <UPnP/Utilities/Export.h>
 #include <zo/CString.h>
 
-/** What a text looks like. Nothing is kept; any thread may call. */
+/** Tests of texts. Nothing is kept; any thread may call. */
 class UPNPUTILITIES_API UPnPTool
 {
 public:
-    /** @return whether the text is made of digits and exactly three dots. The numbers are not checked: "1..2.3" is. */
+    /** @return true for digits and exactly three dots. The numbers are not checked: "1..2.3" gives true. */
     static bool HostNameIsIPAddress(const zoCString& aHostName);
 };

@@ -1,5 +1,8 @@
 #include <UPnP/Utilities/UPnPUtility.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/QualifiedName.h>
+#include <Shared/Split.h>
 #include <stdlib.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoMemory.h>
@@ -7,8 +10,6 @@
 
 const char* kUPnPUtil_TrueStringList[] = { "1", "true", "yes", nullptr };
 const char* kUPnPUtil_FalseStringList[] = { "0", "false", "no", "", nullptr };
-
-static void (*sExitCallBack)(int) = nullptr;
 
 // ---- Times ----
 
@@ -19,7 +20,7 @@ void UPnPUtil_SetTimeString(char* aStr, uint32 aTime)
         memcpy(aStr, kUPnP_UnknownTimeString, sizeof(kUPnP_UnknownTimeString));
         return;
     }
-    const unsigned long theHours = aTime / 3600 % 99;
+    const unsigned long theHours = aTime / 3600 % 99; // two digits, of which 99 is never written
     const unsigned long theMinutes = aTime / 60 % 60;
     const unsigned long theSeconds = aTime % 60;
     zo_snprintf(aStr, sizeof("HH:MM:SS.000"), "%02lu:%02lu:%02lu.000", theHours, theMinutes, theSeconds);
@@ -41,15 +42,12 @@ int UPnPUtil_FindSubStringInArray(const char* aStr, size_t aStrLen, const char**
 
 int UPnPUtil_FindAllCommaSeparatedSubStringInArray(const char* aStr, size_t aStrLen, const char** aStrArray)
 {
-    const char* theEnd = aStr ? aStr + strnlen(aStr, aStrLen) : nullptr;
-    for (const char* theBegin = aStr; theBegin < theEnd;)
+    std::string_view theRest(aStr, aStr ? strnlen(aStr, aStrLen) : 0);
+    std::string_view thePart;
+    while (Shared::NextItem(&theRest, ';', &thePart))
     {
-        const size_t theRest = static_cast<size_t>(theEnd - theBegin);
-        const void* theSeparator = memchr(theBegin, ';', theRest);
-        const char* thePartEnd = theSeparator ? static_cast<const char*>(theSeparator) : theEnd;
-        const size_t theLength = static_cast<size_t>(thePartEnd - theBegin);
-        if (theLength > 0 && UPnPUtil_FindSubStringInArray(theBegin, theLength, aStrArray) < 0) { return -1; }
-        theBegin = theSeparator ? thePartEnd + 1 : theEnd;
+        if (thePart.empty()) { continue; }
+        if (UPnPUtil_FindSubStringInArray(thePart.data(), thePart.size(), aStrArray) < 0) { return -1; }
     }
     return 0;
 }
@@ -58,7 +56,7 @@ int UPnPUtil_IsStrTrue(const char* aStr) { return ILibString_FindStringInArray(a
 
 int UPnPUtil_IsStrFalse(const char* aStr) { return ILibString_FindStringInArray(aStr, kUPnPUtil_FalseStringList) >= 0; }
 
-// ---- UUIDs, the end ----
+// ---- UUIDs ----
 
 char* UPnPUtil_BuildUUID(void)
 {
@@ -70,6 +68,10 @@ char* UPnPUtil_BuildUUID(void)
     return theText;
 }
 
+// ---- Ending the process ----
+
+static void (*sExitCallBack)(int) = nullptr;
+
 void UPnPUtil_SetExitCallBack(void (*aUPnPExitCallBack)(int)) { sExitCallBack = aUPnPExitCallBack; }
 
 void UPnPUtil_Exit(int anExitCode)
@@ -80,12 +82,12 @@ void UPnPUtil_Exit(int anExitCode)
 
 // ---- The value of event XML ----
 
-// @return whether the element has a "val", as a piece of the document.
+// True if the element has a "val", which is then given as bytes of the document.
 static bool FindVal(struct ILibXMLNode* aXML, char** aValue, size_t* aLength)
 {
     struct ILibXMLAttribute* theList = aXML ? ILibGetXMLAttributes(aXML) : nullptr;
     const struct ILibXMLAttribute* theAttribute = theList;
-    while (theAttribute && !(theAttribute->NameLength == 3 && memcmp(theAttribute->Name, "val", 3) == 0))
+    while (theAttribute && !Shared::Equals(Shared::LocalName(theAttribute), "val"))
         theAttribute = theAttribute->Next;
     if (theAttribute)
     {
@@ -143,9 +145,7 @@ int UPnPUtil_GetStrAttribute(struct ILibXMLNode* aXML, char** aStr)
     char* theValue;
     size_t theLength;
     if (!FindVal(aXML, &theValue, &theLength)) { return 0; }
-    char* theText = static_cast<char*>(zoMalloc(theLength + 1));
-    memcpy(theText, theValue, theLength);
-    theText[theLength] = '\0';
+    char* theText = zoStrndup(theValue, theLength);
     ILibInPlaceXmlUnEscape(theText);
     free(*aStr);
     *aStr = theText;

@@ -6,16 +6,16 @@
 #include <string.h>
 #include <unistd.h>
 
-static const size_t kFirstCapacity = 200; // most messages fit
+static const size_t kFirstCapacity = 200; // holds most messages, which then take one allocation
 
-// A message for which there is no memory is dropped or ends early: logging never ends the process.
+// Logging never ends the process: without memory, a message is dropped or cut.
 struct zoLogRecord_t
 {
     int mLevel;
     int mModule;
     int mLine;
     const char* mFile; // borrowed
-    char* mText;       // mLength bytes and a NUL in mCapacity; mFirst, or a block of its own that is owned
+    char* mText;       // mFirst, or a larger block, which is owned; mLength bytes and a NUL of mCapacity
     size_t mLength;
     size_t mCapacity;
     char mFirst[kFirstCapacity];
@@ -29,7 +29,7 @@ static const char* LevelName(int aLevel)
     return aLevel >= ZOLOGLEVEL_NONE && aLevel <= ZOLOGLEVEL_DEBUG ? kNames[aLevel] : "level?";
 }
 
-// Texts of devices come along in messages: none of their bytes begins a line of its own.
+// Messages quote texts of other devices, which must not forge lines.
 static void BlankControls(char* aText, int aLength)
 {
     for (int i = 0; i < aLength; ++i)
@@ -96,10 +96,10 @@ static bool MakeRoom(zoLogRecord_t* aRecord, size_t aCount)
 {
     const size_t theNeeded = aRecord->mLength + aCount + 1;
     const size_t theCapacity = theNeeded > aRecord->mCapacity * 2 ? theNeeded : aRecord->mCapacity * 2;
-    const bool theFirst = aRecord->mText == aRecord->mFirst;
-    char* theText = static_cast<char*>(realloc(theFirst ? nullptr : aRecord->mText, theCapacity));
+    const bool fIsFirst = aRecord->mText == aRecord->mFirst;
+    char* theText = static_cast<char*>(realloc(fIsFirst ? nullptr : aRecord->mText, theCapacity));
     if (!theText) { return false; }
-    if (theFirst) { memcpy(theText, aRecord->mFirst, aRecord->mLength); }
+    if (fIsFirst) { memcpy(theText, aRecord->mFirst, aRecord->mLength); }
     aRecord->mText = theText;
     aRecord->mCapacity = theCapacity;
     return true;

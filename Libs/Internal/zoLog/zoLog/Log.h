@@ -1,6 +1,6 @@
 #pragma once
 
-/* Messages for whoever looks after the device. A message is opened, given its place in the source, filled and closed:
+/* Messages for those who look after the device. A message is opened, given its place in the source, filled and closed:
  *
  *     zoLogRecord_t* theRecord = zoLog_Begin(ZOLOGLEVEL_WARNING, ZOLOG_M_DEFAULT);
  *     if (theRecord)
@@ -10,8 +10,8 @@
  *         zoLog_End(theRecord);
  *     }
  *
- * Nothing is formatted for a level that is not logged. Messages of several threads don't mix; the level and the sink
- * are set before threads log. */
+ * Nothing is formatted for a level that is not logged. Several threads may log at a time; each message reaches the sink
+ * whole. Level and sink are not locked: set them before a second thread logs. */
 
 #include <stdarg.h>
 #include <zoLog/Export.h>
@@ -21,7 +21,7 @@
 extern "C" {
 #endif
 
-/* How much a message matters: the lower, the more. */
+/* The lower the level, the more a message matters. */
 enum
 {
     ZOLOGLEVEL_NONE = 0,
@@ -31,28 +31,30 @@ enum
     ZOLOGLEVEL_DEBUG = 4
 };
 
-/* A message of level L is written when L is below this; 3 at start: errors and warnings. */
+/* Messages of a level below this are logged: errors and warnings with ZOLOGLEVEL_INFO, the value at start. */
 extern ZOLOG_API int _zoLog_Level;
 
-/* A message in the making. */
+/* A message that is being filled. */
 typedef struct zoLogRecord_t zoLogRecord_t;
 
-/** Receives each finished message. aFile is "" when the message has no place in the source. Nothing is kept. */
+/** Receives each finished message, in the thread that logs it. The texts are valid during the call; aFile is "" when
+ * the message was given no place in the source. */
 typedef void (*zoLogSink_t)(int aLevel, int aModule, const char* aFile, int aLine, const char* aText, void* aUserData);
 
 /** Installs the receiver of messages; NULL: one line per message on standard error. */
 ZOLOG_API void zoLog_SetSink(zoLogSink_t aSink, void* aUserData);
 
-/** @return a new message, closed and released by zoLog_End; NULL when aLevel is not logged. */
+/** @return a new message, closed and released by zoLog_End; NULL when aLevel is not logged or memory has run out. */
 ZOLOG_API zoLogRecord_t* zoLog_Begin(int aLevel, int aModule);
 
-/** Says where the message comes from. aFile is not copied and must outlive the message. A NULL record is ignored. */
+/** Gives the message its place in the source. aFile is not copied and must outlive the message. A NULL record is
+ *  ignored. */
 ZOLOG_API void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
 
-/** Appends text formatted as by printf, of any length. A NULL record is ignored. */
+/** Appends text formatted as by printf, of any length; nothing when memory has run out. A NULL record is ignored. */
 ZOLOG_API void zoLog_Append_F(zoLogRecord_t* aRecord, const char* aFormat, ...) __attribute__((format(printf, 2, 3)));
 
-/** zoLog_Append_F for a caller that has variable arguments itself. */
+/** As zoLog_Append_F, with the arguments in a list. */
 ZOLOG_API void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArguments)
     __attribute__((format(printf, 2, 0)));
 

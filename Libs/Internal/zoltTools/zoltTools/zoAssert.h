@@ -1,7 +1,7 @@
 #pragma once
 
-/* Programming errors. An assertion is on in every build and tells its handler; the default handler prints the
- * condition with its place and aborts. A handler may return, so code leaves by itself what the assertion guards:
+/* Programming errors. An assertion is on in every build and reports to a handler; the default handler prints the
+ * condition with its place and aborts. A handler may return, so code must then leave what the assertion guards:
  *
  *     if (!zoAssert(aHook != NULL)) { return; }
  */
@@ -12,7 +12,7 @@
 extern "C" {
 #endif
 
-/** Is told of a condition that does not hold, and where it stands. It may return. */
+/** Receives a condition that does not hold, and its place in the source. It may return. */
 typedef void (*zoAssertHandler_t)(const char* aCondition, const char* aFile, int aLine);
 
 /** Installs a handler, NULL for the default. @return the handler before, NULL when it was the default. */
@@ -21,14 +21,14 @@ ZOLTTOOLS_API zoAssertHandler_t zoAssert_SetHandler(zoAssertHandler_t aHandler);
 /** Reports a failed condition to the handler: its text, the source file's path (from "Libs/" on) and the line. */
 ZOLTTOOLS_API void _zoAssert(const char* aCondition, const char* aFile, int aLine);
 
-/* For zoAssert. */
+/* What zoAssert expands to. */
 static inline int zoAssert_Check(int afCondition, const char* aCondition, const char* aFile, int aLine)
 {
     if (!afCondition) { _zoAssert(aCondition, aFile, aLine); }
     return afCondition;
 }
 
-/* Whether the condition holds; reports it when it does not. */
+/* 1 when the condition holds; else 0, and it is reported. */
 #define zoAssert(aCondition) zoAssert_Check(!!(aCondition), #aCondition, __FILE__, __LINE__)
 
 #ifdef __cplusplus

@@ -9,8 +9,8 @@ extern "C" {
 
 /**
  * Base64 of RFC 4648, section 4, with padding and without line breaks.
- * @param aText out: a new NUL-terminated text that the caller releases with free; NULL on failure.
- * @return the length of the text; 0 on failure (the text would pass what memory can hold) and for no bytes ("").
+ * @param aText out: a new NUL-terminated text, released with free; NULL on failure.
+ * @return the length of the text: 0 for no bytes, and on failure, when memory can't hold the text.
  */
 ZOLTTOOLS_API size_t zoBase64_Encode(const void* aBytes, size_t aLength, char** aText);
 

@@ -1,43 +1,37 @@
 #include <zoltTools/zoConvert.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Digits.h>
 #include <string.h>
 
-// The digit's value; a number that is no digit of any base when the byte is none.
-static inline uint32 DigitOf(char aCharacter)
-{
-    const uint32 theByte = static_cast<unsigned char>(aCharacter);
-    const uint32 theDecimal = theByte - '0';
-    if (theDecimal < 10) { return theDecimal; }
-    const uint32 theLetter = (theByte | 0x20) - 'a';
-    return theLetter < 26 ? theLetter + 10 : UINT32_MAX;
-}
+// ---- Numbers ----
 
-// Reads digits up to anEnd; without anEnd up to the NUL, which is no digit. The text is read to its end even when the
-// number is too large: what is no number at all is told first.
+// Reads the digits before anEnd, or before the NUL when anEnd is NULL. Reads on after an overflow, because a text that
+// is not a number is invalid, however large it begins.
 template <typename Number>
 static inline int ReadNumber(const char* aText, const char* anEnd, uint32 aBase, Number* aValue)
 {
     const char* thePosition = aText;
-    const bool theNegative = thePosition != anEnd && *thePosition == '-';
-    if (theNegative) { ++thePosition; }
+    const bool fIsNegative = thePosition != anEnd && *thePosition == '-';
+    if (fIsNegative) { ++thePosition; }
 
     const char* const theDigits = thePosition;
     const Number theMaximum = static_cast<Number>(-1);
-    const Number theLimit = static_cast<Number>(theMaximum / aBase); // up to here another digit fits
+    const Number theLimit = static_cast<Number>(theMaximum / aBase); // below it any further digit fits
     Number theNumber = 0;
-    bool theOverflow = false;
+    bool fIsTooLarge = false;
     for (; thePosition != anEnd; ++thePosition)
     {
-        const uint32 theDigit = DigitOf(*thePosition);
+        const uint32 theDigit = Shared::DigitValue(*thePosition);
         if (theDigit >= aBase) { break; }
-        if (theNumber >= theLimit && (theNumber > theLimit || theDigit > theMaximum % aBase)) { theOverflow = true; }
+        if (theNumber >= theLimit && (theNumber > theLimit || theDigit > theMaximum % aBase)) { fIsTooLarge = true; }
         theNumber = static_cast<Number>(theNumber * aBase + theDigit);
     }
 
-    const bool theWhole = anEnd ? thePosition == anEnd : *thePosition == '\0';
-    if (!theWhole || thePosition == theDigits) { return kzoConvertError_Invalid; }
-    if (theNegative) { return kzoConvertError_RangeLow; }
-    if (theOverflow) { return kzoConvertError_RangeHigh; }
+    const bool fIsWhole = anEnd ? thePosition == anEnd : *thePosition == '\0';
+    if (!fIsWhole || thePosition == theDigits) { return kzoConvertError_Invalid; }
+    if (fIsNegative) { return kzoConvertError_RangeLow; }
+    if (fIsTooLarge) { return kzoConvertError_RangeHigh; }
     *aValue = theNumber;
     return kzoConvertError_None;
 }
@@ -74,7 +68,7 @@ int zoConvert_strntoULongLong(const char* aText, size_t aLength, zoULongLong* aV
     return theResult;
 }
 
-// Dates. Each reader moves aText past what it read, and leaves it at the first byte that does not fit.
+// ---- Dates: each reader moves aText past what it reads, up to the first byte that does not fit ----
 
 static bool ReadByte(const char*& aText, char aByte)
 {
@@ -88,9 +82,8 @@ static bool ReadDigits(const char*& aText, int aCount, int32* aNumber)
     *aNumber = 0;
     for (; aCount > 0; --aCount, ++aText)
     {
-        const uint32 theDigit = DigitOf(*aText);
-        if (theDigit > 9) { return false; }
-        *aNumber = *aNumber * 10 + static_cast<int32>(theDigit);
+        if (!Shared::IsDigit(*aText)) { return false; }
+        *aNumber = *aNumber * 10 + (*aText - '0');
     }
     return true;
 }
@@ -103,8 +96,8 @@ static bool ReadTwoDigits(const char*& aText, int32 aMaximum, int32* aNumber)
 static int32 DaysOfMonth(int32 aYear, int32 aMonth)
 {
     static const uint8 kDays[] = { 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31 };
-    const bool theLeapYear = aYear % 4 == 0 && (aYear % 100 != 0 || aYear % 400 == 0);
-    return kDays[aMonth - 1] + (aMonth == 2 && theLeapYear ? 1 : 0);
+    const bool fIsLeapYear = aYear % 4 == 0 && (aYear % 100 != 0 || aYear % 400 == 0);
+    return kDays[aMonth - 1] + (aMonth == 2 && fIsLeapYear ? 1 : 0);
 }
 
 static bool ReadDate(const char*& aText, int32* aParts)
@@ -119,10 +112,10 @@ static bool ReadDate(const char*& aText, int32* aParts)
 
 static bool ReadFraction(const char*& aText, int32* aMilliseconds)
 {
-    if (DigitOf(*aText) > 9) { return false; }
+    if (!Shared::IsDigit(*aText)) { return false; }
     int32 theUnit = 100;
-    for (; DigitOf(*aText) <= 9; ++aText, theUnit /= 10)
-        *aMilliseconds += theUnit * static_cast<int32>(DigitOf(*aText));
+    for (; Shared::IsDigit(*aText); ++aText, theUnit /= 10)
+        *aMilliseconds += theUnit * (*aText - '0');
     return true;
 }
 
@@ -154,12 +147,12 @@ int zoConvert_dlnadatestrtodate(const char* aText, int32* aParts)
 {
     int32 theParts[kzoDLNADatePart_Count] = {};
     const char* thePosition = aText ? aText : "";
-    bool theValid = ReadDate(thePosition, theParts);
-    if (theValid && ReadByte(thePosition, 'T'))
+    bool fIsValid = ReadDate(thePosition, theParts);
+    if (fIsValid && ReadByte(thePosition, 'T'))
     {
-        theValid = ReadTime(thePosition, theParts) && ReadTimeZone(thePosition, theParts);
+        fIsValid = ReadTime(thePosition, theParts) && ReadTimeZone(thePosition, theParts);
     }
-    if (!theValid || *thePosition != '\0') { return kzoConvertError_Invalid; }
+    if (!fIsValid || *thePosition != '\0') { return kzoConvertError_Invalid; }
     if (aParts) { memcpy(aParts, theParts, sizeof(theParts)); }
     return kzoConvertError_None;
 }

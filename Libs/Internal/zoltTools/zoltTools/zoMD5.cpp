@@ -4,6 +4,7 @@
 
 static const size_t kBlockSize = sizeof(zoMD5Context::mBuffer);
 
+// The integer part of 2^32 times the absolute value of sin(i + 1).
 static const uint32 kSines[64] = {
     0xD76AA478, 0xE8C7B756, 0x242070DB, 0xC1BDCEEE, 0xF57C0FAF, 0x4787C62A, 0xA8304613, 0xFD469501,
     0x698098D8, 0x8B44F7AF, 0xFFFF5BB1, 0x895CD7BE, 0x6B901122, 0xFD987193, 0xA679438E, 0x49B40821,
@@ -40,7 +41,7 @@ static uint32 Mix(uint32 aRound, uint32 aB, uint32 aC, uint32 aD)
     }
 }
 
-// The position of the word that step aStep takes.
+// The index of the word that is added in step aStep.
 static uint32 WordOfStep(uint32 aRound, uint32 aStep)
 {
     static const uint8 kFactors[4] = { 1, 5, 3, 7 };

@@ -9,7 +9,7 @@
 extern "C" {
 #endif
 
-/* A digest in the making. */
+/* The state of a digest to which bytes are being added. */
 typedef struct zoMD5Context
 {
     uint32 mTotal[2]; /* bytes added so far, low word first */
@@ -17,11 +17,11 @@ typedef struct zoMD5Context
     uint8 mBuffer[64]; /* the bytes of the block that is not full yet */
 } zoMD5Context;
 
-/** Begins a digest: that of no bytes. */
+/** Begins a digest. */
 ZOLTTOOLS_API void zoMD5_Init(zoMD5Context* aContext);
 /** Adds aLength bytes; aBytes may be NULL when aLength is 0. */
 ZOLTTOOLS_API void zoMD5_Add(zoMD5Context* aContext, const void* aBytes, size_t aLength);
-/** Ends the digest; the context must be initialised before it is used again. */
+/** Ends the digest; the context must be initialized before it is used again. */
 ZOLTTOOLS_API void zoMD5_Get(zoMD5Context* aContext, uint8 aDigest[16]);
 
 #ifdef __cplusplus

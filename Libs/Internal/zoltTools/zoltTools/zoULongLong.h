@@ -16,9 +16,9 @@ typedef struct zoULongLong
 
 /** Sets the number to a file's position or length, in bytes; a negative one counts as 0. */
 ZOLTTOOLS_API void zoULongLong_SetFileOffset(zoULongLong* aValue, zoFileOffset anOffset);
-/** @return the number in decimal, a new text that the caller releases with free. */
+/** @return the number in decimal: a new text, released with free. */
 ZOLTTOOLS_API char* zoULongLong_ToString(const zoULongLong* aValue);
-/** @return the number as one. */
+/** @return both halves as one number. */
 static inline uint64 zoULongLong_ToUInt64(const zoULongLong* aValue)
 {
     return ((uint64)aValue->mHigh << 32) | aValue->mLow;

@@ -10,7 +10,7 @@
 #include <unistd.h>
 #include <zoltTools/zoMD5.h>
 
-// Does not wait: early in a device's start the kernel may still be collecting randomness.
+// Does not wait for randomness, which the kernel may still be collecting while a device starts.
 static bool AskSystem(uint8* aBytes, size_t aSize)
 {
     return getrandom(aBytes, aSize, GRND_NONBLOCK) == static_cast<ssize_t>(aSize);
@@ -31,9 +31,8 @@ static bool ReadDevice(uint8* aBytes, size_t aSize)
     return theSize == aSize;
 }
 
-// An old kernel in a process without a free descriptor: the random bytes that the process was started with, and the
-// time, which is past the one of the call before in this thread.
-static void DeriveFromProcess(uint8 aDigest[16])
+// Waits for the clock to move on, so that no two calls of a thread get the same time.
+static struct timespec NextTime()
 {
     struct timespec theBegin;
     struct timespec theTime;
@@ -41,7 +40,15 @@ static void DeriveFromProcess(uint8 aDigest[16])
     do
         clock_gettime(CLOCK_MONOTONIC, &theTime);
     while (theTime.tv_sec == theBegin.tv_sec && theTime.tv_nsec == theBegin.tv_nsec);
+    return theTime;
+}
 
+// The last resort, when the system gives no random numbers and no descriptor is free: a digest of what differs between
+// processes (the 16 random bytes that the kernel starts each with, and its ID), threads (the place of their stack) and
+// calls (the time).
+static void DeriveFromProcess(uint8 aDigest[16])
+{
+    const struct timespec theTime = NextTime();
     const pid_t theProcess = getpid();
     const void* theThreadStack = &theTime;
     const void* theStartBytes = reinterpret_cast<const void*>(getauxval(AT_RANDOM));

@@ -10,7 +10,7 @@ extern "C" {
 /* A universally unique identifier of RFC 4122: 16 bytes in the order in which they are written. */
 typedef uint8 zoUUID[16];
 
-/** Fills aUUID with a new random identifier (version 4), from the system's random numbers. */
+/** Fills aUUID with a new random identifier (version 4). */
 ZOLTTOOLS_API void zoUUID_Generate(zoUUID aUUID);
 
 #ifdef __cplusplus
