@@ -27,6 +27,12 @@ void ExpectSame(const std::vector<PlainEntry>& aPlain, const zoPackedData_t* aRe
             const char* theData = zoPackedData_GetData(aRecord, i, theTag, &theSize);
             ASSERT_EQ(theBytes.empty(), theData == nullptr);
             ASSERT_EQ(theBytes, std::string(theData ? theData : "", theSize));
+            zoPackedData_Value theValues[3] = {};
+            const uint32 theLeft = static_cast<uint32>(aPlain[i].size() - k);
+            ASSERT_EQ(std::min(3u, theLeft), zoPackedData_GetValues(aRecord, i, static_cast<uint32>(k), theValues, 3));
+            ASSERT_EQ(theTag, theValues[0].mTag);
+            ASSERT_EQ(theData, theValues[0].mData);
+            ASSERT_EQ(theSize, theValues[0].mSize);
         }
     }
 }

@@ -242,6 +242,22 @@ uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint
     return RowAt(aRecord, EntryBegin(aRecord, anEntry) + aPosition).mTag;
 }
 
+uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
+                              uint32 aMaxCount)
+{
+    const uint32 theTotal = zoPackedData_GetTagCount(aRecord, anEntry);
+    if (aFirst >= theTotal) { return 0; }
+    const uint32 theCount = std::min(aMaxCount, theTotal - aFirst);
+    const uint32 theFirstRow = EntryBegin(aRecord, anEntry) + aFirst;
+    for (uint32 i = 0; i < theCount; ++i)
+    {
+        const Row theRow = RowAt(aRecord, theFirstRow + i);
+        const size_t theSize = ValueEnd(aRecord, theFirstRow + i) - theRow.mOffset;
+        aValues[i] = { theSize > 0 ? aRecord->mBlock + theRow.mOffset : nullptr, theSize, theRow.mTag };
+    }
+    return theCount;
+}
+
 // ---- Adding ----
 
 // Leaves a record without entries; what it held is the caller's business.

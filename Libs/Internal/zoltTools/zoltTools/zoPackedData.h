@@ -71,6 +71,22 @@ ZOLTTOOLS_API uint16 zoPackedData_GetTagCount(const zoPackedData_t* aRecord, uin
 /** @return the tag at a position from 0 in the order of adding; 0 past the last. */
 ZOLTTOOLS_API uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aPosition);
 
+/* A value of an entry. */
+typedef struct zoPackedData_Value
+{
+    const char* mData; /* mSize bytes, borrowed until the record changes; NULL when there are none */
+    size_t mSize;
+    uint16 mTag;
+} zoPackedData_Value;
+/**
+ * Reads many values of an entry in one pass, in the order of adding.
+ * @param aFirst  the position of the first one, from 0.
+ * @param aValues out: room for aMaxCount values.
+ * @return the number of values written, fewer than aMaxCount when the entry has no more.
+ */
+ZOLTTOOLS_API uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst,
+                                            zoPackedData_Value* aValues, uint32 aMaxCount);
+
 /** @return the serialized block of the record, which is empty afterwards; the caller releases the block with free, or
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);

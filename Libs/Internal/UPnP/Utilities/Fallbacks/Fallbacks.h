@@ -1,0 +1,57 @@
+#pragma once
+
+/* Platform functions that a device may lack, because they only save time or memory, or say where a message comes from.
+ * Each has its fallback here, over functions that every device has. A build for such a device names what is missing in
+ * UPNP_PLATFORM_LACKS; then every source of the library includes this header first, and Fallbacks.cpp is compiled. The
+ * contracts are those in the platform's headers of this project.
+ *
+ * The names are C's and hidden: they are not seen outside the library. */
+
+#include <stdarg.h>
+#include <zoLog/Log.h>
+#include <zoltTools/zoBuffer.h>
+#include <zoltTools/zoCustomHashTable.h>
+#include <zoltTools/zoDLNAProtocolInfo.h>
+#include <zoltTools/zoPackedData.h>
+
+#pragma GCC visibility push(hidden)
+extern "C" {
+
+#ifdef UPNP_LACKS_zoBuffer_Reserve
+void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount);
+#endif
+
+#ifdef UPNP_LACKS_zoCustomHashTable_GetValueAtIndex
+const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, size_t anIndex);
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_IsNormal
+int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength);
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_MatchText
+int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator);
+#endif
+
+#ifdef UPNP_LACKS_zoLog_Append_V
+void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArguments)
+    __attribute__((format(printf, 2, 0)));
+#endif
+
+#ifdef UPNP_LACKS_zoLog_SetLocation
+void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
+#endif
+
+#ifdef UPNP_LACKS_zoPackedData_GetValues
+typedef struct zoPackedData_Value
+{
+    const char* mData;
+    size_t mSize;
+    uint16 mTag;
+} zoPackedData_Value;
+uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
+                              uint32 aMaxCount);
+#endif
+
+} // extern "C"
+#pragma GCC visibility pop
