@@ -1,8 +1,8 @@
 # Platform functions that the device lacks, of those that have a fallback; "all" for all of them.
 set(UPNP_PLATFORM_LACKS "" CACHE STRING "Platform functions to be replaced by the library's fallbacks")
 set(theFallbacks ${theRoot}/UPnP/Utilities/Fallbacks/Fallbacks)
-file(STRINGS ${theFallbacks}.h theLines REGEX "^#ifdef UPNP_LACKS_")
-string(REGEX MATCHALL "zo[A-Za-z_]+" theFunctionsWithFallback "${theLines}")
+file(STRINGS ${theFallbacks}.h theFunctionsWithFallback REGEX "^#ifdef UPNP_LACKS_")
+string(REPLACE "#ifdef UPNP_LACKS_" "" theFunctionsWithFallback "${theFunctionsWithFallback}")
 
 # upnp_use_fallbacks(LIBRARY FUNCTION...): the library has these functions of its own.
 function(upnp_use_fallbacks aLibrary)
