@@ -17,7 +17,7 @@ endforeach()
 set_tests_properties(Install ${theNames} PROPERTIES LABELS install TIMEOUT 120 ENVIRONMENT
     "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${UPNP_PKG_CONFIG}")
 
-if(TARGET docs)
+if(UPNP_DOXYGEN AND UPNP_AWK)
     add_test(NAME Manual COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target docs)
     set_tests_properties(Manual PROPERTIES LABELS install)
 endif()
