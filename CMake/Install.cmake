@@ -12,6 +12,18 @@ install(TARGETS ${theLibraries} EXPORT UPnPUtilities
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/upnputilities COMPONENT development)
 
+# The programs of a project that this one is a part of are installed beside the libraries; they look for them there. The
+# linker reads it from a file, because a dollar sign does not reach it unchanged otherwise.
+file(RELATIVE_PATH theLibrariesFromPrograms ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+if(NOT PROJECT_IS_TOP_LEVEL AND BUILD_SHARED_LIBS AND NOT CMAKE_SKIP_INSTALL_RPATH AND NOT CMAKE_SKIP_RPATH)
+    set(theRunPath ${PROJECT_BINARY_DIR}/runpath.txt)
+    file(WRITE ${theRunPath} "-rpath $ORIGIN/${theLibrariesFromPrograms}\n")
+    foreach(theLibrary ${theLibraries})
+        target_link_options(${theLibrary} INTERFACE
+            $<BUILD_INTERFACE:$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:@${theRunPath}>>)
+    endforeach()
+endif()
+
 # For find_package(UPnPUtilities).
 install(EXPORT UPnPUtilities FILE UPnPUtilitiesTargets.cmake NAMESPACE UPnPUtilities::
     DESTINATION ${thePackageDirectory} COMPONENT development)
@@ -34,8 +46,7 @@ install(FILES ${PROJECT_BINARY_DIR}/upnputilities.pc DESTINATION ${thePkgConfigD
 install(FILES CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/upnputilities COMPONENT development)
 
 if(UPNP_BUILD_TOOL)
-    file(RELATIVE_PATH theLibrariesFromTool ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(upnputil PROPERTIES INSTALL_RPATH $ORIGIN/${theLibrariesFromTool})
+    set_target_properties(upnputil PROPERTIES INSTALL_RPATH $ORIGIN/${theLibrariesFromPrograms})
     install(TARGETS upnputil RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tool)
     configure_file(Docs/upnputil.1 ${PROJECT_BINARY_DIR}/upnputil.1 @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/upnputil.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)

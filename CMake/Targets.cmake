@@ -41,7 +41,8 @@ function(upnp_set_options aTarget)
         target_compile_options(${aTarget} PRIVATE -fstack-protector-strong)
     endif()
     if(NOT UPNP_USER_FLAGS MATCHES "_FORTIFY_SOURCE")
-        target_compile_options(${aTarget} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
+        target_compile_options(${aTarget} PRIVATE 
+            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>)
     endif()
 endfunction()
 

@@ -1,8 +1,12 @@
 # Tests of what cmake --install gives, as programs find it that are not part of the project.
 find_program(UPNP_PKG_CONFIG pkg-config)
-set(theTests cmake tool)
+find_program(UPNP_MESON meson)
+set(theTests cmake subproject tool)
 if(UPNP_PKG_CONFIG)
     list(APPEND theTests pkg-config)
+    if(UPNP_MESON)
+        list(APPEND theTests meson)
+    endif()
 endif()
 
 set(theScript ${CMAKE_CURRENT_LIST_DIR}/Consumer/run.sh)
@@ -14,8 +18,8 @@ foreach(theTest ${theTests})
     set_tests_properties(Installed-${theTest} PROPERTIES FIXTURES_REQUIRED Installed)
     list(APPEND theNames Installed-${theTest})
 endforeach()
-set_tests_properties(Install ${theNames} PROPERTIES LABELS install TIMEOUT 120 ENVIRONMENT
-    "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};PKG_CONFIG=${UPNP_PKG_CONFIG}")
+set_tests_properties(Install ${theNames} PROPERTIES LABELS install TIMEOUT 600 ENVIRONMENT
+    "CMAKE=${CMAKE_COMMAND};CMAKE_GENERATOR=${CMAKE_GENERATOR};CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER};PKG_CONFIG=${UPNP_PKG_CONFIG}")
 
 if(UPNP_DOXYGEN AND UPNP_AWK)
     add_test(NAME Manual COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target docs)

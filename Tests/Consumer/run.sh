@@ -3,6 +3,9 @@
 #   run.sh install BUILD TREE        installs the build folder BUILD, and moves what came out to TREE
 #   run.sh cmake TREE VERSION        the consumers, built by CMake against TREE
 #   run.sh pkg-config TREE VERSION   the same by pkg-config
+#   run.sh meson TREE VERSION        the same by Meson
+#   run.sh subproject TREE VERSION   the library as a part of the consumers' project, shared and as archives; installed with
+#                                    them, and the archives found from outside
 #   run.sh tool TREE VERSION         versions, and the tool with its manual page and its completion
 # CMAKE, CC, CXX and PKG_CONFIG name the programs to use. Everything is written beside TREE.
 set -eu
@@ -68,18 +71,45 @@ run_cmake() {
     expect_programs "$build" "$2"
 }
 
+# run_pkg_config TREE VERSION [--static]
 run_pkg_config() {
     build=$1.pkg-config
     rm -rf "$build" && mkdir "$build"
     PKG_CONFIG_PATH=$(folder "$1" upnputilities.pc)
     export PKG_CONFIG_PATH
     expect "pkg-config" "$2" "$("$PKG_CONFIG" --modversion upnputilities)"
-    flags="$("$PKG_CONFIG" --cflags --libs upnputilities) -Wl,-rpath,$(folder "$1" libUPnPUtilities.so)"
+    flags=$("$PKG_CONFIG" ${3-} --cflags --libs upnputilities)
+    if [ -z "${3-}" ]; then flags="$flags -Wl,-rpath,$(folder "$1" libUPnPUtilities.so)"; fi
     # shellcheck disable=SC2086 # several words
     "$CC" "$here/Consumer.c" -o "$build/consumer-c" $flags
     # shellcheck disable=SC2086
     "$CXX" -std=c++17 "$here/Consumer.cpp" -o "$build/consumer-cpp" $flags
     expect_programs "$build" "$2"
+}
+
+run_meson() {
+    build=$1.meson
+    rm -rf "$build"
+    PKG_CONFIG_PATH=$(folder "$1" upnputilities.pc)
+    export PKG_CONFIG_PATH
+    quietly "$build.log" meson setup "$build" "$here" -Dexpected_version="= $2"
+    quietly "$build.log" meson compile -C "$build"
+    expect_programs "$build" "$2"
+}
+
+run_subproject() {
+    parent=$1.subproject
+    for shared in ON OFF; do
+        rm -rf "$parent" "$parent.tree"
+        quietly "$parent.log" "$CMAKE" -S "$here" -B "$parent" -DUPNP_SOURCE="$(cd "$here/../.." && pwd -P)" \
+            -DUPNP_INSTALL=ON -DBUILD_SHARED_LIBS=$shared -DCMAKE_INSTALL_PREFIX="$parent.tree"
+        quietly "$parent.log" "$CMAKE" --build "$parent" --parallel 2
+        quietly "$parent.log" "$CMAKE" --install "$parent"
+        rm -rf "$parent"
+        expect_programs "$parent.tree/bin" "$2"
+    done
+    run_cmake "$parent.tree" "$2"
+    if [ -n "$PKG_CONFIG" ]; then run_pkg_config "$parent.tree" "$2" --static; fi
 }
 
 # help_rows PATTERN SUBCOMMAND...: what stands first in those lines of a help text that PATTERN describes.
@@ -154,7 +184,7 @@ run_tool() {
 command=$1
 shift
 case $command in
-install | cmake | tool) "run_$command" "$@" ;;
+install | cmake | meson | subproject | tool) "run_$command" "$@" ;;
 pkg-config) run_pkg_config "$@" ;;
 *) fail "$0: no command \"$command\"" ;;
 esac
