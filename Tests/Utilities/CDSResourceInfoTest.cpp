@@ -295,6 +295,7 @@ TEST(CDSResourceInfoTest, ChoosesAPicture)
         { "", "A=JPEG_SM B=PNG_TN", "", "B=PNG_TN", nullptr }, // equal before the same family
         { "", "A=JPEG_SM", "", "A=JPEG_SM", kThumbnail },      // a thumbnail before the same family
         { "PNG_TN,JPEG_TN", "A=JPEG_TN B=PNG_TN", "", "B=PNG_TN", nullptr },
+        { "PNG_TN,JPEG_TN", "A=JPEG_SM B=PNG_LRG", "", "B=PNG_LRG", kThumbnail }, // families in the list's order
         { "PNG_TN", "A=PNG_LRG", "", "A=PNG_LRG", nullptr },
         { "GIF", "A=PNG_LRG", "", "A=", "=" },
         { "GIF_LRG", "A=PNG_LRG B=X", "", "B=", nullptr }, // the last for want of a reason
