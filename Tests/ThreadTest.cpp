@@ -61,7 +61,7 @@ std::string Road(const std::string& aDocument, const std::string& aSink)
 
 } // namespace
 
-TEST(ThreadTest, EachWithItsOwnDocuments)
+TEST(ThreadTest, EachThreadReadsItsOwnDocuments)
 {
     const std::string theSink = ReadTestFile("sinks/handmade-dlna-tv.txt");
     const std::vector<std::string> theDocuments = ReadDocuments();
@@ -81,7 +81,7 @@ TEST(ThreadTest, EachWithItsOwnDocuments)
 }
 
 // What the headers say that several threads may read.
-TEST(ThreadTest, AllFromOneRecord)
+TEST(ThreadTest, AllThreadsReadOneRecord)
 {
     const ParsedObject theObject(ReadTestFile("didl/minidlna-001.xml"));
     const std::string theExpected = theObject.Write();
@@ -104,7 +104,7 @@ TEST(ThreadTest, AllFromOneRecord)
     zoDLNAProtocolInfoList_Delete(theSink);
 }
 
-TEST(ThreadTest, TheLogAndTheUUIDs)
+TEST(ThreadTest, MessagesAndUUIDsDoNotMix)
 {
     static std::atomic<int> sCount;
     sCount = 0;

@@ -158,7 +158,7 @@ TEST(ILibLifeTimeTest, DoesWhatASortedMapDoes)
     EXPECT_GT(theModel.mMost, 200u);
 }
 
-TEST(ILibLifeTimeTest, ClockJumps)
+TEST(ILibLifeTimeTest, SurvivesAClockThatJumps)
 {
     TestChain theChain;
     int theNear = 0;
@@ -192,7 +192,7 @@ TEST(ILibLifeTimeTest, ClockJumps)
     EXPECT_EQ(3, theFar);
 }
 
-TEST(ILibChainTest, Slots)
+TEST(ILibChainTest, CallsItsSlotsInOrder)
 {
     static const std::pair<char, const char*> kCases[] = {
         // the slot in which "b" adds "c", what is called
@@ -352,7 +352,7 @@ TEST(ILibChainTest, WaitsForTimersThatSlotsArm)
     }
 }
 
-TEST(ILibChainTest, Misuse)
+TEST(ILibChainTest, ReportsMisuse)
 {
     const AssertionCatcher theAssertions;
     TestChain theChain;

@@ -1,7 +1,7 @@
 #include <UPnP/Stack/ILibHTTP.h>
 #include <gtest/gtest.h>
 
-TEST(ILibHTTPTest, UserAgentTokens)
+TEST(ILibHTTPTest, FindsTokensOfUserAgents)
 {
     const char kAgent[] = "VLC/3.0.20 LibVLC/3.0.20";
     EXPECT_TRUE(ILibUserAgentHas(kAgent, "LibVLC/junk", 7));

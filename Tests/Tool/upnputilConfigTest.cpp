@@ -87,7 +87,7 @@ TEST(ToolConfigTest, PrintsWhatIsAskedFor)
               RunConfig("TTL=5\nPortNumber=1\nport=2", {}).mError);
 }
 
-TEST(ToolConfigTest, Refuses)
+TEST(ToolConfigTest, RefusesBadUsage)
 {
     const std::string kText = "[s]\nTTL=1\n";
     ExpectRefusals({

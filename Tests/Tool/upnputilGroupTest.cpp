@@ -10,7 +10,7 @@ static const char kGroup[] =
 static const char kCapability[] = "<groupCapabilities><groupCapability capability='a' groupedUDN='b' UDN='c' "
                                   "mode='slave'/></groupCapabilities>";
 
-TEST(ToolGroupTest, Shows)
+TEST(ToolGroupTest, ShowsAGroup)
 {
     const Result theGroup = RunTool({ "group", "show", "-" }, kGroup);
     EXPECT_EQ(0, theGroup.mStatus);

@@ -109,7 +109,7 @@ TEST(ToolMonitorTest, PrintsChanges)
     });
 }
 
-TEST(ToolMonitorTest, Usage)
+TEST(ToolMonitorTest, RefusesBadUsage)
 {
     ExpectRefusals({
         { { "monitor", "--config", "/dev/null" }, "--config and --section are needed together" },

@@ -35,7 +35,7 @@ std::set<std::string> FactsOf(const std::string& aDocument)
 
 } // namespace
 
-TEST(ToolTest, Documents)
+TEST(ToolTest, PrintsTheExpectedFactsOfEachDocument)
 {
     for (const char* theFolder : { "didl", "didl-odd", "didl-multi" })
     {
@@ -112,7 +112,7 @@ TEST(ToolTest, EndsWithItsReader)
     }
 }
 
-TEST(ToolTest, Help)
+TEST(ToolTest, HelpNamesWhatThereIs)
 {
     for (const std::string theCommand :
          { "show x", "select", "unlock", "describe", "hook", "create", "create item", "group", "group load" })
@@ -149,7 +149,7 @@ TEST(ToolTest, ValuesStayInTheirLines)
     }
 }
 
-TEST(ToolTest, Select)
+TEST(ToolTest, SelectsForARenderer)
 {
     const auto theRes = [](const std::string& anInfo, const std::string& aURI)
     { return "<res protocolInfo=\"http-get:*:" + anInfo + "\">" + aURI + "</res>"; };

@@ -298,7 +298,7 @@ TEST(CDSResourceInfoTest, ChoosesAPicture)
         { "PNG_TN,JPEG_TN", "A=JPEG_SM B=PNG_LRG", "", "B=PNG_LRG", kThumbnail }, // families in the list's order
         { "PNG_TN", "A=PNG_LRG", "", "A=PNG_LRG", nullptr },
         { "GIF", "A=PNG_LRG", "", "A=", "=" },
-        { "GIF_LRG", "A=PNG_LRG B=X", "", "B=", nullptr }, // the last for want of a reason
+        { "GIF_LRG", "A=PNG_LRG B=X", "", "B=", nullptr }, // no match: the last
         { "", "A=", "", "A=", kThumbnail },
         { "1,2,3,4,5,6,7,,JPEG_TN", "A=JPEG_SM B=JPEG_TN", "", "B=JPEG_TN", nullptr },
         { "1,2,3,4,5,6,7,8,JPEG_TN", "A=JPEG_TN B=JPEG_TN", "", "B=", kThumbnail }, // eight count

@@ -103,7 +103,7 @@ const Fetcher ControlPoint =
 
 } // namespace
 
-TEST(UPnPConfigTest, Fetches)
+TEST(UPnPConfigTest, FillsRecordsFromKeysOrDefaults)
 {
     static const std::tuple<Fetcher, const char*, const char*> kCases[] = {
         { AsyncSocket, "", "0 0 0 0 0 1" },
@@ -187,7 +187,7 @@ TEST(UPnPConfigTest, SaysWhatIsOutOfBounds)
               theLog.mText);
 }
 
-TEST(UPnPConfigTest, Clones)
+TEST(UPnPConfigTest, ClonesOwnTheirTexts)
 {
     const ConfigFile theFile = File("SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0");
     ILibWebServerConfig* theServer = UPnPConfig_CreateWebServerConfig();
@@ -233,7 +233,7 @@ TEST(UPnPConfigTest, SparesNull)
     EXPECT_EQ(nullptr, UPnPConfig_GetRecord(kUPnPConfigRecord_Count));
 }
 
-TEST(UPnPConfigTest, Texts)
+TEST(UPnPConfigTest, ReadsTextsOrTheirDefault)
 {
     const ConfigFile theFile = File("empty=\nname=a b\nhost=box %HOSTNAME%");
     EXPECT_EQ("a b", Taken(UPnPConfig_GetString(theFile, "s", "name", "d")));
@@ -258,7 +258,7 @@ TEST(UPnPConfigTest, Texts)
     free(theHost);
 }
 
-TEST(UPnPConfigTest, Numbers)
+TEST(UPnPConfigTest, ReadsNumbersOrTheirDefault)
 {
     const ConfigFile theFile = File("seven=7\nzero=0\nword=x");
     EXPECT_EQ(7u, UPnPConfig_GetUInt32(theFile, "s", "seven", 1));
@@ -268,7 +268,7 @@ TEST(UPnPConfigTest, Numbers)
     EXPECT_EQ(1u, UPnPConfig_GetBoolAsUInt32(theFile, "s", "none", 9));
 }
 
-TEST(UPnPConfigTest, HashTable)
+TEST(UPnPConfigTest, AddsTextsCutAtACharacter)
 {
     static const std::tuple<const char*, const char*, size_t, const char*> kCases[] = {
         // key, default, maximum length, what is stored (NULL: what was there stays)
@@ -309,7 +309,7 @@ TEST(UPnPConfigTest, HashTable)
     }
 }
 
-TEST(UPnPConfigTest, SocketPolicy)
+TEST(UPnPConfigTest, ReadsTheSocketPolicy)
 {
     static const std::pair<const char*, int> kCases[] = {
         { "", kzoSocketPolicy_IP_All },

@@ -112,7 +112,7 @@ TEST(UPnPGroupCapabilitiesTest, ReadsTheFirstCapability)
     }
 }
 
-TEST(UPnPGroupCapabilitiesTest, LooksUp)
+TEST(UPnPGroupCapabilitiesTest, FindsCapabilitiesByName)
 {
     LogCatcher theLog(ZOLOGLEVEL_INFO);
     const Capabilities theSet = UPnPGroupCapabilities_New(Capability("capability='a' groupedUDN='b' UDN='c'").c_str());
@@ -245,7 +245,7 @@ TEST(UPnPGroupInfoTest, ComesBackAsFarAsTheFormatsCarryIt)
     }
 }
 
-TEST(UPnPGroupInfoTest, Stores)
+TEST(UPnPGroupInfoTest, StoresWithoutRemovingOtherKeys)
 {
     const Group g = GroupOf("rst");
     SetInAll(g, "a", "1");
@@ -262,7 +262,7 @@ TEST(UPnPGroupInfoTest, Stores)
     EXPECT_EQ("G|g a=1 b=2; M|m a=1 b=2; S|s; S|s a=1 b=2; S|t", Shown(LoadGroup(theConfig)));
 }
 
-TEST(UPnPGroupInfoTest, Loads)
+TEST(UPnPGroupInfoTest, LoadsUpToTheFirstGap)
 {
     static const std::pair<const char*, const char*> kCases[] = {
         { "", "G|g; M|m" },
@@ -347,7 +347,7 @@ TEST(UPnPGroupInfoTest, ComparesSlavesInAnyOrder)
     EXPECT_EQ(0, UPnPGroupInfo_SameAs(g, h) + UPnPGroupInfo_SameAs(h, g));
 }
 
-TEST(UPnPGroupInfoTest, Members)
+TEST(UPnPGroupInfoTest, FindsMembersByGroupedUDN)
 {
     const Group g = GroupOf("st");
     SetInAll(g, "a", "1");
@@ -379,7 +379,7 @@ TEST(UPnPGroupInfoTest, Members)
     EXPECT_EQ(0, UPnPGroupInfo_HasDevice(g, "m") + UPnPGroupInfo_HasDevice(g, nullptr));
 }
 
-TEST(UPnPGroupInfoTest, MetaDataOfMembers)
+TEST(UPnPGroupInfoTest, SetsAndFetchesMetaDataOfEachMember)
 {
     const Group g = GroupOf("s");
     static const std::tuple<const char*, const char*, const char*, int, size_t> kCases[] = {
@@ -415,7 +415,7 @@ TEST(UPnPGroupInfoTest, MetaDataOfMembers)
     EXPECT_EQ("b=", MetaData(g, nullptr, 0));
 }
 
-TEST(UPnPGroupInfoTest, WithoutAGroup)
+TEST(UPnPGroupInfoTest, TakesNullForAGroup)
 {
     EXPECT_EQ(0u, UPnPGroupInfo_GetSlaveCount(nullptr) + UPnPGroupInfo_GetMetaDataCount(nullptr, nullptr));
     EXPECT_EQ(0u, zoArray_GetCount(Owned<zoArray_t, zoArray_Delete>(UPnPGroupInfo_GetGroupedUDNs(nullptr))));

@@ -40,7 +40,7 @@ TEST(LogTest, LogsBelowTheLevelOnly)
 }
 
 // A read gets what one write brought.
-TEST(LogTest, LogWritesOneLineAMessage)
+TEST(LogTest, WritesOneLineAMessage)
 {
     int thePipe[2];
     ASSERT_EQ(0, pipe(thePipe));

@@ -42,7 +42,7 @@ TEST(zoCStringParserTest, SplitsAtDelimiters)
     EXPECT_EQ("<a\\:><:b>", Tokens("a\\::::b", 0, "::", '\\'));
 }
 
-TEST(zoCStringParserTest, ListsContainWholeItems)
+TEST(zoCStringParserTest, FindsWholeItemsOfAList)
 {
     EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "SHUFFLE"));
     EXPECT_TRUE(zoCStringParser_ListContains("SHUFFLE,REPEAT_ALL", ",", "REPEAT_ALL"));

@@ -53,7 +53,7 @@ std::string Convert(const char* aText, int aKind)
 
 } // namespace
 
-TEST(zoConvertTest, Numbers)
+TEST(zoConvertTest, ReadsWholeNumbersThatFit)
 {
     struct Case
     {
@@ -97,7 +97,7 @@ TEST(zoConvertTest, Numbers)
     }
 }
 
-TEST(zoConvertTest, Dates)
+TEST(zoConvertTest, ReadsDatesOfTheCalendar)
 {
     typedef std::vector<int32> Parts;
     static const std::pair<const char*, Parts> kDates[] = {

@@ -121,7 +121,7 @@ TEST(zoDLNAProtocolInfoListTest, SplitsAtCommas)
     EXPECT_EQ(0, zoDLNAProtocolInfoList_GetCount(NewList(" ,,")));
 }
 
-TEST(zoDLNAProtocolInfoListTest, Matches)
+TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
 {
     enum
     {

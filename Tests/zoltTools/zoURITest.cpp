@@ -28,7 +28,7 @@ std::string Combined(const char* aBase, const char* aReference) { return Taken(z
 
 } // namespace
 
-TEST(zoURITest, ComponentsAndTheSameTextBack)
+TEST(zoURITest, KeepsItsTextWhileUntouched)
 {
     static const char* const kCases[][2] = {
         { "http://192.168.1.20:8080/a/b.mp3?x=1&y#f", "<http>-<192.168.1.20>8080</a/b.mp3><x=1&y><f>" },
@@ -93,7 +93,7 @@ TEST(zoURITest, TellsTheAddressOfAnIPv4Host)
     EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("/0")));
 }
 
-TEST(zoURITest, Escapes)
+TEST(zoURITest, EscapesWhatMayNotStay)
 {
     static const char* const kCases[][2] = {
         { "http://h/a b?c d#e f", "http://h/a%20b?c%20d#e%20f" },
@@ -113,7 +113,7 @@ TEST(zoURITest, Escapes)
     }
 }
 
-TEST(zoURITest, QueryArguments)
+TEST(zoURITest, ReplacesAndFindsQueryArguments)
 {
     static const char* const kCases[][4] = {
         // query, its value of "lock", with "lock" set to "a+/=", to ""
