@@ -45,11 +45,14 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
     if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, kMiniDIDL_Header); }
     if (aMediaData)
     {
-        const char* theNamespaces = GetText(aMediaData, 0, kCDSEntryInfo_XMLNS);
-        if (theNamespaces) { AppendDeclarations(theBuffer, theNamespaces); }
+        const MediaValues theValues(aMediaData, 0);
+        if (theValues.HasBytes(kCDSEntryInfo_XMLNS))
+        {
+            AppendDeclarations(theBuffer, theValues.GetText(kCDSEntryInfo_XMLNS));
+        }
         else { LogNoNamespaces(); }
         AppendLiteral(theBuffer, ">");
-        AppendMetadata(theBuffer, aMediaData);
+        AppendMetadata(theBuffer, aMediaData, theValues);
         uint32 theLeftCount;
         if (!AppendResources(theBuffer, afIncludeResExtraInfo, aResourceInfo, aSelectedURI, &theLeftCount))
         {
@@ -63,10 +66,7 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
     }
     AppendLiteral(theBuffer, kDIDL_Item_End);
     if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, kDIDL_Footer); }
-    AppendBytes(theBuffer, "", 1);
-    char* theText = zoBuffer_TakeOwnership(theBuffer, nullptr, nullptr);
-    zoBuffer_Delete(theBuffer);
-    return theText;
+    return Shared::TakeText(theBuffer);
 }
 
 char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle, uint32 aDLNAManagedFlags,
@@ -74,7 +74,7 @@ char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* a
 {
     zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
     AppendCreatedObject(theBuffer, false, nullptr, aParentID, aDLNAManagedFlags);
-    AppendTitleAndClass(theBuffer, aTitle, aClassName);
+    AppendTitleAndClass(theBuffer, TextOf(aTitle), TextOf(aClassName));
     AppendCreateClasses(theBuffer, aCreateClassNameList);
     AppendLiteral(theBuffer, kDIDL_Container_End);
     return TakeDocument(theBuffer);
@@ -86,9 +86,9 @@ char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle
 {
     zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
     AppendCreatedObject(theBuffer, true, nullptr, aParentID, aDLNAManagedFlags);
-    AppendTitleAndClass(theBuffer, aTitle, aClassName);
+    AppendTitleAndClass(theBuffer, TextOf(aTitle), TextOf(aClassName));
     AppendLiteral(theBuffer, kDIDL_Res_Start);
-    AppendProtocolInfo(theBuffer, aDLNAInfo);
+    AppendProtocolInfo(theBuffer, TextOf(aDLNAInfo));
     AppendLiteral(theBuffer, " dlna:resumeUpload=\"1\"");
     AppendFileLength(theBuffer, aFileLength);
     AppendDTCPUploadInfo(theBuffer, aDTCPUploadInfo);

@@ -4,6 +4,7 @@
 
 #include <UPnP/Utilities/UPnPConst.h>
 #include <stddef.h>
+#include <string_view>
 #include <zoOS/zoTypes.h>
 
 namespace DIDL
@@ -53,8 +54,8 @@ inline constexpr char kDIDL_ResAttribute_IFOURI_Start[] = " dlna:ifoFileURI=\"";
 inline constexpr struct
 {
     uint16 mTag;
-    const char* mStart;
-    const char* mEnd;
+    std::string_view mStart;
+    std::string_view mEnd;
 } kDIDL_TextElements[] = {
     { kCDSEntryInfo_Title, kDIDL_Tag_Title_Start, kDIDL_Tag_Title_End },
     { kCDSEntryInfo_ItemClassName, kDIDL_Tag_Class_Start, kDIDL_Tag_Class_End },
@@ -67,7 +68,7 @@ inline constexpr struct
 inline constexpr size_t kMaxSize = 10240;                 // no value takes more input once it has this many bytes
 inline constexpr size_t kLimitResourceBufferSize = 15360; // no further resource is written past this
 inline constexpr size_t kFirstBufferSize = 1024;
-inline constexpr uint32 kFewResources = 32; // so many are noted without memory from the heap
+inline constexpr uint32 kInlineResources = 32; // up to this many are noted without memory from the heap
 inline constexpr int kMaxSize_Text = 255;
 inline constexpr int kMaxSize_URI = 1024; // also IDs, protocol infos and extra elements
 

@@ -1,8 +1,10 @@
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 
+#include <UPnP/Utilities/DIDL/Values.h>
 #include <UPnP/Utilities/Private/UPnPUTF8.h>
 #include <algorithm>
 #include <stdlib.h>
+#include <string.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
 namespace DIDL
@@ -14,18 +16,16 @@ namespace
 struct Replacement
 {
     char mCharacter;
-    uint8 mLength;
-    uint8 mDoubleLength;
-    const char* mText;
-    const char* mDoubleText;
+    std::string_view mText;
+    std::string_view mDoubleText;
 };
 
 constexpr Replacement kReplacements[] = {
-    { '"', 6, 10, "&quot;", "&amp;quot;" }, { '\'', 6, 10, "&apos;", "&amp;apos;" }, { '<', 4, 8, "&lt;", "&amp;lt;" },
-    { '>', 4, 8, "&gt;", "&amp;gt;" },      { '&', 5, 9, "&amp;", "&amp;amp;" },
+    { '"', "&quot;", "&amp;quot;" }, { '\'', "&apos;", "&amp;apos;" }, { '<', "&lt;", "&amp;lt;" },
+    { '>', "&gt;", "&amp;gt;" },     { '&', "&amp;", "&amp;amp;" },
 };
 
-// For each byte, 1 plus the index of its replacement, 0 when it is copied; the NUL is none of both.
+// For each byte, 1 plus the index of its replacement, or 0 when it is copied.
 struct ReplacementIndex
 {
     uint8 mIndex[256];
@@ -33,96 +33,113 @@ struct ReplacementIndex
     {
         for (size_t i = 0; i < sizeof(kReplacements) / sizeof(kReplacements[0]); ++i)
             mIndex[static_cast<uint8>(kReplacements[i].mCharacter)] = static_cast<uint8>(i + 1);
-        mIndex[0] = 0xFF;
     }
 };
 
 constexpr ReplacementIndex kReplacementIndex;
 
+size_t ReplacementOf(char aByte) { return kReplacementIndex.mIndex[static_cast<uint8>(aByte)]; }
+
+typedef size_t Word;
+constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
+
+// True if a byte of the word may be replaced: the masks leave the five characters, and "#". Subtracting 1 sets the top
+// bit of a byte that was 0, and of those of 0x80 and above, which are excluded.
+bool MayHaveReplacement(Word aWord)
+{
+    static_assert(('"' & 0xFA) == 0x22 && ('&' & 0xFA) == 0x22 && ('\'' & 0xFA) == 0x22, "0 after the first mask");
+    static_assert(('<' & 0xFD) == 0x3C && ('>' & 0xFD) == 0x3C, "0 after the second");
+    const Word theFirst = ((aWord & (kEveryByte * 0xFA)) ^ (kEveryByte * 0x22)) - kEveryByte;
+    const Word theSecond = ((aWord & (kEveryByte * 0xFD)) ^ (kEveryByte * 0x3C)) - kEveryByte;
+    return ((theFirst | theSecond) & ~aWord & (kEveryByte * 0x80)) != 0;
+}
+
+// The number of bytes that are copied before kMaxSize or the caller's limit ends a text.
+size_t LimitOf(size_t aMaxSize) { return aMaxSize > 0 ? std::min(aMaxSize, kMaxSize) : kMaxSize; }
+
+// The number of bytes up to the first that is replaced, word by word where there is none: a tenth of a document's time.
+size_t CopiedLength(std::string_view aText)
+{
+    size_t theLength = 0;
+    for (Word theWord; aText.size() - theLength >= sizeof(theWord); theLength += sizeof(theWord))
+    {
+        memcpy(&theWord, aText.data() + theLength, sizeof(theWord));
+        if (MayHaveReplacement(theWord)) { break; }
+    }
+    while (theLength < aText.size() && ReplacementOf(aText[theLength]) == 0)
+        ++theLength;
+    return theLength;
+}
+
 } // namespace
 
-void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, size_t aMaxSize)
+// Goes on at a character that is replaced, or at the limit; as many bytes have been written as come before it.
+static void AppendRest(zoBuffer* aBuffer, std::string_view aStr, size_t aPosition, int afDoubleEscape, size_t aMaxSize)
 {
-    const size_t theLimit = aMaxSize > 0 ? std::min(aMaxSize, kMaxSize) : kMaxSize;
-    const char* thePosition = aStr;
-    size_t theCount = 0;
-    for (;;)
+    size_t thePosition = aPosition;
+    size_t theCount = aPosition;
+    while (thePosition < aStr.size())
     {
-        const char* theRun = thePosition;
-        const size_t theRoom = theCount < theLimit ? theLimit - theCount : 0;
-        size_t theLength = 0;
-        while (theLength < theRoom && kReplacementIndex.mIndex[static_cast<uint8>(theRun[theLength])] == 0)
-            ++theLength;
-        AppendBytes(aBuffer, theRun, theLength);
-        thePosition += theLength;
-        theCount += theLength;
-
-        const uint8 theIndex = kReplacementIndex.mIndex[static_cast<uint8>(*thePosition)];
-        if (*thePosition == 0) { return; }
+        const size_t theIndex = ReplacementOf(aStr[thePosition]);
         if (theIndex == 0)
         {
-            aBuffer->mPos -= UPnPUTF8_BrokenSequenceLength(theRun, thePosition);
+            aBuffer->mPos -= UPnPUTF8_BrokenSequenceLength(aStr.data(), aStr.data() + thePosition);
             return;
         }
         const Replacement& theReplacement = kReplacements[theIndex - 1];
-        theLength = afDoubleEscape ? theReplacement.mDoubleLength : theReplacement.mLength;
-        if (theCount >= kMaxSize || (aMaxSize > 0 && theCount + theLength > aMaxSize)) { return; }
-        AppendBytes(aBuffer, afDoubleEscape ? theReplacement.mDoubleText : theReplacement.mText, theLength);
-        theCount += theLength;
+        const std::string_view theText = afDoubleEscape ? theReplacement.mDoubleText : theReplacement.mText;
+        if (theCount >= kMaxSize || (aMaxSize > 0 && theCount + theText.size() > aMaxSize)) { return; }
+        Shared::Append(aBuffer, theText);
+        theCount += theText.size();
         ++thePosition;
+
+        const size_t theLimit = LimitOf(aMaxSize);
+        const size_t theRoom = theCount < theLimit ? theLimit - theCount : 0;
+        const size_t theLength = CopiedLength(aStr.substr(thePosition, theRoom));
+        Shared::Append(aBuffer, aStr.substr(thePosition, theLength));
+        theCount += theLength;
+        thePosition += theLength;
     }
 }
 
-void AppendStrIfNotEmpty(zoBuffer* aBuffer, const char* aStartStr, const char* aStr, const char* aEndStr, int aMaxSize,
-                         int afDoubleEscape)
+void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize)
 {
-    if (zoStrEmpty(aStr)) { return; }
-    zoBuffer_AppendStr(aBuffer, aStartStr);
+    const size_t theLength = CopiedLength(aStr.substr(0, LimitOf(aMaxSize)));
+    Shared::Append(aBuffer, aStr.substr(0, theLength));
+    if (theLength < aStr.size()) { AppendRest(aBuffer, aStr, theLength, afDoubleEscape, aMaxSize); }
+}
+
+void AppendStrIfNotEmpty(zoBuffer* aBuffer, std::string_view aStartStr, std::string_view aStr, std::string_view aEndStr,
+                         int aMaxSize, int afDoubleEscape)
+{
+    if (aStr.empty()) { return; }
+    Shared::Append(aBuffer, aStartStr);
     AppendStr(aBuffer, aStr, afDoubleEscape, static_cast<size_t>(aMaxSize));
-    zoBuffer_AppendStr(aBuffer, aEndStr);
+    Shared::Append(aBuffer, aEndStr);
 }
 
-// At least aMinDigits digits, of at most 20.
-static void AppendDecimal(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits)
-{
-    char theDigits[20];
-    size_t theBegin = sizeof(theDigits);
-    while (aValue > 0 || sizeof(theDigits) - theBegin < aMinDigits)
-    {
-        theDigits[--theBegin] = static_cast<char>('0' + aValue % 10);
-        aValue /= 10;
-    }
-    AppendBytes(aBuffer, theDigits + theBegin, sizeof(theDigits) - theBegin);
-}
-
-void AppendValue64IfNotZero(zoBuffer* aBuffer, const char* aStartStr, uint64 aValue, const char* aEndStr)
+void AppendValue64IfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint64 aValue, std::string_view aEndStr)
 {
     if (aValue == 0) { return; }
-    zoBuffer_AppendStr(aBuffer, aStartStr);
-    AppendDecimal(aBuffer, aValue, 1);
-    zoBuffer_AppendStr(aBuffer, aEndStr);
+    Shared::Append(aBuffer, aStartStr);
+    Shared::AppendDecimal(aBuffer, aValue);
+    Shared::Append(aBuffer, aEndStr);
 }
 
-void AppendValueIfNotZero(zoBuffer* aBuffer, const char* aStartStr, uint32 aValue, const char* aEndStr)
+void AppendValueIfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint32 aValue, std::string_view aEndStr)
 {
     AppendValue64IfNotZero(aBuffer, aStartStr, aValue, aEndStr);
 }
 
-void AppendHexValue(zoBuffer* aBuffer, uint32 aValue)
-{
-    char theDigits[8];
-    for (size_t i = sizeof(theDigits); i-- > 0; aValue >>= 4)
-        theDigits[i] = "0123456789ABCDEF"[aValue & 15];
-    AppendBytes(aBuffer, theDigits, sizeof(theDigits));
-}
+void AppendHexValue(zoBuffer* aBuffer, uint32 aValue) { Shared::AppendHex32(aBuffer, aValue); }
 
 void AppendTime(zoBuffer* aBuffer, uint32 aTime)
 {
-    AppendDecimal(aBuffer, aTime / 3600, 2);
+    Shared::AppendDecimal(aBuffer, aTime / 3600, 2);
     AppendLiteral(aBuffer, ":");
-    AppendDecimal(aBuffer, aTime / 60 % 60, 2);
+    Shared::AppendDecimal(aBuffer, aTime / 60 % 60, 2);
     AppendLiteral(aBuffer, ":");
-    AppendDecimal(aBuffer, aTime % 60, 2);
+    Shared::AppendDecimal(aBuffer, aTime % 60, 2);
 }
 
 char* NewTextForm(const char* aProtocolInfo, size_t aLength)
@@ -133,13 +150,12 @@ char* NewTextForm(const char* aProtocolInfo, size_t aLength)
     return theText;
 }
 
-void AppendProtocolInfo(zoBuffer* aBuffer, const char* aProtocolInfo)
+void AppendProtocolInfo(zoBuffer* aBuffer, std::string_view aProtocolInfo)
 {
-    if (!aProtocolInfo) { return; }
-    const size_t theLength = strlen(aProtocolInfo);
-    const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(aProtocolInfo, theLength) != 0;
-    char* theText = fIsNormal ? nullptr : NewTextForm(aProtocolInfo, theLength);
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_ProtocolInfo_Start, fIsNormal ? aProtocolInfo : theText,
+    if (!aProtocolInfo.data()) { return; }
+    const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(aProtocolInfo.data(), aProtocolInfo.size()) != 0;
+    char* theText = fIsNormal ? nullptr : NewTextForm(aProtocolInfo.data(), aProtocolInfo.size());
+    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_ProtocolInfo_Start, fIsNormal ? aProtocolInfo : TextOf(theText),
                         kDIDL_Quote, kMaxSize_URI, 0);
     free(theText);
 }

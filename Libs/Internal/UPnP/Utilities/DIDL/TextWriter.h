@@ -2,46 +2,38 @@
 
 /* Writing text: escapes, cuts, numbers. */
 
+#include <Shared/Append.h>
 #include <UPnP/Utilities/DIDL/Names.h>
-#include <string.h>
+#include <string_view>
 #include <zoltTools/zoBuffer.h>
-#include <zoltTools/zoMemory.h>
 
 namespace DIDL
 {
 
-inline void AppendBytes(zoBuffer* aBuffer, const char* aBytes, size_t aCount)
-{
-    if (aCount > aBuffer->mSize - aBuffer->mPos) { zoBuffer_Reserve(aBuffer, aCount); }
-    memcpy(aBuffer->mPtr + aBuffer->mPos, aBytes, aCount);
-    aBuffer->mPos += aCount;
-}
+using Shared::AppendLiteral;
 
-// A text whose length is known when compiling.
-template <size_t Size>
-void AppendLiteral(zoBuffer* aBuffer, const char (&aLiteral)[Size])
-{
-    AppendBytes(aBuffer, aLiteral, Size - 1);
-}
+/** Appends the text escaped and cut to aMaxSize bytes (0: to kMaxSize), between characters and between entities.
+ *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
+void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
+/** Appends nothing for an empty text, else aStartStr as it is, the text as AppendStr, and aEndStr as it is. */
+void AppendStrIfNotEmpty(zoBuffer* aBuffer, std::string_view aStartStr, std::string_view aStr, std::string_view aEndStr,
+                         int aMaxSize, int afDoubleEscape);
 
-// Appends the text escaped, once or twice over, and cut to aMaxSize bytes (0: to kMaxSize only). A cut falls between
-// characters, and between entities.
-void AppendStr(zoBuffer* aBuffer, const char* aStr, int afDoubleEscape, size_t aMaxSize);
-void AppendStrIfNotEmpty(zoBuffer* aBuffer, const char* aStartStr, const char* aStr, const char* aEndStr, int aMaxSize,
-                         int afDoubleEscape);
+/** Appends nothing for 0, else aStartStr, the number in decimal, and aEndStr. */
+void AppendValue64IfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint64 aValue, std::string_view aEndStr);
+/** As AppendValue64IfNotZero. */
+void AppendValueIfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint32 aValue, std::string_view aEndStr);
 
-void AppendValue64IfNotZero(zoBuffer* aBuffer, const char* aStartStr, uint64 aValue, const char* aEndStr);
-void AppendValueIfNotZero(zoBuffer* aBuffer, const char* aStartStr, uint32 aValue, const char* aEndStr);
-
-// Eight digits.
+/** Appends eight upper-case digits. */
 void AppendHexValue(zoBuffer* aBuffer, uint32 aValue);
 
-// Hours, minutes and seconds; as many digits of hours as it takes, two at least.
+/** Appends a duration in seconds as hours, minutes and seconds, each with two digits; hours have more from 100 on. */
 void AppendTime(zoBuffer* aBuffer, uint32 aTime);
 
-// The text form of a protocol info, new.
-char* NewTextForm(const char* aProtocolInfo, size_t aLength);
+/** Appends the text form of a protocol info as an attribute; nothing when it is empty, or without data. */
+void AppendProtocolInfo(zoBuffer* aBuffer, std::string_view aProtocolInfo);
 
-void AppendProtocolInfo(zoBuffer* aBuffer, const char* aProtocolInfo);
+/** @return the text form of a protocol info, released with free. */
+char* NewTextForm(const char* aProtocolInfo, size_t aLength);
 
 } // namespace DIDL

@@ -1,9 +1,11 @@
 #include <UPnP/Utilities/DIDL/UploadDocument.h>
 
 #include <UPnP/Utilities/DIDL/TextWriter.h>
+#include <UPnP/Utilities/DIDL/Values.h>
 #include <stdlib.h>
 #include <zoltTools/zoCStringParser.h>
 #include <zoltTools/zoConvert.h>
+#include <zoltTools/zoMemory.h>
 
 namespace DIDL
 {
@@ -12,7 +14,7 @@ static const uint32 kNoDTCPUploadInfo = 0xFFFFFFFF;
 
 static void AppendText(zoBuffer* aBuffer, const char* aText, size_t aMaxSize)
 {
-    if (aText) { AppendStr(aBuffer, aText, 0, aMaxSize); }
+    AppendStr(aBuffer, TextOf(aText), 0, aMaxSize);
 }
 
 void AppendCreatedObject(zoBuffer* aBuffer, bool afIsItem, const char* anID, const char* aParentID,
@@ -30,7 +32,7 @@ void AppendCreatedObject(zoBuffer* aBuffer, bool afIsItem, const char* anID, con
     AppendLiteral(aBuffer, "\">");
 }
 
-void AppendTitleAndClass(zoBuffer* aBuffer, const char* aTitle, const char* aClassName)
+void AppendTitleAndClass(zoBuffer* aBuffer, std::string_view aTitle, std::string_view aClassName)
 {
     AppendStrIfNotEmpty(aBuffer, kDIDL_Tag_Title_Start, aTitle, kDIDL_Tag_Title_End, kMaxSize_Text, 0);
     AppendStrIfNotEmpty(aBuffer, kDIDL_Tag_Class_Start, aClassName, kDIDL_Tag_Class_End, kMaxSize_Text, 0);
@@ -44,7 +46,7 @@ static void AppendCreateClass(zoBuffer* aBuffer, const char* aName, size_t aLeng
     const size_t theLength = fHasSuffix ? aLength - 2 : aLength;
     if (theLength == 0) { return; }
     zoBuffer_AppendStr(aBuffer, fIncludesDerived ? kDIDL_Tag_CreateClass_Derived_Start : kDIDL_Tag_CreateClass_Start);
-    AppendBytes(aBuffer, aName, theLength);
+    Shared::Append(aBuffer, aName, theLength);
     AppendLiteral(aBuffer, kDIDL_Tag_CreateClass_End);
 }
 
@@ -68,10 +70,8 @@ void AppendDTCPUploadInfo(zoBuffer* aBuffer, uint32 aDTCPUploadInfo)
 
 char* TakeDocument(zoBuffer* aBuffer)
 {
-    zoBuffer_Append(aBuffer, kDIDL_Footer, sizeof(kDIDL_Footer));
-    char* theText = zoBuffer_TakeOwnership(aBuffer, nullptr, nullptr);
-    zoBuffer_Delete(aBuffer);
-    return theText;
+    AppendLiteral(aBuffer, kDIDL_Footer);
+    return Shared::TakeText(aBuffer);
 }
 
 void AppendFileLength(zoBuffer* aBuffer, zoFileOffset aFileLength)
@@ -94,7 +94,7 @@ void AppendImportResource(zoBuffer* aBuffer, const char* anImportURI, const char
     AppendLiteral(aBuffer, " importUri=\"");
     AppendText(aBuffer, anImportURI, kMaxSize_URI);
     AppendLiteral(aBuffer, kDIDL_Quote);
-    AppendProtocolInfo(aBuffer, aProtocolInfo);
+    AppendProtocolInfo(aBuffer, TextOf(aProtocolInfo));
     if (anImportIFOURI)
     {
         AppendLiteral(aBuffer, " dlna:ifoFileURI=\"\" dlna:importIfoFileURI=\"");

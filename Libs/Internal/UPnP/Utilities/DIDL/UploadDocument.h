@@ -2,6 +2,7 @@
 
 /* The documents of an upload. */
 
+#include <string_view>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoBuffer.h>
 
@@ -11,7 +12,7 @@ namespace DIDL
 // The document's header and the object's start tag.
 void AppendCreatedObject(zoBuffer* aBuffer, bool afIsItem, const char* anID, const char* aParentID,
                          uint32 aDLNAManagedFlags);
-void AppendTitleAndClass(zoBuffer* aBuffer, const char* aTitle, const char* aClassName);
+void AppendTitleAndClass(zoBuffer* aBuffer, std::string_view aTitle, std::string_view aClassName);
 void AppendCreateClasses(zoBuffer* aBuffer, const char* aCreateClassNameList);
 void AppendDTCPUploadInfo(zoBuffer* aBuffer, uint32 aDTCPUploadInfo);
 void AppendFileLength(zoBuffer* aBuffer, zoFileOffset aFileLength);
