@@ -27,8 +27,7 @@ void CheckFields(int aRecord, const zoConfigFile* aFile, const char* aSection)
     {
         const UPnPConfigField_t& theField = theRecord->mFields[i];
         const uint32 theNumber = UPnPConfig_ReadNumber(&theField, aFile, aSection, 1);
-        const bool fIsNumber =
-            theField.mReader >= kUPnPConfigReader_UInt32 && theField.mReader <= kUPnPConfigReader_InvertedFlag;
+        const bool fIsNumber = theField.mValue == kUPnPConfigValue_Number;
         Require(!fIsNumber || theField.mSize >= 4 || theNumber >> (8 * theField.mSize) == 0, "a number fits its field");
     }
 }

@@ -20,54 +20,67 @@ int OnPresentation(ILibWebServer_Session*, struct packetheader*, const char*) { 
 const std::tuple<zoSocketPolicy*, UPnPHook*, void*, ILibWebServer_OnPresentation> kLent(kPolicy, kHook, &sModule,
                                                                                         OnPresentation);
 
-// All fields of a record in their order; borrowed ones as whether they are the test's.
-std::string TextOf(const ILibAsyncSocketConfig& c)
+// " name=value"; nothing for 0 and for what the test has lent.
+std::string Named(const char* aName, long long aValue)
 {
-    return Taken(zo_mnprintf("%zu %zu %u %u %u %d", c.mInitialBufferSize, c.mMaxReadAHeadSize, c.mConnectTimeOut,
-                             c.mDisconnectLingerDuration, c.mDestroyLingerDuration, c.mSocketPolicy == kPolicy));
+    return aValue != 0 ? std::string(" ") + aName + "=" + std::to_string(aValue) : "";
+}
+std::string Named(const char* aName, const char* aText) { return std::string(" ") + aName + "=" + aText; }
+std::string NamedAddress(const char* aName, uint32 anAddress)
+{
+    if (anAddress == 0) { return ""; }
+    return std::string(" ") + aName + "=" + Taken(zo_mnprintf("%u.%u.%u.%u", UPnPUtil_IPPrintf(anAddress)));
+}
+template <typename Pointer>
+std::string NamedUnlessLent(const char* aName, Pointer aPointer)
+{
+    return aPointer != std::get<Pointer>(kLent) ? std::string(" ") + aName + " is not what was lent" : "";
 }
 
-std::string TextOf(const ILibAsyncServerSocketConfig& c)
+#define FIELD(aField) Named(#aField, aRecord.aField)
+#define LENT(aField) NamedUnlessLent(#aField, aRecord.aField)
+
+std::string TextOf(const ILibAsyncSocketConfig& aRecord)
 {
-    return Taken(zo_mnprintf("%u %u %u %u / ", c.mMaxConnections, c.mPortNumber, c.mfAllowChangePortNumber,
-                             c.mBacklogSize)) +
-           TextOf(c.mAsyncSocketConfig);
+    return FIELD(mInitialBufferSize) + FIELD(mMaxReadAHeadSize) + FIELD(mConnectTimeOut) +
+           FIELD(mDisconnectLingerDuration) + FIELD(mDestroyLingerDuration) + LENT(mSocketPolicy);
 }
 
-std::string TextOf(const ILibSSDPConfig& c)
+std::string TextOf(const ILibAsyncServerSocketConfig& aRecord)
 {
-    return Taken(zo_mnprintf("%d %u.%u.%u.%u %u %u %u %u %u %u %d %u %d %u %d %u %u %d %s", c.mSocketPolicy == kPolicy,
-                             UPnPUtil_IPPrintf(c.mSSDPMask), c.mSSDPPort, c.mSSDPTTL, c.mSSDPSearchRequestCount,
-                             c.mSSDPByeByeMessageCount, c.mSSDPNotifyCycleSeconds, c.mMSEARCHInfoCacheDuration,
-                             c.mfEnableMSEARCHInfoAny, c.mSSDPMaxDevices, c.mfSSDPMSEARCHResponseMulti, c.mUDPSendDelay,
-                             c.mfSSDPMSEARCHPortStrict, c.mSSDPDeviceMX, c.mSSDPMX, c.mfHandleMSEARCHAsNOTIFY,
-                             c.mUserAgent));
+    return FIELD(mMaxConnections) + FIELD(mPortNumber) + FIELD(mfAllowChangePortNumber) + FIELD(mBacklogSize) +
+           TextOf(aRecord.mAsyncSocketConfig);
 }
 
-std::string TextOf(const ILibNoSSDPConfig& c) { return Taken(zo_mnprintf("%d", c.mSocketPolicy == kPolicy)); }
-
-std::string TextOf(const ILibWebServerConfig& c)
+std::string TextOf(const ILibSSDPConfig& aRecord)
 {
-    return Taken(zo_mnprintf("%u %d %d %d / ", c.mSessionIdleTimeOut, c.mUPnPHook == kHook,
-                             c.mUPnPPresentationModule == &sModule, c.mUPnPPresentationCallback == OnPresentation)) +
-           TextOf(c.mAsyncServerSocketConfig) +
-           Taken(zo_mnprintf(" / %s %d %d %d %d", c.mUserAgent, c.mfSupportHTTPStalling, c.mfHandleReject,
-                             c.mfSupportHTTP10KeepALive, c.mfDoNotChunk));
+    return LENT(mSocketPolicy) + NamedAddress("mSSDPMask", aRecord.mSSDPMask) + FIELD(mSSDPPort) + FIELD(mSSDPTTL) +
+           FIELD(mSSDPSearchRequestCount) + FIELD(mSSDPByeByeMessageCount) + FIELD(mSSDPNotifyCycleSeconds) +
+           FIELD(mMSEARCHInfoCacheDuration) + FIELD(mfEnableMSEARCHInfoAny) + FIELD(mSSDPMaxDevices) +
+           FIELD(mfSSDPMSEARCHResponseMulti) + FIELD(mUDPSendDelay) + FIELD(mfSSDPMSEARCHPortStrict) +
+           FIELD(mSSDPDeviceMX) + FIELD(mSSDPMX) + FIELD(mfHandleMSEARCHAsNOTIFY) + FIELD(mUserAgent);
 }
 
-std::string TextOf(const ILibWebClientConfig& c)
+std::string TextOf(const ILibNoSSDPConfig& aRecord) { return LENT(mSocketPolicy); }
+
+std::string TextOf(const ILibWebServerConfig& aRecord)
 {
-    return Taken(zo_mnprintf("%u %u %u %u / ", c.mSessionIdleTimeOut, c.mMaxIdleSessions, c.mSessionPoolSize,
-                             c.mConnectRetryCount)) +
-           TextOf(c.mAsyncSocketConfig) +
-           Taken(zo_mnprintf(" / %d %d %d %u", c.mfAllowSingleConnection, c.mfDoNotChunk, c.mfHandleReject,
-                             c.mSingleConnectionSessionIdleTimeOut));
+    return FIELD(mSessionIdleTimeOut) + LENT(mUPnPHook) + LENT(mUPnPPresentationModule) +
+           LENT(mUPnPPresentationCallback) + TextOf(aRecord.mAsyncServerSocketConfig) + FIELD(mUserAgent) +
+           FIELD(mfSupportHTTPStalling) + FIELD(mfHandleReject) + FIELD(mfSupportHTTP10KeepALive) + FIELD(mfDoNotChunk);
 }
 
-std::string TextOf(const UPnPControlPointConfig& c)
+std::string TextOf(const ILibWebClientConfig& aRecord)
 {
-    return Taken(zo_mnprintf("%d %d %s %d %d %d %d", c.mSocketPolicy == kPolicy, c.mUPnPHook == kHook, c.mUserAgent,
-                             c.mfDisableSSDP, c.mfEnableMSEARCHInfo, c.mfDisableNoSSDP, c.mfDetectOnly));
+    return FIELD(mSessionIdleTimeOut) + FIELD(mMaxIdleSessions) + FIELD(mSessionPoolSize) + FIELD(mConnectRetryCount) +
+           TextOf(aRecord.mAsyncSocketConfig) + FIELD(mfAllowSingleConnection) + FIELD(mfDoNotChunk) +
+           FIELD(mfHandleReject) + FIELD(mSingleConnectionSessionIdleTimeOut);
+}
+
+std::string TextOf(const UPnPControlPointConfig& aRecord)
+{
+    return LENT(mSocketPolicy) + LENT(mUPnPHook) + FIELD(mUserAgent) + FIELD(mfDisableSSDP) +
+           FIELD(mfEnableMSEARCHInfo) + FIELD(mfDisableNoSSDP) + FIELD(mfDetectOnly);
 }
 
 template <typename Record, typename... Lent>
@@ -106,64 +119,81 @@ const Fetcher ControlPoint =
 TEST(UPnPConfigTest, FillsRecordsFromKeysOrDefaults)
 {
     static const std::tuple<Fetcher, const char*, const char*> kCases[] = {
-        { AsyncSocket, "", "0 0 0 0 0 1" },
+        { AsyncSocket, "", "" },
         { AsyncSocket,
           "InitialBufferSize=1024\nMaxReadAHeadSize=0x4000\nConnectTimeOut=11\nDisconnectLingerDuration=61\n"
           "DestroyLingerDuration=6",
-          "1024 16384 11 61 6 1" },
+          " mInitialBufferSize=1024 mMaxReadAHeadSize=16384 mConnectTimeOut=11 mDisconnectLingerDuration=61"
+          " mDestroyLingerDuration=6" },
         { AsyncSocket, // just outside the bounds, and what is no number
           "InitialBufferSize=255\nMaxReadAHeadSize=262145\nConnectTimeOut=601\nDisconnectLingerDuration=-1\n"
           "DestroyLingerDuration=5s",
-          "256 262144 600 0 0 1" },
+          " mInitialBufferSize=256 mMaxReadAHeadSize=262144 mConnectTimeOut=600" },
         { AsyncSocket, // 2^32 neither wraps nor counts
           "InitialBufferSize=4294967295\nMaxReadAHeadSize=4294967296\nConnectTimeOut=\nDisconnectLingerDuration=601\n"
           "DestroyLingerDuration=601",
-          "262144 0 0 600 600 1" },
-        { ServerSocket, "", "0 0 0 0 / 0 0 0 0 0 1" },
+          " mInitialBufferSize=262144 mDisconnectLingerDuration=600 mDestroyLingerDuration=600" },
+        { ServerSocket, "", "" },
         { ServerSocket, "MaxConnections=31\nPortNumber=8080\nAllowChangePortNumber=2\nBacklogSize=65535",
-          "31 8080 2 65535 / 0 0 0 0 0 1" },
+          " mMaxConnections=31 mPortNumber=8080 mfAllowChangePortNumber=2 mBacklogSize=65535" },
         { ServerSocket, "MaxConnections=101\nPortNumber=65536\nAllowChangePortNumber=yes\nBacklogSize=65536",
-          "100 0 0 0 / 0 0 0 0 0 1" },
-        { SSDP, "", "1 0.0.0.0 0 0 0 0 0 0 0 0 0 0 1 10 3 1 UPnP/1.0 Zolt/1.1" },
+          " mMaxConnections=100" },
+        { SSDP, "",
+          " mfSSDPMSEARCHPortStrict=1 mSSDPDeviceMX=10 mSSDPMX=3 mfHandleMSEARCHAsNOTIFY=1"
+          " mUserAgent=UPnP/1.0 Zolt/1.1" },
         { SSDP,
           "Mask=239.255.0.1\nPort=1901\nTTL=5\nSearchRequestCount=6\nByeByeMessageCount=7\nNotifyCycleSeconds=1801\n"
           "MSEARCHInfoCacheDuration=99\nMSEARCHInfoAny=on\nMaxDevices=1000\nMSEARCHResponseMulti=True\nUDPSendDelay=21\n"
           "MSEARCHPortStrict=off\nDeviceMX=9\nMX=4\nHandleMSEARCHAsNOTIFY=no\nUserAgent=Box/2.0",
-          "1 239.255.0.1 1901 5 6 7 1801 0 1 1000 1 21 0 9 4 0 UPnP/1.0 Box/2.0" },
+          " mSSDPMask=239.255.0.1 mSSDPPort=1901 mSSDPTTL=5 mSSDPSearchRequestCount=6"
+          " mSSDPByeByeMessageCount=7 mSSDPNotifyCycleSeconds=1801 mfEnableMSEARCHInfoAny=1"
+          " mSSDPMaxDevices=1000 mfSSDPMSEARCHResponseMulti=1 mUDPSendDelay=21 mSSDPDeviceMX=9 mSSDPMX=4"
+          " mUserAgent=UPnP/1.0 Box/2.0" },
         { SSDP,
           "Mask=239.255.0\nPort=65536\nTTL=101\nSearchRequestCount=11\nByeByeMessageCount=11\nNotifyCycleSeconds=119\n"
           "MSEARCHInfoAny=2\nMaxDevices=-1\nUDPSendDelay=9\nMSEARCHPortStrict=maybe\nDeviceMX=11\nMX=101\n"
           "HandleMSEARCHAsNOTIFY=01\nUserAgent=",
-          "1 0.0.0.0 0 100 10 10 120 0 0 0 0 10 1 10 100 1 UPnP/1.0 Zolt/1.1" },
+          " mSSDPTTL=100 mSSDPSearchRequestCount=10 mSSDPByeByeMessageCount=10 mSSDPNotifyCycleSeconds=120"
+          " mUDPSendDelay=10 mfSSDPMSEARCHPortStrict=1 mSSDPDeviceMX=10 mSSDPMX=100 mfHandleMSEARCHAsNOTIFY=1"
+          " mUserAgent=UPnP/1.0 Zolt/1.1" },
         { SSDP, "Mask=\nTTL=256\nNotifyCycleSeconds=86401\nUDPSendDelay=501\nDeviceMX=0\nMX=0\nMSEARCHPortStrict=",
-          "1 0.0.0.0 0 0 0 0 86400 0 0 0 0 500 0 0 0 1 UPnP/1.0 Zolt/1.1" },
-        { NoSSDP, "Port=1", "1" },
-        { WebServer, "", "0 1 1 1 / 0 0 0 0 / 0 0 0 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 0" },
+          " mSSDPNotifyCycleSeconds=86400 mUDPSendDelay=500 mfHandleMSEARCHAsNOTIFY=1 mUserAgent=UPnP/1.0 Zolt/1.1" },
+        { NoSSDP, "Port=1", "" },
+        { WebServer, "", " mUserAgent=UPnP/1.0 Zolt/1.1 mfSupportHTTPStalling=1 mfSupportHTTP10KeepALive=1" },
         { WebServer,
           "SessionIdleTimeOut=21\nPortNumber=8080\nInitialBufferSize=512\nUserAgent=Box/2.0 (x)\n"
           "SupportHTTPStalling=0\nHandleReject=5\nSupportHTTP10KeepALive=0\nDoNotChunk=-1",
-          "21 1 1 1 / 0 8080 0 0 / 512 0 0 0 0 1 / UPnP/1.0 Box/2.0 (x) 0 1 0 1" },
+          " mSessionIdleTimeOut=21 mPortNumber=8080 mInitialBufferSize=512 mUserAgent=UPnP/1.0 Box/2.0 (x)"
+          " mfHandleReject=1 mfDoNotChunk=1" },
         { WebServer, "SupportHTTPStalling=5\nSupportHTTP10KeepALive=7\nDoNotChunk=-2147483648",
-          "0 1 1 1 / 0 0 0 0 / 0 0 0 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 1" },
-        { WebServer, // a flag without a sign can't read one, and one with a sign has 31 bits
-          "SessionIdleTimeOut=2\nMaxConnections=1000\nConnectTimeOut=1000\nSupportHTTPStalling=-1\nHandleReject=yes\n"
-          "SupportHTTP10KeepALive=4294967296\nDoNotChunk=2147483648",
-          "3 1 1 1 / 100 0 0 0 / 0 0 600 0 0 1 / UPnP/1.0 Zolt/1.1 1 0 1 0" },
-        { WebClient, "", "0 0 0 0 / 0 0 0 0 0 1 / 0 0 0 0" },
+          " mUserAgent=UPnP/1.0 Zolt/1.1 mfSupportHTTPStalling=1 mfSupportHTTP10KeepALive=1 mfDoNotChunk=1" },
+        { WebServer, // numbers that only readers with a sign read, or only those without
+          "SessionIdleTimeOut=2\nMaxConnections=1000\nConnectTimeOut=1000\nSupportHTTPStalling=-0\nHandleReject=-1\n"
+          "SupportHTTP10KeepALive=-0\nDoNotChunk=2147483648",
+          " mSessionIdleTimeOut=3 mMaxConnections=100 mConnectTimeOut=600 mUserAgent=UPnP/1.0 Zolt/1.1"
+          " mfSupportHTTPStalling=1 mfSupportHTTP10KeepALive=1" },
+        { WebServer, // words that only options are
+          "SupportHTTPStalling=no\nHandleReject=yes\nSupportHTTP10KeepALive=off\nDoNotChunk=on",
+          " mUserAgent=UPnP/1.0 Zolt/1.1 mfSupportHTTPStalling=1 mfSupportHTTP10KeepALive=1" },
+        { WebClient, "", "" },
         { WebClient,
           "SessionIdleTimeOut=21\nMaxIdleSessions=22\nSessionPoolSize=23\nConnectRetryCount=3\nConnectTimeOut=12\n"
           "AllowSingleConnection=-1\nDoNotChunk=2\nHandleReject=1\nSingleConnectionSessionIdleTimeOut=9\nUserAgent=x",
-          "21 22 23 3 / 0 0 12 0 0 1 / 1 1 1 0" },
+          " mSessionIdleTimeOut=21 mMaxIdleSessions=22 mSessionPoolSize=23 mConnectRetryCount=3"
+          " mConnectTimeOut=12 mfAllowSingleConnection=1 mfDoNotChunk=1 mfHandleReject=1" },
         { WebClient,
           "SessionIdleTimeOut=601\nMaxIdleSessions=4\nSessionPoolSize=101\nConnectRetryCount=11\n"
           "AllowSingleConnection=on\nDoNotChunk=-0\nHandleReject=-2147483649",
-          "600 5 100 10 / 0 0 0 0 0 1 / 0 0 0 0" },
-        { ControlPoint, "", "1 1 UPnP/1.0 DLNADOC/1.50 Zolt/1.1 0 1 1 0" },
+          " mSessionIdleTimeOut=600 mMaxIdleSessions=5 mSessionPoolSize=100 mConnectRetryCount=10" },
+        { ControlPoint, "", " mUserAgent=UPnP/1.0 DLNADOC/1.50 Zolt/1.1 mfEnableMSEARCHInfo=1 mfDisableNoSSDP=1" },
         { ControlPoint,
           "UserAgent=Box/2.0\nDLNAVersion=2.0\nDisableSSDP=3\nMSEARCHInfo=0\nEnableNoSSDP=1\nDetectDeviceOnly=1",
-          "1 1 UPnP/1.0 DLNADOC/2.0 Box/2.0 1 0 0 1" },
-        { ControlPoint, "UserAgent=\nDLNAVersion=%s\nDisableSSDP=on\nMSEARCHInfo=-1\nEnableNoSSDP=on",
-          "1 1 UPnP/1.0 DLNADOC/%s Zolt/1.1 0 1 1 0" },
+          " mUserAgent=UPnP/1.0 DLNADOC/2.0 Box/2.0 mfDisableSSDP=1 mfDetectOnly=1" },
+        { ControlPoint,
+          "UserAgent=\nDLNAVersion=%s\nDisableSSDP=-1\nMSEARCHInfo=-0\nEnableNoSSDP=-1\nDetectDeviceOnly=-1",
+          " mUserAgent=UPnP/1.0 DLNADOC/%s Zolt/1.1 mfEnableMSEARCHInfo=1 mfDisableNoSSDP=1" },
+        { ControlPoint, "DisableSSDP=on\nMSEARCHInfo=off\nEnableNoSSDP=on\nDetectDeviceOnly=yes",
+          " mUserAgent=UPnP/1.0 DLNADOC/1.50 Zolt/1.1 mfEnableMSEARCHInfo=1 mfDisableNoSSDP=1" },
     };
     LogCatcher theLog;
     for (const auto& [theFetch, theKeys, theRecord] : kCases)
@@ -172,11 +202,12 @@ TEST(UPnPConfigTest, FillsRecordsFromKeysOrDefaults)
         EXPECT_EQ(theFetch(File("")), theFetch(nullptr));
 }
 
-TEST(UPnPConfigTest, SaysWhatIsOutOfBounds)
+TEST(UPnPConfigTest, WarnsOfNumbersOutOfBounds)
 {
     static const char kSource[] = "2/1 Libs/Internal/UPnP/Stack/ILibConfigBounds.cpp: ";
     LogCatcher theLog;
-    EXPECT_EQ("1 0.0.0.0 0 100 10 0 0 0 0 0 0 0 1 10 1 1 UPnP/1.0 Zolt/1.1",
+    EXPECT_EQ(" mSSDPTTL=100 mSSDPSearchRequestCount=10 mfSSDPMSEARCHPortStrict=1 mSSDPDeviceMX=10 mSSDPMX=1"
+              " mfHandleMSEARCHAsNOTIFY=1 mUserAgent=UPnP/1.0 Zolt/1.1",
               SSDP(File("TTL=255\nSearchRequestCount=10\nMX=1")));
     EXPECT_EQ(std::string(kSource) + "ILibSSDPConfig: mSSDPTTL 255 is not within 1 to 100, 100 is taken\n",
               theLog.mText);
@@ -200,9 +231,11 @@ TEST(UPnPConfigTest, ClonesOwnTheirTexts)
     EXPECT_EQ(nullptr, theServer->mUserAgent);
     UPnPConfig_FreeWebServerConfig(theServer);
     free(theServer);
-    EXPECT_EQ("21 1 1 1 / 0 8080 0 0 / 512 0 0 0 0 1 / UPnP/1.0 Box/2.0 1 0 1 0", TextOf(*theServerClone));
-    EXPECT_EQ("0 8080 0 0 / 512 0 0 0 0 1", TextOf(*theSocketClone));
-    EXPECT_EQ("512 0 0 0 0 1", TextOf(*theInnerClone));
+    EXPECT_EQ(" mSessionIdleTimeOut=21 mPortNumber=8080 mInitialBufferSize=512 mUserAgent=UPnP/1.0 Box/2.0"
+              " mfSupportHTTPStalling=1 mfSupportHTTP10KeepALive=1",
+              TextOf(*theServerClone));
+    EXPECT_EQ(" mPortNumber=8080 mInitialBufferSize=512", TextOf(*theSocketClone));
+    EXPECT_EQ(" mInitialBufferSize=512", TextOf(*theInnerClone));
     UPnPConfig_FreeWebServerConfig(theServerClone);
     free(theServerClone);
     free(theSocketClone);
@@ -215,11 +248,11 @@ TEST(UPnPConfigTest, ClonesOwnTheirTexts)
     ILibWebClientConfig theClient = {};
     theClient.mSingleConnectionSessionIdleTimeOut = 7;
     ILibWebClientConfig* theClientClone = UPnPConfig_CloneWebClientConfig(&theClient);
-    EXPECT_EQ("0 0 0 0 / 0 0 0 0 0 0 / 0 0 0 7", TextOf(*theClientClone));
+    EXPECT_EQ(" mSocketPolicy is not what was lent mSingleConnectionSessionIdleTimeOut=7", TextOf(*theClientClone));
     free(theClientClone);
 }
 
-TEST(UPnPConfigTest, SparesNull)
+TEST(UPnPConfigTest, IgnoresNULL)
 {
     UPnPConfig_FetchSSDPConfig(nullptr, nullptr, nullptr, nullptr);
     UPnPConfig_FetchWebServerConfig(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);

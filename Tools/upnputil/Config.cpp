@@ -171,7 +171,7 @@ static bool IsReadable(const UPnPConfigField_t& aField, const Section& aSection)
 {
     const char* theValue = aSection.Get(aField.mKey);
     if (!theValue) { return false; }
-    if (aField.mReader == kUPnPConfigReader_Address)
+    if (aField.mValue == kUPnPConfigValue_Address)
     {
         return UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, 0) != 0 ||
                strcmp(theValue, "0.0.0.0") == 0;
@@ -186,7 +186,7 @@ static std::string OriginOfNumber(const UPnPConfigField_t& aField, Section& aSec
     aSection.mKeysRead.insert(aField.mKey);
     if (IsReadable(aField, aSection)) { return std::string("key ") + aField.mKey; }
     const char* theValue = aSection.Get(aField.mKey);
-    const bool fIsEmptyAddress = aField.mReader == kUPnPConfigReader_Address && zoStrEmpty(theValue);
+    const bool fIsEmptyAddress = aField.mValue == kUPnPConfigValue_Address && zoStrEmpty(theValue);
     if (theValue && !fIsEmptyAddress)
     {
         aSection.mWarnings.Add(std::string(aField.mKey) + "=" + theValue + " can't be read, the default is taken");
@@ -201,19 +201,21 @@ static std::string OriginOfText(const char* aKey, Section& aSection, bool afEmpt
     return theValue && (afEmptyCounts || *theValue) ? std::string("key ") + aKey : "default";
 }
 
+static std::string OriginOfUserAgent(const UPnPConfigField_t& aField, Section& aSection)
+{
+    const std::string theOrigin = OriginOfText(aField.mKey, aSection, false);
+    if (!aField.mVersionKey) { return theOrigin; }
+    return theOrigin + ", DLNA version: " + OriginOfText(aField.mVersionKey, aSection, true);
+}
+
 static std::string OriginOfField(const UPnPConfigField_t& aField, Section& aSection)
 {
-    switch (aField.mReader)
+    switch (aField.mValue)
     {
-    case kUPnPConfigReader_None: return "not read";
-    case kUPnPConfigReader_UserAgent: return OriginOfText(aField.mKey, aSection, false);
-    case kUPnPConfigReader_DLNAUserAgent:
-        return OriginOfText(aField.mKey, aSection, false) +
-               ", DLNA version: " + OriginOfText(kKey_ControlPoint_DLNAVersion, aSection, true);
-    case kUPnPConfigReader_Policy: return kPolicyName;
-    case kUPnPConfigReader_Hook:
-    case kUPnPConfigReader_PresentationModule:
-    case kUPnPConfigReader_PresentationCallback: return "argument";
+    case kUPnPConfigValue_None: return "not read";
+    case kUPnPConfigValue_UserAgent: return OriginOfUserAgent(aField, aSection);
+    case kUPnPConfigValue_Policy: return kPolicyName;
+    case kUPnPConfigValue_Argument: return "argument";
     default: return OriginOfNumber(aField, aSection);
     }
 }
@@ -237,14 +239,22 @@ static const char* PolicyText(const Section& aSection)
     }
 }
 
+static uint32 ReadOption(const zoConfigFile* aFile, const char* aSection, const char* aKey, uint32 aDefault)
+{
+    return static_cast<uint32>(zoConfigFile_OptionIsSet(aFile, aSection, aKey, static_cast<int>(aDefault)));
+}
+
 static void PrintPolicy(Section& aSection, Output& anOutput)
 {
-    static const UPnPConfigField_t kMode = { "mode", 0, 4, kUPnPConfigReader_UInt32, 0, kKey_Stack_UPnPLocal, nullptr };
-    static const UPnPConfigField_t kQOS = { "QOS",  0, 4, kUPnPConfigReader_Option, 0, kKey_SocketPolicy_QOSDisabled,
-                                            nullptr };
-    PrintFact("mode", PolicyText(aSection), OriginOfNumber(kMode, aSection), anOutput);
+    UPnPConfigField_t theMode = {};
+    theMode.mKey = kKey_Stack_UPnPLocal;
+    theMode.mRead = zoConfigFile_GetUInt32;
+    UPnPConfigField_t theQOS = {};
+    theQOS.mKey = kKey_SocketPolicy_QOSDisabled;
+    theQOS.mRead = ReadOption;
+    PrintFact("mode", PolicyText(aSection), OriginOfNumber(theMode, aSection), anOutput);
     PrintFact("QOS disabled", std::to_string(zoSocketPolicy_IsQOSDisabled(aSection.mPolicy)),
-              OriginOfNumber(kQOS, aSection), anOutput);
+              OriginOfNumber(theQOS, aSection), anOutput);
     const char* theExcluded = aSection.Get(kKey_SocketPolicy_ExcludeIF);
     PrintFact("excluded interfaces", theExcluded ? theExcluded : "",
               OriginOfText(kKey_SocketPolicy_ExcludeIF, aSection, true), anOutput);
@@ -271,20 +281,17 @@ static uint64 LoadNumber(const UPnPConfigField_t& aField, const void* aValue)
 
 static std::string ValueText(const UPnPConfigField_t& aField, const void* aValue, const Section& aSection)
 {
-    switch (aField.mReader)
+    switch (aField.mValue)
     {
-    case kUPnPConfigReader_Address:
+    case kUPnPConfigValue_Address:
     {
         char theText[sizeof("255.255.255.255")];
         zo_snprintf(theText, sizeof(theText), "%u.%u.%u.%u", UPnPUtil_IPPrintf(Load<uint32>(aValue)));
         return theText;
     }
-    case kUPnPConfigReader_UserAgent:
-    case kUPnPConfigReader_DLNAUserAgent: return Load<const char*>(aValue);
-    case kUPnPConfigReader_Policy: return PolicyText(aSection);
-    case kUPnPConfigReader_Hook:
-    case kUPnPConfigReader_PresentationModule:
-    case kUPnPConfigReader_PresentationCallback: return "none";
+    case kUPnPConfigValue_UserAgent: return Load<const char*>(aValue);
+    case kUPnPConfigValue_Policy: return PolicyText(aSection);
+    case kUPnPConfigValue_Argument: return "none";
     default: return std::to_string(LoadNumber(aField, aValue));
     }
 }
@@ -301,16 +308,6 @@ static std::string BoundsText(const RecordKind& aKind, const UPnPConfigField_t& 
     return ", held within " + std::to_string(theBounds->mMin) + " to " + std::to_string(theBounds->mMax);
 }
 
-static const RecordKind* EmbeddedKind(const UPnPConfigField_t& aField)
-{
-    switch (aField.mReader)
-    {
-    case kUPnPConfigReader_AsyncSocket: return &kRecordKinds[kUPnPConfigRecord_AsyncSocket];
-    case kUPnPConfigReader_AsyncServerSocket: return &kRecordKinds[kUPnPConfigRecord_AsyncServerSocket];
-    default: return nullptr;
-    }
-}
-
 static void PrintRecord(const RecordKind& aKind, const void* aRecord, const std::string& aPrefix, Section& aSection,
                         Output& anOutput)
 {
@@ -320,8 +317,10 @@ static void PrintRecord(const RecordKind& aKind, const void* aRecord, const std:
         const UPnPConfigField_t& theField = theDescription.mFields[i];
         const void* theValue = static_cast<const char*>(aRecord) + theField.mOffset;
         const std::string theName = aPrefix + theField.mName;
-        const RecordKind* theEmbedded = EmbeddedKind(theField);
-        if (theEmbedded) { PrintRecord(*theEmbedded, theValue, theName + ".", aSection, anOutput); }
+        if (theField.mValue == kUPnPConfigValue_Record)
+        {
+            PrintRecord(kRecordKinds[theField.mRecord], theValue, theName + ".", aSection, anOutput);
+        }
         else
         {
             PrintFact(theName, ValueText(theField, theValue, aSection),

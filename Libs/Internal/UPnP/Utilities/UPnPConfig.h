@@ -145,39 +145,37 @@ enum
     kUPnPConfigRecord_Count = 7
 };
 
-/* How a field is filled. */
+/* What a field holds. */
 enum
 {
-    kUPnPConfigReader_None = 0, /* it stays 0 */
-    kUPnPConfigReader_UInt32 = 1,
-    kUPnPConfigReader_UInt16 = 2,
-    kUPnPConfigReader_UInt8 = 3,
-    kUPnPConfigReader_Option = 4,
-    kUPnPConfigReader_Flag = 5,           /* 1 for a number but 0, else 0 */
-    kUPnPConfigReader_SignedFlag = 6,     /* the same for a number that may have a sign */
-    kUPnPConfigReader_InvertedFlag = 7,   /* 1 for 0, and 0 for a number but 0 */
-    kUPnPConfigReader_Address = 8,        /* an IPv4 address in dotted-quad form, as a number in network byte order */
-    kUPnPConfigReader_UserAgent = 9,      /* char*: the standard part, a blank, and the value or else "Zolt/1.1" */
-    kUPnPConfigReader_DLNAUserAgent = 10, /* the same, with " DLNADOC/" and kKey_ControlPoint_DLNAVersion, "1.50" if
-                                             absent, behind the standard part */
-    kUPnPConfigReader_Policy = 11,        /* this one and the next three: an argument of the fetch */
-    kUPnPConfigReader_Hook = 12,
-    kUPnPConfigReader_PresentationModule = 13,
-    kUPnPConfigReader_PresentationCallback = 14,
-    kUPnPConfigReader_AsyncSocket = 15, /* an embedded record, kUPnPConfigRecord_AsyncSocket */
-    kUPnPConfigReader_AsyncServerSocket = 16
+    kUPnPConfigValue_None = 0, /* nothing is read, and it stays 0 */
+    kUPnPConfigValue_Number = 1,
+    kUPnPConfigValue_Address = 2,   /* an IPv4 address as a number in network byte order */
+    kUPnPConfigValue_UserAgent = 3, /* char*: the standard part, with " DLNADOC/" and the DLNA version after it where
+                                       the field has a key for it, a blank, and the value or else "Zolt/1.1" */
+    kUPnPConfigValue_Policy = 4,
+    kUPnPConfigValue_Argument = 5, /* a pointer that the fetch is given: hook, presentation module or callback */
+    kUPnPConfigValue_Record = 6    /* an embedded record */
 };
+
+/** Reads a key as a number. @return the number; for an absent key, and a value that can't be read, aDefaultValue, cut
+ * to the number's width. */
+typedef uint32 (*UPnPConfig_NumberReader_t)(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+                                            uint32 aDefaultValue);
 
 /* A field of a record, and how it is filled. */
 typedef struct UPnPConfigField_t
 {
     const char* mName;
     uint16 mOffset;
-    uint8 mSize; /* of a number: 1, 2, 4 or 8; else of no use */
-    uint8 mReader;
-    uint32 mDefault;           /* of a number: what is read when the key is absent or its value can't be read */
-    const char* mKey;          /* NULL: none */
-    const char* mStandardPart; /* of a user agent, else NULL */
+    uint8 mSize;                     /* of a number: 1, 2, 4 or 8; of no use for other values */
+    uint8 mValue;                    /* a kUPnPConfigValue_* */
+    uint8 mRecord;                   /* of an embedded record: a kUPnPConfigRecord_* */
+    uint32 mDefault;                 /* of a number */
+    const char* mKey;                /* NULL: none */
+    UPnPConfig_NumberReader_t mRead; /* of a number or an address, which always has the default 0; else NULL */
+    const char* mStandardPart;       /* of a user agent, else NULL */
+    const char* mVersionKey;         /* of a user agent that has the DLNA version, else NULL */
 } UPnPConfigField_t;
 
 /* A record and its fields. */
@@ -191,8 +189,8 @@ typedef struct UPnPConfigRecord_t
 
 /** @return the description of a kUPnPConfigRecord_*, its fields in their order; NULL for any other number. */
 UPNPUTILITIES_API const UPnPConfigRecord_t* UPnPConfig_GetRecord(int aRecord);
-/** @return what the fetch stores in a number's field before its validator looks at it, with another default, cut to the
- *          field's width. An address and a field that stays 0 have no default. */
+/** @return what the fetch would store in a number's field, before its validator looks at it, if the field had the
+ * default aDefaultValue; 0 for a field that is neither a number nor an address. */
 UPNPUTILITIES_API uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, const zoConfigFile* aConfigFile,
                                                const char* aSection, uint32 aDefaultValue);
 
