@@ -60,7 +60,8 @@ TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)
                          { kCDSEntryInfo_ItemClassName, theClass.c_str() },
                          { kCDSEntryInfo_Album, "Hits" },
                          { kCDSEntryInfo_XMLNS, kUPnPNamespace } });
-    zoPackedData_AddData(theEntry, kCDSEntryInfo_AlbumArtURI, "ART\0JPEG_TN", 12);
+    const Owned<zoArray_t, zoArray_Delete> theArt(NewStringArray({ "ART", "JPEG_TN" }));
+    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, theArt, zoStringArray_FlattenerFunc);
     zoPackedData_t* theResources = zoPackedData_New(2);
     AddResource(theResources, "URI1", "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3");
     AddNumber(theResources, kCDSResourceInfo_Duration, uint32{ 215 });
@@ -77,6 +78,36 @@ TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)
                   " size=\"3440000\">URI1</res>"
                   "<res protocolInfo=\"http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_TN\">URI2</res></item></DIDL-Lite>",
               Write(theEntry, theResources, 1, 0, "URI1"));
+}
+
+// Texts without a NUL, each followed by another one in the record, in entries of many pairs; the last has no value.
+TEST(UPnPDIDLWriteTest, EndsEachTextAtItsValue)
+{
+    zoPackedData_t* theEntry = NewEntry();
+    zoPackedData_t* theResources = zoPackedData_New(1);
+    zoPackedData_AddNewEntry(theResources);
+    std::string theElements, theAttributes;
+    for (int i = 0; i <= 40; ++i)
+    {
+        const std::string theName = "x:" + std::to_string(i);
+        const size_t theValueSize = i < 40 ? 1 : 0;
+        for (const auto& [theRecord, theFirstTag] : { std::pair(theEntry, 21), std::pair(theResources, 15) })
+        {
+            const uint16 theTag = static_cast<uint16>(theFirstTag + 2 * i);
+            zoPackedData_AddData(theRecord, theTag, theName.data(), theName.size());
+            zoPackedData_AddData(theRecord, static_cast<uint16>(theTag + 1), theValueSize ? "v" : nullptr,
+                                 theValueSize);
+        }
+        theElements += "<" + theName + ">" + (theValueSize ? "v" : "") + "</" + theName + ">";
+        theAttributes += " " + theName + (theValueSize ? "=\"v\"" : "");
+    }
+    for (const uint16 theTag : { kCDSEntryInfo_XMLNS, kCDSEntryInfo_Title, kCDSEntryInfo_ItemID })
+        zoPackedData_AddData(theEntry, theTag, "t", 1);
+    for (const uint16 theTag : { kCDSResourceInfo_URI, kCDSResourceInfo_ProtocolInfo, kCDSResourceInfo_Resolution })
+        zoPackedData_AddData(theResources, theTag, "r", 1);
+    EXPECT_EQ("<DIDL-Lite t><item id=\"t\" restricted=\"1\"><dc:title>t</dc:title>" + theElements +
+                  "<res protocolInfo=\"r\" resolution=\"r\"" + theAttributes + ">r</res></item></DIDL-Lite>",
+              Write(theEntry, theResources, 1, 1, "r"));
 }
 
 // Every field at once, in its order, with what only some records have.
