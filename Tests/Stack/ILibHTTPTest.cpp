@@ -1,5 +1,6 @@
 #include <UPnP/Stack/ILibHTTP.h>
 #include <gtest/gtest.h>
+#include <string>
 
 TEST(ILibHTTPTest, FindsTokensOfUserAgents)
 {
@@ -16,6 +17,8 @@ TEST(ILibHTTPTest, FindsTokensOfUserAgents)
                                  "x",
                                  "VLC/4;VLC/3" })
         EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, theList)) << theList;
+    EXPECT_TRUE(ILibUserAgentHasOneOfThem((std::string(1021, ' ') + "VLC").c_str(), "VLC"));
+    EXPECT_FALSE(ILibUserAgentHasOneOfThem((std::string(1022, ' ') + "VLC").c_str(), "VLC")); // only 1024 bytes count
     EXPECT_FALSE(ILibUserAgentHasOneOfThem(kAgent, nullptr));
     EXPECT_FALSE(ILibUserAgentHasOneOfThem(nullptr, "VLC"));
 }

@@ -12,11 +12,14 @@ int ILibUserAgentHas(const char* aUserAgent, const char* aToken, size_t aTokenLe
     return aUserAgent && aToken && Has(aUserAgent, strlen(aUserAgent), aToken, aTokenLength);
 }
 
+// Each token of a list is searched for, so that a long user agent would cost the product of both.
+static const size_t kMaxSearched = 1024;
+
 int ILibUserAgentHasOneOfThem(const char* aUserAgent, const char* aTokenList)
 {
     static const char kBlanks[] = " \t";
     if (!aUserAgent || !aTokenList) { return 0; }
-    const size_t theLength = strlen(aUserAgent);
+    const size_t theLength = strnlen(aUserAgent, kMaxSearched);
     for (const char* theToken = aTokenList;;)
     {
         const char* theComma = strchrnul(theToken, ',');
