@@ -384,6 +384,12 @@ TEST(UPnPDIDLParseTest, ReadsResourceFields)
     EXPECT_EQ(" x&y ", TextOf(theTwo.mResources, 1, kCDSResourceInfo_URI));
 }
 
+static std::string DescribeObject(const zoPackedData_t* anEntry, const zoPackedData_t* aResources)
+{
+    return TextOf(anEntry, 0, kCDSEntryInfo_ItemID) + "|" + TextOf(anEntry, 0, kCDSEntryInfo_Title) + "|" +
+           TextOf(anEntry, 0, kCDSEntryInfo_XMLNS) + "|" + TextOf(aResources, 0, kCDSResourceInfo_URI) + "\n";
+}
+
 // A browse result: each object by itself, relative URIs against the base, and an object inside another one.
 TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
 {
@@ -402,9 +408,7 @@ TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
             1, UPnPDIDL_Parse("http://h/a/b", theNodes, theNode, theAttributes, theName == "item", &theData, &theRes));
         ILibDestructXMLAttributeList(theAttributes);
         const PackedData theEntry = zoPackedData_NewData(theData), theResources = zoPackedData_NewData(theRes);
-        theFound += TextOf(theEntry, 0, kCDSEntryInfo_ItemID) + "|" + TextOf(theEntry, 0, kCDSEntryInfo_Title) + "|" +
-                    TextOf(theEntry, 0, kCDSEntryInfo_XMLNS) + "|" + TextOf(theResources, 0, kCDSResourceInfo_URI) +
-                    "\n";
+        theFound += DescribeObject(theEntry, theResources);
     }
     EXPECT_EQ("c|A & B|xmlns:r=\"1\"|http://h/a/media/42\ni|A & B|xmlns:r=\"1\"|http://h/x\n", theFound);
     ILibDestructXMLNodeList(theNodes);
@@ -419,6 +423,29 @@ TEST(UPnPDIDLParseTest, ParsesObjectsOfABrowseResult)
     free(theData);
     free(theRes);
     ILibDestructXMLNodeList(theNodes);
+}
+
+// Each object without those inside it, and an invalid one does not end the walk.
+TEST(UPnPDIDLParseTest, ReadsADocumentObjectByObject)
+{
+    std::string theText = "<a/><DIDL-Lite xmlns:r='1'><container id='c'><res>media/42</res><item id='i'>"
+                          "<dc:title>A &amp; B</dc:title><DIDL-Lite><item/></DIDL-Lite></item><item restricted='x'/>"
+                          "</container><desc><item/></desc><item id='j'><res>http://h/x</res></item></DIDL-Lite>";
+    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theText.c_str(), "http://h/a/b");
+    std::string theFound;
+    for (int theType = -1; theType != kDIDLItemType_None;)
+    {
+        char *theData, *theRes;
+        const int theResult = UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
+        const PackedData theEntry = zoPackedData_NewData(theData), theResources = zoPackedData_NewData(theRes);
+        theFound += std::to_string(theResult) + std::to_string(theType) + DescribeObject(theEntry, theResources);
+    }
+    EXPECT_EQ("02c||xmlns:r=\"1\"|http://h/a/media/42\n01i|A & B|xmlns:r=\"1\"|(none)\n"
+              "-61(none)|(none)|(none)|(none)\n01j||xmlns:r=\"1\"|http://h/x\n00(none)|(none)|(none)|(none)\n",
+              theFound);
+    UPnPDIDLDocument_Delete(theDocument);
+    theText = "<item>";
+    EXPECT_EQ(nullptr, UPnPDIDLDocument_New(theText.c_str(), nullptr));
 }
 
 // What was parsed and is written again is what was parsed, apart from what an item can't say.

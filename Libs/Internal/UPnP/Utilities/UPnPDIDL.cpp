@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/UPnPDIDL.h>
 
+#include <Shared/LogMessage.h>
 #include <UPnP/Utilities/DIDL/Elements.h>
 #include <UPnP/Utilities/DIDL/Object.h>
 #include <UPnP/Utilities/DIDL/ObjectAttributes.h>
@@ -7,35 +8,24 @@
 #include <UPnP/Utilities/DIDL/Resources.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <UPnP/Utilities/DIDL/UploadDocument.h>
-#include <stdarg.h>
 #include <stdlib.h>
-#include <zoLog/Log.h>
+#include <string.h>
 #include <zoltTools/zoAssert.h>
+#include <zoltTools/zoMemory.h>
 
 using namespace DIDL;
 
 // ---- Writing ----
 
-static void Log_Info(const char* aFormat, ...) __attribute__((format(printf, 1, 2)));
-static void Log_Info(const char* aFormat, ...)
-{
-    zoLogRecord_t* theRecord = zoLog_Begin(ZOLOGLEVEL_INFO, ZOLOG_M_DEFAULT);
-    if (!theRecord) { return; }
-    va_list theArguments;
-    va_start(theArguments, aFormat);
-    zoLog_SetLocation(theRecord, __FILE__, __LINE__);
-    zoLog_Append_V(theRecord, aFormat, theArguments);
-    va_end(theArguments);
-    zoLog_End(theRecord);
-}
-
 static void LogNoNamespaces()
 {
-    zoLogRecord_t* theRecord = zoLog_Begin(ZOLOGLEVEL_WARNING, ZOLOG_M_DEFAULT);
-    if (!theRecord) { return; }
-    zoLog_SetLocation(theRecord, __FILE__, __LINE__);
-    zoLog_Append_F(theRecord, "No XML name space specified\n");
-    zoLog_End(theRecord);
+    Shared::LogMessage(ZOLOGLEVEL_WARNING, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "No XML name space specified\n");
+}
+
+static void LogNotAdded(uint32 aCount)
+{
+    Shared::LogMessage(ZOLOGLEVEL_INFO, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "UPnPDIDL_Get: %lu resource(s) not added",
+                       static_cast<unsigned long>(aCount));
 }
 
 char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, int afIncludeHeaderFooter,
@@ -56,7 +46,7 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
         uint32 theLeftCount;
         if (!AppendResources(theBuffer, afIncludeResExtraInfo, aResourceInfo, aSelectedURI, &theLeftCount))
         {
-            Log_Info("UPnPDIDL_Get: %lu resource(s) not added", static_cast<unsigned long>(theLeftCount));
+            LogNotAdded(theLeftCount);
         }
     }
     else
@@ -274,4 +264,78 @@ int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, in
     free(theWalk.mData);
     free(theWalk.mRes);
     return theResult;
+}
+
+// ---- Parsing: a document of many objects ----
+
+struct UPnPDIDLDocument
+{
+    const char* mBaseURL;
+    ILibXMLNode* mNodes;
+    ILibXMLNode* mNext;     // the next node of the walk, which enters roots and objects only; NULL at the end
+    ILibXMLNode* mDIDLNode; // the DIDL-Lite element met last
+    size_t mOpenObjects;    // around mNext
+};
+
+UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
+{
+    ILibXMLNode* theNodes = ILibParseXML(const_cast<char*>(aText), 0, aText ? strlen(aText) : 0);
+    if (ILibProcessXMLNodeList(theNodes) != kILibProcessXML_NoError)
+    {
+        ILibDestructXMLNodeList(theNodes);
+        return nullptr;
+    }
+    UPnPDIDLDocument* theDocument = static_cast<UPnPDIDLDocument*>(zoMalloc(sizeof(UPnPDIDLDocument)));
+    *theDocument = { aBaseURL, theNodes, theNodes, nullptr, 0 };
+    return theDocument;
+}
+
+void UPnPDIDLDocument_Delete(UPnPDIDLDocument* aDocument)
+{
+    if (!aDocument) { return; }
+    ILibDestructXMLNodeList(aDocument->mNodes);
+    free(aDocument);
+}
+
+// Walks to the next object's start tag and goes past it; NULL without a further object.
+static ILibXMLNode* TakeObject(UPnPDIDLDocument* aDocument)
+{
+    while (ILibXMLNode* theNode = aDocument->mNext)
+    {
+        aDocument->mNext = theNode->Next;
+        if (!theNode->StartTag) { aDocument->mOpenObjects -= IsObject(theNode); }
+        else if (IsObject(theNode))
+        {
+            ++aDocument->mOpenObjects;
+            return theNode;
+        }
+        else if (aDocument->mOpenObjects == 0 && IsNamed(theNode, "DIDL-Lite")) { aDocument->mDIDLNode = theNode; }
+        else { aDocument->mNext = theNode->ClosingTag->Next; }
+    }
+    return nullptr;
+}
+
+int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char** aRes, int* aDIDLType)
+{
+    *aData = nullptr;
+    *aRes = nullptr;
+    *aDIDLType = kDIDLItemType_None;
+    ILibXMLNode* theNode = aDocument ? TakeObject(aDocument) : nullptr;
+    if (!theNode) { return kUPnPError_None; }
+    *aDIDLType = TypeOf(theNode);
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
+    const Object theObject = { { theNode, true },
+                               theAttributes,
+                               aDocument->mDIDLNode,
+                               aDocument->mBaseURL,
+                               *aDIDLType == kDIDLItemType_Item,
+                               false };
+    const int fIsValid = ParseObject(theObject, aData, aRes);
+    ILibDestructXMLAttributeList(theAttributes);
+    if (fIsValid) { return kUPnPError_None; }
+    free(*aData);
+    free(*aRes);
+    *aData = nullptr;
+    *aRes = nullptr;
+    return kUPnPError_InvalidDIDL;
 }

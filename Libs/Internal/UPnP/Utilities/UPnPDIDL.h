@@ -112,7 +112,7 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
  * Parses one object of a document that the caller has read with ILibParseXML and checked with ILibProcessXMLNodeList.
  * The text must be writable, as for UPnPDIDL_ParseElements, and outlive the call; it can be parsed again. Objects
  * inside the object are read as parts of it: when each of many that are inside each other is parsed, that takes the
- * product of their number and their length.
+ * product of their number and their length. UPnPDIDLDocument reads each without those inside.
  *
  * The declarations of the root are inherited while they take at most four times the length of the object's text, or 256
  * bytes if that is more, in the form in which they are stored. When they take more, first the default namespace and the
@@ -130,6 +130,46 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
  */
 UPNPUTILITIES_API int UPnPDIDL_Parse(const char* aBaseURL, struct ILibXMLNode* aDIDLNode, struct ILibXMLNode* aNode,
                                      struct ILibXMLAttribute* anAttributes, int afIsItem, char** aData, char** aRes);
+
+/**
+ * A document that describes many objects, the Result of a Browse for instance, read object by object in time linear in
+ * the document, also when containers hold their objects:
+ *
+ *     UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theText, theBaseURL);
+ *     for (;;)
+ *     {
+ *         char *theData, *theRes;
+ *         int theType;
+ *         const int theResult = UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
+ *         if (theType == kDIDLItemType_None) { break; }
+ *         if (theResult == kUPnPError_None) { ... use the records ... }
+ *     }
+ *     UPnPDIDLDocument_Delete(theDocument);
+ */
+typedef struct UPnPDIDLDocument UPnPDIDLDocument;
+
+/**
+ * Reads the document's tags.
+ * @param aText     NUL-terminated and writable, as for UPnPDIDL_ParseElements; it outlives the document. NULL and ""
+ * are documents without objects.
+ * @param aBaseURL  as for UPnPDIDL_Parse; it outlives the document.
+ * @return a new document, released with UPnPDIDLDocument_Delete; NULL when tags don't match.
+ */
+UPNPUTILITIES_API UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL);
+/**
+ * Parses the next object in the order of start tags: an item or a container that is in no other elements than objects
+ * and, around those, DIDL-Lite. It is read as by UPnPDIDL_Parse, but without the objects inside it, which come as
+ * objects of their own.
+ * @param aData, aRes out: the serialized records, as for UPnPDIDL_ParseElements; both NULL when there is no object left
+ *                    and when it is invalid.
+ * @param aDIDLType   out: kDIDLItemType_Item or _Container; _None when there is no object left.
+ * @return kUPnPError_None; kUPnPError_InvalidDIDL for an object with a flag (restricted, searchable) that is neither
+ * true nor false: the next call goes on after its start tag. A NULL document has no objects.
+ */
+UPNPUTILITIES_API int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char** aRes,
+                                                  int* aDIDLType);
+/** Releases the document, but neither its text nor what was parsed; NULL is ignored. */
+UPNPUTILITIES_API void UPnPDIDLDocument_Delete(UPnPDIDLDocument* aDocument);
 
 #ifdef __cplusplus
 }
