@@ -78,7 +78,7 @@ run_pkg_config() {
     PKG_CONFIG_PATH=$(folder "$1" upnputilities.pc)
     export PKG_CONFIG_PATH
     expect "pkg-config" "$2" "$("$PKG_CONFIG" --modversion upnputilities)"
-    flags=$("$PKG_CONFIG" ${3-} --cflags --libs upnputilities)
+    flags=$("$PKG_CONFIG" ${3:+"$3"} --cflags --libs upnputilities)
     if [ -z "${3-}" ]; then flags="$flags -Wl,-rpath,$(folder "$1" libUPnPUtilities.so)"; fi
     # shellcheck disable=SC2086 # several words
     "$CC" "$here/Consumer.c" -o "$build/consumer-c" $flags
