@@ -41,8 +41,8 @@ std::vector<std::string> ReadDocuments()
     return theDocuments;
 }
 
-// A text of everything that a control point does with a document.
-std::string Road(const std::string& aDocument, const std::string& aSink)
+// A text with all that a control point makes of a document.
+std::string ControlPointText(const std::string& aDocument, const std::string& aSink)
 {
     const ParsedObject theObject(aDocument);
     CDSEntryInfo theEntry(zoPackedData_Duplicate(theObject.mEntry));
@@ -68,14 +68,14 @@ TEST(ThreadTest, EachThreadReadsItsOwnDocuments)
     ASSERT_LT(0u, theDocuments.size());
     std::vector<std::string> theExpected;
     for (const std::string& theDocument : theDocuments)
-        theExpected.push_back(Road(theDocument, theSink));
+        theExpected.push_back(ControlPointText(theDocument, theSink));
     RunOnThreads(
         [&](int aThread)
         {
         for (size_t i = 0; i < kRounds * theDocuments.size(); ++i)
         {
             const size_t theIndex = (i + static_cast<size_t>(aThread)) % theDocuments.size();
-            EXPECT_EQ(theExpected[theIndex], Road(theDocuments[theIndex], theSink));
+            EXPECT_EQ(theExpected[theIndex], ControlPointText(theDocuments[theIndex], theSink));
         }
     });
 }

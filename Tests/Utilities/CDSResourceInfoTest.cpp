@@ -235,7 +235,7 @@ TEST(CDSResourceInfoTest, ChoosesAResource)
         { "a sink without anything", "MPEG@h", "", "", "", 0, kShouldNot },
         { "a sink that isn't known", "MPEG@h", nullptr, "", "", 0, kShould },
         { "thumbnails only", "JPEG_TN@h", "JPEG_TN", "", "", -1, 0 },
-        { "the URI for want of a protocol info", "-@h", "MP3", "http", "", 0, kShould },
+        { "the URI without a protocol info", "-@h", "MP3", "http", "", 0, kShould },
         { "which counts less than a profile", "-@1.2.3.4 MP3@h", "MP3", "", "", 1, kShould },
         { "an address before a name", "MP3@h MP3@1.2.3.4", "MP3", "", "", 1, kShould },
         { "the nearer one", "MP3@10.0.0.5 MP3@192.168.1.20", "MP3", "", "192.168.1.50", 1, kShould },

@@ -23,7 +23,7 @@ std::string Write(PackedData anEntry, PackedData aResources, int afHeader, int a
     return Taken(UPnPDIDL_Get(anEntry, aResources, afHeader, afExtra, anURI));
 }
 
-// The URIs of a written text's resources, in their order, each with a blank behind it.
+// The URIs of a written text's resources, in their order, each with a blank after it.
 std::string OrderOf(const std::string& aText)
 {
     std::string theOrder;

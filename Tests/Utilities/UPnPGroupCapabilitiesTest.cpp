@@ -95,7 +95,7 @@ TEST(UPnPGroupCapabilitiesTest, ReadsTheFirstCapability)
         { Capability("capability='a' groupedUDN='b'/><groupCapability " + kWhole), "", kInvalid },
         { Capability("capability='a' UDN='b'"), "", kInvalid },
         { Capability("groupedUDN='a' UDN='b'"), "", kInvalid },
-        { "<groupCapabilities/><groupCapability " + kWhole + "/>", "", "" }, // behind the root
+        { "<groupCapabilities/><groupCapability " + kWhole + "/>", "", "" }, // after the root
         { "<a>" + Capability(kWhole) + "</a>", "", "" },
         { Capability(kWhole) + "</a>", "", kBad },
     };
@@ -143,7 +143,7 @@ TEST(UPnPGroupInfoTest, ReadsXML)
     const std::tuple<std::string, const char*, const char*> kCases[] = {
         { kStart + "<a><slave groupedFriendlyName='T' groupedUDN='s'><b>" + kMaster + kSlave +
               "</b></slave></a><master groupedUDN='n'/></groupInfo>" + kMaster + kSlave,
-          "G|g; M|m; T|s; S|s", "" }, // at any depth, the first master, slaves of one UDN, nothing behind the root
+          "G|g; M|m; T|s; S|s", "" }, // at any depth, the first master, slaves of one UDN, nothing after the root
         { "<x:GROUPINFO friendlyname='G' udn='g'><y:SLAVE groupedfriendlyname='S' GroupedUDN='s'/><MASTER "
           "GROUPEDfriendlyName='M' groupedudn='m'/></x:GROUPINFO>",
           "G|g; M|m; S|s", "" },

@@ -208,8 +208,8 @@ TEST(UPnPHookTest, AnswersByClient)
         char* theState = nullptr;
         UPnPHook_Hook(theHook.mHook, kUPnPHook_GetInfoDescription, Writable(theUserAgent), &theState);
         EXPECT_EQ(fIsXbox ? "<state value=\"nok\"/>" : "<state value=\"ok\">id-1</state>", Taken(theState));
-        const std::string theOffer = Describe(theHook, "<a>%@</a>", { { ":search", "S" } }, theUserAgent);
-        EXPECT_EQ(fIsEmulated ? "<a>S</a>" : "<a></a>", theOffer);
+        const std::string theText = Describe(theHook, "<a>%@</a>", { { ":search", "S" } }, theUserAgent);
+        EXPECT_EQ(fIsEmulated ? "<a>S</a>" : "<a></a>", theText);
     }
     ILibWebLinkData_SetID(nullptr);
     char* theState = nullptr;

@@ -191,7 +191,7 @@ TEST(zoDLNAProtocolInfoListTest, RanksByTransport)
         { "http", "", "1356" },
         { "rtsp , http,*", "", "0135624" },
         { "http-post,RTSP-rtp-udp", "", "60" },
-        { "rtsp-rtp,htt", "", "" }, // the first part is what stands before the first hyphen
+        { "rtsp-rtp,htt", "", "" }, // the first part is what comes before the first hyphen
         { " ,, http-post,http-post", "http-post", "6" },
         { "", "", "" },
     };

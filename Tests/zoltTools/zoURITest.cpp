@@ -166,7 +166,7 @@ TEST(zoURITest, CombinesTheExamplesOfTheStandard)
 TEST(zoURITest, CombinesAtTheEdges)
 {
     static const char* const kCases[][3] = {
-        { "http://u@h:080", "x", "http://u@h:080/x" }, // a "/" behind the host
+        { "http://u@h:080", "x", "http://u@h:080/x" }, // a "/" after the host
         { "http://h?q", "", "http://h?q" },
         { "http://h/a/../b?q", "?y", "http://h/a/../b?y" }, // the base's path as it is
         { "http://h/a/../b", "c", "http://h/c" },

@@ -307,7 +307,7 @@ zoArray_t* UPnPGroupInfo_GetGroupedUDNs(UPnPGroupInfo* aGroupInfo)
 
 // ---- Metadata of a member ----
 
-// The table of the group, for NULL, of the master or of a slave; NULL when there is no such member.
+// The table of the group (for NULL), the master or a slave; NULL when there is no such member.
 static zoCustomHashTable* FindMetaData(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN)
 {
     if (!aGroupInfo) { return nullptr; }

@@ -38,7 +38,7 @@ inline std::string_view ValueOf(const ILibXMLAttribute* anAttribute)
     return { anAttribute->Value, static_cast<size_t>(anAttribute->ValueLength) };
 }
 
-/** @param aNode may be NULL. @return whether it begins an element of that name, whatever its prefix. */
+/** @param aNode may be NULL. @return true for the start tag of an element of that name, whatever its prefix. */
 bool IsStartTag(const ILibXMLNode* aNode, std::string_view aName);
 
 /** @param aNode aRoot or a node inside. @return the next element of that name inside aRoot, at any depth; NULL when

@@ -11,5 +11,5 @@ void UPnPGroupSlave_S_Delete(void* aSlave);
 /** @return a new slave with the same contents but for mUDN, which is NULL. */
 UPnPGroupSlave* UPnPGroupSlave_S_Duplicate(const UPnPGroupSlave* aSlave);
 bool UPnPGroupSlave_S_IsValid(const UPnPGroupSlave* aSlave);
-/** @return whether both are valid and have the same name, grouped UDN and metadata. */
+/** @return true if both are valid and have the same name, grouped UDN and metadata. */
 bool UPnPGroupSlave_S_SameAs(const UPnPGroupSlave* aSlave, const UPnPGroupSlave* aCompareSlave);

@@ -37,12 +37,11 @@ static bool NeedToEmulateWMP(const char* aUserAgent)
     return NeedToEmulateXBox(aUserAgent) || NeedToEmulateWMPOnly(aUserAgent);
 }
 
-// ---- Answers, one function a question; the arguments are those that the header tells ----
+// ---- Answers: a function for each question, with its arguments in the header's order ----
 
 static bool IsText(const char* aText, const char* aConstant) { return aText && strcmp(aText, aConstant) == 0; }
 
-// The device's container that stands for one of the containers of a Windows Media Player or an Xbox; NULL when the ID
-// is none of theirs.
+// The device's container for the ID of a container of Windows Media Player and Xbox; NULL for another ID.
 static const char* ContainerOf(const char* anObjectID)
 {
     static const struct
@@ -190,7 +189,7 @@ template <typename... Arguments>
 void CallWith(void (*anAnswer)(UPnPHook*, Arguments...), UPnPHook* aUPnPHook, VariableArguments* anArguments)
 {
     const std::tuple<Arguments...> theArguments{ Next<Arguments>(anArguments)... };
-    std::apply([=](Arguments... aTaken) { anAnswer(aUPnPHook, aTaken...); }, theArguments);
+    std::apply([=](Arguments... anArgument) { anAnswer(aUPnPHook, anArgument...); }, theArguments);
 }
 
 template <auto Answer>

@@ -134,14 +134,14 @@ static Description Splice(std::string_view aTemplate, Insertions* anInsertions)
 namespace
 {
 
-// What the service descriptions of a hook have for a client.
-class ServiceOffer
+// The parts of service descriptions that a hook has for a client.
+class AvailableParts
 {
 public:
-    ServiceOffer(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession);
-    ~ServiceOffer();
-    ServiceOffer(const ServiceOffer&) = delete;
-    ServiceOffer& operator=(const ServiceOffer&) = delete;
+    AvailableParts(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession);
+    ~AvailableParts();
+    AvailableParts(const AvailableParts&) = delete;
+    AvailableParts& operator=(const AvailableParts&) = delete;
 
     std::string_view Choose(const char* aPartName, std::string_view aPart) const;
 
@@ -149,15 +149,15 @@ private:
     PartNames mIncluded;
     struct
     {
-        bool mfReplaces; // parts with its name, which are dropped when it has no values
-        char* mText;     // owned
+        bool mfReplaces; // the parts with its name; they are dropped when it has no text
+        char* mText;     // owned; NULL without values
         size_t mLength;
     } mLists[kValueListCount] = {};
 };
 
 } // namespace
 
-ServiceOffer::ServiceOffer(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession)
+AvailableParts::AvailableParts(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession)
 {
     for (size_t i = 0; i < kUPnPHookFeature_Count; ++i)
     {
@@ -184,14 +184,14 @@ ServiceOffer::ServiceOffer(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession)
     }
 }
 
-ServiceOffer::~ServiceOffer()
+AvailableParts::~AvailableParts()
 {
     for (auto& theList : mLists)
         free(theList.mText);
 }
 
-// What becomes of a part: itself, a list instead, or nothing. The first rule that applies decides.
-std::string_view ServiceOffer::Choose(const char* aPartName, std::string_view aPart) const
+// Gives what replaces the part's marker: the part, a list, or nothing. The first rule that applies decides.
+std::string_view AvailableParts::Choose(const char* aPartName, std::string_view aPart) const
 {
     if (mIncluded.AreIn(aPartName)) { return aPart; }
     for (size_t i = 0; i < kValueListCount; ++i)
@@ -207,11 +207,11 @@ std::string_view ServiceOffer::Choose(const char* aPartName, std::string_view aP
 Description RewriteService(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession, std::string_view aTemplate,
                            const OptionalParts& aParts)
 {
-    const ServiceOffer theOffer(aUPnPHook, aSession);
+    const AvailableParts theAvailable(aUPnPHook, aSession);
     Insertions theInsertions(aParts);
     for (size_t i = 0; i < theInsertions.mCount; ++i)
     {
-        theInsertions.mItems[i].mText = theOffer.Choose(aParts.mNames[i], { aParts.mTexts[i], aParts.mLengths[i] });
+        theInsertions.mItems[i].mText = theAvailable.Choose(aParts.mNames[i], { aParts.mTexts[i], aParts.mLengths[i] });
     }
     return Splice(aTemplate, &theInsertions);
 }

@@ -1,11 +1,11 @@
 #pragma once
 
-/* Descriptions: the optional parts that a hook includes, spliced into a template in which "%@" marks their places. */
+/* Descriptions: templates in which "%@" marks the places of optional parts, and what of these a hook includes. */
 
 #include <UPnP/Utilities/UPnPHook.h>
 #include <string_view>
 
-/* What the questions on descriptions are answered with; both in UPnPHook.cpp, where their assertions are. */
+/* The answers to the questions on descriptions. They are in UPnPHook.cpp, since their assertions report that file. */
 char* UPnPHook_GetServiceDescription(UPnPHook* aUPnPHook, ILibWebServer_Session* aSession, char* aServiceName,
                                      char* aServiceDescription, size_t aServiceDescriptionLength, char** anOptional,
                                      char** anOptionalName, size_t* anOptionalLength, size_t* aBufferLength);

@@ -1,6 +1,6 @@
 #pragma once
 
-/* What the features switch, a row each: the one place to add a feature to, beside its constant. */
+/* What each feature switches. A new feature takes a constant in UPnPHook.h and a row here. */
 
 #include <UPnP/Utilities/UPnPHook.h>
 #include <array>
@@ -9,14 +9,14 @@
 namespace DeviceHook
 {
 
-/* What the part name of a feature is good for. */
+/* What a feature does with its part name. */
 enum FeatureUse
 {
     kUse_None = 0,
     kUse_Service = 1, // the parts of service descriptions with that name are included while it is on
     kUse_Device = 2,  // likewise in device descriptions
     kUse_Event = 4,   // the event with that name is sent while it is on
-    kUse_WhileOff = 8 // a negative switch: parts are included while it is off
+    kUse_WhileOff = 8 // a negative switch: service parts are included while it is off
 };
 
 struct Feature

@@ -1,11 +1,11 @@
 #pragma once
 
-/* The values that service descriptions allow state variables of AVTransport, as far as the hook says them. */
+/* The allowed values of state variables of AVTransport that depend on the hook. */
 
 #include <UPnP/Utilities/UPnPHook.h>
 
-/** @return the values of a list separated by commas as XML, as they stand, empty ones skipped: a new text, released
- *          with free; NULL when the list has no value. */
+/** @return the values of a comma-separated list as an allowedValueList, not escaped, without empty ones: a new text,
+ *          released with free; NULL when the list has no value. */
 char* UPnPHook_GetAllowedValueListStr(const char* anAllowedValueListStr);
 
 namespace DeviceHook
@@ -15,7 +15,7 @@ namespace DeviceHook
 struct ValueList
 {
     const char* mPartName;
-    char* (*mNewValues)(UPnPHook* aUPnPHook); // the hook's values, separated by commas; NULL when it has no say
+    char* (*mNewValues)(UPnPHook* aUPnPHook); // new, comma-separated; NULL when the list replaces nothing
 };
 
 constexpr size_t kValueListCount = 4;
