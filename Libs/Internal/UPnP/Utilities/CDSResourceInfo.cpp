@@ -259,9 +259,12 @@ void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKee
 
 // ---- The choice ----
 
-static CDS::Targets TargetsOf(const uint32* anAddresses, uint32 aCount)
+static int ChooseFor(const CDS::Renderer& aRenderer, const zoPackedData_t* aResourceInfo, int* aConfidence)
 {
-    return { anAddresses, anAddresses ? aCount : 0 };
+    CDS::Resources theResources(aResourceInfo);
+    const CDS::Choice theChoice = CDS::Choose(&theResources, aRenderer);
+    if (aConfidence) { *aConfidence = theChoice.mConfidence; }
+    return theChoice.mResource;
 }
 
 int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList,
@@ -270,12 +273,12 @@ int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProto
                                             const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
                                             uint32 aTargetIpCount, bool afSearchingThumbnail)
 {
-    CDS::Resources theResources(aResourceInfo);
-    const CDS::Renderer theRenderer = { aSinkProtocolInfoList, aSupportedProtocolSchemeList, aPreferredSchemeOrder,
-                                        TargetsOf(aTargetIPAddresses, aTargetIpCount), afSearchingThumbnail };
-    const CDS::Choice theChoice = CDS::Choose(&theResources, theRenderer, kRendererPlayConfidence_ShouldNot);
-    if (aConfidence) { *aConfidence = theChoice.mConfidence; }
-    return theChoice.mResource;
+    return ChooseFor({ aSinkProtocolInfoList,
+                       aSupportedProtocolSchemeList.c_str(),
+                       aPreferredSchemeOrder.c_str(),
+                       { aTargetIPAddresses, aTargetIpCount },
+                       afSearchingThumbnail },
+                     aResourceInfo, aConfidence);
 }
 
 int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int* aConfidence,
@@ -291,9 +294,12 @@ int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtoco
                                           const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
                                           uint32 aTargetIPCount)
 {
-    return GetBestResourceIndexEx(aSinkProtocolInfoList, CDS::GetSupportedProtocols(aSinkProtocolInfoList),
-                                  aResourceInfo, aConfidence, aPreferredSchemeOrder, aTargetIPAddresses, aTargetIPCount,
-                                  false);
+    return ChooseFor({ aSinkProtocolInfoList,
+                       nullptr,
+                       aPreferredSchemeOrder.c_str(),
+                       { aTargetIPAddresses, aTargetIPCount },
+                       false },
+                     aResourceInfo, aConfidence);
 }
 
 int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolInfo, int* aConfidence,
@@ -310,58 +316,68 @@ int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolI
                                                  bool afSearchForThumbnail)
 {
     zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(aSinkProtocolInfo.c_str(), 0);
-    const int theBest =
-        GetBestResourceIndexEx(theList, CDS::GetSupportedProtocols(theList), aResourceInfo, aConfidence,
-                               aPreferredSchemeOrder, aTargetIPAddresses, aTargetIPCount, afSearchForThumbnail);
+    const int theBest = ChooseFor({ theList,
+                                    nullptr,
+                                    aPreferredSchemeOrder.c_str(),
+                                    { aTargetIPAddresses, aTargetIPCount },
+                                    afSearchForThumbnail },
+                                  aResourceInfo, aConfidence);
     zoDLNAProtocolInfoList_Delete(theList);
     return theBest;
+}
+
+// ---- Pictures ----
+
+// A type with commas makes a list of several protocol infos.
+static int ChooseThumbnailFromStr(zoPackedData_t* aResourceInfo, const char* aThumbnailType, CDS::Targets aTargets)
+{
+    zoCString theSink;
+    theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg",
+                   aThumbnailType);
+    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(theSink.c_str(), 0);
+    int theConfidence = kRendererPlayConfidence_WillNot;
+    const int theBest = ChooseFor({ theList, nullptr, "http", aTargets, true }, aResourceInfo, &theConfidence);
+    zoDLNAProtocolInfoList_Delete(theList);
+    return theConfidence >= kRendererPlayConfidence_May ? theBest : -1;
 }
 
 int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses,
                                                   uint32 aTargetIPCount)
 {
     if (!aThumbnailType) { return -1; }
+    const CDS::Targets theTargets(aTargetIPAddresses, aTargetIPCount);
+    if (strchr(aThumbnailType, ',')) { return ChooseThumbnailFromStr(mPackedData, aThumbnailType, theTargets); }
     CDS::Resources theResources(mPackedData);
-    return CDS::ChooseThumbnail(&theResources, aThumbnailType, TargetsOf(aTargetIPAddresses, aTargetIPCount));
+    return CDS::ChooseThumbnailOfType(&theResources, aThumbnailType, theTargets);
 }
 
 zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                           uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    const CDS::AlbumArt theBest = CDS::ChooseAlbumArt(mAlbumArtURIArray, CDS::ProfilesOrDefault(aPreferedProfileIDList),
-                                                      TargetsOf(aTargetIPAddresses, aTargetIPCount));
-    if (aProfileID) { *aProfileID = theBest.mProfile; }
-    return theBest.mURI;
+    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(
+        mAlbumArtURIArray, CDS::ProfilesOrDefault(aPreferedProfileIDList), { aTargetIPAddresses, aTargetIPCount });
+    if (aProfileID) { *aProfileID = theAlbumArt.mProfile; }
+    return theAlbumArt.mURI;
 }
 
 zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                            uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    const zoCString theProfiles = CDS::ProfilesOrDefault(aPreferedProfileIDList);
-    zoCString theAlbumArtProfile;
-    const zoCString theAlbumArt = GetAlbumArtURI(theProfiles, &theAlbumArtProfile, aTargetIPAddresses, aTargetIPCount);
-
-    int theIndex = -1;
-    if (theAlbumArt.IsEmpty() || !theProfiles.Contains(theAlbumArtProfile))
+    const std::string_view theProfiles = CDS::ProfilesOrDefault(aPreferedProfileIDList);
+    const CDS::Targets theTargets(aTargetIPAddresses, aTargetIPCount);
+    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(mAlbumArtURIArray, theProfiles, theTargets);
+    const bool fHasAlbumArt = *theAlbumArt.mURI != '\0';
+    if (!fHasAlbumArt || !CDS::HasListedProfile(theAlbumArt, theProfiles))
     {
-        const CDS::Targets theTargets = TargetsOf(aTargetIPAddresses, aTargetIPCount);
-        theIndex = CDS::ChooseThumbnailOfProfiles(mPackedData, theProfiles, theTargets);
+        CDS::Resources theResources(mPackedData);
+        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, theTargets);
+        if (theIndex >= 0)
+        {
+            if (aProfileID) { *aProfileID = theResources.GetProfile(static_cast<uint32>(theIndex)); }
+            return GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
+        }
     }
-
-    zoCString theResult;
-    zoCString theProfile;
-    if (theIndex >= 0)
-    {
-        theResult = GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
-        zoDLNAProtocolInfo_t* theInfo = CDS::NewProtocolInfo(mPackedData, static_cast<uint32>(theIndex));
-        theProfile = zoDLNAProtocolInfo_GetProfile(theInfo);
-        zoDLNAProtocolInfo_Delete(theInfo);
-    }
-    else if (!theAlbumArt.IsEmpty() && theProfiles.Contains(theAlbumArtProfile.BeforeFirst('_') + '_'))
-    {
-        theResult = theAlbumArt;
-        theProfile = theAlbumArtProfile;
-    }
-    if (aProfileID) { *aProfileID = theProfile; }
-    return theResult;
+    const bool fTakesAlbumArt = fHasAlbumArt && CDS::HasListedFamily(theAlbumArt, theProfiles);
+    if (aProfileID) { *aProfileID = fTakesAlbumArt ? theAlbumArt.mProfile : ""; }
+    return fTakesAlbumArt ? theAlbumArt.mURI : "";
 }

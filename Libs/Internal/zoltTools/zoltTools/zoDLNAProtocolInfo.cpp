@@ -1,129 +1,41 @@
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Append.h>
+#include <Shared/Sizes.h>
+#include <Shared/Split.h>
 #include <algorithm>
-#include <iterator>
-#include <stdint.h>
+#include <new>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/Private/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoMemory.h>
 
+using Shared::NextItem;
+using std::string_view;
+
 namespace
 {
 
-using Run = zoDLNARun_t;
-
-const int kFieldCount = 4;
-
-// The fields of a text without their blanks. The first mCount are there, the others are missing and empty.
-struct Fields
-{
-    Run mField[kFieldCount];
-    int mCount;
-    bool mfHasBlanks; // perhaps; inside the fields, too
-    Run mWhole;       // the text that the fields are in, when nothing is to be removed from it; else none
-};
-
-// What is looked for in the fourth field; the first of a name counts.
+// What is looked for in the fourth field; the first parameter of a name counts.
 struct Parameters
 {
-    Run mProfile;
-    Run mConverted;
-    bool mfHasBlanks; // around a parameter
-};
-
-enum Field
-{
-    kField_Protocol,
-    kField_Network,
-    kField_MimeType,
-    kField_Additional
+    string_view mProfile;
+    string_view mConversion;
 };
 
 } // namespace
 
-// ---- Runs of text ----
+static string_view TrimSpaces(string_view aText) { return Shared::Trim(aText, Shared::IsSpace); }
 
-static char ToLower(char aCharacter)
+static string_view ViewOf(const char* aText, size_t aLength)
 {
-    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter + ('a' - 'A')) : aCharacter;
+    return aText ? string_view(aText, strnlen(aText, aLength)) : string_view("");
 }
 
-static bool IsBlank(char aCharacter)
-{
-    return aCharacter == ' ' || aCharacter == '\t' || aCharacter == '\r' || aCharacter == '\n';
-}
+// ---- Blanks ----
 
-// Setting bit 5 of each byte makes letters of either case equal; that it makes some others equal, too, does no harm.
-static uint32 AddToHash(uint32 aHash, const char* aBytes, size_t aCount)
-{
-    uint32 theWord = 0;
-    memcpy(&theWord, aBytes, aCount);
-    const uint32 theHash = (aHash ^ (theWord | 0x20202020u)) * 0x9E3779B1u;
-    return theHash ^ (theHash >> 15);
-}
-
-uint32 zoDLNARun_Hash(Run aRun)
-{
-    uint32 theHash = static_cast<uint32>(aRun.mLength);
-    size_t i = 0;
-    for (; aRun.mLength - i >= sizeof(uint32); i += sizeof(uint32))
-        theHash = AddToHash(theHash, aRun.mData + i, sizeof(uint32));
-    return i < aRun.mLength ? AddToHash(theHash, aRun.mData + i, aRun.mLength - i) : theHash;
-}
-
-int zoDLNARun_Compare(Run aLeft, Run aRight)
-{
-    const size_t theLength = std::min(aLeft.mLength, aRight.mLength);
-    for (size_t i = 0; i < theLength; ++i)
-    {
-        const int theDifference = ToLower(aLeft.mData[i]) - ToLower(aRight.mData[i]);
-        if (theDifference != 0) { return theDifference; }
-    }
-    return (aLeft.mLength > theLength) - (aRight.mLength > theLength);
-}
-
-int zoDLNARun_Equal(Run aLeft, Run aRight)
-{
-    if (aLeft.mLength != aRight.mLength) { return 0; }
-    return memcmp(aLeft.mData, aRight.mData, aLeft.mLength) == 0 || zoDLNARun_Compare(aLeft, aRight) == 0;
-}
-
-Run zoDLNARun_Trim(Run aRun)
-{
-    for (; aRun.mLength > 0 && IsBlank(aRun.mData[0]); --aRun.mLength)
-        ++aRun.mData;
-    while (aRun.mLength > 0 && IsBlank(aRun.mData[aRun.mLength - 1]))
-        --aRun.mLength;
-    return aRun;
-}
-
-// As NextPart, with the blanks.
-static bool NextPiece(Run* aRest, char aSeparator, Run* aPiece)
-{
-    if (!aRest->mData) { return false; }
-    *aPiece = *aRest;
-    const void* theSeparator = memchr(aRest->mData, aSeparator, aRest->mLength);
-    if (!theSeparator)
-    {
-        *aRest = { nullptr, 0 };
-        return true;
-    }
-    aPiece->mLength = static_cast<size_t>(static_cast<const char*>(theSeparator) - aRest->mData);
-    *aRest = { aRest->mData + aPiece->mLength + 1, aRest->mLength - aPiece->mLength - 1 };
-    return true;
-}
-
-int zoDLNARun_NextPart(Run* aRest, char aSeparator, Run* aPart)
-{
-    if (!NextPiece(aRest, aSeparator, aPart)) { return 0; }
-    *aPart = zoDLNARun_Trim(*aPart);
-    return 1;
-}
-
-// ---- From text to fields ----
-
-// Whether one of eight bytes is a blank or another control byte.
+// True if one of eight bytes is a blank or another control byte.
 static uint64 HasBlank(const char* aBytes)
 {
     uint64 theWord;
@@ -131,247 +43,222 @@ static uint64 HasBlank(const char* aBytes)
     return (theWord - 0x2121212121212121u) & ~theWord & 0x8080808080808080u;
 }
 
-static bool HasBlanks(Run aText)
+// True if there may be something to remove; blanks inside a field count, too.
+static bool HasBlanks(string_view aText)
 {
-    uint64 theBlanks = 0;
-    const char* theEnd = aText.mData + aText.mLength;
-    if (aText.mLength < sizeof(uint64)) { return std::any_of(aText.mData, theEnd, IsBlank); }
-    for (const char* theWord = aText.mData; theWord < theEnd - sizeof(uint64); theWord += sizeof(uint64))
+    const char* theEnd = aText.data() + aText.size();
+    if (aText.size() < sizeof(uint64)) { return std::any_of(aText.data(), theEnd, Shared::IsSpace); }
+    uint64 theBlanks = HasBlank(theEnd - sizeof(uint64));
+    for (const char* theWord = aText.data(); theWord < theEnd - sizeof(uint64); theWord += sizeof(uint64))
         theBlanks |= HasBlank(theWord);
-    return (theBlanks | HasBlank(theEnd - sizeof(uint64))) != 0;
+    return theBlanks != 0;
 }
 
-static void SplitFields(Fields* aFields, Run aText)
+static char* MoveTrimmed(char* anEnd, string_view aText)
 {
-    const bool fHasBlanks = HasBlanks(aText);
-    Run theRest = aText;
-    int theCount = 0;
-    while (theCount < kField_Additional && NextPiece(&theRest, ':', &aFields->mField[theCount]))
-        ++theCount;
-    if (theRest.mData) { aFields->mField[theCount++] = theRest; }
-    for (int i = 0; fHasBlanks && i < theCount; ++i)
-        aFields->mField[i] = zoDLNARun_Trim(aFields->mField[i]);
-    for (int i = theCount; i < kFieldCount; ++i)
-        aFields->mField[i] = { "", 0 };
-    aFields->mCount = theCount;
-    aFields->mfHasBlanks = fHasBlanks;
-    aFields->mWhole = fHasBlanks ? Run{ nullptr, 0 } : aText;
+    const string_view theText = TrimSpaces(aText);
+    memmove(anEnd, theText.data(), theText.size());
+    return anEnd + theText.size();
 }
 
-// Where the value of a parameter belongs, when it is one that is looked for and not yet found; else NULL. Both names
-// are "DLNA.ORG_" and two letters; the letters tell most parameters apart.
-static Run* TargetOf(Parameters* aParameters, Run aParameter)
+// Removes in place the blanks around fields and parameters. @return the new length.
+static size_t RemoveBlanks(char* aText, size_t aLength)
 {
-    const Run thePrefix = { "DLNA.ORG_", 9 };
-    const size_t kNameLength = 11;
-    if (aParameter.mLength <= kNameLength || aParameter.mData[kNameLength] != '=') { return nullptr; }
-    const char theFirst = ToLower(aParameter.mData[kNameLength - 2]);
-    const char theSecond = ToLower(aParameter.mData[kNameLength - 1]);
-    Run* theTarget = theFirst == 'p' && theSecond == 'n'   ? &aParameters->mProfile
-                     : theFirst == 'c' && theSecond == 'i' ? &aParameters->mConverted
-                                                           : nullptr;
-    if (!theTarget || theTarget->mData) { return nullptr; }
-    const bool fHasPrefix = memcmp(aParameter.mData, thePrefix.mData, thePrefix.mLength) == 0 ||
-                            zoDLNARun_Equal({ aParameter.mData, thePrefix.mLength }, thePrefix);
+    string_view theRest(aText, aLength);
+    string_view theItem;
+    char* theEnd = aText;
+    for (int i = 0; i < 3 && NextItem(&theRest, ':', &theItem); ++i)
+    {
+        theEnd = MoveTrimmed(theEnd, theItem);
+        if (theRest.data()) { *theEnd++ = ':'; }
+    }
+    while (NextItem(&theRest, ';', &theItem))
+    {
+        theEnd = MoveTrimmed(theEnd, theItem);
+        if (theRest.data()) { *theEnd++ = ';'; }
+    }
+    return static_cast<size_t>(theEnd - aText);
+}
+
+// ---- Reading ----
+
+// Both names are this long, with "DLNA.ORG_" before two letters and "=" after them.
+static const size_t kNameLength = sizeof("DLNA.ORG_PN=") - 1;
+
+// @return where the value of a parameter belongs; NULL when it is not looked for, or known. The letters tell most
+// parameters apart.
+static string_view* FindTarget(Parameters* aParameters, string_view aParameter)
+{
+    const string_view thePrefix("DLNA.ORG_");
+    if (aParameter.size() < kNameLength || aParameter[kNameLength - 1] != '=') { return nullptr; }
+    const char theFirst = Shared::ToLower(aParameter[thePrefix.size()]);
+    const char theSecond = Shared::ToLower(aParameter[thePrefix.size() + 1]);
+    string_view* theTarget = theFirst == 'p' && theSecond == 'n'   ? &aParameters->mProfile
+                             : theFirst == 'c' && theSecond == 'i' ? &aParameters->mConversion
+                                                                   : nullptr;
+    if (!theTarget || theTarget->data()) { return nullptr; }
+    const bool fHasPrefix = memcmp(aParameter.data(), thePrefix.data(), thePrefix.size()) == 0 ||
+                            Shared::EqualsIgnoringCase(aParameter.substr(0, thePrefix.size()), thePrefix);
     return fHasPrefix ? theTarget : nullptr;
 }
 
-static Parameters ReadParameters(const Fields& aFields)
+// Stops when both are found, or what is left is too short for one.
+static Parameters ReadParameters(string_view aField, bool afHasBlanks)
 {
-    const size_t kValueBegin = 12;
-    Parameters theParameters = {};
-    Run theRest = aFields.mField[kField_Additional];
-    Run thePiece;
-    while (NextPiece(&theRest, ';', &thePiece))
+    Parameters theParameters;
+    string_view theItem;
+    while (aField.size() >= kNameLength && !(theParameters.mProfile.data() && theParameters.mConversion.data()))
     {
-        const Run thePart = aFields.mfHasBlanks ? zoDLNARun_Trim(thePiece) : thePiece;
-        if (thePart.mLength != thePiece.mLength) { theParameters.mfHasBlanks = true; }
-        Run* theTarget = TargetOf(&theParameters, thePart);
-        if (theTarget) { *theTarget = { thePart.mData + kValueBegin, thePart.mLength - kValueBegin }; }
+        NextItem(&aField, ';', &theItem);
+        if (afHasBlanks) { theItem = TrimSpaces(theItem); }
+        string_view* theTarget = FindTarget(&theParameters, theItem);
+        if (theTarget) { *theTarget = theItem.substr(kNameLength); }
     }
     return theParameters;
 }
 
-// ---- Building the block ----
-
-static Run AppendRun(char** anEnd, Run aRun)
+// Takes protocol and network off a text.
+static void ReadTransport(string_view* aText, string_view* aProtocol, string_view* aNetwork)
 {
-    const Run theCopy = { *anEnd, aRun.mLength };
-    memcpy(*anEnd, aRun.mData, aRun.mLength);
-    *anEnd += aRun.mLength;
-    return theCopy;
-}
-
-static void AppendParameters(char** anEnd, Run anAdditional)
-{
-    Run thePart;
-    for (bool fIsFirst = true; zoDLNARun_NextPart(&anAdditional, ';', &thePart); fIsFirst = false)
+    const string_view kMostCommon("http-get:*:");
+    if (aText->size() > kMostCommon.size() && memcmp(aText->data(), kMostCommon.data(), kMostCommon.size()) == 0)
     {
-        if (!fIsFirst) { *(*anEnd)++ = ';'; }
-        AppendRun(anEnd, thePart);
+        *aProtocol = aText->substr(0, 8);
+        *aNetwork = aText->substr(9, 1);
+        aText->remove_prefix(kMostCommon.size());
+        return;
     }
+    NextItem(aText, ':', aProtocol);
+    NextItem(aText, ':', aNetwork);
 }
 
-// Writes the text, which needs no change, at anEnd and points the first three fields at it.
-static void WriteWhole(char** anEnd, Fields* aFields)
+// Reads a normalised text. The profile has no NUL yet.
+static void Read(zoDLNAProtocolInfo_t* anInfo, string_view aText)
 {
-    const Run theCopy = AppendRun(anEnd, aFields->mWhole);
-    const char* theField = theCopy.mData;
-    for (int i = 0; i < aFields->mCount && i < kField_Additional; ++i)
+    string_view theMimeType;
+    string_view theRest = aText;
+    anInfo->mText = aText;
+    ReadTransport(&theRest, &anInfo->mProtocol, &anInfo->mNetwork);
+    NextItem(&theRest, ':', &theMimeType);
+    const void* theParameters = memchr(theMimeType.data() ? theMimeType.data() : "", ';', theMimeType.size());
+    if (theParameters)
     {
-        aFields->mField[i].mData = theField;
-        theField += aFields->mField[i].mLength + 1;
+        anInfo->mMimeParameters = theMimeType;
+        NextItem(&anInfo->mMimeParameters, ';', &theMimeType);
+        theMimeType = TrimSpaces(theMimeType);
     }
+    anInfo->mMimeType = theMimeType;
+    const Parameters theFound = ReadParameters(theRest, false);
+    anInfo->mProfile = theFound.mProfile;
+    anInfo->mfIsConverted = theFound.mConversion == "1";
 }
 
-// As WriteWhole, without the blanks.
-static void WriteFields(char** anEnd, Fields* aFields, bool afHasBlanks)
+void ProtocolInfo::Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength)
 {
-    for (int i = 0; i < aFields->mCount; ++i)
+    const size_t theLength = HasBlanks({ aText, aLength }) ? RemoveBlanks(aText, aLength) : aLength;
+    aText[theLength] = '\0';
+    new (anInfo) zoDLNAProtocolInfo_t{};
+    Read(anInfo, { aText, theLength });
+    if (anInfo->mProfile.empty()) { return; }
+    char* theProfileEnd = aText + (anInfo->mProfile.data() + anInfo->mProfile.size() - aText);
+    anInfo->mfIsCut = *theProfileEnd != '\0';
+    *theProfileEnd = '\0';
+}
+
+// ---- Making ----
+
+// A new object with room for a text after it.
+static zoDLNAProtocolInfo_t* NewBlock(size_t aTextLength)
+{
+    return static_cast<zoDLNAProtocolInfo_t*>(
+        zoMalloc(Shared::AddSizes(sizeof(zoDLNAProtocolInfo_t) + 1, aTextLength)));
+}
+
+static zoDLNAProtocolInfo_t* InitBlock(zoDLNAProtocolInfo_t* anInfo, size_t aTextLength)
+{
+    ProtocolInfo::Init(anInfo, reinterpret_cast<char*>(anInfo + 1), aTextLength);
+    anInfo->mfIsOwnBlock = true;
+    return anInfo;
+}
+
+zoDLNAProtocolInfo_t* ProtocolInfo::NewFromFields(const string_view* aFields)
+{
+    size_t theLength = 3; // colons
+    for (int i = 0; i < 4; ++i)
+        theLength = Shared::AddSizes(theLength, aFields[i].size());
+    zoDLNAProtocolInfo_t* theInfo = NewBlock(theLength);
+    char* theEnd = reinterpret_cast<char*>(theInfo + 1);
+    for (int i = 0; i < 4; ++i)
     {
-        if (i > 0) { *(*anEnd)++ = ':'; }
-        if (i == kField_Additional && afHasBlanks) { AppendParameters(anEnd, aFields->mField[i]); }
-        else { aFields->mField[i] = AppendRun(anEnd, aFields->mField[i]); }
+        if (i > 0) { *theEnd++ = ':'; }
+        theEnd = Shared::Append(theEnd, aFields[i]);
     }
+    return InitBlock(theInfo, theLength);
 }
 
-static void WriteText(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Fields* aFields, bool afHasBlanks)
+static zoDLNAProtocolInfo_t* NewFromText(string_view aText)
 {
-    anInfo->mText = *anEnd;
-    if (aFields->mWhole.mData) { WriteWhole(anEnd, aFields); }
-    else { WriteFields(anEnd, aFields, afHasBlanks); }
-    anInfo->mTextLength = static_cast<size_t>(*anEnd - anInfo->mText);
-    *(*anEnd)++ = '\0';
-}
-
-static void ReadMimeType(zoDLNAProtocolInfo_t* anInfo, Run* aParameters, Run aField, bool afHasParameters)
-{
-    anInfo->mMimeType = aField;
-    anInfo->mMimeParameters = aParameters;
-    if (!afHasParameters) { return; }
-    zoDLNARun_NextPart(&aField, ';', &anInfo->mMimeType);
-    Run thePart;
-    while (zoDLNARun_NextPart(&aField, ';', &thePart))
-    {
-        if (thePart.mLength > 0) { aParameters[anInfo->mMimeParameterCount++] = thePart; }
-    }
-    std::sort(aParameters, aParameters + anInfo->mMimeParameterCount,
-              [](Run aLeft, Run aRight) { return zoDLNARun_Compare(aLeft, aRight) < 0; });
-}
-
-static void WriteProfile(zoDLNAProtocolInfo_t* anInfo, char** anEnd, Run aProfile)
-{
-    if (aProfile.mLength == 0) { return; }
-    anInfo->mProfile = AppendRun(anEnd, aProfile).mData;
-    *(*anEnd)++ = '\0';
-    anInfo->mfThumbnail = strcmp(anInfo->mProfile, "JPEG_TN") == 0 || strcmp(anInfo->mProfile, "PNG_TN") == 0;
-}
-
-static size_t BoundTextSize(const Fields& aFields, Run aProfile)
-{
-    size_t theSize = kFieldCount + aProfile.mLength + 1; // separators, two NULs
-    for (const Run& theField : aFields.mField)
-        theSize += theField.mLength;
-    return theSize;
-}
-
-static bool IsConverted(const Parameters& aParameters)
-{
-    return aParameters.mConverted.mLength == 1 && *aParameters.mConverted.mData == '1';
-}
-
-// Changes the fields.
-static zoDLNAProtocolInfo_t* NewFromFields(Fields* aFields)
-{
-    const Parameters theParameters = ReadParameters(*aFields);
-    const Run theMimeType = aFields->mField[kField_MimeType];
-    const bool fHasMimeParameters = memchr(theMimeType.mData, ';', theMimeType.mLength) != nullptr;
-    const size_t theMimeParameterBound =
-        fHasMimeParameters
-            ? static_cast<size_t>(std::count(theMimeType.mData, theMimeType.mData + theMimeType.mLength, ';'))
-            : 0;
-
-    const size_t theTextSize = BoundTextSize(*aFields, theParameters.mProfile);
-    if (theMimeParameterBound > (SIZE_MAX / 2 - theTextSize - sizeof(zoDLNAProtocolInfo_t)) / sizeof(Run)) { abort(); }
-    char* theBlock =
-        static_cast<char*>(zoMalloc(sizeof(zoDLNAProtocolInfo_t) + theMimeParameterBound * sizeof(Run) + theTextSize));
-    zoDLNAProtocolInfo_t* theInfo = reinterpret_cast<zoDLNAProtocolInfo_t*>(theBlock);
-    memset(theInfo, 0, sizeof(*theInfo));
-    Run* theMimeParameters = reinterpret_cast<Run*>(theInfo + 1);
-    char* theEnd = reinterpret_cast<char*>(theMimeParameters + theMimeParameterBound);
-
-    WriteText(theInfo, &theEnd, aFields, theParameters.mfHasBlanks);
-    WriteProfile(theInfo, &theEnd, theParameters.mProfile);
-    ReadMimeType(theInfo, theMimeParameters, aFields->mField[kField_MimeType], fHasMimeParameters);
-    theInfo->mProtocol = aFields->mField[kField_Protocol];
-    theInfo->mNetwork = aFields->mField[kField_Network];
-    theInfo->mfConverted = IsConverted(theParameters);
-    return theInfo;
-}
-
-static Fields FieldsOf(const char* aText, size_t aLength)
-{
-    Fields theFields;
-    SplitFields(&theFields, { aText ? aText : "", aText ? strnlen(aText, aLength) : 0 });
-    return theFields;
-}
-
-zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromFields(const zoDLNARun_t* aFields)
-{
-    Fields theFields = { { aFields[0], aFields[1], aFields[2], aFields[3] }, kFieldCount, false, { nullptr, 0 } };
-    return NewFromFields(&theFields);
+    zoDLNAProtocolInfo_t* theInfo = NewBlock(aText.size());
+    memcpy(theInfo + 1, aText.data(), aText.size());
+    return InitBlock(theInfo, aText.size());
 }
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
 {
-    Fields theFields = FieldsOf(aText, aLength);
-    return NewFromFields(&theFields);
+    return NewFromText(ViewOf(aText, aLength));
 }
 
-void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo) { free(anInfo); }
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText, size_t aLength)
+{
+    const string_view theText = ViewOf(aText, aLength);
+    if (aSize < sizeof(zoDLNAProtocolInfo_t) || HasBlanks(theText)) { return NewFromText(theText); }
+    zoDLNAProtocolInfo_t* theInfo = new (aMemory) zoDLNAProtocolInfo_t{};
+    Read(theInfo, theText);
+    const string_view theProfile = theInfo->mProfile;
+    if (theProfile.empty()) { return theInfo; }
+    if (theProfile.size() >= aSize - sizeof(zoDLNAProtocolInfo_t)) { return NewFromText(theText); }
+    char* theCopy = reinterpret_cast<char*>(theInfo + 1);
+    *Shared::Append(theCopy, theProfile) = '\0';
+    theInfo->mProfile = { theCopy, theProfile.size() };
+    return theInfo;
+}
+
+void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo)
+{
+    if (anInfo && anInfo->mfIsOwnBlock) { free(anInfo); }
+}
 
 // ---- Asking ----
-
-int zoDLNARun_IsWildCard(Run aMimeType)
-{
-    const size_t theLength = aMimeType.mLength;
-    if (theLength == 0 || aMimeType.mData[theLength - 1] != '*') { return false; }
-    return theLength == 1 || aMimeType.mData[theLength - 2] == '/';
-}
-
-uint32 zoDLNAProtocolInfo_HashMimeType(const zoDLNAProtocolInfo_t* anInfo)
-{
-    return (zoDLNARun_Hash(anInfo->mMimeType) & ~1u) | (zoDLNARun_IsWildCard(anInfo->mMimeType) ? 1u : 0u);
-}
-
-uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo)
-{
-    return anInfo->mProfile ? zoDLNARun_Hash({ anInfo->mProfile, strlen(anInfo->mProfile) }) | 1u : 0;
-}
 
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength) { return !aText || !HasBlanks({ aText, aLength }); }
 
 int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator)
 {
-    const Parameters theParameters = ReadParameters(FieldsOf(aText, aLength));
-    const Run theProfile = theParameters.mProfile;
-    const bool fHasProfile = !aProfile || (theProfile.mLength > 0 && theProfile.mLength == strlen(aProfile) &&
-                                           memcmp(theProfile.mData, aProfile, theProfile.mLength) == 0);
-    return fHasProfile && (aConversionIndicator == -1 || IsConverted(theParameters) == (aConversionIndicator != 0));
+    string_view theRest = ViewOf(aText, aLength);
+    string_view theField;
+    const bool fHasBlanks = HasBlanks(theRest);
+    for (int i = 0; i < 3; ++i)
+        NextItem(&theRest, ':', &theField);
+    const Parameters theFound = ReadParameters(theRest, fHasBlanks);
+    const bool fHasProfile = !aProfile || (!theFound.mProfile.empty() && theFound.mProfile == aProfile);
+    return fHasProfile && (aConversionIndicator == -1 || (theFound.mConversion == "1") == (aConversionIndicator != 0));
 }
 
 char* zoDLNAProtocolInfo_GetStr(const zoDLNAProtocolInfo_t* anInfo)
 {
-    const size_t theLength = anInfo ? anInfo->mTextLength : 0;
-    char* theText = static_cast<char*>(zoMalloc(theLength + 1));
-    if (anInfo) { memcpy(theText, anInfo->mText, theLength); }
-    theText[theLength] = '\0';
-    return theText;
+    const string_view theText = anInfo ? anInfo->mText : string_view();
+    char* theCopy = static_cast<char*>(zoMalloc(theText.size() + 1));
+    *Shared::Append(theCopy, theText) = '\0';
+    if (anInfo && anInfo->mfIsCut)
+    {
+        theCopy[anInfo->mProfile.data() + anInfo->mProfile.size() - theText.data()] = ';';
+    }
+    return theCopy;
 }
 
 const char* zoDLNAProtocolInfo_GetProfile(const zoDLNAProtocolInfo_t* anInfo)
 {
-    return anInfo ? anInfo->mProfile : nullptr;
+    return anInfo && !anInfo->mProfile.empty() ? anInfo->mProfile.data() : nullptr;
 }
 
 int zoDLNAProtocolInfo_MatchPN(const zoDLNAProtocolInfo_t* anInfo, const char* aProfile)
@@ -380,11 +267,14 @@ int zoDLNAProtocolInfo_MatchPN(const zoDLNAProtocolInfo_t* anInfo, const char* a
     return theProfile && aProfile && strcmp(theProfile, aProfile) == 0;
 }
 
-int zoDLNAProtocolInfo_IsThumbnail(const zoDLNAProtocolInfo_t* anInfo) { return anInfo ? anInfo->mfThumbnail : 0; }
+int zoDLNAProtocolInfo_IsThumbnail(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return anInfo && (anInfo->mProfile == "JPEG_TN" || anInfo->mProfile == "PNG_TN");
+}
 
 int zoDLNAProtocolInfo_GetConversionIndicator(const zoDLNAProtocolInfo_t* anInfo)
 {
-    return anInfo ? anInfo->mfConverted : 0;
+    return anInfo && anInfo->mfIsConverted ? 1 : 0;
 }
 
 void zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfo_t* anInfo, int aUserData)

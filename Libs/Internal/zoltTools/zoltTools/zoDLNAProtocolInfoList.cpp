@@ -1,20 +1,20 @@
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
+#include <Shared/ASCII.h>
 #include <Shared/Sizes.h>
+#include <Shared/Split.h>
 #include <algorithm>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/Private/zoDLNAProtocolInfoList.h>
 
-namespace
-{
+using ProtocolInfo::CountOf;
+using ProtocolInfo::Slot;
+using ProtocolInfo::SlotAt;
+using std::string_view;
 
-using Run = zoDLNARun_t;
-
-const size_t kMinRoom = 8;
-const int kMostElements = 2048; // of a text
-
-} // namespace
+static const size_t kMinRoom = 8;
+static const size_t kMostElements = 2048; // of a text
 
 // ---- The gap buffer ----
 
@@ -83,7 +83,7 @@ static void RemoveSlot(zoDLNAProtocolInfoList_t* aList, size_t aPosition)
 
 // ---- The list ----
 
-void zoDLNAProtocolInfoList_DropCursor(zoDLNAProtocolInfoList_t* aList)
+void ProtocolInfo::DropCursor(zoDLNAProtocolInfoList_t* aList)
 {
     free(aList->mCursor.mOrder);
     free(aList->mCursor.mSupported);
@@ -91,42 +91,57 @@ void zoDLNAProtocolInfoList_DropCursor(zoDLNAProtocolInfoList_t* aList)
     aList->mCursor = {};
 }
 
-// Appends the element of that text, in which a backslash protects commas.
-static void AppendElement(zoDLNAProtocolInfoList_t* aList, Run aText)
+// Removes in place the backslashes before commas. @return the new length.
+static size_t RemoveEscapes(char* aText, size_t aLength)
 {
-    const Run theText = zoDLNARun_Trim(aText);
-    if (theText.mLength == 0) { return; }
-    if (!memchr(theText.mData, ',', theText.mLength))
-    {
-        zoDLNAProtocolInfoList_Add(aList, zoDLNAProtocolInfo_New(theText.mData, theText.mLength, 0), -1);
-        return;
-    }
-
-    char* theCopy = Shared::NewArray<char>(theText.mLength);
     size_t theLength = 0;
-    for (size_t i = 0; i < theText.mLength; ++i)
+    for (size_t i = 0; i < aLength; ++i)
     {
-        const bool fProtects = theText.mData[i] == '\\' && i + 1 < theText.mLength && theText.mData[i + 1] == ',';
-        if (!fProtects) { theCopy[theLength++] = theText.mData[i]; }
+        const bool fIsEscape = aText[i] == '\\' && i + 1 < aLength && aText[i + 1] == ',';
+        if (!fIsEscape) { aText[theLength++] = aText[i]; }
     }
-    zoDLNAProtocolInfoList_Add(aList, zoDLNAProtocolInfo_New(theCopy, theLength, 0), -1);
-    free(theCopy);
+    return theLength;
+}
+
+// Makes the elements of a text, which they keep and change. The byte after the text is theirs, too.
+static size_t InitElements(zoDLNAProtocolInfo_t* anElements, size_t aCapacity, char* aText, size_t aLength)
+{
+    const bool fMayHaveEscapes = memchr(aText, '\\', aLength) != nullptr;
+    string_view theRest(aText, aLength);
+    string_view theItem;
+    size_t theCount = 0;
+    while (theCount < aCapacity && Shared::NextEscapedItem(&theRest, ',', '\\', &theItem))
+    {
+        theItem = Shared::Trim(theItem, Shared::IsSpace);
+        if (theItem.empty()) { continue; }
+        char* theText = aText + (theItem.data() - aText);
+        const size_t theLength = fMayHaveEscapes ? RemoveEscapes(theText, theItem.size()) : theItem.size();
+        ProtocolInfo::Init(&anElements[theCount++], theText, theLength);
+    }
+    return theCount;
+}
+
+static void AddElementsOfText(zoDLNAProtocolInfoList_t* aList, const char* aText)
+{
+    const size_t theLength = strlen(aText);
+    const size_t theCommas = static_cast<size_t>(std::count(aText, aText + theLength, ','));
+    const size_t theCapacity = std::min(theCommas + 1, kMostElements);
+    zoDLNAProtocolInfo_t* theElements = static_cast<zoDLNAProtocolInfo_t*>(
+        zoMalloc(Shared::AddSizes(theCapacity * sizeof(zoDLNAProtocolInfo_t) + 1, theLength)));
+    char* theText = static_cast<char*>(memcpy(theElements + theCapacity, aText, theLength));
+    aList->mBlock = theElements;
+    aList->mEnd = InitElements(theElements, theCapacity, theText, theLength);
+    aList->mCapacity = aList->mEnd;
+    aList->mSlots = Shared::NewArray<Slot>(aList->mEnd);
+    for (size_t i = 0; i < aList->mEnd; ++i)
+        aList->mSlots[i] = { &theElements[i], 0 };
 }
 
 zoDLNAProtocolInfoList_t* zoDLNAProtocolInfoList_New(const char* aText, int /*aFlags*/)
 {
-    zoDLNAProtocolInfoList_t* theList =
-        static_cast<zoDLNAProtocolInfoList_t*>(zoMallocZeroed(sizeof(zoDLNAProtocolInfoList_t)));
-    if (!aText) { return theList; }
-    const char* theBegin = aText;
-    for (const char* theEnd = aText;; ++theEnd)
-    {
-        theEnd += strcspn(theEnd, ",");
-        if (*theEnd == ',' && theEnd > theBegin && theEnd[-1] == '\\') { continue; }
-        AppendElement(theList, { theBegin, static_cast<size_t>(theEnd - theBegin) });
-        if (*theEnd == '\0' || zoDLNAProtocolInfoList_GetCount(theList) == kMostElements) { return theList; }
-        theBegin = theEnd + 1;
-    }
+    zoDLNAProtocolInfoList_t* theList = new (zoMalloc(sizeof(zoDLNAProtocolInfoList_t))) zoDLNAProtocolInfoList_t{};
+    if (aText && *aText != '\0') { AddElementsOfText(theList, aText); }
+    return theList;
 }
 
 void zoDLNAProtocolInfoList_Delete(zoDLNAProtocolInfoList_t* aList)
@@ -134,7 +149,9 @@ void zoDLNAProtocolInfoList_Delete(zoDLNAProtocolInfoList_t* aList)
     if (!aList) { return; }
     for (size_t i = 0; i < CountOf(aList); ++i)
         zoDLNAProtocolInfo_Delete(SlotAt(aList, i)->mInfo);
-    zoDLNAProtocolInfoList_DropCursor(aList);
+    ProtocolInfo::DropCursor(aList);
+    ProtocolInfo::DropMatchIndex(aList);
+    free(aList->mBlock);
     free(aList->mSlots);
     free(aList);
 }
@@ -158,11 +175,10 @@ void zoDLNAProtocolInfoList_Add(zoDLNAProtocolInfoList_t* aList, zoDLNAProtocolI
         zoDLNAProtocolInfo_Delete(anInfo);
         return;
     }
-    zoDLNAProtocolInfoList_DropCursor(aList);
+    ProtocolInfo::DropCursor(aList);
+    ProtocolInfo::DropMatchIndex(aList);
     const size_t thePosition = HasPosition(aList, aPosition) ? static_cast<size_t>(aPosition) : CountOf(aList);
-    const uint32 theMimeTypeHash = zoDLNAProtocolInfo_HashMimeType(anInfo);
-    aList->mWildCardCount += theMimeTypeHash & 1u;
-    *InsertSlot(aList, thePosition) = { anInfo, theMimeTypeHash, zoDLNAProtocolInfo_HashProfile(anInfo), kNoRank };
+    *InsertSlot(aList, thePosition) = { anInfo, 0 };
 }
 
 void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList, int aPosition)
@@ -170,13 +186,13 @@ void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList, int aPositio
     if (!HasPosition(aList, aPosition)) { return; }
     const size_t thePosition = static_cast<size_t>(aPosition);
     const Slot* theSlot = SlotAt(aList, thePosition);
-    Cursor* theCursor = &aList->mCursor;
+    ProtocolInfo::Cursor* theCursor = &aList->mCursor;
     if (theCursor->mOrder)
     {
-        if (theSlot->mRank != kNoRank) { --theCursor->mRemaining[theSlot->mRank]; }
+        if (theSlot->mRank < theCursor->mRankCount) { --theCursor->mRemaining[theSlot->mRank]; }
         if (thePosition < theCursor->mPosition) { --theCursor->mPosition; }
     }
-    aList->mWildCardCount -= theSlot->mMimeTypeHash & 1u;
+    ProtocolInfo::DropMatchIndex(aList);
     zoDLNAProtocolInfo_Delete(theSlot->mInfo);
     RemoveSlot(aList, thePosition);
 }

@@ -61,6 +61,9 @@ ZOLTTOOLS_API void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList
  */
 ZOLTTOOLS_API int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList,
                                                const zoDLNAProtocolInfo_t* anInfo, int aFlags);
+/** @return what zoDLNAProtocolInfoList_Match returns for a list of anElement alone; 0 when it is NULL. */
+ZOLTTOOLS_API int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo,
+                                           int aFlags);
 /** @return the transport protocols of the list, separated by commas, each once (ignoring case), in the list's order; a
  *          new text released with free. */
 ZOLTTOOLS_API char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNAProtocolInfoList_t* aList);
@@ -75,6 +78,17 @@ ZOLTTOOLS_API char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNA
  */
 ZOLTTOOLS_API int zoDLNAProtocolInfoList_GetBestIndexForScheme(zoDLNAProtocolInfoList_t* aList, const char* anOrder,
                                                                const char* aSupported);
+
+/**
+ * Orders an array of protocol infos as draining a list of them would: those that take part first, best first.
+ * @param aSinkList   the list whose protocols are the supported ones when aSupported is NULL; may be NULL.
+ * @param anOrder, aSupported  as for zoDLNAProtocolInfoList_GetBestIndexForScheme.
+ * @param anInfos     aCount objects, which stay the caller's.
+ * @return how many take part; the order of the others is lost, so is what the array held of them.
+ */
+ZOLTTOOLS_API size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
+                                                         const char* aSupported, zoDLNAProtocolInfo_t** anInfos,
+                                                         size_t aCount);
 
 #ifdef __cplusplus
 }

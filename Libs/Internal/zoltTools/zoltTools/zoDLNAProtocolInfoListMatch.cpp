@@ -1,90 +1,484 @@
-// Whether a list plays what a protocol info describes.
+// Whether a list plays what a protocol info describes: element by element in short lists, by an index in long ones.
 
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Sizes.h>
+#include <Shared/Split.h>
 #include <algorithm>
-#include <string.h>
+#include <stdlib.h>
 #include <zoltTools/Private/zoDLNAProtocolInfoList.h>
+#include <zoltTools/Private/zoKeyedHash.h>
 
-using Run = zoDLNARun_t;
+using ProtocolInfo::CountOf;
+using ProtocolInfo::IsAny;
+using ProtocolInfo::SlotAt;
+using std::string_view;
 
-static bool IsSameOrAny(Run anElement, Run aField)
+namespace
 {
-    return zoDLNARun_Equal(anElement, aField) || IsAny(anElement) || IsAny(aField);
+
+// Lists of more elements, or whose MIME types have parameters, get an index.
+const size_t kMostWithoutIndex = 16;
+const uint32 kNone = 0xFFFFFFFF;
+
+// An element, told apart from most others without a look at its texts.
+struct Entry
+{
+    const zoDLNAProtocolInfo_t* mInfo;
+    uint32 mMimeType;   // hashes
+    uint32 mProfile;    // 0 without a profile, and only then
+    uint32 mProtocol;   // 0 for "*", and only then
+    uint32 mNetwork;    // as mProtocol
+    uint32 mParameters; // position of the set; kNone without one
+};
+
+// A bit each for the parameters of a MIME type, some of which share one.
+struct Fingerprint
+{
+    static const uint32 kBits = 256;
+    uint64 mBits[kBits / 64];
+
+    void Add(uint32 aParameter) { mBits[aParameter % kBits / 64] |= uint64(1) << (aParameter % 64); }
+    bool IsCoveredBy(const Fingerprint& anOther) const
+    {
+        uint64 theMissing = 0;
+        for (size_t i = 0; i < kBits / 64; ++i)
+            theMissing |= mBits[i] & ~anOther.mBits[i];
+        return theMissing == 0;
+    }
+};
+
+// The parameters of an element's MIME type by their numbers, in ascending order.
+struct ParameterSet
+{
+    Fingerprint mFingerprint;
+    const uint32* mNumbers; // in the array of the index
+    uint32 mCount;
+
+    bool IsCoveredBy(const ParameterSet& anOther) const
+    {
+        return mFingerprint.IsCoveredBy(anOther.mFingerprint) &&
+               std::includes(anOther.mNumbers, anOther.mNumbers + anOther.mCount, mNumbers, mNumbers + mCount);
+    }
+};
+
+} // namespace
+
+// The elements of a list in the orders of their hashes, and the parameters of their MIME types numbered in the order of
+// theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared, too.
+struct ProtocolInfo::MatchIndex
+{
+    uint64 mKey;
+    Entry* mByMimeType;
+    uint32 mCount;
+    uint32* mByProfile; // positions in mByMimeType
+    uint32* mWildCards; // positions of the elements whose MIME type is a wild card
+    uint32 mWildCardCount;
+    bool mfHasOneTransport; // protocol and network are the same in all elements
+
+    uint64* mParameterHashes; // of all elements, each once
+    uint32 mParameterHashCount;
+    ParameterSet* mSets;
+    uint32* mNumbers; // of all sets
+};
+
+using ProtocolInfo::MatchIndex;
+
+// ---- Comparing texts ----
+
+static bool IsSameOrAny(string_view anElement, string_view aField)
+{
+    return Shared::Equals(anElement, aField) || Shared::EqualsIgnoringCase(anElement, aField) || IsAny(anElement) ||
+           IsAny(aField);
 }
 
-static bool HasParameter(const zoDLNAProtocolInfo_t* anInfo, Run aParameter)
+static bool TransportMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo)
 {
-    const Run* theEnd = anInfo->mMimeParameters + anInfo->mMimeParameterCount;
-    return std::binary_search(anInfo->mMimeParameters, theEnd, aParameter,
-                              [](Run aLeft, Run aRight) { return zoDLNARun_Compare(aLeft, aRight) < 0; });
+    return IsSameOrAny(anElement->mProtocol, anInfo->mProtocol) && IsSameOrAny(anElement->mNetwork, anInfo->mNetwork);
 }
 
-// Whether a MIME type that ends in "*" covers another.
-static bool CoversMimeType(Run aWildCard, Run aMimeType)
+static bool IsWildCard(string_view aMimeType)
 {
-    const Run theType = { aWildCard.mData, aWildCard.mLength - 1 };
-    if (theType.mLength == 0 || (theType.mLength == 2 && theType.mData[0] == '*')) { return true; }
-    return aMimeType.mLength >= theType.mLength && zoDLNARun_Equal(theType, { aMimeType.mData, theType.mLength });
+    const size_t theLength = aMimeType.size();
+    if (theLength == 0 || aMimeType[theLength - 1] != '*') { return false; }
+    return theLength == 1 || aMimeType[theLength - 2] == '/';
 }
 
+// True if a MIME type that is a wild card covers another.
+static bool CoversMimeType(string_view aWildCard, string_view aMimeType)
+{
+    const string_view theType = aWildCard.substr(0, aWildCard.size() - 1); // with its "/"
+    return theType.empty() || theType == "*/" ||
+           Shared::EqualsIgnoringCase(theType, aMimeType.substr(0, theType.size()));
+}
+
+// Compares the MIME types without their parameters.
 static bool MimeTypeMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
     if (aFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck) { return true; }
-    const bool fTakesWildCard = (aFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck) != 0;
-    const bool fIsWildCard = fTakesWildCard && zoDLNARun_IsWildCard(anElement->mMimeType);
-    if (fIsWildCard ? !CoversMimeType(anElement->mMimeType, anInfo->mMimeType)
-                    : !zoDLNARun_Equal(anElement->mMimeType, anInfo->mMimeType))
+    if ((aFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck) && IsWildCard(anElement->mMimeType))
     {
-        return false;
+        return CoversMimeType(anElement->mMimeType, anInfo->mMimeType);
     }
-    return std::all_of(anElement->mMimeParameters, anElement->mMimeParameters + anElement->mMimeParameterCount,
-                       [anInfo](Run aParameter) { return HasParameter(anInfo, aParameter); });
+    return Shared::EqualsIgnoringCase(anElement->mMimeType, anInfo->mMimeType);
 }
 
-static bool ProfileMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+static bool ProfileMatches(string_view anElement, string_view aProfile, int aFlags)
 {
     if (aFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck) { return true; }
-    if (anElement->mProfile && anInfo->mProfile) { return strcmp(anElement->mProfile, anInfo->mProfile) == 0; }
+    if (!anElement.empty() && !aProfile.empty()) { return Shared::Equals(anElement, aProfile); }
     if (aFlags & kzoDLNAProtocolInfoMatch_ProfileNotNULL) { return false; }
-    return (aFlags & kzoDLNAProtocolInfoMatch_AnyProfile) || anElement->mProfile == anInfo->mProfile;
+    return (aFlags & kzoDLNAProtocolInfoMatch_AnyProfile) || anElement.empty() == aProfile.empty();
 }
 
-static bool ElementMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+// Compares all but the parameters of the MIME types.
+static bool TextsMatch(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    return ProfileMatches(anElement, anInfo, aFlags) && IsSameOrAny(anElement->mProtocol, anInfo->mProtocol) &&
-           IsSameOrAny(anElement->mNetwork, anInfo->mNetwork) && MimeTypeMatches(anElement, anInfo, aFlags);
+    return ProfileMatches(anElement->mProfile, anInfo->mProfile, aFlags) && TransportMatches(anElement, anInfo) &&
+           MimeTypeMatches(anElement, anInfo, aFlags);
 }
 
-// Whether an element that passes the test on its slot matches.
-template <typename Test>
-static bool AnyMatches(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags,
-                       Test aTest)
+// Takes the next parameter that is not empty off the rest.
+static bool NextParameter(string_view* aRest, string_view* aParameter)
 {
-    const auto theMatch = [&](const Slot& aSlot)
-    { return aTest(aSlot) && ElementMatches(aSlot.mInfo, anInfo, aFlags); };
-    return std::any_of(aList->mSlots, aList->mSlots + aList->mGapBegin, theMatch) ||
-           std::any_of(aList->mSlots + aList->mGapEnd, aList->mSlots + aList->mEnd, theMatch);
+    while (Shared::NextItem(aRest, ';', aParameter))
+    {
+        *aParameter = Shared::Trim(*aParameter, Shared::IsSpace);
+        if (!aParameter->empty()) { return true; }
+    }
+    return false;
 }
+
+// ---- Making the index ----
+
+static uint32 HashOf(uint64 aKey, string_view aText)
+{
+    const uint32 theHash = static_cast<uint32>(KeyedHash::Hash(aKey, aText));
+    return theHash != 0 ? theHash : 1;
+}
+
+static uint32 HashOfField(uint64 aKey, string_view aField) { return IsAny(aField) ? 0 : HashOf(aKey, aField); }
+
+static uint32 HashOfProfile(uint64 aKey, string_view aProfile) { return aProfile.empty() ? 0 : HashOf(aKey, aProfile); }
+
+static uint32 CountParameters(string_view aParameters)
+{
+    uint32 theCount = 0;
+    for (string_view theParameter; NextParameter(&aParameters, &theParameter);)
+        ++theCount;
+    return theCount;
+}
+
+// Collects the hashes of all parameters, and of how many.
+static void CollectParameters(MatchIndex* anIndex, uint32 aParameterCount)
+{
+    anIndex->mParameterHashes = Shared::NewArray<uint64>(aParameterCount);
+    uint64* theEnd = anIndex->mParameterHashes;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        string_view theRest = anIndex->mByMimeType[i].mInfo->mMimeParameters;
+        for (string_view theParameter; NextParameter(&theRest, &theParameter);)
+            *theEnd++ = KeyedHash::Hash(anIndex->mKey, theParameter);
+    }
+    std::sort(anIndex->mParameterHashes, theEnd);
+    theEnd = std::unique(anIndex->mParameterHashes, theEnd);
+    anIndex->mParameterHashCount = static_cast<uint32>(theEnd - anIndex->mParameterHashes);
+}
+
+// Reads parameters into a set, for whose numbers there is room. Those that no element has are left out.
+static ParameterSet ReadSet(const MatchIndex* anIndex, string_view aParameters, uint32* aNumbers)
+{
+    const uint64* theBegin = anIndex->mParameterHashes;
+    const uint64* theEnd = theBegin + anIndex->mParameterHashCount;
+    ParameterSet theSet = {};
+    uint32* theNumbersEnd = aNumbers;
+    for (string_view theParameter; NextParameter(&aParameters, &theParameter);)
+    {
+        const uint64 theHash = KeyedHash::Hash(anIndex->mKey, theParameter);
+        const uint64* theFound = std::lower_bound(theBegin, theEnd, theHash);
+        if (theFound == theEnd || *theFound != theHash) { continue; }
+        *theNumbersEnd = static_cast<uint32>(theFound - theBegin);
+        theSet.mFingerprint.Add(*theNumbersEnd++);
+    }
+    std::sort(aNumbers, theNumbersEnd);
+    theSet.mNumbers = aNumbers;
+    theSet.mCount = static_cast<uint32>(std::unique(aNumbers, theNumbersEnd) - aNumbers);
+    return theSet;
+}
+
+static void AddParameterSets(MatchIndex* anIndex)
+{
+    uint32 theParameterCount = 0;
+    uint32 theSetCount = 0;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        const uint32 theCount = CountParameters(anIndex->mByMimeType[i].mInfo->mMimeParameters);
+        theParameterCount += theCount;
+        anIndex->mByMimeType[i].mParameters = theCount > 0 ? theSetCount++ : kNone;
+    }
+    if (theSetCount == 0) { return; }
+    CollectParameters(anIndex, theParameterCount);
+    anIndex->mSets = Shared::NewArray<ParameterSet>(theSetCount);
+    anIndex->mNumbers = Shared::NewArray<uint32>(theParameterCount);
+    uint32* theNumbers = anIndex->mNumbers;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        const Entry& theEntry = anIndex->mByMimeType[i];
+        if (theEntry.mParameters == kNone) { continue; }
+        const ParameterSet theSet = ReadSet(anIndex, theEntry.mInfo->mMimeParameters, theNumbers);
+        anIndex->mSets[theEntry.mParameters] = theSet;
+        theNumbers += theSet.mCount;
+    }
+}
+
+static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
+{
+    return { anInfo,
+             HashOf(aKey, anInfo->mMimeType),
+             HashOfProfile(aKey, anInfo->mProfile),
+             HashOfField(aKey, anInfo->mProtocol),
+             HashOfField(aKey, anInfo->mNetwork),
+             kNone };
+}
+
+static void SortEntries(MatchIndex* anIndex)
+{
+    Entry* theEntries = anIndex->mByMimeType;
+    std::sort(theEntries, theEntries + anIndex->mCount,
+              [](const Entry& aLeft, const Entry& aRight) { return aLeft.mMimeType < aRight.mMimeType; });
+    anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
+    anIndex->mWildCards = Shared::NewArray<uint32>(anIndex->mCount);
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        anIndex->mByProfile[i] = i;
+        if (IsWildCard(theEntries[i].mInfo->mMimeType)) { anIndex->mWildCards[anIndex->mWildCardCount++] = i; }
+    }
+    std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
+              [theEntries](uint32 aLeft, uint32 aRight)
+              { return theEntries[aLeft].mProfile < theEntries[aRight].mProfile; });
+}
+
+static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
+{
+    MatchIndex* theIndex = Shared::NewZeroedArray<MatchIndex>(1);
+    theIndex->mKey = KeyedHash::NewKey();
+    theIndex->mCount = static_cast<uint32>(CountOf(aList));
+    theIndex->mByMimeType = Shared::NewArray<Entry>(theIndex->mCount);
+    for (uint32 i = 0; i < theIndex->mCount; ++i)
+        theIndex->mByMimeType[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
+    SortEntries(theIndex);
+    AddParameterSets(theIndex);
+    const zoDLNAProtocolInfo_t* theFirst = theIndex->mByMimeType[0].mInfo;
+    theIndex->mfHasOneTransport = std::all_of(theIndex->mByMimeType, theIndex->mByMimeType + theIndex->mCount,
+                                              [theFirst](const Entry& anEntry)
+                                              {
+        return Shared::Equals(anEntry.mInfo->mProtocol, theFirst->mProtocol) &&
+               Shared::Equals(anEntry.mInfo->mNetwork, theFirst->mNetwork);
+    });
+    return theIndex;
+}
+
+static void DeleteMatchIndex(MatchIndex* anIndex)
+{
+    if (!anIndex) { return; }
+    free(anIndex->mByMimeType);
+    free(anIndex->mByProfile);
+    free(anIndex->mWildCards);
+    free(anIndex->mParameterHashes);
+    free(anIndex->mSets);
+    free(anIndex->mNumbers);
+    free(anIndex);
+}
+
+void ProtocolInfo::DropMatchIndex(zoDLNAProtocolInfoList_t* aList)
+{
+    DeleteMatchIndex(aList->mMatchIndex.exchange(nullptr, std::memory_order_relaxed));
+}
+
+// The index of a list, made by the first of the threads that ask for it and kept by the list. NULL when the list does
+// not need one.
+static const MatchIndex* FindMatchIndex(const zoDLNAProtocolInfoList_t* aList)
+{
+    auto* theKept = &const_cast<zoDLNAProtocolInfoList_t*>(aList)->mMatchIndex;
+    MatchIndex* theIndex = theKept->load(std::memory_order_acquire);
+    if (theIndex) { return theIndex; }
+    const size_t theCount = CountOf(aList);
+    bool fNeedsIndex = theCount > kMostWithoutIndex;
+    for (size_t i = 0; !fNeedsIndex && i < theCount; ++i)
+        fNeedsIndex = SlotAt(aList, i)->mInfo->mMimeParameters.data() != nullptr;
+    if (!fNeedsIndex) { return nullptr; }
+    MatchIndex* theNewIndex = NewMatchIndex(aList);
+    if (theKept->compare_exchange_strong(theIndex, theNewIndex, std::memory_order_acq_rel)) { return theNewIndex; }
+    DeleteMatchIndex(theNewIndex); // another thread was faster
+    return theIndex;
+}
+
+// ---- Asking the index ----
+
+namespace
+{
+
+// A protocol info that is compared with the elements of an index. What is asked of it for few elements is made at the
+// first question.
+class Query
+{
+public:
+    Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+        : mIndex(anIndex), mInfo(anInfo), mFlags(aFlags)
+    {}
+    ~Query() { free(mAllocatedNumbers); }
+    Query(const Query&) = delete;
+    Query& operator=(const Query&) = delete;
+
+    bool MatchesAny();
+
+private:
+    bool Matches(const Entry& anEntry);
+    bool ProfileMayMatch(const Entry& anEntry);
+    bool TransportMayMatch(const Entry& anEntry);
+    bool HasParametersOf(const Entry& anEntry);
+    bool MatchesProfiles();
+    bool MatchesMimeTypes();
+
+    const MatchIndex* mIndex;
+    const zoDLNAProtocolInfo_t* mInfo;
+    int mFlags;
+
+    bool mfHasProfile = false;
+    bool mfHasTransport = false;
+    bool mfHasSet = false;
+    uint32 mProfile = 0;
+    uint32 mProtocol = 0;
+    uint32 mNetwork = 0;
+    ParameterSet mSet = {};
+    uint32 mFewNumbers[16];
+    uint32* mAllocatedNumbers = nullptr;
+};
+
+} // namespace
+
+bool Query::ProfileMayMatch(const Entry& anEntry)
+{
+    if (mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck) { return true; }
+    if (!mfHasProfile)
+    {
+        mfHasProfile = true;
+        mProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
+    }
+    if (anEntry.mProfile != 0 && mProfile != 0) { return anEntry.mProfile == mProfile; }
+    return ProfileMatches(anEntry.mInfo->mProfile, mInfo->mProfile, mFlags);
+}
+
+bool Query::TransportMayMatch(const Entry& anEntry)
+{
+    if (mIndex->mfHasOneTransport) { return true; } // was compared before
+    if (!mfHasTransport)
+    {
+        mfHasTransport = true;
+        mProtocol = HashOfField(mIndex->mKey, mInfo->mProtocol);
+        mNetwork = HashOfField(mIndex->mKey, mInfo->mNetwork);
+    }
+    const auto fMayMatch = [](uint32 anElement, uint32 aField)
+    { return anElement == aField || anElement == 0 || aField == 0; };
+    return fMayMatch(anEntry.mProtocol, mProtocol) && fMayMatch(anEntry.mNetwork, mNetwork);
+}
+
+bool Query::HasParametersOf(const Entry& anEntry)
+{
+    if (anEntry.mParameters == kNone || (mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return true; }
+    if (!mfHasSet)
+    {
+        mfHasSet = true;
+        const uint32 theCount = CountParameters(mInfo->mMimeParameters);
+        if (theCount > std::size(mFewNumbers)) { mAllocatedNumbers = Shared::NewArray<uint32>(theCount); }
+        mSet = ReadSet(mIndex, mInfo->mMimeParameters, mAllocatedNumbers ? mAllocatedNumbers : mFewNumbers);
+    }
+    return mIndex->mSets[anEntry.mParameters].IsCoveredBy(mSet);
+}
+
+bool Query::Matches(const Entry& anEntry)
+{
+    return ProfileMayMatch(anEntry) && TransportMayMatch(anEntry) && HasParametersOf(anEntry) &&
+           TextsMatch(anEntry.mInfo, mInfo, mFlags);
+}
+
+// Looks at the elements of the protocol info's profile, or at those without one.
+bool Query::MatchesProfiles()
+{
+    const uint32 theProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
+    const Entry* theEntries = mIndex->mByMimeType;
+    const uint32* theBegin = mIndex->mByProfile;
+    const uint32* theEnd = theBegin + mIndex->mCount;
+    const uint32* thePosition = std::lower_bound(theBegin, theEnd, theProfile,
+                                                 [theEntries](uint32 aPosition, uint32 aProfile)
+                                                 { return theEntries[aPosition].mProfile < aProfile; });
+    mfHasProfile = true;
+    mProfile = theProfile;
+    for (; thePosition < theEnd && theEntries[*thePosition].mProfile == theProfile; ++thePosition)
+    {
+        if (Matches(theEntries[*thePosition])) { return true; }
+    }
+    return false;
+}
+
+// Looks at the elements of the protocol info's MIME type, and at those whose MIME type is a wild card.
+bool Query::MatchesMimeTypes()
+{
+    const uint32 theMimeType = HashOf(mIndex->mKey, mInfo->mMimeType);
+    const Entry* theBegin = mIndex->mByMimeType;
+    const Entry* theEnd = theBegin + mIndex->mCount;
+    const Entry* theEntry =
+        std::lower_bound(theBegin, theEnd, theMimeType,
+                         [](const Entry& anEntry, uint32 aMimeType) { return anEntry.mMimeType < aMimeType; });
+    for (; theEntry < theEnd && theEntry->mMimeType == theMimeType; ++theEntry)
+    {
+        if (Matches(*theEntry)) { return true; }
+    }
+    if (!(mFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck)) { return false; }
+    return std::any_of(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
+                       [this](uint32 aPosition) { return Matches(mIndex->mByMimeType[aPosition]); });
+}
+
+bool Query::MatchesAny()
+{
+    if (mIndex->mfHasOneTransport && !TransportMatches(mIndex->mByMimeType[0].mInfo, mInfo)) { return false; }
+    if (!(mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return MatchesMimeTypes(); }
+    const int kProfileFlags = kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile |
+                              kzoDLNAProtocolInfoMatch_ProfileNotNULL;
+    const int theProfileFlags = mFlags & kProfileFlags;
+    if (theProfileFlags == kzoDLNAProtocolInfoMatch_ProfileNotNULL)
+    {
+        return !mInfo->mProfile.empty() && MatchesProfiles();
+    }
+    return theProfileFlags == 0 ? MatchesProfiles()
+                                : std::any_of(mIndex->mByMimeType, mIndex->mByMimeType + mIndex->mCount,
+                                              [this](const Entry& anEntry) { return Matches(anEntry); });
+}
+
+// ---- Matching ----
 
 int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    if (!aList || !anInfo) { return 0; }
-    const uint32 theMimeType = zoDLNAProtocolInfo_HashMimeType(anInfo);
-    const uint32 theProfile = zoDLNAProtocolInfo_HashProfile(anInfo);
-    if (aFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)
+    const size_t theCount = CountOf(aList);
+    if (theCount == 0 || !anInfo) { return 0; }
+    const MatchIndex* theIndex = FindMatchIndex(aList);
+    if (theIndex) { return Query(theIndex, anInfo, aFlags).MatchesAny(); }
+    for (size_t i = 0; i < theCount; ++i)
     {
-        if (aFlags & (kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile))
-        {
-            return AnyMatches(aList, anInfo, aFlags, [](const Slot&) { return true; });
-        }
-        return AnyMatches(aList, anInfo, aFlags, [=](const Slot& aSlot) { return aSlot.mProfileHash == theProfile; });
+        if (TextsMatch(SlotAt(aList, i)->mInfo, anInfo, aFlags)) { return 1; }
     }
-    if ((aFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck) && aList->mWildCardCount > 0)
-    {
-        return AnyMatches(aList, anInfo, aFlags,
-                          [=](const Slot& aSlot)
-                          { return aSlot.mMimeTypeHash == theMimeType || (aSlot.mMimeTypeHash & 1u); });
-    }
-    return AnyMatches(aList, anInfo, aFlags, [=](const Slot& aSlot) { return aSlot.mMimeTypeHash == theMimeType; });
+    return 0;
+}
+
+int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+{
+    if (!anElement) { return 0; }
+    ProtocolInfo::Slot theSlot = { anElement, 0 };
+    zoDLNAProtocolInfoList_t theList = {};
+    theList.mSlots = &theSlot;
+    theList.mEnd = 1;
+    const int fMatches = zoDLNAProtocolInfoList_Match(&theList, anInfo, aFlags);
+    ProtocolInfo::DropMatchIndex(&theList);
+    return fMatches;
 }

@@ -1,177 +1,199 @@
-// The transports of a list, and the order of its elements by transport.
+// The transport protocols of a list, and the order of protocol infos by transport protocol.
 
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Append.h>
 #include <Shared/Sizes.h>
+#include <Shared/Split.h>
 #include <algorithm>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/Private/zoDLNAProtocolInfoList.h>
+#include <zoltTools/zoMemory.h>
+
+using ProtocolInfo::CountOf;
+using ProtocolInfo::Cursor;
+using ProtocolInfo::IsAny;
+using ProtocolInfo::Slot;
+using ProtocolInfo::SlotAt;
+using std::string_view;
 
 namespace
 {
 
-using Run = zoDLNARun_t;
-
-const size_t kFewDistinct = 16;
+const uint32 kNoRank = 0xFFFFFFFF;
 
 // A word of a comma-separated text and its place there.
 struct Word
 {
-    Run mText;
-    uint32 mHash;
+    string_view mText;
     uint32 mRank;
 };
 
-// The words of a text, sorted by hash, text and rank.
+// The words of a text in alphabetical order; of equal ones the first.
 struct WordTable
 {
-    Word* mWords;
-    uint32 mCount;   // also the number of ranks
+    Word* mWords; // owned
+    uint32 mCount;
+    uint32 mRankCount;
     uint32 mAnyRank; // of the first "*"; kNoRank without one
+};
+
+struct RankedInfo
+{
+    zoDLNAProtocolInfo_t* mInfo;
+    uint32 mRank;
+    uint32 mPosition;
 };
 
 } // namespace
 
-// ---- The transports of the list ----
+// ---- The transport protocols of the list ----
 
-static bool IsBeforeAsText(const Slot* aLeft, const Slot* aRight)
+static string_view ProtocolAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
 {
-    const zoDLNAProtocolInfo_t* theLeft = aLeft->mInfo;
-    const zoDLNAProtocolInfo_t* theRight = aRight->mInfo;
-    const int theOrder = zoDLNARun_Compare(theLeft->mProtocol, theRight->mProtocol);
-    return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
+    return SlotAt(aList, aPosition)->mInfo->mProtocol;
 }
 
-static bool HasSameProtocol(const Slot* aLeft, const Slot* aRight)
+// Collects the position of an element for each protocol, in the list's order. The first kFew protocols are told apart
+// as they come; if there are more, sorting removes what appears twice.
+static size_t CollectDistinct(const zoDLNAProtocolInfoList_t* aList, uint32* aPositions)
 {
-    return zoDLNARun_Equal(aLeft->mInfo->mProtocol, aRight->mInfo->mProtocol);
-}
-
-// Collects an element for each protocol, in the list's order. A few protocols are told apart as they come; what passes
-// that is sorted, so that many take no longer than their number asks.
-static size_t CollectDistinct(const zoDLNAProtocolInfoList_t* aList, const Slot** aDistinct)
-{
+    const size_t kFew = 16;
+    const auto fIsSame = [aList](uint32 aLeft, uint32 aRight)
+    { return Shared::EqualsIgnoringCase(ProtocolAt(aList, aLeft), ProtocolAt(aList, aRight)); };
+    const uint32 theElementCount = static_cast<uint32>(CountOf(aList));
     size_t theCount = 0;
-    Run thePrevious = { "", 0 };
-    const size_t theElementCount = CountOf(aList);
-    for (size_t i = 0; i < theElementCount; ++i)
+    string_view thePrevious;
+    for (uint32 i = 0; i < theElementCount; ++i)
     {
-        const Slot* theSlot = SlotAt(aList, i);
-        const Run theProtocol = theSlot->mInfo->mProtocol;
-        const bool fIsAsBefore = theProtocol.mLength == thePrevious.mLength &&
-                                 memcmp(theProtocol.mData, thePrevious.mData, theProtocol.mLength) == 0;
-        if (fIsAsBefore || theProtocol.mLength == 0) { continue; }
+        const string_view theProtocol = ProtocolAt(aList, i);
+        if (theProtocol.empty() || Shared::Equals(theProtocol, thePrevious)) { continue; }
         thePrevious = theProtocol;
-        const bool fIsKnown = std::any_of(aDistinct, aDistinct + std::min(theCount, kFewDistinct),
-                                          [=](const Slot* aKnown) { return HasSameProtocol(aKnown, theSlot); });
-        if (!fIsKnown) { aDistinct[theCount++] = theSlot; }
+        const bool fIsKnown = std::any_of(aPositions, aPositions + std::min(theCount, kFew),
+                                          [=](uint32 aPosition) { return fIsSame(aPosition, i); });
+        if (!fIsKnown) { aPositions[theCount++] = i; }
     }
-    if (theCount <= kFewDistinct) { return theCount; }
+    if (theCount <= kFew) { return theCount; }
 
-    std::sort(aDistinct, aDistinct + theCount, IsBeforeAsText);
-    const Slot** theEnd = std::unique(aDistinct, aDistinct + theCount, HasSameProtocol);
-    std::sort(aDistinct, theEnd);
-    return static_cast<size_t>(theEnd - aDistinct);
+    std::sort(aPositions, aPositions + theCount,
+              [aList](uint32 aLeft, uint32 aRight)
+              {
+        const int theOrder = Shared::CompareIgnoringCase(ProtocolAt(aList, aLeft), ProtocolAt(aList, aRight));
+        return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
+    });
+    uint32* theEnd = std::unique(aPositions, aPositions + theCount, fIsSame);
+    std::sort(aPositions, theEnd);
+    return static_cast<size_t>(theEnd - aPositions);
 }
 
 char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNAProtocolInfoList_t* aList)
 {
-    const Slot** theDistinct = Shared::NewArray<const Slot*>(CountOf(aList));
-    const size_t theCount = CollectDistinct(aList, theDistinct);
+    uint32* thePositions = Shared::NewArray<uint32>(CountOf(aList));
+    const size_t theCount = CollectDistinct(aList, thePositions);
     size_t theSize = 1;
     for (size_t i = 0; i < theCount; ++i)
-        theSize += theDistinct[i]->mInfo->mProtocol.mLength + 1;
+        theSize = Shared::AddSizes(theSize, ProtocolAt(aList, thePositions[i]).size() + 1);
 
     char* theText = Shared::NewArray<char>(theSize);
     char* theEnd = theText;
     for (size_t i = 0; i < theCount; ++i)
     {
-        const Run theProtocol = theDistinct[i]->mInfo->mProtocol;
         if (i > 0) { *theEnd++ = ','; }
-        memcpy(theEnd, theProtocol.mData, theProtocol.mLength);
-        theEnd += theProtocol.mLength;
+        theEnd = Shared::Append(theEnd, ProtocolAt(aList, thePositions[i]));
     }
     *theEnd = '\0';
-    free(theDistinct);
+    free(thePositions);
     return theText;
 }
 
-// ---- Ranking by transport ----
+// ---- Words ----
 
-static bool IsWordBefore(const Word& aLeft, const Word& aRight)
+// Takes the next word that is not empty off the rest.
+static bool NextWord(string_view* aRest, string_view* aWord)
 {
-    if (aLeft.mHash != aRight.mHash) { return aLeft.mHash < aRight.mHash; }
-    const int theOrder = zoDLNARun_Compare(aLeft.mText, aRight.mText);
-    return theOrder != 0 ? theOrder < 0 : aLeft.mRank < aRight.mRank;
+    while (Shared::NextItem(aRest, ',', aWord))
+    {
+        *aWord = Shared::Trim(*aWord, Shared::IsSpace);
+        if (!aWord->empty()) { return true; }
+    }
+    return false;
 }
 
-static WordTable NewWordTable(const char* aText)
+static WordTable NewWordTable(string_view aText)
 {
-    const size_t theLength = strlen(aText);
-    Run theRest = { aText, theLength };
     WordTable theTable = {};
-    theTable.mWords = Shared::NewArray<Word>(static_cast<size_t>(std::count(aText, aText + theLength, ',')) + 1);
+    theTable.mWords =
+        Shared::NewZeroedArray<Word>(static_cast<size_t>(std::count(aText.begin(), aText.end(), ',')) + 1);
     theTable.mAnyRank = kNoRank;
-    Run thePart;
-    while (zoDLNARun_NextPart(&theRest, ',', &thePart))
+    for (string_view theWord; NextWord(&aText, &theWord); ++theTable.mRankCount)
     {
-        if (thePart.mLength == 0) { continue; }
-        const uint32 theRank = theTable.mCount++;
-        theTable.mWords[theRank] = { thePart, zoDLNARun_Hash(thePart), theRank };
-        if (IsAny(thePart) && theTable.mAnyRank == kNoRank) { theTable.mAnyRank = theRank; }
+        if (IsAny(theWord)) { theTable.mAnyRank = std::min(theTable.mAnyRank, theTable.mRankCount); }
+        theTable.mWords[theTable.mRankCount] = { theWord, theTable.mRankCount };
     }
-    std::sort(theTable.mWords, theTable.mWords + theTable.mCount, IsWordBefore);
+    Word* theEnd = theTable.mWords + theTable.mRankCount;
+    std::sort(theTable.mWords, theEnd,
+              [](const Word& aLeft, const Word& aRight)
+              {
+        const int theOrder = Shared::CompareIgnoringCase(aLeft.mText, aRight.mText);
+        return theOrder != 0 ? theOrder < 0 : aLeft.mRank < aRight.mRank;
+    });
+    theEnd = std::unique(theTable.mWords, theEnd,
+                         [](const Word& aLeft, const Word& aRight)
+                         { return Shared::EqualsIgnoringCase(aLeft.mText, aRight.mText); });
+    theTable.mCount = static_cast<uint32>(theEnd - theTable.mWords);
     return theTable;
 }
 
-// The rank of the first word that equals aWord, ignoring case; kNoRank when there is none.
-static uint32 FindRank(const WordTable& aTable, Run aWord)
+// @return the rank of the first word that equals aWord; kNoRank when there is none.
+static uint32 FindRank(const WordTable& aTable, string_view aWord)
 {
-    const uint32 theHash = zoDLNARun_Hash(aWord);
     const Word* theBegin = aTable.mWords;
     const Word* theEnd = theBegin + aTable.mCount;
-    const Word* theFound = std::lower_bound(theBegin, theEnd, Word{ aWord, theHash, 0 }, IsWordBefore);
-    const bool fIsThere = theFound != theEnd && theFound->mHash == theHash && zoDLNARun_Equal(theFound->mText, aWord);
-    return fIsThere ? theFound->mRank : kNoRank;
+    const Word* theFound = std::lower_bound(theBegin, theEnd, aWord,
+                                            [](const Word& aLeft, string_view aRight)
+                                            { return Shared::CompareIgnoringCase(aLeft.mText, aRight) < 0; });
+    return theFound != theEnd && Shared::EqualsIgnoringCase(theFound->mText, aWord) ? theFound->mRank : kNoRank;
 }
 
-static bool TakesPart(const zoDLNAProtocolInfo_t* anInfo, const WordTable& aSupported)
+// ---- Ranks ----
+
+// @return the protocol's first part, "http" of "http-get"; "" when it has one part.
+static string_view FirstPartOf(string_view aProtocol)
 {
-    if (aSupported.mCount == 0 || aSupported.mAnyRank != kNoRank) { return true; }
-    return FindRank(aSupported, anInfo->mProtocol) != kNoRank;
+    const size_t theHyphen = aProtocol.find('-');
+    return theHyphen == aProtocol.npos ? string_view() : aProtocol.substr(0, theHyphen);
 }
 
-static uint32 RankOf(const zoDLNAProtocolInfo_t* anInfo, const WordTable& anOrder, const WordTable& aSupported)
+static bool TakesPart(string_view aProtocol, const WordTable& aSupported)
 {
-    if (!TakesPart(anInfo, aSupported)) { return kNoRank; }
-    const Run theProtocol = anInfo->mProtocol;
-    uint32 theRank = std::min(anOrder.mAnyRank, FindRank(anOrder, theProtocol));
-    const void* theHyphen = memchr(theProtocol.mData, '-', theProtocol.mLength);
-    if (theHyphen)
-    {
-        const size_t theLength = static_cast<size_t>(static_cast<const char*>(theHyphen) - theProtocol.mData);
-        const Run theFirstPart = { theProtocol.mData, theLength };
-        theRank = std::min(theRank, FindRank(anOrder, theFirstPart));
-    }
-    return theRank;
+    return aSupported.mCount == 0 || aSupported.mAnyRank != kNoRank || FindRank(aSupported, aProtocol) != kNoRank;
 }
+
+static uint32 RankOf(string_view aProtocol, const WordTable& anOrder, const WordTable& aSupported)
+{
+    if (!TakesPart(aProtocol, aSupported)) { return kNoRank; }
+    const uint32 theRank = std::min(anOrder.mAnyRank, FindRank(anOrder, aProtocol));
+    return std::min(theRank, FindRank(anOrder, FirstPartOf(aProtocol)));
+}
+
+// ---- Draining a list ----
 
 static void StartCursor(zoDLNAProtocolInfoList_t* aList, const char* anOrder, const char* aSupported)
 {
-    zoDLNAProtocolInfoList_DropCursor(aList);
+    ProtocolInfo::DropCursor(aList);
     const WordTable theOrder = NewWordTable(anOrder);
     const WordTable theSupported = NewWordTable(aSupported);
     Cursor* theCursor = &aList->mCursor;
     theCursor->mOrder = zoStrdup(anOrder);
     theCursor->mSupported = zoStrdup(aSupported);
-    theCursor->mRankCount = theOrder.mCount;
-    theCursor->mRemaining = Shared::NewArray<uint32>(theOrder.mCount);
-    std::fill_n(theCursor->mRemaining, theOrder.mCount, 0u);
+    theCursor->mRankCount = theOrder.mRankCount;
+    theCursor->mRemaining = Shared::NewZeroedArray<uint32>(theOrder.mRankCount);
     for (size_t i = 0; i < CountOf(aList); ++i)
     {
         Slot* theSlot = SlotAt(aList, i);
-        theSlot->mRank = RankOf(theSlot->mInfo, theOrder, theSupported);
+        theSlot->mRank = RankOf(theSlot->mInfo->mProtocol, theOrder, theSupported);
         if (theSlot->mRank != kNoRank) { ++theCursor->mRemaining[theSlot->mRank]; }
     }
     free(theOrder.mWords);
@@ -202,4 +224,79 @@ int zoDLNAProtocolInfoList_GetBestIndexForScheme(zoDLNAProtocolInfoList_t* aList
         return static_cast<int>(theCursor->mPosition);
     }
     return -1;
+}
+
+// ---- Ranking an array ----
+
+static bool IsOneWord(string_view aText) { return aText.find(',') == aText.npos; }
+
+// True if all protocol infos have the protocol of the sink's first, and so take part.
+static bool HaveProtocolOfFirst(const zoDLNAProtocolInfoList_t* aSinkList, zoDLNAProtocolInfo_t* const* anInfos,
+                                size_t aCount)
+{
+    const string_view theFirst = ProtocolAt(aSinkList, 0);
+    return !theFirst.empty() && IsOneWord(theFirst) &&
+           std::all_of(anInfos, anInfos + aCount,
+                       [=](const zoDLNAProtocolInfo_t* anInfo)
+                       { return Shared::EqualsIgnoringCase(anInfo->mProtocol, theFirst); });
+}
+
+// Moves those that the one item of an order covers to the front, of a supported protocol if that is not "".
+static size_t RankByWord(string_view anItem, string_view aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
+{
+    const string_view theItem = Shared::Trim(anItem, Shared::IsSpace);
+    const string_view theSupported = Shared::Trim(aSupported, Shared::IsSpace);
+    const auto fIsLeftOut = [=](const zoDLNAProtocolInfo_t* anInfo)
+    {
+        const bool fTakesPart =
+            theSupported.empty() || IsAny(theSupported) || Shared::EqualsIgnoringCase(theSupported, anInfo->mProtocol);
+        return !fTakesPart || theItem.empty() ||
+               (!IsAny(theItem) && !Shared::EqualsIgnoringCase(theItem, anInfo->mProtocol) &&
+                !Shared::EqualsIgnoringCase(theItem, FirstPartOf(anInfo->mProtocol)));
+    };
+    return static_cast<size_t>(std::remove_if(anInfos, anInfos + aCount, fIsLeftOut) - anInfos);
+}
+
+static size_t RankByWords(const WordTable& anOrder, const WordTable& aSupported, zoDLNAProtocolInfo_t** anInfos,
+                          size_t aCount)
+{
+    RankedInfo* theRanked = Shared::NewArray<RankedInfo>(aCount);
+    RankedInfo* theEnd = theRanked;
+    for (size_t i = 0; i < aCount; ++i)
+    {
+        const uint32 theRank = RankOf(anInfos[i]->mProtocol, anOrder, aSupported);
+        if (theRank != kNoRank) { *theEnd++ = { anInfos[i], theRank, static_cast<uint32>(i) }; }
+    }
+    std::sort(theRanked, theEnd,
+              [](const RankedInfo& aLeft, const RankedInfo& aRight) {
+        return aLeft.mRank != aRight.mRank ? aLeft.mRank < aRight.mRank : aLeft.mPosition < aRight.mPosition;
+    });
+    const size_t theCount = static_cast<size_t>(theEnd - theRanked);
+    for (size_t i = 0; i < theCount; ++i)
+        anInfos[i] = theRanked[i].mInfo;
+    free(theRanked);
+    return theCount;
+}
+
+size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
+                                           const char* aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
+{
+    const string_view theOrder(anOrder ? anOrder : "");
+    const char* theOnlySupported = aSupported;
+    if (!aSupported && (CountOf(aSinkList) == 0 || HaveProtocolOfFirst(aSinkList, anInfos, aCount)))
+    {
+        theOnlySupported = "*";
+    }
+    if (theOnlySupported && IsOneWord(theOrder) && IsOneWord(theOnlySupported))
+    {
+        return RankByWord(theOrder, theOnlySupported, anInfos, aCount);
+    }
+    char* theSupported = aSupported ? zoStrdup(aSupported) : zoDLNAProtocolInfoList_GetSupportedProtocolList(aSinkList);
+    const WordTable theOrderTable = NewWordTable(theOrder);
+    const WordTable theSupportedTable = NewWordTable(theSupported);
+    const size_t theCount = RankByWords(theOrderTable, theSupportedTable, anInfos, aCount);
+    free(theOrderTable.mWords);
+    free(theSupportedTable.mWords);
+    free(theSupported);
+    return theCount;
 }

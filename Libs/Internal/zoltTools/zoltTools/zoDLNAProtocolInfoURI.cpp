@@ -6,12 +6,13 @@
 #include <algorithm>
 #include <iterator>
 #include <string.h>
+#include <string_view>
 #include <zoltTools/Private/zoDLNAProtocolInfo.h>
 
 namespace
 {
 
-using Run = zoDLNARun_t;
+using std::string_view;
 
 struct MimeTypeOfExtension
 {
@@ -116,10 +117,8 @@ static_assert(IsSorted(), "look-ups are binary searches");
 
 } // namespace
 
-static Run RunOf(const char* aText) { return { aText, strlen(aText) }; }
-
 // The scheme without its ":", empty when the text has none.
-static Run SchemeOf(const char* aURI)
+static string_view SchemeOf(const char* aURI)
 {
     size_t theLength = 0;
     for (; aURI[theLength] != '\0'; ++theLength)
@@ -130,19 +129,20 @@ static Run SchemeOf(const char* aURI)
     return { aURI, aURI[theLength] == ':' ? theLength : 0 };
 }
 
-static Run ProtocolOf(Run aScheme)
+static string_view ProtocolOf(string_view aScheme)
 {
-    if (aScheme.mLength == 0) { return RunOf("*"); }
-    if (zoDLNARun_Equal(aScheme, RunOf("http")) || zoDLNARun_Equal(aScheme, RunOf("https")))
+    if (aScheme.empty()) { return string_view("*"); }
+    if (Shared::EqualsIgnoringCase(aScheme, string_view("http")) ||
+        Shared::EqualsIgnoringCase(aScheme, string_view("https")))
     {
-        return RunOf("http-get");
+        return string_view("http-get");
     }
-    if (zoDLNARun_Equal(aScheme, RunOf("rtsp"))) { return RunOf("rtsp-rtp-udp"); }
+    if (Shared::EqualsIgnoringCase(aScheme, string_view("rtsp"))) { return string_view("rtsp-rtp-udp"); }
     return aScheme;
 }
 
 // What follows the last "." of the last segment of the path; empty without one.
-static Run ExtensionOf(const char* aHierarchy)
+static string_view ExtensionOf(const char* aHierarchy)
 {
     const char* thePath = aHierarchy;
     if (thePath[0] == '/' && thePath[1] == '/') { thePath += 2 + strcspn(thePath + 2, "/?#"); }
@@ -154,23 +154,24 @@ static Run ExtensionOf(const char* aHierarchy)
     return { theEnd, 0 };
 }
 
-static const char* MimeTypeOf(Run anExtension)
+static const char* MimeTypeOf(string_view anExtension)
 {
     const MimeTypeOfExtension* theEnd = std::end(kMimeTypes);
     const MimeTypeOfExtension* theFound = std::lower_bound(std::begin(kMimeTypes), theEnd, anExtension,
-                                                           [](const MimeTypeOfExtension& aLeft, Run aRight) {
-        return zoDLNARun_Compare(RunOf(aLeft.mExtension), aRight) < 0;
+                                                           [](const MimeTypeOfExtension& aLeft, string_view aRight) {
+        return Shared::CompareIgnoringCase(string_view(aLeft.mExtension), aRight) < 0;
     });
-    const bool fIsKnown = theFound != theEnd && zoDLNARun_Equal(RunOf(theFound->mExtension), anExtension);
+    const bool fIsKnown =
+        theFound != theEnd && Shared::EqualsIgnoringCase(string_view(theFound->mExtension), anExtension);
     return fIsKnown ? theFound->mMimeType : "*";
 }
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
 {
     const char* theURI = aURI ? aURI : "";
-    const Run theScheme = SchemeOf(theURI);
-    const char* theHierarchy = theScheme.mLength > 0 ? theURI + theScheme.mLength + 1 : theURI;
-    const Run theMimeType = RunOf(MimeTypeOf(ExtensionOf(theHierarchy)));
-    const Run theFields[] = { ProtocolOf(theScheme), RunOf("*"), theMimeType, RunOf("*") };
-    return zoDLNAProtocolInfo_NewFromFields(theFields);
+    const string_view theScheme = SchemeOf(theURI);
+    const char* theHierarchy = theScheme.size() > 0 ? theURI + theScheme.size() + 1 : theURI;
+    const string_view theMimeType = string_view(MimeTypeOf(ExtensionOf(theHierarchy)));
+    const string_view theFields[] = { ProtocolOf(theScheme), string_view("*"), theMimeType, string_view("*") };
+    return ProtocolInfo::NewFromFields(theFields);
 }

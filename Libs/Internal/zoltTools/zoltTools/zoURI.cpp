@@ -1,6 +1,8 @@
 #include <zoltTools/zoURI.h>
 
 #include <Shared/ASCII.h>
+#include <Shared/Append.h>
+#include <algorithm>
 #include <initializer_list>
 #include <stdlib.h>
 #include <string.h>
@@ -12,123 +14,122 @@ using namespace URI;
 
 // ---- Parsing ----
 
-// Digits up to 65535, or no digits at all.
-static bool ParsePort(Parts& aParts)
+// @return false when there are other bytes than digits, or the number is above 65535.
+static bool ParsePort(Parts* aParts)
 {
     uint32 theNumber = 0;
-    for (size_t i = 0; i < aParts.mPort.mLength; ++i)
+    for (const char theByte : aParts->mPort)
     {
-        const uint32 theDigit = Shared::DigitValue(aParts.mPort.mText[i]);
+        const uint32 theDigit = Shared::DigitValue(theByte);
         theNumber = theNumber * 10 + theDigit;
         if (theDigit > 9 || theNumber > 0xFFFF) { return false; }
     }
-    aParts.mPortNumber = static_cast<uint16>(theNumber);
+    aParts->mPortNumber = static_cast<uint16>(theNumber);
     return true;
 }
 
 // [userinfo@]host[:port]. Of several "@" the last one ends the user info, so that the host is the one that is asked.
-static bool ParseAuthority(Parts& aParts, const char* aBegin, const char* anEnd)
+static bool ParseAuthority(Parts* aParts, string_view anAuthority)
 {
-    const char* theHost = aBegin;
-    const void* theAt = memrchr(aBegin, '@', static_cast<size_t>(anEnd - aBegin));
+    const void* theAt = memrchr(anAuthority.data(), '@', anAuthority.size());
     if (theAt)
     {
-        aParts.mUserInfo = Between(aBegin, static_cast<const char*>(theAt));
-        theHost = static_cast<const char*>(theAt) + 1;
+        const size_t theLength = static_cast<size_t>(static_cast<const char*>(theAt) - anAuthority.data());
+        aParts->mUserInfo = anAuthority.substr(0, theLength);
+        anAuthority.remove_prefix(theLength + 1);
     }
 
-    const bool theAddress = theHost != anEnd && *theHost == '[';
-    const void* theFound = memchr(theHost, theAddress ? ']' : ':', static_cast<size_t>(anEnd - theHost));
-    if (theAddress && !theFound) { return false; }
-    const char* theHostEnd = theFound ? static_cast<const char*>(theFound) + (theAddress ? 1 : 0) : anEnd;
-    aParts.mHostName = Between(theHost, theHostEnd);
-    if (theHostEnd == anEnd) { return true; }
-    if (*theHostEnd != ':') { return false; }
-    aParts.mPort = Between(theHostEnd + 1, anEnd);
+    const bool fIsAddress = !anAuthority.empty() && anAuthority[0] == '[';
+    const size_t theFound = anAuthority.find(fIsAddress ? ']' : ':');
+    if (fIsAddress && theFound == anAuthority.npos) { return false; }
+    aParts->mHostName = anAuthority.substr(0, fIsAddress ? theFound + 1 : theFound);
+    anAuthority.remove_prefix(aParts->mHostName.size());
+    if (anAuthority.empty()) { return true; }
+    if (anAuthority[0] != ':') { return false; }
+    aParts->mPort = anAuthority.substr(1);
     return ParsePort(aParts);
 }
 
-static const char* SkipScheme(const char* aText)
+// @return the length of what may be a scheme, 0 when a text does not begin with one.
+static size_t LengthOfScheme(string_view aText)
 {
-    if (!Shared::IsLetter(*aText)) { return aText; }
-    while (kBytes.IsAllowed(*aText, kIn_Scheme))
-        ++aText;
-    return aText;
+    if (aText.empty() || !Shared::IsLetter(aText[0])) { return 0; }
+    size_t theLength = 1;
+    while (theLength < aText.size() && kBytes.IsAllowed(aText[theLength], kIn_Scheme))
+        ++theLength;
+    return theLength < aText.size() && aText[theLength] == ':' ? theLength : 0;
 }
 
-static const char* SkipAuthority(const char* aText)
+static bool EndsAuthority(char aByte) { return aByte == '/' || aByte == '?' || aByte == '#'; }
+
+static bool EndsPath(char aByte) { return aByte == '?' || aByte == '#'; }
+
+static bool EndsQuery(char aByte) { return aByte == '#'; }
+
+// Takes what is before the first byte that ends it off a text.
+template <typename Predicate>
+static string_view TakeUpTo(string_view* aText, Predicate afIsEnd)
 {
-    while (*aText && *aText != '/' && *aText != '?' && *aText != '#')
-        ++aText;
-    return aText;
+    const auto theEnd = std::find_if(aText->begin(), aText->end(), afIsEnd);
+    const string_view theTaken = aText->substr(0, static_cast<size_t>(theEnd - aText->begin()));
+    aText->remove_prefix(theTaken.size());
+    return theTaken;
 }
 
-static const char* SkipPath(const char* aText)
+// Reads scheme and authority, and takes them off the text.
+static bool ParseUpToPath(string_view* aText, Parts* aParts)
 {
-    while (*aText && *aText != '?' && *aText != '#')
-        ++aText;
-    return aText;
+    const size_t theLength = LengthOfScheme(*aText);
+    if (theLength > 0)
+    {
+        aParts->mScheme = aText->substr(0, theLength);
+        aText->remove_prefix(theLength + 1);
+    }
+    if (aText->substr(0, 2) != "//") { return true; }
+    aText->remove_prefix(2);
+    return ParseAuthority(aParts, TakeUpTo(aText, EndsAuthority));
 }
 
-bool URI::Parse(const char* aText, Parts& aParts)
+bool URI::Parse(string_view aText, Parts* aParts)
 {
-    aParts = {};
-    const char* thePosition = aText;
-    const char* theSchemeEnd = SkipScheme(aText);
-    if (theSchemeEnd != aText && *theSchemeEnd == ':')
-    {
-        aParts.mScheme = Between(aText, theSchemeEnd);
-        thePosition = theSchemeEnd + 1;
-    }
-    if (thePosition[0] == '/' && thePosition[1] == '/')
-    {
-        const char* theAuthority = thePosition + 2;
-        thePosition = SkipAuthority(theAuthority);
-        if (!ParseAuthority(aParts, theAuthority, thePosition)) { return false; }
-    }
-
-    const char* thePathEnd = SkipPath(thePosition);
-    aParts.mPath = Between(thePosition, thePathEnd);
-    const char* theQueryEnd = thePathEnd;
-    if (*thePathEnd == '?')
-    {
-        theQueryEnd = strchrnul(thePathEnd, '#');
-        aParts.mQuery = Between(thePathEnd + 1, theQueryEnd);
-    }
-    if (*theQueryEnd == '#') { aParts.mFragment = SliceOf(theQueryEnd + 1); }
+    *aParts = {};
+    if (!ParseUpToPath(&aText, aParts)) { return false; }
+    aParts->mPath = TakeUpTo(&aText, EndsPath);
+    if (!aText.empty() && aText[0] == '?') { aParts->mQuery = TakeUpTo(&aText, EndsQuery).substr(1); }
+    if (!aText.empty()) { aParts->mFragment = aText.substr(1); }
     return true;
 }
 
 // ---- The object ----
 
-static char* StoreSlice(char*& anEnd, const Slice& aSlice)
+static char* StoreText(char*& anEnd, string_view aText)
 {
-    if (!aSlice.mText) { return nullptr; }
+    if (!aText.data()) { return nullptr; }
     char* theText = anEnd;
-    anEnd = AppendSlice(anEnd, aSlice);
+    anEnd = Shared::Append(anEnd, aText);
     *anEnd++ = '\0';
     return theText;
 }
 
-static size_t SizeToStore(const Slice& aSlice) { return aSlice.mText ? aSlice.mLength + 1 : 0; }
+static size_t SizeToStore(string_view aText) { return aText.data() ? aText.size() + 1 : 0; }
 
 zoURI* zoURI_NewFromEscapedStr(const char* aText)
 {
     Parts theParts;
-    if (!aText || !Parse(aText, theParts)) { return nullptr; }
+    if (!aText || !Parse(aText, &theParts)) { return nullptr; }
     const size_t theTextSize = SizeToStore(theParts.mScheme) + SizeToStore(theParts.mUserInfo) +
                                SizeToStore(theParts.mHostName) + SizeToStore(theParts.mPort) +
                                SizeToStore(theParts.mPath) + SizeToStore(theParts.mQuery) +
                                SizeToStore(theParts.mFragment);
     ParsedURI* theURI = static_cast<ParsedURI*>(zoMalloc(AddSizes(sizeof(ParsedURI), theTextSize)));
     char* theEnd = reinterpret_cast<char*>(theURI + 1);
-    theURI->mScheme = StoreSlice(theEnd, theParts.mScheme);
-    theURI->mUserInfo = StoreSlice(theEnd, theParts.mUserInfo);
-    theURI->mHostName = StoreSlice(theEnd, theParts.mHostName);
-    theURI->mPortText = StoreSlice(theEnd, theParts.mPort);
-    theURI->mPath = StoreSlice(theEnd, theParts.mPath);
-    theURI->mQuery = StoreSlice(theEnd, theParts.mQuery);
-    theURI->mFragment = StoreSlice(theEnd, theParts.mFragment);
+    theURI->mScheme = StoreText(theEnd, theParts.mScheme);
+    theURI->mUserInfo = StoreText(theEnd, theParts.mUserInfo);
+    theURI->mHostName = StoreText(theEnd, theParts.mHostName);
+    theURI->mPortText = StoreText(theEnd, theParts.mPort);
+    theURI->mPath = StoreText(theEnd, theParts.mPath);
+    theURI->mQuery = StoreText(theEnd, theParts.mQuery);
+    theURI->mFragment = StoreText(theEnd, theParts.mFragment);
     theURI->mPort = theParts.mPortNumber;
     theURI->mPortTextNumber = theParts.mPortNumber;
     theURI->mQueryArgs = nullptr;
@@ -159,31 +160,31 @@ void zoURI_Delete(zoURI* aURI)
     free(aURI);
 }
 
-// A component with what stands before it, when it is there.
-static char* AppendComponent(char* anEnd, const char* aPrefix, const Slice& aSlice, const char* aSuffix)
+// Appends a component, if the URI has it, between its delimiters.
+static char* AppendComponent(char* anEnd, string_view aPrefix, string_view aComponent, string_view aSuffix)
 {
-    if (!aSlice.mText) { return anEnd; }
-    anEnd = AppendBytes(anEnd, aPrefix, strlen(aPrefix));
-    anEnd = AppendSlice(anEnd, aSlice);
-    return AppendBytes(anEnd, aSuffix, strlen(aSuffix));
+    if (!aComponent.data()) { return anEnd; }
+    anEnd = Shared::Append(anEnd, aPrefix);
+    anEnd = Shared::Append(anEnd, aComponent);
+    return Shared::Append(anEnd, aSuffix);
 }
 
 size_t URI::TextSize(const Parts& aParts)
 {
     size_t theSize = sizeof("://@:?#");
-    for (const Slice* theSlice : { &aParts.mScheme, &aParts.mUserInfo, &aParts.mHostName, &aParts.mPort, &aParts.mPath,
-                                   &aParts.mQuery, &aParts.mFragment })
-        theSize = AddSizes(theSize, theSlice->mLength);
+    for (const string_view& theComponent : { aParts.mScheme, aParts.mUserInfo, aParts.mHostName, aParts.mPort,
+                                             aParts.mPath, aParts.mQuery, aParts.mFragment })
+        theSize = AddSizes(theSize, theComponent.size());
     return theSize;
 }
 
 char* URI::AppendUpToPath(char* anEnd, const Parts& aParts)
 {
     anEnd = AppendComponent(anEnd, "", aParts.mScheme, ":");
-    if (!aParts.mHostName.mText) { return anEnd; }
-    anEnd = AppendBytes(anEnd, "//", 2);
+    if (!aParts.mHostName.data()) { return anEnd; }
+    anEnd = Shared::Append(anEnd, "//");
     anEnd = AppendComponent(anEnd, "", aParts.mUserInfo, "@");
-    anEnd = AppendSlice(anEnd, aParts.mHostName);
+    anEnd = Shared::Append(anEnd, aParts.mHostName);
     return AppendComponent(anEnd, ":", aParts.mPort, "");
 }
 
@@ -199,30 +200,36 @@ char* zoURI_GetStr(const zoURI* aURI)
     if (!aURI) { return zoStrdup(""); }
     const ParsedURI* theURI = static_cast<const ParsedURI*>(aURI);
     char theDigits[sizeof("65535")];
-    Slice thePort = SliceOf(theURI->mPortText);
+    string_view thePort = ViewOf(theURI->mPortText);
     if (aURI->mPort != theURI->mPortTextNumber) // set by somebody else
     {
         zo_snprintf(theDigits, sizeof(theDigits), "%u", static_cast<unsigned>(aURI->mPort));
-        thePort = SliceOf(aURI->mPort != 0 ? theDigits : nullptr);
+        thePort = ViewOf(aURI->mPort != 0 ? theDigits : nullptr);
     }
-    const Parts theParts = { SliceOf(aURI->mScheme), SliceOf(aURI->mUserInfo), SliceOf(aURI->mHostName), thePort,
-                             SliceOf(aURI->mPath),   SliceOf(aURI->mQuery),    SliceOf(aURI->mFragment), 0 };
+    const Parts theParts = { ViewOf(aURI->mScheme), ViewOf(aURI->mUserInfo), ViewOf(aURI->mHostName), thePort,
+                             ViewOf(aURI->mPath),   ViewOf(aURI->mQuery),    ViewOf(aURI->mFragment), 0 };
     char* theText = static_cast<char*>(zoMalloc(TextSize(theParts)));
-    AppendFromQuery(AppendSlice(AppendUpToPath(theText, theParts), theParts.mPath), theParts);
+    AppendFromQuery(Shared::Append(AppendUpToPath(theText, theParts), theParts.mPath), theParts);
     return theText;
 }
 
-uint32 zoURI_GetHostIP(const zoURI* aURI)
+static uint32 AddressOf(string_view aHost)
 {
-    const char* theHost = aURI && aURI->mHostName ? aURI->mHostName : "";
+    char theHost[sizeof("255.255.255.255")];
+    if (aHost.empty() || aHost.size() >= sizeof(theHost) || !Shared::IsDigit(aHost[0])) { return UINT32_MAX; }
+    *Shared::Append(theHost, aHost) = '\0';
     const uint32 theAddress = zoSocketGetAddressFromDotForm(theHost);
-    if (theAddress != 0) { return theAddress; }
+    if (theAddress != 0 || aHost.back() != '0') { return theAddress != 0 ? theAddress : UINT32_MAX; }
+    // 0.0.0.0 reads as an invalid address does; with its last digit changed it doesn't.
+    theHost[aHost.size() - 1] = '1';
+    return zoSocketGetAddressFromDotForm(theHost) != 0 ? 0 : UINT32_MAX;
+}
 
-    // 0.0.0.0 reads as no address does; with its last digit changed it doesn't.
-    char theOther[sizeof("255.255.255.255")];
-    const size_t theLength = strlen(theHost);
-    if (theLength == 0 || theLength >= sizeof(theOther) || theHost[theLength - 1] != '0') { return UINT32_MAX; }
-    memcpy(theOther, theHost, theLength + 1);
-    theOther[theLength - 1] = '1';
-    return zoSocketGetAddressFromDotForm(theOther) != 0 ? 0 : UINT32_MAX;
+uint32 zoURI_GetHostIP(const zoURI* aURI) { return AddressOf(ViewOf(aURI ? aURI->mHostName : nullptr)); }
+
+uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength)
+{
+    Parts theParts = {};
+    string_view theText(aText ? aText : "", aText ? strnlen(aText, aLength) : 0);
+    return ParseUpToPath(&theText, &theParts) ? AddressOf(theParts.mHostName) : UINT32_MAX;
 }

@@ -2,37 +2,36 @@
 
 #include <zoltTools/zoURI.h>
 
+#include <Shared/Append.h>
 #include <string.h>
 #include <zoltTools/Private/zoURI.h>
 #include <zoltTools/zoMemory.h>
 
 using namespace URI;
 
-// The base's path up to its last "/", what a relative path is put behind.
-static Slice DirectoryOf(const Parts& aBase)
+// @return the base's path up to its last "/", which a relative path follows.
+static string_view DirectoryOf(const Parts& aBase)
 {
-    if (aBase.mHostName.mText && aBase.mPath.mLength == 0) { return { "/", 1 }; }
-    const void* theSlash = memrchr(aBase.mPath.mText, '/', aBase.mPath.mLength);
-    if (!theSlash) { return { nullptr, 0 }; }
-    return Between(aBase.mPath.mText, static_cast<const char*>(theSlash) + 1);
+    if (aBase.mHostName.data() && aBase.mPath.empty()) { return "/"; }
+    return aBase.mPath.substr(0, aBase.mPath.rfind('/') + 1);
 }
 
-// Gives aTarget, which is the reference, what it takes from the base; true when its path is the base's.
-static bool InheritFromBase(const Parts& aBase, Parts& aTarget, Slice& aDirectory)
+// Gives aTarget, which is the reference, what it inherits from the base. @return true if that includes the path.
+static bool InheritFromBase(const Parts& aBase, Parts* aTarget, string_view* aDirectory)
 {
-    if (aTarget.mScheme.mText) { return false; }
-    aTarget.mScheme = aBase.mScheme;
-    if (aTarget.mHostName.mText) { return false; }
-    aTarget.mUserInfo = aBase.mUserInfo;
-    aTarget.mHostName = aBase.mHostName;
-    aTarget.mPort = aBase.mPort;
-    if (aTarget.mPath.mLength > 0)
+    if (aTarget->mScheme.data()) { return false; }
+    aTarget->mScheme = aBase.mScheme;
+    if (aTarget->mHostName.data()) { return false; }
+    aTarget->mUserInfo = aBase.mUserInfo;
+    aTarget->mHostName = aBase.mHostName;
+    aTarget->mPort = aBase.mPort;
+    if (!aTarget->mPath.empty())
     {
-        if (*aTarget.mPath.mText != '/') { aDirectory = DirectoryOf(aBase); }
+        if (aTarget->mPath[0] != '/') { *aDirectory = DirectoryOf(aBase); }
         return false;
     }
-    aTarget.mPath = aBase.mPath;
-    if (!aTarget.mQuery.mText) { aTarget.mQuery = aBase.mQuery; }
+    aTarget->mPath = aBase.mPath;
+    if (!aTarget->mQuery.data()) { aTarget->mQuery = aBase.mQuery; }
     return true;
 }
 
@@ -54,8 +53,8 @@ static size_t WithoutLastSegment(const char* aPath, size_t aLength)
     return theSlash ? static_cast<size_t>(static_cast<const char*>(theSlash) - aPath) : 0;
 }
 
-// Takes "." and ".." out of the path in place. What is written never overtakes what is read, and each byte that ".."
-// takes back was written once: linear. @return the new length.
+// Removes "." and ".." from the path in place. What is written never overtakes what is read, and ".." removes each byte
+// once at most, so the time is linear. @return the new length.
 static size_t RemoveDotSegments(char* aPath, size_t aLength)
 {
     size_t theRead = 0;
@@ -88,13 +87,13 @@ static size_t RemoveDotSegments(char* aPath, size_t aLength)
     return theWritten;
 }
 
-static char* AppendPath(char* anEnd, const Parts& aTarget, const Slice& aDirectory, bool afAsItIs)
+static char* AppendPath(char* anEnd, const Parts& aTarget, string_view aDirectory, bool afAsItIs)
 {
-    size_t theLength = static_cast<size_t>(AppendSlice(AppendSlice(anEnd, aDirectory), aTarget.mPath) - anEnd);
+    size_t theLength = static_cast<size_t>(Shared::Append(Shared::Append(anEnd, aDirectory), aTarget.mPath) - anEnd);
     if (!afAsItIs) { theLength = RemoveDotSegments(anEnd, theLength); }
-    if (!aTarget.mHostName.mText && theLength > 1 && anEnd[0] == '/' && anEnd[1] == '/')
+    if (!aTarget.mHostName.data() && theLength > 1 && anEnd[0] == '/' && anEnd[1] == '/')
     {
-        memmove(anEnd + 2, anEnd, theLength); // else the path would read as a host
+        memmove(anEnd + 2, anEnd, theLength); // or the path would read as a host
         anEnd[1] = '.';
         theLength += 2;
     }
@@ -106,15 +105,15 @@ char* zoURI_S_Combine(const char* aBase, const char* aReference)
     const char* theReference = aReference ? aReference : "";
     Parts theBase;
     Parts theTarget;
-    if (!aBase || !Parse(aBase, theBase) || !theBase.mScheme.mText || !Parse(theReference, theTarget))
+    if (!aBase || !Parse(aBase, &theBase) || !theBase.mScheme.data() || !Parse(theReference, &theTarget))
     {
         return zoStrdup(theReference);
     }
-    Slice theDirectory = {};
-    const bool theBasePath = InheritFromBase(theBase, theTarget, theDirectory);
-    const size_t theSize = AddSizes(AddSizes(TextSize(theTarget), theDirectory.mLength), sizeof("/."));
+    string_view theDirectory;
+    const bool fIsBasePath = InheritFromBase(theBase, &theTarget, &theDirectory);
+    const size_t theSize = AddSizes(AddSizes(TextSize(theTarget), theDirectory.size()), sizeof("/."));
     char* theText = static_cast<char*>(zoMalloc(theSize));
     char* thePath = AppendUpToPath(theText, theTarget);
-    AppendFromQuery(AppendPath(thePath, theTarget, theDirectory, theBasePath), theTarget);
+    AppendFromQuery(AppendPath(thePath, theTarget, theDirectory, fIsBasePath), theTarget);
     return theText;
 }

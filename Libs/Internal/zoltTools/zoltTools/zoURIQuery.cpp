@@ -2,6 +2,7 @@
 
 #include <zoltTools/zoURI.h>
 
+#include <Shared/Append.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/Private/zoURI.h>
@@ -11,12 +12,9 @@ using namespace URI;
 
 // ---- Escapes ----
 
-static bool IsEscape(const char* aText)
-{
-    return aText[0] == '%' && Shared::IsHexDigit(aText[1]) && Shared::IsHexDigit(aText[2]);
-}
+static bool IsEscape(const char* aText) { return *aText == '%' && Shared::HexByteValue(aText + 1) >= 0; }
 
-// Whether the byte at aText must be written as an escape. An argument's "%" is one of its own bytes.
+// True if the byte at aText must be written as an escape. In an argument that is not yet escaped, "%" is such a byte.
 static bool NeedsEscape(const char* aText, int aPlace)
 {
     return !kBytes.IsAllowed(*aText, aPlace) && (aPlace == kIn_Argument || !IsEscape(aText));
@@ -58,9 +56,9 @@ static void EscapeComponent(const zoURI* aURI, char** aComponent, int aPlace)
 void zoURI_Escape(zoURI* aURI)
 {
     if (!aURI) { return; }
-    const bool theAddress = aURI->mHostName && aURI->mHostName[0] == '[';
+    const bool fIsAddress = aURI->mHostName && aURI->mHostName[0] == '[';
     EscapeComponent(aURI, &aURI->mUserInfo, kIn_UserInfo);
-    EscapeComponent(aURI, &aURI->mHostName, theAddress ? kIn_Address : kIn_HostName);
+    EscapeComponent(aURI, &aURI->mHostName, fIsAddress ? kIn_Address : kIn_HostName);
     EscapeComponent(aURI, &aURI->mPath, kIn_Path);
     EscapeComponent(aURI, &aURI->mQuery, kIn_Query);
     EscapeComponent(aURI, &aURI->mFragment, kIn_Query);
@@ -68,11 +66,12 @@ void zoURI_Escape(zoURI* aURI)
 
 // ---- Query arguments ----
 
-// The byte at aText, decoded; moves aText past it. The escape of a NUL stays as it is written: it would end the text.
+// @return the byte at aText, decoded; moves aText past it. The escape of a NUL, which would end the text, is not
+// decoded.
 static char DecodeByte(const char*& aText)
 {
-    if (!IsEscape(aText) || (aText[1] == '0' && aText[2] == '0')) { return *aText++; }
-    const uint32 theByte = Shared::DigitValue(aText[1]) << 4 | Shared::DigitValue(aText[2]);
+    const int theByte = *aText == '%' ? Shared::HexByteValue(aText + 1) : -1;
+    if (theByte <= 0) { return *aText++; }
     aText += 3;
     return static_cast<char>(theByte);
 }
@@ -134,23 +133,24 @@ static char* AppendArgument(char* anEnd, const char* aName, const char* aValue)
 static char* AppendQueryWith(char* anEnd, const char* aQuery, const char* aName, const char* aValue)
 {
     const char* const theBegin = anEnd;
-    bool theFirst = true;
-    bool theWritten = false;
+    bool fIsFirst = true;
+    bool fIsWritten = false;
     for (const char* thePosition = aQuery; thePosition;)
     {
         const QueryArgument theArgument(thePosition);
-        const bool theNamed = theArgument.IsNamed(aName);
-        if (!theNamed || !theWritten)
+        const bool fIsNamed = theArgument.IsNamed(aName);
+        if (!fIsNamed || !fIsWritten)
         {
-            if (!theFirst) { *anEnd++ = '&'; }
-            anEnd = theNamed ? AppendArgument(anEnd, aName, aValue)
-                             : AppendSlice(anEnd, Between(thePosition, theArgument.mEnd));
-            theFirst = false;
-            theWritten = theWritten || theNamed;
+            if (!fIsFirst) { *anEnd++ = '&'; }
+            anEnd = fIsNamed
+                        ? AppendArgument(anEnd, aName, aValue)
+                        : Shared::Append(anEnd, { thePosition, static_cast<size_t>(theArgument.mEnd - thePosition) });
+            fIsFirst = false;
+            fIsWritten = fIsWritten || fIsNamed;
         }
         thePosition = *theArgument.mEnd ? theArgument.mEnd + 1 : nullptr;
     }
-    if (theWritten) { return anEnd; }
+    if (fIsWritten) { return anEnd; }
     if (anEnd != theBegin && anEnd[-1] != '&') { *anEnd++ = '&'; }
     return AppendArgument(anEnd, aName, aValue);
 }

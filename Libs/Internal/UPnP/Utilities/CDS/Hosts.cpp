@@ -9,13 +9,7 @@ namespace CDS
 // The first three, two and one octets.
 static const uint32 sIPAddressMask[] = { 0xFFFFFF00, 0xFFFF0000, 0xFF000000 };
 
-uint32 FindHostAddress(const char* anURI)
-{
-    zoURI* theURI = zoURI_NewFromEscapedStr(anURI);
-    const uint32 theAddress = theURI ? zoURI_GetHostIP(theURI) : kNoAddress;
-    zoURI_Delete(theURI);
-    return theAddress;
-}
+uint32 FindHostAddress(std::string_view anURI) { return zoURI_S_GetHostIP(anURI.data(), anURI.size()); }
 
 uint32 GetLocality(uint32 anAddress, uint32 anotherAddress)
 {

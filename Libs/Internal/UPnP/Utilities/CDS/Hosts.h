@@ -2,6 +2,7 @@
 
 /* The hosts that URIs name, and how near they are to the devices that will fetch from them. */
 
+#include <string_view>
 #include <zoOS/zoTypes.h>
 
 namespace CDS
@@ -10,6 +11,8 @@ namespace CDS
 /** Addresses in network byte order. */
 struct Targets
 {
+    Targets(const uint32* anAddresses, uint32 aCount) : mAddresses(anAddresses), mCount(anAddresses ? aCount : 0) {}
+
     const uint32* mAddresses;
     uint32 mCount;
 };
@@ -21,7 +24,7 @@ inline constexpr uint32 kNoAddress = 0xFFFFFFFF;
 inline constexpr uint32 kIsAddressWeight = 0x10;
 
 /** @return the IPv4 address, in network byte order, that is the URI's host; kNoAddress when it is not one. */
-uint32 FindHostAddress(const char* anURI);
+uint32 FindHostAddress(std::string_view anURI);
 
 /** @return how near two addresses are: 3, 2 or 1 when they share this many first octets, else 0. */
 uint32 GetLocality(uint32 anAddress, uint32 anotherAddress);

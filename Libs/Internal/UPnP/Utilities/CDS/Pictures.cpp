@@ -1,54 +1,83 @@
 #include <UPnP/Utilities/CDS/Pictures.h>
 
-#include <UPnP/Utilities/UPnPConst.h>
+#include <Shared/ASCII.h>
+#include <Shared/Sizes.h>
+#include <Shared/Split.h>
 #include <algorithm>
 #include <iterator>
+#include <stdlib.h>
 #include <string.h>
-#include <zo/CStringTokenizer.h>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
 
 namespace CDS
 {
 
+using std::string_view;
+
+// Takes the next profile off a list.
+static bool NextProfile(string_view* aProfiles, string_view* aProfile)
+{
+    while (Shared::NextItem(aProfiles, ',', aProfile))
+    {
+        if (!aProfile->empty()) { return true; }
+    }
+    return false;
+}
+
+string_view ProfilesOrDefault(const zoCString& aProfiles)
+{
+    return aProfiles.IsEmpty() ? string_view("JPEG_TN,PNG_TN") : string_view(aProfiles.c_str(), aProfiles.length());
+}
+
+// ---- Album art ----
+
 namespace
 {
 
-const char kDefaultProfiles[] = "JPEG_TN,PNG_TN";
+// The weight of album art, a number. Item k of the profile list is one of the first eight.
+//
+//     bit 31 - k  item k is the profile
+//     bit 19 - k  item k is a profile of the same family
+//     bit 4       its host is an IPv4 address
+//     below       the sum of the localities of its host to all targets
+const uint32 kIsProfileWeight = 0x80000000;
+const uint32 kIsFamilyWeight = 0x80000;
 
-// The profiles of a list that count for album art, the best first.
-struct ProfileList
+struct ListedProfile
 {
-    zoCString mProfiles[8];
+    string_view mText;
+    string_view mFamily;
+};
+
+// The profiles of a list that count for album art.
+struct ListedProfiles
+{
+    ListedProfile mProfiles[8];
     uint32 mCount;
 };
 
 } // namespace
 
-zoCString ProfilesOrDefault(const zoCString& aProfiles) { return aProfiles.IsEmpty() ? kDefaultProfiles : aProfiles; }
+// @return the profile up to its first "_".
+static string_view FamilyOf(string_view aProfile) { return aProfile.substr(0, aProfile.find('_')); }
 
-static void SplitProfiles(const zoCString& aProfiles, ProfileList* aList)
+static ListedProfiles SplitProfiles(string_view aProfiles)
 {
-    aList->mCount = 0;
-    zoCStringTokenizer theTokenizer;
-    theTokenizer.SetString(aProfiles, ",", kTokenizerMode_Default);
-    while (aList->mCount < std::size(aList->mProfiles) && theTokenizer.HasMoreTokens())
-        aList->mProfiles[aList->mCount++] = theTokenizer.GetNextToken();
+    ListedProfiles theList = {};
+    for (string_view theProfile; theList.mCount < std::size(theList.mProfiles) && NextProfile(&aProfiles, &theProfile);)
+        theList.mProfiles[theList.mCount++] = { theProfile, FamilyOf(theProfile) };
+    return theList;
 }
 
-// Whether two profiles are equal up to their first "_".
-static bool IsSameFamily(const char* aLeft, const char* aRight)
+static uint32 WeighProfile(const ListedProfiles& aList, string_view aProfile)
 {
-    const size_t theLength = strcspn(aLeft, "_");
-    return theLength == strcspn(aRight, "_") && memcmp(aLeft, aRight, theLength) == 0;
-}
-
-static uint32 WeighProfile(const ProfileList& aList, const char* aProfile)
-{
+    const string_view theFamily = FamilyOf(aProfile);
     uint32 theWeight = 0;
     for (uint32 i = 0; i < aList.mCount; ++i)
     {
-        const char* theListed = aList.mProfiles[i].c_str();
-        if (strcmp(theListed, aProfile) == 0) { theWeight = std::max(theWeight, 0x80000000u >> i); }
-        else if (IsSameFamily(theListed, aProfile)) { theWeight = std::max(theWeight, 0x80000u >> i); }
+        const ListedProfile& theListed = aList.mProfiles[i];
+        if (theListed.mText == aProfile) { theWeight = std::max(theWeight, kIsProfileWeight >> i); }
+        else if (theListed.mFamily == theFamily) { theWeight = std::max(theWeight, kIsFamilyWeight >> i); }
     }
     return theWeight;
 }
@@ -63,13 +92,14 @@ static uint32 WeighAlbumArtHost(const char* anURI, Targets aTargets)
     return theWeight;
 }
 
-AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, const zoCString& aProfiles, Targets aTargets)
+AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, string_view aProfiles, Targets aTargets)
 {
-    ProfileList theProfiles;
-    SplitProfiles(aProfiles, &theProfiles);
     AlbumArt theBest = { "", "" };
+    const size_t theCount = zoArray_GetCount(aPairs);
+    if (theCount < 2) { return theBest; }
+    const ListedProfiles theProfiles = SplitProfiles(aProfiles);
     uint32 theBestWeight = 0;
-    for (size_t i = 0; i + 1 < zoArray_GetCount(aPairs); i += 2)
+    for (size_t i = 0; i + 1 < theCount; i += 2)
     {
         const char* theURI = static_cast<const char*>(zoArray_At(aPairs, i));
         const char* theProfile = static_cast<const char*>(zoArray_At(aPairs, i + 1));
@@ -82,29 +112,239 @@ AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, const zoCString& aProfiles, Tar
     return theBest;
 }
 
-int ChooseThumbnail(Resources* aResources, const char* aThumbnailType, Targets aTargets)
+// True if a part of the text is aPart; false for "". Takes linear time, which string_view's search does not.
+static bool Contains(string_view aText, string_view aPart)
 {
-    const char* theMimeType = strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg";
-    zoCString theSink;
-    theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", theMimeType, aThumbnailType);
-    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(theSink.c_str(), 0);
-    const zoCString theSupportedProtocols = GetSupportedProtocols(theList);
-    const zoCString theSchemeOrder = "http";
-    const Renderer theRenderer = { theList, theSupportedProtocols, theSchemeOrder, aTargets, true };
-    const Choice theChoice = Choose(aResources, theRenderer, kRendererPlayConfidence_May);
-    zoDLNAProtocolInfoList_Delete(theList);
-    return theChoice.mResource;
+    return !aPart.empty() && memmem(aText.data(), aText.size(), aPart.data(), aPart.size()) != nullptr;
 }
 
-int ChooseThumbnailOfProfiles(const zoPackedData_t* aRecord, const zoCString& aProfiles, Targets aTargets)
+bool HasListedProfile(const AlbumArt& anAlbumArt, string_view aProfiles)
 {
-    Resources theResources(aRecord);
-    zoCStringTokenizer theTokenizer;
-    theTokenizer.SetString(aProfiles, ",", kTokenizerMode_Default);
-    int theIndex = -1;
-    while (theIndex < 0 && theTokenizer.HasMoreTokens())
-        theIndex = ChooseThumbnail(&theResources, theTokenizer.GetNextToken().c_str(), aTargets);
-    return theIndex;
+    return Contains(aProfiles, anAlbumArt.mProfile);
+}
+
+bool HasListedFamily(const AlbumArt& anAlbumArt, string_view aProfiles)
+{
+    const zoCString theFamily = zoCString(anAlbumArt.mProfile).BeforeFirst('_') + '_';
+    return Contains(aProfiles, { theFamily.c_str(), theFamily.length() });
+}
+
+// ---- Thumbnails ----
+//
+// A thumbnail of the profile P is chosen for a renderer that plays "http-get:*:image/jpeg:DLNA.ORG_PN=P" (image/png
+// when P begins with "PNG_"), as any resource is, with a confidence of May at least. What that comes to:
+//
+// - Resources over another protocol than http-get are not considered.
+// - The first stage finds the resources of exactly that profile. If there are none, it finds those without protocol
+// info,
+//   whatever P is.
+// - The second stage finds, if there are neither, the resources of that MIME type without a profile; with any profile
+//   when P is empty. The third stage finds the same.
+// - Of these the one on the nearest host is chosen, of equally near ones one that is not converted, of several the
+// first.
+
+namespace
+{
+
+// The best of the resources that are added in their order.
+class Best
+{
+public:
+    Best(const Resources& aResources, Targets aTargets) : mResources(aResources), mTargets(aTargets) {}
+
+    int GetIndex() const { return mIndex; } // -1 when none was added
+    void Add(uint32 anIndex);
+
+private:
+    uint32 Weigh(uint32 anIndex) const;
+
+    const Resources& mResources;
+    Targets mTargets;
+    int mIndex = -1;
+    bool mfIsWeighed = false; // only one of several needs to be
+    uint32 mWeight = 0;
+};
+
+// A search over resources whose transport protocol is known to suit.
+class ThumbnailSearch
+{
+public:
+    ThumbnailSearch(Resources* aResources, Targets aTargets);
+    ~ThumbnailSearch() { free(mByProfile); }
+    ThumbnailSearch(const ThumbnailSearch&) = delete;
+    ThumbnailSearch& operator=(const ThumbnailSearch&) = delete;
+
+    int FindOfType(string_view aThumbnailType);
+
+private:
+    static const uint32 kFew = 8; // resources whose profiles are compared one by one
+    static const int kUnknown = -2;
+
+    int IndexAt(uint32 aPosition) const { return zoDLNAProtocolInfo_GetUserData(mInfos[aPosition]); }
+    string_view ProfileAt(uint32 aPosition) const;
+    bool IsWithoutInfo(uint32 aPosition) const;
+
+    template <typename Predicate>
+    int FindBest(Predicate afIsMeant) const;
+    int FindOfProfile(string_view aProfile);
+    int FindWithoutInfo();
+    int FindOfMimeType(bool afIsPNG, bool afWithAnyProfile);
+    void SortByProfile();
+
+    const Resources& mResources;
+    Targets mTargets;
+    zoDLNAProtocolInfo_t** mInfos; // in the order of the resources
+    uint32 mCount;
+    uint32* mByProfile = nullptr; // positions in mInfos in the order of their profiles; NULL until they are asked for
+    int mWithoutInfo = kUnknown;
+    int mOfMimeType[2][2] = { { kUnknown, kUnknown }, { kUnknown, kUnknown } };
+};
+
+} // namespace
+
+uint32 Best::Weigh(uint32 anIndex) const
+{
+    const bool fIsConverted = zoDLNAProtocolInfo_GetConversionIndicator(mResources.At(anIndex).mInfo) != 0;
+    return 2 * mResources.WeighHost(anIndex, mTargets) + (fIsConverted ? 0 : 1);
+}
+
+void Best::Add(uint32 anIndex)
+{
+    if (mIndex < 0)
+    {
+        mIndex = static_cast<int>(anIndex);
+        return;
+    }
+    if (!mfIsWeighed) { mWeight = Weigh(static_cast<uint32>(mIndex)); }
+    mfIsWeighed = true;
+    const uint32 theWeight = Weigh(anIndex);
+    if (theWeight <= mWeight) { return; }
+    mIndex = static_cast<int>(anIndex);
+    mWeight = theWeight;
+}
+
+ThumbnailSearch::ThumbnailSearch(Resources* aResources, Targets aTargets)
+    : mResources(*aResources), mTargets(aTargets), mInfos(aResources->GetRoom()), mCount(0)
+{
+    for (uint32 i = 0; i < aResources->GetCount(); ++i)
+    {
+        if (aResources->At(i).mInfo) { mInfos[mCount++] = aResources->At(i).mInfo; }
+    }
+    if (mCount == 0) { return; }
+    mCount = static_cast<uint32>(zoDLNAProtocolInfoList_RankByScheme(nullptr, "http", "http-get", mInfos, mCount));
+}
+
+string_view ThumbnailSearch::ProfileAt(uint32 aPosition) const
+{
+    const char* theProfile = zoDLNAProtocolInfo_GetProfile(mInfos[aPosition]);
+    return theProfile ? string_view(theProfile) : string_view();
+}
+
+bool ThumbnailSearch::IsWithoutInfo(uint32 aPosition) const
+{
+    return !mResources.At(static_cast<uint32>(IndexAt(aPosition))).mfHasProtocolInfo;
+}
+
+template <typename Predicate>
+int ThumbnailSearch::FindBest(Predicate afIsMeant) const
+{
+    Best theBest(mResources, mTargets);
+    for (uint32 i = 0; i < mCount; ++i)
+    {
+        if (afIsMeant(i)) { theBest.Add(static_cast<uint32>(IndexAt(i))); }
+    }
+    return theBest.GetIndex();
+}
+
+void ThumbnailSearch::SortByProfile()
+{
+    mByProfile = Shared::NewArray<uint32>(mCount);
+    for (uint32 i = 0; i < mCount; ++i)
+        mByProfile[i] = i;
+    std::sort(mByProfile, mByProfile + mCount,
+              [this](uint32 aLeft, uint32 aRight)
+              {
+        const int theOrder = ProfileAt(aLeft).compare(ProfileAt(aRight));
+        return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
+    });
+}
+
+// @return the best of those that have exactly this profile, which is not empty.
+int ThumbnailSearch::FindOfProfile(string_view aProfile)
+{
+    if (mCount <= kFew)
+    {
+        return FindBest([=](uint32 aPosition) { return ProfileAt(aPosition) == aProfile; });
+    }
+    if (!mByProfile) { SortByProfile(); }
+    const uint32* theEnd = mByProfile + mCount;
+    const uint32* thePosition =
+        std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
+                         [this](uint32 aLeft, string_view aRight) { return ProfileAt(aLeft) < aRight; });
+    Best theBest(mResources, mTargets);
+    for (; thePosition < theEnd && ProfileAt(*thePosition) == aProfile; ++thePosition)
+        theBest.Add(static_cast<uint32>(IndexAt(*thePosition)));
+    return theBest.GetIndex();
+}
+
+int ThumbnailSearch::FindWithoutInfo()
+{
+    if (mWithoutInfo == kUnknown)
+    {
+        mWithoutInfo = FindBest([this](uint32 aPosition) { return IsWithoutInfo(aPosition); });
+    }
+    return mWithoutInfo;
+}
+
+int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
+{
+    int* theFound = &mOfMimeType[afIsPNG][afWithAnyProfile];
+    if (*theFound != kUnknown) { return *theFound; }
+    const string_view theText = afIsPNG ? "http-get:*:image/png:*" : "http-get:*:image/jpeg:*";
+    alignas(void*) char theMemory[kzoDLNAProtocolInfo_Size];
+    zoDLNAProtocolInfo_t* theSink =
+        zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());
+    *theFound = FindBest(
+        [=](uint32 aPosition)
+        {
+        return (afWithAnyProfile || ProfileAt(aPosition).empty()) &&
+               zoDLNAProtocolInfo_Match(theSink, mInfos[aPosition], kzoDLNAProtocolInfoMatch_AnyProfile);
+    });
+    zoDLNAProtocolInfo_Delete(theSink);
+    return *theFound;
+}
+
+// @return the profile that "DLNA.ORG_PN=" and a type stand for in a protocol info: the type up to a ";", without blanks
+// at its end.
+static string_view ProfileOfType(string_view aThumbnailType)
+{
+    string_view theProfile = aThumbnailType.substr(0, aThumbnailType.find(';'));
+    while (!theProfile.empty() && Shared::IsSpace(theProfile.back()))
+        theProfile.remove_suffix(1);
+    return theProfile;
+}
+
+int ThumbnailSearch::FindOfType(string_view aThumbnailType)
+{
+    const string_view theProfile = ProfileOfType(aThumbnailType);
+    int theFound = theProfile.empty() ? -1 : FindOfProfile(theProfile);
+    if (theFound < 0) { theFound = FindWithoutInfo(); }
+    const bool fIsPNG = aThumbnailType.substr(0, 4) == "PNG_";
+    return theFound < 0 ? FindOfMimeType(fIsPNG, theProfile.empty()) : theFound;
+}
+
+int ChooseThumbnailOfType(Resources* aResources, string_view aThumbnailType, Targets aTargets)
+{
+    return ThumbnailSearch(aResources, aTargets).FindOfType(aThumbnailType);
+}
+
+int ChooseThumbnail(Resources* aResources, string_view aProfiles, Targets aTargets)
+{
+    ThumbnailSearch theSearch(aResources, aTargets);
+    int theFound = -1;
+    for (string_view theProfile; theFound < 0 && NextProfile(&aProfiles, &theProfile);)
+        theFound = theSearch.FindOfType(theProfile);
+    return theFound;
 }
 
 } // namespace CDS

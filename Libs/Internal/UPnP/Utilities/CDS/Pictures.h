@@ -1,15 +1,15 @@
 #pragma once
 
-/* The choice of the picture that is shown for an object: thumbnail resources and album art. */
+/* The choice of the picture that is shown for an object: album art and thumbnail resources.
+ * Profile lists are DLNA profiles separated by commas, best first; empty ones are skipped. */
 
-#include <UPnP/Utilities/CDS/Choice.h>
+#include <UPnP/Utilities/CDS/Resources.h>
+#include <string_view>
+#include <zo/CString.h>
 #include <zoltTools/zoArray.h>
 
 namespace CDS
 {
-
-/** @return a list of profiles, the default one in place of "". */
-zoCString ProfilesOrDefault(const zoCString& aProfiles);
 
 struct AlbumArt
 {
@@ -17,13 +17,23 @@ struct AlbumArt
     const char* mProfile;
 };
 
-/** @param aPairs  URI and profile in turn; NULL when there are none. @return the best one, borrowed from aPairs. */
-AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, const zoCString& aProfiles, Targets aTargets);
+/** @return the profiles, or "JPEG_TN,PNG_TN" in place of "". */
+std::string_view ProfilesOrDefault(const zoCString& aProfiles);
 
-/** Chooses for a renderer that shows pictures of one profile, and perhaps others of its MIME type.
- *  @return the resource; -1 when there is none. */
-int ChooseThumbnail(Resources* aResources, const char* aThumbnailType, Targets aTargets);
-/** @return the thumbnail of the first listed profile that has one; -1 when none has. */
-int ChooseThumbnailOfProfiles(const zoPackedData_t* aRecord, const zoCString& aProfiles, Targets aTargets);
+/** @param aPairs  URI and profile in turn; may be NULL. @return the best one, borrowed from aPairs. */
+AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, std::string_view aProfiles, Targets aTargets);
+
+/** True if the album art's profile is in a text of profiles, as a part of it; false for "". */
+bool HasListedProfile(const AlbumArt& anAlbumArt, std::string_view aProfiles);
+/** True if the family of the album art's profile, its text up to the first "_" with a "_" after it, is in a text of
+ *  profiles. */
+bool HasListedFamily(const AlbumArt& anAlbumArt, std::string_view aProfiles);
+
+/** @param aThumbnailType  a DLNA profile, without commas. @return the thumbnail of that profile, or else a picture of
+ * its MIME type without a profile; -1 when there is none. */
+int ChooseThumbnailOfType(Resources* aResources, std::string_view aThumbnailType, Targets aTargets);
+/** @return the thumbnail of the first listed profile for which there is one; -1 when there is none. Takes time linear
+ * in resources and profiles together. */
+int ChooseThumbnail(Resources* aResources, std::string_view aProfiles, Targets aTargets);
 
 } // namespace CDS

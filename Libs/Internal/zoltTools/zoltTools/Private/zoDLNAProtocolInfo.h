@@ -1,64 +1,38 @@
 #pragma once
 
-/* The record behind zoDLNAProtocolInfo.h, and the text functions that it shares with the list. */
+/* The record behind zoDLNAProtocolInfo.h. */
 
+#include <string_view>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
-#ifdef __cplusplus
-extern "C" {
-#endif
-
-/* A piece of a text, not NUL-terminated. */
-typedef struct zoDLNARun_t
-{
-    const char* mData;
-    size_t mLength;
-} zoDLNARun_t;
-
-/* One block: this record, the MIME parameters, the text, the profile. Everything points into the block; nothing but
- * the user data changes after parsing. */
+/* A protocol info as views of its normalised text, which is one of three things: the rest of the object's own block,
+ * a part of its list's block, or the caller's text. */
 struct zoDLNAProtocolInfo_t
 {
-    const char* mText; /* normalised, mTextLength bytes and a NUL */
-    size_t mTextLength;
-    zoDLNARun_t mProtocol;
-    zoDLNARun_t mNetwork;
-    zoDLNARun_t mMimeType;              /* type/subtype, without the parameters */
-    const zoDLNARun_t* mMimeParameters; /* sorted, ignoring case */
-    size_t mMimeParameterCount;
-    const char* mProfile; /* NUL-terminated; NULL without one */
-
+    std::string_view mText; /* with a NUL in place of the ";" after the profile when mfIsCut is set */
+    std::string_view mProtocol;
+    std::string_view mNetwork;
+    std::string_view mMimeType;       /* type/subtype */
+    std::string_view mMimeParameters; /* what follows the ";" after it; without data when there is none */
+    std::string_view mProfile;        /* followed by a NUL; empty when there is none */
     int mUserData;
-    uint8 mfConverted;
-    uint8 mfThumbnail;
+    bool mfIsConverted;
+    bool mfIsCut;
+    bool mfIsOwnBlock; /* released with free */
 };
 
+namespace ProtocolInfo
+{
+
+/** Makes an object of a text, which it may change and which must live as long as the object.
+ *  @param aText  with a byte after its end, which becomes a NUL. */
+void Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength);
+
 /** @param aFields  the four fields. @return a new object, released with zoDLNAProtocolInfo_Delete. */
-zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromFields(const zoDLNARun_t* aFields);
+zoDLNAProtocolInfo_t* NewFromFields(const std::string_view* aFields);
 
-/** @return a hash that ignores the case of ASCII letters: equal runs have equal ones. */
-uint32 zoDLNARun_Hash(zoDLNARun_t aRun);
-/** @return a hash of the MIME type without its parameters, whose lowest bit is set for a wild card and for nothing
- * else. */
-uint32 zoDLNAProtocolInfo_HashMimeType(const zoDLNAProtocolInfo_t* anInfo);
-/** @return a hash of the profile; 0 without one and never else. */
-uint32 zoDLNAProtocolInfo_HashProfile(const zoDLNAProtocolInfo_t* anInfo);
-/** @return below 0, 0 or above 0, ignoring the case of ASCII letters. */
-int zoDLNARun_Compare(zoDLNARun_t aLeft, zoDLNARun_t aRight);
-/** Whether the two are equal, ignoring the case of ASCII letters. */
-int zoDLNARun_Equal(zoDLNARun_t aLeft, zoDLNARun_t aRight);
-/** Whether a MIME type is "*" or ends in "/" and "*". */
-int zoDLNARun_IsWildCard(zoDLNARun_t aMimeType);
-/** @return the run without the blanks at its ends. */
-zoDLNARun_t zoDLNARun_Trim(zoDLNARun_t aRun);
-/**
- * Takes the part before the next separator off the rest. The rest's mData is NULL after the last part.
- * @param aPart out: the part without the blanks at its ends.
- * @return 0 when there was no part left.
- */
-int zoDLNARun_NextPart(zoDLNARun_t* aRest, char aSeparator, zoDLNARun_t* aPart);
+/** True for "*". */
+inline bool IsAny(std::string_view aField) { return aField.size() == 1 && aField[0] == '*'; }
 
-#ifdef __cplusplus
-}
-#endif
+} // namespace ProtocolInfo

@@ -1,18 +1,19 @@
 #pragma once
 
-/* The record behind zoDLNAProtocolInfoList.h, for the sources of the list. */
+/* The record behind zoDLNAProtocolInfoList.h. */
 
+#include <atomic>
 #include <zoltTools/Private/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
-inline constexpr uint32 kNoRank = 0xFFFFFFFF;
+namespace ProtocolInfo
+{
 
-// An element, with what most comparisons need beside it, so that a scan stays in one array.
+struct MatchIndex;
+
 struct Slot
 {
     zoDLNAProtocolInfo_t* mInfo; // owned
-    uint32 mMimeTypeHash;
-    uint32 mProfileHash;
     uint32 mRank; // while there is a cursor: the first item of the order that covers the element; else meaningless
 };
 
@@ -27,19 +28,25 @@ struct Cursor
     size_t mPosition;
 };
 
+} // namespace ProtocolInfo
+
 // A gap buffer: elements at [0, mGapBegin) and [mGapEnd, mEnd), room in the gap between them and at [mEnd, mCapacity).
 // Insertions go to the gap, which moves to where they happen, and appending goes to the end, so that a mix of the two
 // moves nothing.
 struct zoDLNAProtocolInfoList_t
 {
-    Slot* mSlots;
+    ProtocolInfo::Slot* mSlots;
     size_t mGapBegin;
     size_t mGapEnd;
     size_t mEnd;
     size_t mCapacity;
-    size_t mWildCardCount; // of elements whose MIME type is a wild card
-    Cursor mCursor;
+    void* mBlock; // the elements that the list was made with, and their text; owned
+    ProtocolInfo::Cursor mCursor;
+    std::atomic<ProtocolInfo::MatchIndex*> mMatchIndex; // owned; NULL until a match asks for it
 };
+
+namespace ProtocolInfo
+{
 
 inline size_t CountOf(const zoDLNAProtocolInfoList_t* aList)
 {
@@ -52,6 +59,9 @@ inline Slot* SlotAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
     return aList->mSlots + (aPosition < aList->mGapBegin ? aPosition : aPosition + theGap);
 }
 
-inline bool IsAny(zoDLNARun_t aRun) { return aRun.mLength == 1 && aRun.mData[0] == '*'; }
+/** Forgets where draining stands. */
+void DropCursor(zoDLNAProtocolInfoList_t* aList);
+/** Releases the index, which the next match makes anew. */
+void DropMatchIndex(zoDLNAProtocolInfoList_t* aList);
 
-void zoDLNAProtocolInfoList_DropCursor(zoDLNAProtocolInfoList_t* aList);
+} // namespace ProtocolInfo

@@ -5,43 +5,38 @@
 #include <Shared/Digits.h>
 #include <Shared/Sizes.h>
 #include <string.h>
+#include <string_view>
 #include <zoltTools/zoURI.h>
 
 namespace URI
 {
 
 using Shared::AddSizes;
+using std::string_view;
 
-// A run of a text; mText is NULL when there is none at all.
-struct Slice
-{
-    const char* mText;
-    size_t mLength;
-};
-
-// The components of a text as they are written.
+// The components of a text as they are written, without data where the text has none.
 struct Parts
 {
-    Slice mScheme;
-    Slice mUserInfo;
-    Slice mHostName;
-    Slice mPort; // digits, or none
-    Slice mPath; // always there
-    Slice mQuery;
-    Slice mFragment;
+    string_view mScheme;
+    string_view mUserInfo;
+    string_view mHostName;
+    string_view mPort; // digits, perhaps no digit
+    string_view mPath; // always has data
+    string_view mQuery;
+    string_view mFragment;
     uint16 mPortNumber;
 };
 
-// What zoURI_NewFromEscapedStr gives out: this record and its components' texts in one block. A component that was
+// What zoURI_NewFromEscapedStr returns: this record and the texts of its components in one block. A component that has
 // changed since is a block of its own.
 struct ParsedURI : zoURI
 {
     size_t mTextSize;       // of the texts that follow the record
-    const char* mPortText;  // the port as it was written; NULL: none
-    uint16 mPortTextNumber; // the number that it stands for
+    const char* mPortText;  // the port as it was written; NULL without one
+    uint16 mPortTextNumber; // its number
 };
 
-// Which components a byte may stand in without an escape: a bit each.
+// The components in which a byte is allowed without an escape: a bit each.
 enum
 {
     kIn_Scheme = 0x01,
@@ -82,20 +77,10 @@ struct ByteTable
 
 inline constexpr ByteTable kBytes;
 
-inline char* AppendBytes(char* anEnd, const char* aBytes, size_t aCount)
-{
-    if (aCount > 0) { memcpy(anEnd, aBytes, aCount); }
-    return anEnd + aCount;
-}
+inline string_view ViewOf(const char* aText) { return { aText, aText ? strlen(aText) : 0 }; }
 
-inline char* AppendSlice(char* anEnd, const Slice& aSlice) { return AppendBytes(anEnd, aSlice.mText, aSlice.mLength); }
-
-inline Slice Between(const char* aBegin, const char* anEnd) { return { aBegin, static_cast<size_t>(anEnd - aBegin) }; }
-
-inline Slice SliceOf(const char* aText) { return { aText, aText ? strlen(aText) : 0 }; }
-
-/** Takes a text apart. @return false for a text that is not a URI. */
-bool Parse(const char* aText, Parts& aParts);
+/** Takes a text apart; the components are views of it. @return false for an invalid text. */
+bool Parse(string_view aText, Parts* aParts);
 
 /** @return the most bytes that the text of the components takes, its NUL included. */
 size_t TextSize(const Parts& aParts);

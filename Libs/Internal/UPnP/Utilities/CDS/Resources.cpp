@@ -1,0 +1,65 @@
+#include <UPnP/Utilities/CDS/Resources.h>
+
+#include <Shared/Sizes.h>
+#include <UPnP/Utilities/CDS/Record.h>
+#include <UPnP/Utilities/UPnPConst.h>
+#include <algorithm>
+#include <stdlib.h>
+
+namespace CDS
+{
+
+static void Read(const zoPackedData_t* aRecord, uint32 anIndex, Resource* aResource)
+{
+    const std::string_view theText = FindText(aRecord, anIndex, kCDSResourceInfo_ProtocolInfo);
+    aResource->mfHasProtocolInfo = !theText.empty();
+    aResource->mInfo = nullptr;
+    if (aResource->mfHasProtocolInfo)
+    {
+        aResource->mInfo = zoDLNAProtocolInfo_NewInPlace(aResource->mMemory, sizeof(aResource->mMemory), theText.data(),
+                                                         theText.size());
+    }
+    else
+    {
+        const zoCString theURI = GetText(aRecord, anIndex, kCDSResourceInfo_URI);
+        if (!theURI.IsEmpty()) { aResource->mInfo = zoDLNAProtocolInfo_NewFromURI(theURI.c_str()); }
+    }
+    zoDLNAProtocolInfo_SetUserData(aResource->mInfo, static_cast<int>(anIndex));
+}
+
+Resources::Resources(const zoPackedData_t* aRecord)
+    : mRecord(aRecord), mCount(zoPackedData_GetEntryCount(aRecord)), mResources(mFewResources), mRoom(mFewInfos)
+{
+    if (mCount > kFew)
+    {
+        const size_t theSize = Shared::MultiplySizes(mCount, sizeof(Resource) + sizeof(zoDLNAProtocolInfo_t*));
+        mResources = static_cast<Resource*>(zoMalloc(theSize));
+        mRoom = reinterpret_cast<zoDLNAProtocolInfo_t**>(mResources + mCount);
+    }
+    for (uint32 i = 0; i < mCount; ++i)
+        Read(aRecord, i, &mResources[i]);
+}
+
+Resources::~Resources()
+{
+    for (uint32 i = 0; i < mCount; ++i)
+        zoDLNAProtocolInfo_Delete(mResources[i].mInfo);
+    if (mResources != mFewResources) { free(mResources); }
+}
+
+const char* Resources::GetProfile(uint32 anIndex) const
+{
+    return mResources[anIndex].mfHasProtocolInfo ? zoDLNAProtocolInfo_GetProfile(mResources[anIndex].mInfo) : nullptr;
+}
+
+uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
+{
+    const uint32 theAddress = FindHostAddress(FindText(mRecord, anIndex, kCDSResourceInfo_URI));
+    if (theAddress == kNoAddress) { return 0; }
+    uint32 theNearest = 0;
+    for (uint32 i = 0; i < aTargets.mCount; ++i)
+        theNearest = std::max(theNearest, GetLocality(theAddress, aTargets.mAddresses[i]));
+    return kIsAddressWeight + theNearest;
+}
+
+} // namespace CDS

@@ -1,0 +1,52 @@
+#pragma once
+
+/* The resources of a record during one choice. */
+
+#include <UPnP/Utilities/CDS/Hosts.h>
+#include <zoOS/zoTypes.h>
+#include <zoltTools/zoDLNAProtocolInfo.h>
+#include <zoltTools/zoPackedData.h>
+
+namespace CDS
+{
+
+/** A resource whose protocol info is read, in place when there is room for it. */
+struct Resource
+{
+    zoDLNAProtocolInfo_t* mInfo; // owned; from the URI when there is no protocol info; NULL without either
+    bool mfHasProtocolInfo;
+    alignas(void*) char mMemory[kzoDLNAProtocolInfo_Size];
+};
+
+/** All resources. Each one's protocol info carries its index as user data. The first kFew take no memory from the
+ *  heap. */
+class Resources
+{
+public:
+    explicit Resources(const zoPackedData_t* aRecord);
+    ~Resources();
+    Resources(const Resources&) = delete;
+    Resources& operator=(const Resources&) = delete;
+
+    uint32 GetCount() const { return mCount; }
+    const Resource& At(uint32 anIndex) const { return mResources[anIndex]; }
+    /** @return room for GetCount() protocol infos, for the caller's use. */
+    zoDLNAProtocolInfo_t** GetRoom() { return mRoom; }
+
+    /** @return the DLNA profile of the resource's protocol info, borrowed; NULL without one. */
+    const char* GetProfile(uint32 anIndex) const;
+    /** @return the weight of the resource's host: 0 for a name, else kIsAddressWeight and the highest locality. */
+    uint32 WeighHost(uint32 anIndex, Targets aTargets) const;
+
+private:
+    static const uint32 kFew = 8;
+
+    const zoPackedData_t* mRecord;
+    uint32 mCount;
+    Resource* mResources;         // mFewResources or owned
+    zoDLNAProtocolInfo_t** mRoom; // mFewInfos or after the resources
+    Resource mFewResources[kFew];
+    zoDLNAProtocolInfo_t* mFewInfos[kFew];
+};
+
+} // namespace CDS

@@ -1,0 +1,97 @@
+#pragma once
+
+/* A hash of texts that are compared ignoring the case of ASCII letters, under a key that is not known outside.
+ *
+ * The text's words are the coefficients of a polynomial over the field of 2^61 - 1 elements, and the key is the place
+ * where it is evaluated: whoever does not know the key can't find texts with one hash, two texts of n words have one
+ * with a probability of n in 2^60. */
+
+#include <string.h>
+#include <string_view>
+#include <zoOS/zoTypes.h>
+#include <zoltTools/zoUUID.h>
+
+namespace KeyedHash
+{
+
+inline constexpr uint64 kPrime = (uint64(1) << 61) - 1;
+
+inline uint64 Reduce(uint64 aValue)
+{
+    const uint64 theValue = (aValue & kPrime) + (aValue >> 61);
+    return theValue >= kPrime ? theValue - kPrime : theValue;
+}
+
+#ifdef __SIZEOF_INT128__
+
+__extension__ typedef unsigned __int128 Product;
+
+/** @return the product of two elements of the field. */
+inline uint64 Multiply(uint64 aLeft, uint64 aRight)
+{
+    const Product theProduct = static_cast<Product>(aLeft) * aRight;
+    return Reduce((static_cast<uint64>(theProduct) & kPrime) + static_cast<uint64>(theProduct >> 61));
+}
+
+#else
+
+/** @return the product of two elements of the field, from products of their halves: 2^64 is 8 there. */
+inline uint64 Multiply(uint64 aLeft, uint64 aRight)
+{
+    const uint64 theHigh = (aLeft >> 32) * (aRight >> 32);
+    const uint64 theMiddle = (aLeft >> 32) * static_cast<uint32>(aRight) + (aRight >> 32) * static_cast<uint32>(aLeft);
+    const uint64 theLow = static_cast<uint64>(static_cast<uint32>(aLeft)) * static_cast<uint32>(aRight);
+    return Reduce(theHigh * 8 + (theMiddle >> 29) + ((theMiddle & 0x1FFFFFFF) << 32) + (theLow & kPrime) +
+                  (theLow >> 61));
+}
+
+#endif
+
+inline uint64 NewKey()
+{
+    zoUUID theRandom;
+    uint64 theKey;
+    zoUUID_Generate(theRandom);
+    memcpy(&theKey, theRandom + sizeof(theRandom) - sizeof(theKey), sizeof(theKey)); // two bits of it are fixed
+    return Reduce(theKey);
+}
+
+/** @return eight bytes with upper-case ASCII letters in lower case. */
+inline uint64 ToLower(uint64 aBytes)
+{
+    const uint64 kOnes = 0x0101010101010101u;
+    const uint64 theLow = aBytes & (0x7F * kOnes);
+    const uint64 theFromA = theLow + (0x80 - 'A') * kOnes; // bit 7 of each byte says whether it is this large
+    const uint64 theAboveZ = theLow + (0x7F - 'Z') * kOnes;
+    return aBytes | ((theFromA & ~theAboveZ & ~aBytes & (0x80 * kOnes)) >> 2);
+}
+
+/** @return fewer than eight bytes as one word; words of as many bytes are equal when their bytes are. */
+inline uint64 LoadTail(const char* aBytes, size_t aCount)
+{
+    uint64 theWord = 0;
+    for (size_t i = 0; i < aCount; ++i)
+        theWord = theWord << 8 | static_cast<unsigned char>(aBytes[i]);
+    return theWord;
+}
+
+/** @return the hash of the text with its letters in lower case, below 2^61. */
+inline uint64 Hash(uint64 aKey, std::string_view aText)
+{
+    uint64 theHash = aText.size() + 1;
+    const auto theAdd = [&](uint64 aWord)
+    {
+        theHash = Multiply(theHash, aKey) + static_cast<uint32>(aWord);
+        theHash = Multiply(Reduce(theHash), aKey) + (aWord >> 32);
+    };
+    for (; aText.size() >= sizeof(uint64); aText.remove_prefix(sizeof(uint64)))
+    {
+        uint64 theWord;
+        memcpy(&theWord, aText.data(), sizeof(theWord));
+        theAdd(ToLower(theWord));
+    }
+    if (!aText.empty()) { theAdd(ToLower(LoadTail(aText.data(), aText.size()))); }
+    return Reduce(Multiply(Reduce(theHash), aKey));
+}
+
+} // namespace KeyedHash
