@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 #include <vector>
+#include <zoltTools/Private/zoPackedData.h>
 #include <zoltTools/zoPackedData.h>
 
 // The bytes are taken twice: as a serialized block, and as values to add to a record, whose block is then damaged.
@@ -11,8 +12,8 @@
 namespace
 {
 
-const size_t kHeaderSize = 16;
-const size_t kTrailerSize = 4;
+const size_t kHeaderSize = 12;
+const size_t kTrailerSize = 1;
 
 // The values of each entry, a tag with its bytes, in their order.
 typedef std::vector<std::vector<std::pair<uint16, std::string>>> Entries;
@@ -82,9 +83,9 @@ size_t BlockSize(const Entries& anEntries)
     size_t theSize = kHeaderSize + kTrailerSize;
     for (const auto& theEntry : anEntries)
     {
-        theSize += 4;
+        theSize += 4 + 2 + theEntry.size() * (theEntry.size() > 48 ? 6 : 4); // values of an entry are small here
         for (const auto& theValue : theEntry)
-            theSize += 8 + theValue.second.size();
+            theSize += theValue.second.size();
     }
     return theSize;
 }
@@ -124,15 +125,10 @@ char* TakeCopiedBlock(zoPackedData_t* aRecord, const Entries& anEntries)
 // Reads a block of aSize bytes, which it takes over, and adds to it.
 void CheckBlock(char* aBlock, size_t aSize)
 {
-    uint32 theSaidSize; // a block that says more than there is can't be told from a good one
-    memcpy(&theSaidSize, aBlock + 4, sizeof(theSaidSize));
-    theSaidSize = static_cast<uint32>(std::min<size_t>(theSaidSize, aSize));
-    memcpy(aBlock + 4, &theSaidSize, sizeof(theSaidSize));
-
-    zoPackedData_t* theRecord = zoPackedData_NewData(aBlock);
+    zoPackedData_t* theRecord = zoPackedData_NewDataSized(aBlock, aSize);
     Entries theEntries = Read(theRecord);
     CheckReaders(theRecord, theEntries);
-    Require(theEntries.empty() || BlockSize(theEntries) == theSaidSize, "the values of a block fill it");
+    Require(theEntries.empty() || BlockSize(theEntries) == aSize, "the values of a block fill it");
     Add(theRecord, theEntries, 0x0101, "value");
     AddEntry(theRecord, theEntries);
     Add(theRecord, theEntries, 0x0101, "");
@@ -140,7 +136,7 @@ void CheckBlock(char* aBlock, size_t aSize)
 }
 
 // Adds values, each a tag of two bytes and a size of one before its bytes; 0xFF as size begins an entry.
-char* NewBlockOf(const uint8_t* aBytes, size_t aSize)
+char* NewBlockOf(const uint8_t* aBytes, size_t aSize, size_t* aBlockSize)
 {
     zoPackedData_t* theRecord = zoPackedData_New(0);
     Entries theEntries;
@@ -152,9 +148,9 @@ char* NewBlockOf(const uint8_t* aBytes, size_t aSize)
         else { Add(theRecord, theEntries, theTag, std::string(aBytes + i + 3, aBytes + i + 3 + theValueSize)); }
         i += aBytes[i + 2] == 0xFF ? 3 : 3 + theValueSize;
     }
-    const size_t theSize = BlockSize(theEntries);
+    *aBlockSize = BlockSize(theEntries);
     char* theBlock = TakeCopiedBlock(theRecord, theEntries);
-    return static_cast<char*>(realloc(theBlock, theSize)); // so that a byte too far is seen
+    return static_cast<char*>(realloc(theBlock, *aBlockSize)); // so that a byte too far is seen
 }
 
 } // namespace
@@ -162,19 +158,20 @@ char* NewBlockOf(const uint8_t* aBytes, size_t aSize)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
 {
     if (aSize < kHeaderSize || aSize > 1024) { return 0; }
-    zoPackedData_t* theEmpty = zoPackedData_New(0);
-    char* theGoodBlock = zoPackedData_TakeData(theEmpty);
-    zoPackedData_Free(theEmpty);
+    PackedData::Header theHeader;
+    memcpy(&theHeader, aBytes, sizeof(theHeader));
+    theHeader.mSize = static_cast<uint32>(aSize);
+    theHeader.mEntryCount %= 64;
+    theHeader.mMagic = PackedData::MagicOf(aSize, theHeader.mEntryCount);
     char* theBlock = static_cast<char*>(malloc(aSize));
     memcpy(theBlock, aBytes, aSize);
-    memcpy(theBlock, theGoodBlock, 4); // the magic number
-    free(theGoodBlock);
+    memcpy(theBlock, &theHeader, sizeof(theHeader));
     CheckBlock(theBlock, aSize);
 
-    char* theDamaged = NewBlockOf(aBytes + 3, aSize - 3);
-    uint32 theSize;
-    memcpy(&theSize, theDamaged + 4, sizeof(theSize));
-    theDamaged[static_cast<uint32>(aBytes[0] << 8 | aBytes[1]) % theSize] ^= static_cast<char>(aBytes[2]);
+    size_t theSize = 0;
+    char* theDamaged = NewBlockOf(aBytes + 3, aSize - 3, &theSize);
+    const size_t thePosition = static_cast<size_t>(aBytes[0] << 8 | aBytes[1]) % theSize;
+    theDamaged[thePosition] ^= static_cast<char>(aBytes[2]);
     CheckBlock(theDamaged, theSize);
     return 0;
 }

@@ -3,22 +3,30 @@
 /* Packed data: records of entries of tagged values, in memory and as one block of bytes that travels between modules.
  *
  * An entry is addressed by its index from 0, a value in it by its tag, which is unique in the entry. The tags of an
- * entry are enumerated in the order in which they were added. The serialized block:
+ * entry are enumerated in the order in which they were added. The serialized block, its numbers in the machine's byte
+ * order and not aligned:
  *
- *     header   magic number, total size, number of entries, number of values (4 bytes each, the machine's byte order)
- *     values   the bytes of all values in the order in which they were added, one after the other
- *     rows     8 bytes a value, entry by entry: offset of its bytes (4), its tag (2), and in row k of an entry of more
- *              than 48 values the position of the value with the k-th smallest tag (2), else 0; the bytes end where the
- *              next row's begin
- *     entries  4 bytes an entry: the index of the row that follows its last
- *     end      4 bytes, 0: a text without its NUL still ends inside the block
+ *     header   magic number, which depends on the other two; total size; number of entries (4 bytes each)
+ *     entries  one after the other, each of
+ *                values  the bytes of its values in the order in which they were added, one after the other
+ *                ends    where each value ends, counted from the entry's begin (2 bytes each; 4 when the values take
+ *                        more than 65535 bytes)
+ *                tags    2 bytes each
+ *                order   in an entry of more than 48 values: their positions in the order of their tags (2 bytes each)
+ *                count   the number of values (2 bytes)
+ *     table    where each entry ends, counted from the block's begin (4 bytes each)
+ *     end      1 byte, 0: a text without its NUL still ends inside the block
  *
- * Rows and entries begin at no particular alignment. A block is used where it was made: it is not a file format.
+ * A block is used where it was made: it is not a file format. It may come from anywhere: sizes, ends, tags and order
+ * are checked when a record takes the block over, so that no later read leaves it. A block in which they don't add up,
+ * or whose header does not match its magic number, reads as one without entries. That a block is as long as its header
+ * says can't be seen from the block: give one that came from outside the process to zoPackedData_NewDataSized. From
+ * then on it is private memory of the record: nobody else may write to it.
  *
- * Adding is amortised O(1), a look-up O(log n) in the entry's values, and values are read where they lie. Reading
- * changes nothing, so several threads may read one record. Every operation takes a NULL record: it reads as one
- * without entries, and adding to it does nothing. A block holds less than 4 GiB; a value that would pass that, or an
- * entry's 65536th, is dropped. */
+ * Adding is amortised O(1), a look-up O(log n) in the entry's values, and values are read in place. Reading changes
+ * nothing, so several threads may read one record while nobody adds to it. Every operation takes a NULL record: it
+ * reads as one without entries, and adding to it does nothing. A block holds less than 4 GiB; a value that would pass
+ * that, or an entry's 65536th, is dropped. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Export.h>
@@ -37,9 +45,9 @@ ZOLTTOOLS_API zoPackedData_t* zoPackedData_New(uint32 aCount);
 ZOLTTOOLS_API void zoPackedData_AddNewEntry(zoPackedData_t* aRecord);
 /**
  * Stores a copy of the bytes in the last entry; without an entry nothing is stored.
- * @param aTag  not yet in the entry: the first value of a tag stays.
- * @param aData  aSize bytes, anywhere but in the record; NULL with aSize 0 stores a value that is present but has no
- *               bytes.
+ * @param aTag   not yet in the entry: the first value of a tag stays.
+ * @param aData  aSize bytes, which may be a value of this record; NULL with aSize 0 stores a value that is present but
+ *               has no bytes.
  */
 ZOLTTOOLS_API void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize);
 /** Stores the flattened array in the last entry; the array stays the caller's. NULL counts as an empty array. */
@@ -48,8 +56,8 @@ ZOLTTOOLS_API void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, c
 
 /**
  * @param aSize out, may be NULL: number of bytes, 0 when there are none.
- * @return the value's bytes, borrowed until the record changes; NULL when the tag is absent or has no bytes. A text
- *         has its NUL among the bytes.
+ * @return the value's bytes, borrowed until the record changes; NULL when the tag is absent or has no bytes. A text is
+ *         the bytes up to the first NUL or to the value's end: in a block from a stranger the NUL may be missing.
  */
 ZOLTTOOLS_API const char* zoPackedData_GetData(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag,
                                                size_t* aSize);
@@ -90,12 +98,16 @@ ZOLTTOOLS_API uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint3
 /** @return the serialized block of the record, which is empty afterwards; the caller releases the block with free, or
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);
-/** @return a new record over a block made by zoPackedData_TakeData. The record takes the block over and frees it. NULL,
- *          or a block whose sizes and offsets don't add up, gives a record without entries. */
+/** @return a new record over a block made by zoPackedData_TakeData in this process, at least as long as its header
+ * says. The record takes the block over and frees it; no value is copied. NULL, or a block that doesn't add up, gives
+ *          a record without entries. */
 ZOLTTOOLS_API zoPackedData_t* zoPackedData_NewData(char* aBlock);
+/** As zoPackedData_NewData, for a block from outside the process, which is aSize bytes long: one whose header tells
+ *  another size gives a record without entries, too. */
+ZOLTTOOLS_API zoPackedData_t* zoPackedData_NewDataSized(char* aBlock, size_t aSize);
 /** @return an independent copy, released with zoPackedData_Free. */
 ZOLTTOOLS_API zoPackedData_t* zoPackedData_Duplicate(const zoPackedData_t* aRecord);
-/** Appends a copy of aSource's entry to another record; nothing when aSource has no such entry. */
+/** Appends a copy of aSource's entry to a record, which may be aSource; nothing when aSource has no such entry. */
 ZOLTTOOLS_API void zoPackedData_CopyEntry(const zoPackedData_t* aSource, uint32 anEntry, zoPackedData_t* aDestination);
 /** @return the size in bytes of the record's serialized block. */
 ZOLTTOOLS_API uint32 zoPackedData_GetMemoryUsage(const zoPackedData_t* aRecord);
