@@ -7,10 +7,19 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* A service description with a place for the Search action. */
-static char kTemplate[] = "<scpd><actionList><action><name>Browse</name></action>%@</actionList></scpd>";
+/* A service description with a place for the Search action, and the line end that an editor leaves. */
+static char kTemplate[] = "<scpd><actionList><action><name>Browse</name></action>%@</actionList></scpd>\n";
 static char kSearchName[] = ":search";
 static char kSearch[] = "<action><name>Search</name></action>";
+
+/* A template ends in ">". */
+static size_t LengthWithoutLineEnds(const char* aText)
+{
+    size_t theLength = strlen(aText);
+    while (theLength > 0 && (aText[theLength - 1] == '\n' || aText[theLength - 1] == '\r'))
+        --theLength;
+    return theLength;
+}
 
 static void Serve(UPnPHook* aHook, const char* aUserAgent)
 {
@@ -26,8 +35,8 @@ static void Serve(UPnPHook* aHook, const char* aUserAgent)
     ILibWebServer_Session* theSession = ILibWebServerSession_New(aUserAgent);
 
     snprintf(theUserAgent, sizeof(theUserAgent), "%s", aUserAgent);
-    UPnPHook_Hook(aHook, kUPnPHook_GetServiceDescription, theSession, theServiceName, kTemplate, strlen(kTemplate),
-                  theParts, theNames, theLengths, &theDescription, &theLength);
+    UPnPHook_Hook(aHook, kUPnPHook_GetServiceDescription, theSession, theServiceName, kTemplate,
+                  LengthWithoutLineEnds(kTemplate), theParts, theNames, theLengths, &theDescription, &theLength);
     UPnPHook_Hook(aHook, kUPnPHook_GetRequestedCount, theUserAgent, &theCount, theObjectID);
     printf("%s\n  gets %s\n  and %u objects at a time\n", aUserAgent, theDescription, theCount);
     free(theDescription);

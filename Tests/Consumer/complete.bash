@@ -1,4 +1,5 @@
 # complete.bash COMPLETION WORD...: what COMPLETION offers for the last of the words, one a line.
+# shellcheck source=/dev/null
 . "$1"
 shift
 COMP_LINE=$*

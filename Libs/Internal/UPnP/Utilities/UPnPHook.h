@@ -177,7 +177,7 @@ enum
  *
  * The result is a new text, NUL-terminated and released with free. A template whose markers are more or fewer than the
  * parts gives NULL and the length 0, after an assertion; one that does not end with ">" gives the text, after an
- * assertion. The cost is linear in template, parts and properties, and in the result, in which one list may replace
+ * assertion: cut off the line end that an editor leaves. The cost is linear in template, parts and properties, and in the result, in which one list may replace
  * several parts.
  */
 UPNPUTILITIES_API void UPnPHook_Hook(UPnPHook* aUPnPHook, int aHookID, ...);
