@@ -59,7 +59,8 @@ bool NamespaceList::AppendXMLNS(std::string_view aName, std::string_view aValue,
 {
     const size_t theBefore = mText.size();
     const size_t theLeastSize = theBefore + (theBefore > 0) + aName.size() + aValue.size() + 3; // with ="" around it
-    if (theLeastSize > aMaxSize || mNames.Contains(aName)) { return false; }
+    if (theLeastSize > aMaxSize) { return false; }
+    if (mNames.Contains(aName)) { return true; }
     if (theBefore > 0) { mText.Append(','); }
     if (aSource == ValueSource::AttributeWithoutAny && IsWrittenAsStored(aName, aValue))
     {

@@ -33,7 +33,8 @@ public:
 
     bool Has(std::string_view aName) const { return mNames.Contains(aName); }
 
-    // Adds a declaration. False when its name is declared already, or the list would get longer than aMaxSize.
+    // Adds a declaration, unless its name is declared already. False, with nothing added, when the list with it would be
+    // longer than aMaxSize.
     bool AppendXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource, size_t aMaxSize = SIZE_MAX);
 
     // Adds the xmlns: attributes of an element inside the object, or of the object itself.
