@@ -125,7 +125,7 @@ TEST(UPnPConfigTest, FillsRecordsFromKeysOrDefaults)
           "DestroyLingerDuration=6",
           " mInitialBufferSize=1024 mMaxReadAHeadSize=16384 mConnectTimeOut=11 mDisconnectLingerDuration=61"
           " mDestroyLingerDuration=6" },
-        { AsyncSocket, // just outside the bounds, and what is no number
+        { AsyncSocket, // just outside the bounds, and texts that are not numbers
           "InitialBufferSize=255\nMaxReadAHeadSize=262145\nConnectTimeOut=601\nDisconnectLingerDuration=-1\n"
           "DestroyLingerDuration=5s",
           " mInitialBufferSize=256 mMaxReadAHeadSize=262144 mConnectTimeOut=600" },

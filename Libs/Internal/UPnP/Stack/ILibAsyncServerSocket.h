@@ -34,7 +34,7 @@ typedef struct ILibAsyncServerSocketConfig
     ILibAsyncSocketConfig mAsyncSocketConfig;
 } ILibAsyncServerSocketConfig;
 
-/** Holds the record's own numbers within their bounds, 0 aside, with a warning; the embedded record has its own
+/** Clamps the record's own numbers other than 0 to their bounds, with a warning; the embedded record has its own
  *  validator. NULL is ignored. */
 UPNPSTACK_API void ILibAsyncServerSocket_ValidateConfiguration(ILibAsyncServerSocketConfig* anAsyncServerSocketConfig);
 /** @return the record's table of defaults and bounds. */

@@ -47,7 +47,7 @@ typedef struct ILibAsyncSocketConfig
     zoSocketPolicy* mSocketPolicy; /* borrowed */
 } ILibAsyncSocketConfig;
 
-/** Holds the record's numbers within their bounds, 0 aside, with a warning. NULL is ignored. */
+/** Clamps the record's numbers other than 0 to their bounds, with a warning. NULL is ignored. */
 UPNPSTACK_API void ILibAsyncSocket_ValidateConfiguration(ILibAsyncSocketConfig* anAsyncSocketConfig);
 /** @return the record's table of defaults and bounds. */
 UPNPSTACK_API const ILibConfigBounds_t* ILibAsyncSocket_GetBounds(void);

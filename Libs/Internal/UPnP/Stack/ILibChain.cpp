@@ -1,5 +1,6 @@
 #include <UPnP/Stack/ILibChain.h>
 
+#include <Shared/Sizes.h>
 #include <UPnP/Stack/Private/ILibLifeTime.h>
 #include <algorithm>
 #include <errno.h>
@@ -13,13 +14,13 @@
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoMemory.h>
 
-// How long the chain waits before it tries again when the system can't wait for its descriptors.
+// Milliseconds between two looks at the descriptors when poll refuses to wait for them.
 static const int kRetryWait = 100;
 static const size_t kFirstCapacity = 8;
 
 struct ILibChain_PollSet
 {
-    struct pollfd* mEntries; // mCount of mCapacity are in use; the first is the chain's own
+    struct pollfd* mEntries; // mCount of mCapacity entries are in use; the first is the chain's wake-up
     size_t mCount;
     size_t mCapacity;
 };
@@ -29,7 +30,7 @@ struct ILibBaseChain
     zoArray_t* mObjects; // the lifetime first
     ILibLifeTime* mLifeTime;
     ILibChain_PollSet mPollSet;
-    zoSocket mWakeUp; // readable while a stop is asked for
+    zoSocket mWakeUp; // an eventfd, readable once a stop was asked for
     bool mfBusy;      // in a turn, or being deleted
 };
 
@@ -37,10 +38,8 @@ size_t ILibChain_PollSet_Add(ILibChain_PollSet* aPollSet, zoSocket aSocket, int 
 {
     if (aPollSet->mCount == aPollSet->mCapacity)
     {
-        aPollSet->mCapacity = aPollSet->mCapacity > 0 ? aPollSet->mCapacity * 2 : kFirstCapacity;
-        if (aPollSet->mCapacity > SIZE_MAX / sizeof(struct pollfd)) { abort(); } // more than memory can hold
-        aPollSet->mEntries =
-            static_cast<struct pollfd*>(zoRealloc(aPollSet->mEntries, aPollSet->mCapacity * sizeof(struct pollfd)));
+        aPollSet->mCapacity = Shared::GrowCapacity(aPollSet->mCapacity, aPollSet->mCount + 1, kFirstCapacity);
+        aPollSet->mEntries = Shared::ResizeArray(aPollSet->mEntries, aPollSet->mCapacity);
     }
     aPollSet->mEntries[aPollSet->mCount] = { aSocket, static_cast<short>(anEvents), 0 };
     return aPollSet->mCount++;
@@ -97,8 +96,8 @@ static void CallPreSelect(ILibBaseChain* aChain, size_t anIndex, int* aMaxWait)
     if (theObject->mPreSelect) { theObject->mPreSelect(theObject, &aChain->mPollSet, aMaxWait); }
 }
 
-// Asks the objects what to wait for: those that are added meanwhile, too, and the timers last, which the others may
-// arm.
+// Asks the objects what to wait for, those that are added meanwhile included. The timers come last: the others may arm
+// some.
 static void AskObjects(ILibBaseChain* aChain, int* aMaxWait)
 {
     for (size_t i = 1; i < zoArray_GetCount(aChain->mObjects); ++i)
@@ -121,7 +120,7 @@ static void ForgetEvents(ILibChain_PollSet* aPollSet)
         aPollSet->mEntries[i].revents = 0;
 }
 
-// What has come by now, looked up one by one.
+// Looks each descriptor up by itself, without a wait.
 static void LookUpEvents(ILibChain_PollSet* aPollSet)
 {
     ForgetEvents(aPollSet);
@@ -133,7 +132,7 @@ static void Wait(ILibChain_PollSet* aPollSet, int aMaxWait)
 {
     if (poll(aPollSet->mEntries, aPollSet->mCount, aMaxWait) >= 0) { return; }
     if (errno == EINTR) { return ForgetEvents(aPollSet); }
-    // There are more descriptors than the process may open, or no memory for them.
+    // There are more descriptors than the process may have open, or the kernel has no memory for them.
     poll(aPollSet->mEntries, 1, std::min(aMaxWait, kRetryWait));
     LookUpEvents(aPollSet);
 }
@@ -153,7 +152,7 @@ static void Turn(ILibBaseChain* aChain, int aMaxWait)
     aChain->mfBusy = false;
 }
 
-// Whether a stop was asked for, or several, which is thereby done with.
+// True if a stop was asked for, which this consumes.
 static bool TakeStop(const ILibBaseChain* aChain)
 {
     uint64 theCount = 0;
@@ -180,7 +179,7 @@ void ILibChain_RunOnce(ILibBaseChain* aChain, int aMaxWaitMilliseconds)
 void ILibChain_Stop(ILibBaseChain* aChain)
 {
     if (!aChain) { return; }
-    const int theError = errno; // whom a signal interrupts must not notice
+    const int theError = errno; // of what a signal handler interrupts
     const uint64 theOne = 1;
     while (write(aChain->mWakeUp, &theOne, sizeof(theOne)) < 0 && errno == EINTR) {}
     errno = theError;
@@ -204,7 +203,7 @@ void ILibChain_Delete(ILibBaseChain* aChain)
     aChain->mfBusy = true;
     for (const Slot theSlot : kSlots)
     {
-        for (size_t i = 0; i < zoArray_GetCount(aChain->mObjects); ++i) // of those that are added meanwhile, too
+        for (size_t i = 0; i < zoArray_GetCount(aChain->mObjects); ++i) // slots may add objects
             CallSlot(aChain, theSlot, i);
     }
     FreeObjects(aChain);

@@ -1,8 +1,8 @@
 #pragma once
 
-/* What the stack takes for a number of one of its configuration records that is 0, and the bounds of any other. Each
- * module publishes the constants and has one table of them, which its validator goes by. The defaults are applied when
- * a module starts: until then 0 stays 0. */
+/* Defaults and bounds of the numbers in the stack's configuration records. Each module publishes them as constants and
+ * as one table, which its validator goes by: it clamps a number other than 0 to its bounds. 0 stands for the default,
+ * which the module applies when it starts. */
 
 #include <UPnP/Stack/Export.h>
 #include <zoOS/zoTypes.h>
@@ -19,7 +19,7 @@ typedef struct ILibConfigBounds_t
     uint16 mSize;
     uint32 mDefault; /* what 0 stands for */
     uint32 mMin;
-    uint32 mMax; /* 0: there are no bounds */
+    uint32 mMax; /* 0: no bounds */
 } ILibConfigBounds_t;
 
 #ifdef __cplusplus

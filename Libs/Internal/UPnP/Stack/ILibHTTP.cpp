@@ -1,5 +1,7 @@
 #include <UPnP/Stack/ILibHTTP.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Split.h>
 #include <string.h>
 
 static bool Has(const char* aUserAgent, size_t aLength, const char* aToken, size_t aTokenLength)
@@ -17,21 +19,13 @@ static const size_t kMaxSearched = 1024;
 
 int ILibUserAgentHasOneOfThem(const char* aUserAgent, const char* aTokenList)
 {
-    static const char kBlanks[] = " \t";
     if (!aUserAgent || !aTokenList) { return 0; }
     const size_t theLength = strnlen(aUserAgent, kMaxSearched);
-    for (const char* theToken = aTokenList;;)
+    std::string_view theToken;
+    for (std::string_view theRest = aTokenList; Shared::NextItem(&theRest, ',', &theToken);)
     {
-        const char* theComma = strchrnul(theToken, ',');
-        const char* theEnd = theComma;
-        theToken += strspn(theToken, kBlanks);
-        while (theEnd > theToken && strchr(kBlanks, theEnd[-1]))
-            --theEnd;
-        if (theEnd > theToken && Has(aUserAgent, theLength, theToken, static_cast<size_t>(theEnd - theToken)))
-        {
-            return 1;
-        }
-        if (*theComma == 0) { return 0; }
-        theToken = theComma + 1;
+        theToken = Shared::Trim(theToken, Shared::IsBlank);
+        if (Has(aUserAgent, theLength, theToken.data(), theToken.size())) { return 1; }
     }
+    return 0;
 }

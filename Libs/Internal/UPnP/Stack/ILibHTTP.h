@@ -1,7 +1,7 @@
 #pragma once
 
-/* User agents: how HTTP clients name themselves (RFC 7231, section 5.5.3). Tokens are looked for as they stand, in any
- * place: the user agent "Xbox/2.0.4552.0 UPnP/1.0" has "Xbox/". */
+/* User agents: how HTTP clients name themselves (RFC 7231, section 5.5.3). A token is any part of a user agent:
+ * "Player/" is in "Player/2.0.4552.0 UPnP/1.0". */
 
 #include <UPnP/Stack/Export.h>
 #include <zoOS/zoTypes.h>

@@ -1,5 +1,6 @@
 #include <UPnP/Stack/ILibLifeTime.h>
 
+#include <Shared/Sizes.h>
 #include <UPnP/Stack/ILibChain.h>
 #include <UPnP/Stack/Private/ILibLifeTime.h>
 #include <limits.h>
@@ -7,8 +8,8 @@
 #include <time.h>
 #include <zoltTools/zoMemory.h>
 
-// Each timer stands in a heap, which knows the next one due, and in the ring of those with the same data. A hash table
-// finds the rings.
+// Each timer is in a heap, whose top is the next one due, and in the ring of the timers with the same data. A hash
+// table finds the rings.
 
 namespace
 {
@@ -23,19 +24,19 @@ struct Timer
     size_t mPlace;    // in the heap
     Timer* mNext;     // in the ring, in the order of adding
     Timer* mPrevious; // in the ring
-    Timer* mNextRing; // of the same bucket; set in the first timer of a ring only
+    Timer* mNextRing; // in the same bucket; only of the first timer of a ring
 };
 
 struct Entry
 {
     uint64 mDue;
-    uint64 mNumber; // counts the timers: of two that are due together, the lower one goes first
+    uint64 mNumber; // in the order of adding: of two that are due together, the lower one goes first
     Timer* mTimer;
 };
 
 const size_t kFirstCapacity = 16;
 const int kFirstBucketBits = 4;
-const uint64 kMostLeft = uint64{ INT_MAX } + 1; // milliseconds
+const uint64 kMaxTimeLeft = uint64{ INT_MAX } + 1; // milliseconds: of a new timer
 
 } // namespace
 
@@ -43,7 +44,7 @@ struct ILibLifeTime
 {
     ILibChain mChain;
 
-    Entry* mHeap; // no entry goes before its parent; mCount of mCapacity are in use
+    Entry* mHeap; // no entry goes before its parent; mCount of mCapacity entries are in use
     size_t mCount;
     size_t mCapacity;
     Timer** mBuckets; // 1 << mBucketBits of them, each the first timer of its first ring
@@ -53,9 +54,9 @@ struct ILibLifeTime
     ILibLifeTime_Clock_t mClock;
     void* mClockUserData;
     uint64 mClockReading; // the last one
-    uint64 mNow;          // the time that all clocks together have gone on
+    uint64 mNow;          // the sum of the steps that all clocks have made
     uint64 mNextNumber;
-    bool mfDestroyed; // takes no more timers
+    bool mfDestroyed; // ignores new timers
 };
 
 // ---- Heap ----
@@ -71,7 +72,7 @@ static void Put(ILibLifeTime* aLifeTime, size_t aPlace, const Entry& anEntry)
     anEntry.mTimer->mPlace = aPlace;
 }
 
-// Puts anEntry at the free aPlace, or at an ancestor's, which moves down.
+// Puts anEntry at aPlace, which is free, or above it; the ancestors that it goes before move down.
 static void PutUpwards(ILibLifeTime* aLifeTime, size_t aPlace, const Entry& anEntry)
 {
     for (size_t theParent; aPlace > 0; aPlace = theParent)
@@ -83,7 +84,7 @@ static void PutUpwards(ILibLifeTime* aLifeTime, size_t aPlace, const Entry& anEn
     Put(aLifeTime, aPlace, anEntry);
 }
 
-// Moves the descendants that go before anEntry up from the free aPlace on. @return the place that is free then.
+// Moves descendants of aPlace, which is free, up while they go before anEntry. The result is the place free then.
 static size_t MakePlaceBelow(ILibLifeTime* aLifeTime, size_t aPlace, const Entry& anEntry)
 {
     for (size_t theChild; (theChild = 2 * aPlace + 1) < aLifeTime->mCount; aPlace = theChild)
@@ -98,9 +99,8 @@ static size_t MakePlaceBelow(ILibLifeTime* aLifeTime, size_t aPlace, const Entry
 
 static void SetCapacity(ILibLifeTime* aLifeTime, size_t aCapacity)
 {
-    if (aCapacity > SIZE_MAX / sizeof(Entry)) { abort(); } // more than memory can hold
     aLifeTime->mCapacity = aCapacity;
-    aLifeTime->mHeap = static_cast<Entry*>(zoRealloc(aLifeTime->mHeap, aCapacity * sizeof(Entry)));
+    aLifeTime->mHeap = Shared::ResizeArray(aLifeTime->mHeap, aCapacity);
 }
 
 static void AddToHeap(ILibLifeTime* aLifeTime, const Entry& anEntry)
@@ -127,7 +127,7 @@ static Timer** BucketOf(const ILibLifeTime* aLifeTime, const void* aData)
     return &aLifeTime->mBuckets[static_cast<size_t>(theHash >> (64 - aLifeTime->mBucketBits))];
 }
 
-// What points, or would point, to the first timer with aData.
+// The pointer to the first timer with aData; NULL is in it when there is none, and a new one belongs there.
 static Timer** LinkOf(const ILibLifeTime* aLifeTime, const void* aData)
 {
     Timer** theLink = BucketOf(aLifeTime, aData);
@@ -141,7 +141,7 @@ static void SetBucketBits(ILibLifeTime* aLifeTime, int aBits)
     Timer** const theOld = aLifeTime->mBuckets;
     const size_t theOldCount = theOld ? static_cast<size_t>(1) << aLifeTime->mBucketBits : 0;
     aLifeTime->mBucketBits = aBits;
-    aLifeTime->mBuckets = static_cast<Timer**>(zoMallocZeroed((static_cast<size_t>(1) << aBits) * sizeof(Timer*)));
+    aLifeTime->mBuckets = Shared::NewZeroedArray<Timer*>(static_cast<size_t>(1) << aBits);
     for (size_t i = 0; i < theOldCount; ++i)
     {
         for (Timer *theRing = theOld[i], *theNext; theRing; theRing = theNext)
@@ -155,7 +155,7 @@ static void SetBucketBits(ILibLifeTime* aLifeTime, int aBits)
     free(theOld);
 }
 
-// As many buckets as rings, up to a factor of two, and no fewer than a few.
+// Keeps the number of buckets between half and four times that of the rings, but at least 1 << kFirstBucketBits.
 static void FitBuckets(ILibLifeTime* aLifeTime)
 {
     const int theBits = aLifeTime->mBucketBits;
@@ -203,7 +203,8 @@ static void TakeFromRing(ILibLifeTime* aLifeTime, Timer* aTimer)
     aTimer->mNext->mPrevious = aTimer->mPrevious;
 }
 
-// Takes the whole ring of aData. @return its timers up to a NULL, in the order of adding; NULL when there are none.
+// Takes the whole ring of aData out. The result is its first timer: mNext leads through them in the order of adding, up
+// to NULL. NULL when there are none.
 static Timer* TakeRing(ILibLifeTime* aLifeTime, const void* aData)
 {
     Timer** theLink = LinkOf(aLifeTime, aData);
@@ -230,8 +231,8 @@ static uint64 Now(ILibLifeTime* aLifeTime)
     const uint64 theReading = aLifeTime->mClock(aLifeTime->mClockUserData);
     const uint64 theElapsed = theReading > aLifeTime->mClockReading ? theReading - aLifeTime->mClockReading : 0;
     aLifeTime->mClockReading = theReading;
-    // No timer has more left. A longer step would only let a clock that jumps to and fro wrap the time.
-    aLifeTime->mNow += theElapsed < kMostLeft ? theElapsed : kMostLeft;
+    // A longer step would be the same to all timers, and a clock that jumps back and forth could make the sum wrap.
+    aLifeTime->mNow += theElapsed < kMaxTimeLeft ? theElapsed : kMaxTimeLeft;
     return aLifeTime->mNow;
 }
 
@@ -258,7 +259,7 @@ void ILibLifeTime_AddEx_Debug(ILibLifeTime* aLifeTime, void* aData, int aMillise
     theTimer->mModuleName = aModuleName;
     theTimer->mSocket = aSocket;
     const uint64 theTime = static_cast<uint64>(aMilliseconds > 0 ? aMilliseconds : 0);
-    // The system's clock is cut to milliseconds: the present one may be as good as over.
+    // The system's clock is cut to milliseconds: nearly all of the present one may have passed.
     const bool fIsBegun = theTime > 0 && aLifeTime->mClock == SystemClock;
     const uint64 theDue = Now(aLifeTime) + theTime + fIsBegun;
     AddToHeap(aLifeTime, { theDue, aLifeTime->mNextNumber++, theTimer });
@@ -274,7 +275,7 @@ static void FreeAndCall(Timer* aTimer, ILibLifeTime_Callback_t aCallback)
 
 void ILibLifeTime_Remove(ILibLifeTime* aLifeTime, void* aData)
 {
-    // All are gone before the first callback, which may change the timers as it likes.
+    // All are out before the first callback, which may arm and remove timers.
     Timer* theNext = aLifeTime ? TakeRing(aLifeTime, aData) : nullptr;
     for (const Timer* theTimer = theNext; theTimer; theTimer = theTimer->mNext)
         TakeFromHeap(aLifeTime, theTimer->mPlace);
@@ -309,7 +310,7 @@ static void CallWhatIsDue(void* anObject)
 {
     ILibLifeTime* theLifeTime = static_cast<ILibLifeTime*>(anObject);
     const uint64 theNow = Now(theLifeTime);
-    // What the callbacks arm has a higher number, and goes behind everything that is due now.
+    // Timers that the callbacks arm have higher numbers: they go after theEnd.
     const Entry theEnd = { theNow, theLifeTime->mNextNumber, nullptr };
     while (theLifeTime->mCount > 0 && GoesBefore(theLifeTime->mHeap[0], theEnd))
     {

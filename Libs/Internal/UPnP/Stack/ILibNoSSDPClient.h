@@ -15,7 +15,7 @@ typedef struct ILibNoSSDPConfig
     zoSocketPolicy* mSocketPolicy; /* borrowed */
 } ILibNoSSDPConfig;
 
-/** The record has no number, so any record is valid. */
+/** Does nothing: the record has no numbers, so any record is valid. */
 UPNPSTACK_API void ILibNoSSDPClient_ValidateConfiguration(ILibNoSSDPConfig* aNoSSDPConfig);
 
 #ifdef __cplusplus

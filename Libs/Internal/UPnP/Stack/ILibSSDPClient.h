@@ -28,7 +28,7 @@ extern "C" {
 #define kKey_SSDP_HandleMSEARCHAsNOTIFY "HandleMSEARCHAsNOTIFY"
 #define kKey_SSDP_UserAgent "UserAgent"
 
-/* What a user agent begins with. */
+/* The first part of a user agent. */
 #define kSSDPStandardUserAgentString "UPnP/1.0"
 
 enum
@@ -82,7 +82,7 @@ typedef struct ILibSSDPConfig
     char* mUserAgent; /* owned */
 } ILibSSDPConfig;
 
-/** Holds the record's numbers within their bounds, 0 aside, with a warning. NULL is ignored. */
+/** Clamps the record's numbers other than 0 to their bounds, with a warning. NULL is ignored. */
 UPNPSTACK_API void ILibSSDP_ValidateConfiguration(ILibSSDPConfig* aSSDPConfig);
 /** @return the record's table of defaults and bounds. */
 UPNPSTACK_API const ILibConfigBounds_t* ILibSSDP_GetBounds(void);

@@ -1,13 +1,9 @@
 #include <UPnP/Stack/ILibString.h>
 
+#include <Shared/ASCII.h>
 #include <string.h>
 
-static char ToLower(char aCharacter)
-{
-    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter + ('a' - 'A')) : aCharacter;
-}
-
-static bool IsDigit(char aCharacter) { return aCharacter >= '0' && aCharacter <= '9'; }
+using Shared::IsDigit;
 
 static const char* SkipDigits(const char* aText)
 {
@@ -18,7 +14,7 @@ static const char* SkipDigits(const char* aText)
 
 // ---- Times ----
 
-// Compares two numbers of digits, as long as they may be.
+// Compares two numbers of any length.
 static bool IsLess(const char* aLeft, const char* aLeftEnd, const char* aRight, const char* aRightEnd)
 {
     while (aLeft < aLeftEnd && *aLeft == '0')
@@ -30,7 +26,7 @@ static bool IsLess(const char* aLeft, const char* aLeftEnd, const char* aRight, 
     return memcmp(aLeft, aRight, theLength) < 0;
 }
 
-// Whether the text is empty or a fraction, and nothing follows it.
+// True if the text is empty, or a fraction that nothing follows.
 static bool IsFractionOrEnd(const char* aText)
 {
     if (*aText == '\0') { return true; }
@@ -72,21 +68,12 @@ uint32 ILibString_ParseTimeString(const char* aText)
 
 // ---- Words ----
 
-static bool EqualsIgnoringCase(const char* aText, size_t aLength, const char* anEntry)
-{
-    for (size_t i = 0; i < aLength; ++i)
-    {
-        if (anEntry[i] == '\0' || ToLower(aText[i]) != ToLower(anEntry[i])) { return false; }
-    }
-    return anEntry[aLength] == '\0';
-}
-
 int ILibString_FindSubStringInArray(const char* aText, size_t aLength, const char** anArray)
 {
     if (!aText || !anArray) { return -1; }
     for (int i = 0; anArray[i]; ++i)
     {
-        if (EqualsIgnoringCase(aText, aLength, anArray[i])) { return i; }
+        if (Shared::EqualsIgnoringCase({ aText, aLength }, anArray[i])) { return i; }
     }
     return -1;
 }

@@ -9,13 +9,13 @@
 extern "C" {
 #endif
 
-/* A time that is not known. */
+/* The unknown time. */
 #define kUPnP_UnknownTime 0xFFFFFFFFu
 
 /**
  * Reads a duration of UPnP AV: H+:MM:SS, also MM:SS and SS, each with an optional fraction ".F+" or ".F0/F1" (F0 below
  * F1), which is dropped. Minutes and seconds are one or two digits below 60 where a larger unit stands before them.
- * @return seconds; kUPnP_UnknownTime for anything else, for what doesn't fit, and for NULL.
+ * @return seconds; kUPnP_UnknownTime for anything else, for a time that doesn't fit, and for NULL.
  */
 UPNPSTACK_API uint32 ILibString_ParseTimeString(const char* aText);
 

@@ -49,7 +49,7 @@ typedef struct ILibWebClientConfig
     uint32 mSingleConnectionSessionIdleTimeOut;
 } ILibWebClientConfig;
 
-/** Holds the record's own numbers within their bounds, 0 aside, with a warning; the embedded record has its own
+/** Clamps the record's own numbers other than 0 to their bounds, with a warning; the embedded record has its own
  *  validator. NULL is ignored. */
 UPNPSTACK_API void ILibWebClient_ValidateConfiguration(ILibWebClientConfig* aWebClientConfig);
 /** @return the record's table of defaults and bounds. */

@@ -17,13 +17,12 @@ typedef struct UPnPHook_t UPnPHook;
 /* A client's connection to the web server. */
 typedef struct ILibWebServer_Session ILibWebServer_Session;
 
-/** @param aServerUserAgent  the user agent of the client at the other end; the session keeps a copy. NULL: none known.
+/** @param aServerUserAgent  the user agent of the client at the other end; the session keeps a copy. NULL: unknown.
  *  @return a new session, released with ILibWebServerSession_Delete. */
 UPNPSTACK_API ILibWebServer_Session* ILibWebServerSession_New(const char* aServerUserAgent);
 /** Releases the session; NULL is ignored. */
 UPNPSTACK_API void ILibWebServerSession_Delete(ILibWebServer_Session* aSession);
-/** @return the user agent that the web server holds for the session, owned by the session; NULL when none is known, and
- *          for a NULL session. */
+/** @return the user agent of the session, owned by the session; NULL when it is unknown, and for a NULL session. */
 UPNPSTACK_API const char* ILibWebServerSession_GetServerUserAgent(const ILibWebServer_Session* aSession);
 
 /* Answers a request for a device's presentation page. */
@@ -37,7 +36,7 @@ typedef int (*ILibWebServer_OnPresentation)(ILibWebServer_Session* aSession, str
 #define kKey_WebServer_SupportHTTP10KeepALive "SupportHTTP10KeepALive"
 #define kKey_WebServer_DoNotChunk "DoNotChunk"
 
-/* What a user agent begins with. */
+/* The first part of a user agent. */
 #define kWebServerStandardUserAgentString "UPnP/1.0"
 
 enum
@@ -62,7 +61,7 @@ typedef struct ILibWebServerConfig
     int mfDoNotChunk;
 } ILibWebServerConfig;
 
-/** Holds the record's own numbers within their bounds, 0 aside, with a warning; the embedded record has its own
+/** Clamps the record's own numbers other than 0 to their bounds, with a warning; the embedded record has its own
  *  validator. NULL is ignored. */
 UPNPSTACK_API void ILibWebServer_ValidateConfiguration(ILibWebServerConfig* aWebServerConfig);
 /** @return the record's table of defaults and bounds. */

@@ -13,7 +13,7 @@
  *     free(theConfig);
  *
  * Absent keys give defaults, and nothing fails. A NULL file or section counts as one without keys. Nothing is kept
- * between calls: what a call reads is safe from other threads as far as the file is. */
+ * between calls; calls are as safe from other threads as the file that they are given. */
 
 #include <UPnP/ControlPoint/Stack/GenericCP.h>
 #include <UPnP/Stack/ILibAsyncServerSocket.h>
@@ -35,8 +35,8 @@ extern "C" {
 
 /* ---- Single values ---- */
 
-/** @return the value, or the default, with each "%HOSTNAME%" replaced: a new text, released with free. NULL when the
- * key is absent and the default is NULL. */
+/** @return the value, or the default, with the host's name for each "%HOSTNAME%": a new text, released with free. NULL
+ *          when the key is absent and the default is NULL. */
 UPNPUTILITIES_API char* UPnPConfig_GetStringWithSubstitution(zoConfigFile* aConfigFile, const char* aSection,
                                                              const char* aKey, const char* aDefaultValue);
 /** @return a copy of the value, or of the default when the key is absent, released with free; NULL when the key is
@@ -49,44 +49,43 @@ UPNPUTILITIES_API char* UPnPConfig_GetStringNotEmpty(zoConfigFile* aConfigFile, 
 /** @return the value as zoConfigFile_GetUInt32 reads it. */
 UPNPUTILITIES_API uint32 UPnPConfig_GetUInt32(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                               uint32 aDefaultValue);
-/** @return 1 when zoConfigFile_GetUInt32 reads any number but 0, else 0. */
+/** @return 0 when zoConfigFile_GetUInt32 reads 0, else 1. */
 UPNPUTILITIES_API uint32 UPnPConfig_GetBoolAsUInt32(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                                     uint32 aDefaultValue);
 
 /**
- * Stores a copy of a value, or of the default when the key is absent, in a table of texts by text. Nothing is stored,
- * and an entry that is there stays, when the key is absent and the default is NULL, or when there is no table.
- * @param aMaxLength  the most bytes that are stored, the value being cut between UTF-8 characters; 0: it is stored
- *                    whole.
+ * Stores a copy of a value, or of the default when the key is absent, in a table. When the key is absent and the
+ * default is NULL, nothing is stored, and an entry that is there stays. A NULL table is ignored.
+ * @param aMaxLength  bytes that are stored at most; a longer value is cut between UTF-8 characters. 0: no limit.
  */
 UPNPUTILITIES_API void UPnPConfig_AddToHashTable(zoCustomHashTable* anHashTable, const char* aHashTableKey,
                                                  zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                                  const char* aDefaultValue, size_t aMaxLength);
-/** As UPnPConfig_AddToHashTable; the default isn't shown to the configuration file, but put in place of a value that is
- *  missing. */
+/** As UPnPConfig_AddToHashTable, but the configuration file is asked without the default, which then replaces a missing
+ *  value. */
 UPNPUTILITIES_API void UPnPConfig_AddToHashTableIfUnspecified(zoCustomHashTable* anHashTable, const char* aHashTableKey,
                                                               zoConfigFile* aConfigFile, const char* aSection,
                                                               const char* aKey, const char* aDefaultValue,
                                                               size_t aMaxLength);
 
-/* Which of the host's addresses are used: 1 the local host only, 2 all but the local host, any other number all. */
+/* The addresses of the host that are used: 1 the local host only, 2 all but the local host, any other number all. */
 #define kKey_Stack_UPnPLocal "UPnPLocal"
 
-/** @return a new socket policy as kKey_Stack_UPnPLocal and the policy's own keys (zoSocketPolicyConfig.h) say, released
- *          with zoSocketPolicy_Delete. It has to outlive all records that are fetched with it. */
+/** @return a new socket policy from kKey_Stack_UPnPLocal and the policy's own keys (zoSocketPolicyConfig.h), released
+ * with zoSocketPolicy_Delete after all records that were fetched with it. */
 UPNPUTILITIES_API zoSocketPolicy* UPnPConfig_CreateSocketPolicy(zoConfigFile* aConfigFile, const char* aSection);
 
 /* ---- The stack's records ----
  *
  * Create gives a new record, all 0, released with free.
  *
- * Fetch overwrites the whole record: its user agent, if it holds one, has to be freed before. It stores the borrowed
- * arguments, reads the keys (kKey_* of the record's header) of the section, the embedded records' from the same one,
- * and has the stack's validator look at the result. A NULL record is ignored.
+ * Fetch overwrites the whole record; a user agent that it holds has to be freed before. It stores the borrowed
+ * arguments, reads the keys (kKey_* of the record's header) from the section, also those of embedded records, and calls
+ * the stack's validator, which clamps numbers other than 0 to their bounds. A NULL record is ignored.
  *
- * Clone gives a copy that owns what it owns, and shares policy, hook and presentation module; NULL for NULL.
+ * Clone gives a copy with its own user agent, which shares policy, hook and presentation module; NULL for NULL.
  *
- * Free releases the user agent, the one thing that a record owns, but not the record. NULL is ignored. */
+ * Free releases the user agent, the only thing that a record owns, but not the record. NULL is ignored. */
 
 UPNPUTILITIES_API ILibAsyncSocketConfig* UPnPConfig_CreateAsyncSocketConfig(void);
 UPNPUTILITIES_API void UPnPConfig_FetchAsyncSocketConfig(ILibAsyncSocketConfig* anAsyncSocketConfig,

@@ -4,7 +4,7 @@
 #include <zoltTools/zoMagicNumber.h>
 #include <zoltTools/zoMemory.h>
 
-// A macro, so that a failed assertion shows its number.
+// A macro, so that a failed assertion shows its number: devices' logs are searched for this text.
 #define kUPnPIPAddressMonitor_Magic 0xC0CAD0DA
 
 struct IPAddressMonitor

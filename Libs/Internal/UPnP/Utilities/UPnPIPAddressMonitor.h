@@ -1,7 +1,7 @@
 #pragma once
 
-/* Tells its owner when the host's IP addresses change. An object on an event chain: it looks every 4 seconds and lives
- * as long as the chain. */
+/* Tells its owner when the host's IP addresses change. It is an object of an event chain: it looks every 4 seconds and
+ * lives as long as the chain. */
 
 #include <UPnP/Stack/ILibChain.h>
 #include <UPnP/Utilities/Export.h>
@@ -11,21 +11,22 @@
 extern "C" {
 #endif
 
-/* Time between two looks at the addresses, from the end of the one to the next, in milliseconds. */
+/* Milliseconds from the end of one look at the addresses to the next. */
 enum
 {
     kIPAddressMonitor_PollInterval = 4000
 };
 
-/** Is told that the addresses have changed. */
+/** Called when the addresses have changed. */
 typedef void (*IPChangeCallBackFunc)(void* aUserData);
 
 /**
- * Puts a new monitor on a chain, which owns it from now on.
- * @param aChangeCallBackFunc             not NULL; called on the chain's thread, which it must not block, with
- * @param anIPChangeCallBackFuncUserData  unchanged, when the addresses differ from those of the look before.
- * @param aSocketPolicy                   which addresses count; outlives the chain. NULL: all.
- * @return the monitor, borrowed; NULL, after an assertion, for a NULL chain.
+ * Adds a new monitor to a chain, which takes it over.
+ * @param aChangeCallBackFunc             called on the chain's thread, which it must not block, when the addresses
+ * differ from those of the look before. Not NULL.
+ * @param anIPChangeCallBackFuncUserData  passed to the callback.
+ * @param aSocketPolicy                   admits the addresses that count; outlives the chain. NULL: all count.
+ * @return the monitor, owned by the chain; NULL for a NULL chain, after an assertion.
  */
 UPNPUTILITIES_API struct IPAddressMonitor* UPnPIPAddressMonitor_Create(ILibBaseChain* aBaseChain,
                                                                        IPChangeCallBackFunc aChangeCallBackFunc,

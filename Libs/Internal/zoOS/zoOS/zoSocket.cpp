@@ -1,5 +1,7 @@
 #include <zoOS/zoSocket.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Digits.h>
 #include <string.h>
 
 uint32 zoSocket_htonl(uint32 aValue)
@@ -11,14 +13,14 @@ uint32 zoSocket_htonl(uint32 aValue)
     return theValue;
 }
 
-// Moves aText past a number of one to three digits, 0 to 255.
-static bool ReadOctet(const char*& aText, uint32* anOctet)
+// Reads a number of one to three digits, 0 to 255. The result is the position after it; NULL when there is none.
+static const char* ReadOctet(const char* aText, uint32* anOctet)
 {
-    const char* const theBegin = aText;
+    const char* theEnd = aText;
     *anOctet = 0;
-    for (; *aText >= '0' && *aText <= '9' && aText < theBegin + 3; ++aText)
-        *anOctet = *anOctet * 10 + static_cast<uint32>(*aText - '0');
-    return aText != theBegin && *anOctet <= 255;
+    for (; Shared::IsDigit(*theEnd) && theEnd < aText + 3; ++theEnd)
+        *anOctet = *anOctet * 10 + Shared::DigitValue(*theEnd);
+    return theEnd != aText && *anOctet <= 255 ? theEnd : nullptr;
 }
 
 uint32 zoSocketGetAddressFromDotForm(const char* aText)
@@ -29,7 +31,8 @@ uint32 zoSocketGetAddressFromDotForm(const char* aText)
     {
         uint32 theOctet = 0;
         if (i > 0 && *aText++ != '.') { return 0; }
-        if (!ReadOctet(aText, &theOctet)) { return 0; }
+        aText = ReadOctet(aText, &theOctet);
+        if (!aText) { return 0; }
         theAddress = theAddress << 8 | theOctet;
     }
     return *aText == '\0' ? zoSocket_htonl(theAddress) : 0;

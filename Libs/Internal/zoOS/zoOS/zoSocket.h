@@ -19,7 +19,7 @@ ZOOS_API uint32 zoSocket_htonl(uint32 aValue);
 
 /**
  * Reads an IPv4 address in dotted-quad form ("192.168.1.20"): four decimal numbers of one to three digits, 0 to 255.
- * @return the address in network byte order; 0 for NULL and for any text that is no dotted quad.
+ * @return the address in network byte order; 0 for NULL and for any text that is not a dotted quad.
  */
 ZOOS_API uint32 zoSocketGetAddressFromDotForm(const char* aText);
 

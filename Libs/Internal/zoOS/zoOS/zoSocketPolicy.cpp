@@ -1,5 +1,8 @@
 #include <zoOS/zoSocketPolicy.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/OutOfMemory.h>
+#include <Shared/Split.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -12,10 +15,9 @@ struct zoSocketPolicy
 
 zoSocketPolicy* zoSocketPolicy_New(int aMode, int /*aFlags*/)
 {
-    zoSocketPolicy* thePolicy = static_cast<zoSocketPolicy*>(calloc(1, sizeof(zoSocketPolicy)));
-    if (!thePolicy) { abort(); }
-    thePolicy->mMode = aMode;
-    return thePolicy;
+    void* thePolicy = Shared::NotNull(calloc(1, sizeof(zoSocketPolicy)), sizeof(zoSocketPolicy));
+    static_cast<zoSocketPolicy*>(thePolicy)->mMode = aMode;
+    return static_cast<zoSocketPolicy*>(thePolicy);
 }
 
 void zoSocketPolicy_Delete(zoSocketPolicy* aSocketPolicy)
@@ -43,30 +45,20 @@ int zoSocketPolicy_IsQOSDisabled(const zoSocketPolicy* aSocketPolicy)
 void zoSocketPolicy_SetExcludedInterfaces(zoSocketPolicy* aSocketPolicy, const char* aNameList)
 {
     if (!aSocketPolicy) { return; }
-    char* theList = aNameList ? strdup(aNameList) : nullptr;
-    if (aNameList && !theList) { abort(); }
+    char* theList = aNameList ? Shared::NotNull(strdup(aNameList), strlen(aNameList) + 1) : nullptr;
     free(aSocketPolicy->mExcludedInterfaces);
     aSocketPolicy->mExcludedInterfaces = theList;
 }
 
-// Whether a list of names has this one.
-static bool Lists(const char* aNameList, const char* aName)
+// True if one of the names between commas is this one.
+static bool Lists(const char* aNameList, std::string_view aName)
 {
-    static const char kBlanks[] = " \t";
-    const size_t theLength = strlen(aName);
-    for (const char* theItem = aNameList;;)
+    std::string_view theItem;
+    for (std::string_view theRest = aNameList; Shared::NextItem(&theRest, ',', &theItem);)
     {
-        const char* theComma = strchrnul(theItem, ',');
-        theItem += strspn(theItem, kBlanks);
-        const char* theEnd = theComma;
-        while (theEnd > theItem && strchr(kBlanks, theEnd[-1]))
-            --theEnd;
-        const bool fIsSame = theEnd > theItem && static_cast<size_t>(theEnd - theItem) == theLength &&
-                             memcmp(theItem, aName, theLength) == 0;
-        if (fIsSame) { return true; }
-        if (*theComma == '\0') { return false; }
-        theItem = theComma + 1;
+        if (!aName.empty() && Shared::Trim(theItem, Shared::IsBlank) == aName) { return true; }
     }
+    return false;
 }
 
 int zoSocketPolicy_Admits(const zoSocketPolicy* aSocketPolicy, const char* anInterfaceName, int afLoopback)

@@ -1,7 +1,7 @@
 #pragma once
 
-/* Which of the host's IP addresses the stack's sockets use, and how. One policy is shared by all records of the stack:
- * it is made and configured before the stack runs, and only read afterwards. */
+/* Which of the host's IP addresses the stack's sockets use, and how. All records of the stack share one policy, which
+ * is made and configured before the stack runs and only read afterwards. */
 
 #include <zoOS/Export.h>
 #include <zoOS/zoTypes.h>
@@ -32,15 +32,16 @@ ZOOS_API void zoSocketPolicy_Delete(zoSocketPolicy* aSocketPolicy);
 /** @return the mode that the policy was made with; kzoSocketPolicy_IP_All for NULL. */
 ZOOS_API int zoSocketPolicy_GetMode(const zoSocketPolicy* aSocketPolicy);
 
-/** Sets whether sockets leave the quality of service of their packets alone (0 in a new policy). */
+/** @param afDisabled  sockets leave the quality of service of their packets alone; 0 in a new policy. */
 ZOOS_API void zoSocketPolicy_SetQOSDisabled(zoSocketPolicy* aSocketPolicy, int afDisabled);
-/** @return what zoSocketPolicy_SetQOSDisabled has set; 0 for NULL. */
+/** @return what zoSocketPolicy_SetQOSDisabled set, 0 or 1; 0 for NULL. */
 ZOOS_API int zoSocketPolicy_IsQOSDisabled(const zoSocketPolicy* aSocketPolicy);
-/** Interfaces that are not used: names separated by commas, blanks around them ignored, empty ones skipped. The policy
- *  keeps a copy; NULL excludes none. */
+/** Excludes interfaces by name or by the label of an address ("eth0:1").
+ *  @param aNameList  names separated by commas, blanks around them ignored, empty ones skipped; the policy keeps a
+ * copy. NULL excludes none. */
 ZOOS_API void zoSocketPolicy_SetExcludedInterfaces(zoSocketPolicy* aSocketPolicy, const char* aNameList);
-/** @return whether the policy admits an interface: by its name, and by whether its address is a loopback one. A NULL
- *          policy admits all. */
+/** @param afLoopback  the address is a loopback address.
+ *  @return 1 when the policy admits an address of the interface, else 0. A NULL policy admits all. */
 ZOOS_API int zoSocketPolicy_Admits(const zoSocketPolicy* aSocketPolicy, const char* anInterfaceName, int afLoopback);
 
 #ifdef __cplusplus

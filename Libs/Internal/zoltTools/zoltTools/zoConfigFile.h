@@ -8,15 +8,16 @@
  *
  * Blanks (spaces and tabs) around section, key and value are not part of them; lines end with "\n" or "\r\n". In names
  * and values "\\", "\n", "\r", "\t" and "\s" stand for a backslash, a line feed, a carriage return, a tab and a space
- * at either end, so that every value survives a save and a load byte for byte; in names "\xHH", two hexadecimal digits,
- * stands for a byte that would end the name or begin something else. Any other backslash is itself. Names are compared
- * byte by byte. Of several lines with the same key the last one counts; a section that appears twice is one section;
- * keys before the first section are in the section "". A key ends at the first "=", a section's name at the first "]",
- * what stands behind it is ignored. Other lines, and lines with a NUL byte, say nothing and are kept. A byte-order mark
- * is skipped and kept.
+ * at either end, so that every value survives a save and a load byte for byte. In names "\xHH", two hexadecimal digits,
+ * stands for a byte that would end the name or make the line another one. Any other backslash is itself. Names are
+ * compared byte by byte. Of several lines with the same key the last one counts; a section that appears twice is one
+ * section; keys before the first section are in the section "". A key ends at the first "=". A section's name ends at
+ * the first "]", and the rest of its line is ignored. Other lines, and lines with a NUL byte, say nothing and are kept.
+ * A byte-order mark is skipped and kept.
  *
- * A file is used by one thread at a time. Loading is linear in the text, a look-up is O(1). NULL where a file, a
- * section or a key is asked for reads as absent, and sets nothing. */
+ * A file is used by one thread at a time. Loading and saving are linear in the text; a look-up is O(1), access by index
+ * and removal O(log n). A configuration takes at most 64 times its text, an ordinary one four times. A NULL file,
+ * section or key reads as absent and sets nothing. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Export.h>
@@ -28,20 +29,20 @@ extern "C" {
 /* A configuration in memory, with the path of the file that it was loaded from. */
 typedef struct zoConfigFile zoConfigFile;
 
-/** Replaces the place-holders of a value. @return a new text, released with free. */
+/** @return a value with its place-holders replaced: a new text, released with free. */
 typedef char* (*zoStringSubstitution_t)(const char* aText);
 
 /**
  * Loads a configuration file.
  * @param aPath  a missing file is an empty configuration; NULL keeps the configuration in memory.
- * @return a new configuration, released with zoConfigFile_Delete. When a file is there but can't be read, that is
- *         logged, the configuration is empty, and zoConfigFile_Save refuses to replace what could not be read.
+ * @return a new configuration, released with zoConfigFile_Delete. A file that is there but can't be read gives an empty
+ *         configuration, which is logged, and zoConfigFile_Save refuses to replace the file.
  */
 ZOLTTOOLS_API zoConfigFile* zoConfigFile_New(const char* aPath);
 /** Reads aLength bytes of text, which may hold anything, as a configuration kept in memory.
  *  @return a new configuration, released with zoConfigFile_Delete. */
 ZOLTTOOLS_API zoConfigFile* zoConfigFile_NewFromText(const char* aText, size_t aLength);
-/** @return whether the file at the configuration's path was read, or was not there: 1; 0 when it could not be read. */
+/** @return 1 when the file at the configuration's path was read or was not there; 0 when it could not be read. */
 ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
 /**
  * Writes the configuration to its path, with the comments, order and other lines that it was loaded with. Atomic and
@@ -56,16 +57,16 @@ ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
  * The new file keeps the mode of the old one, and its owner and group where the process may set them. A file of another
  * user therefore becomes the process's own, unless that is privileged: with the old group, if the process is a member
  * of it; else with the process's group, which then may do what everybody may. Where modes can't be set (FAT, some
- * network file systems), and for the first file, the mode is 0644 less the umask. Access control lists, extended
- * attributes and further hard links stay behind with the old file.
+ * network file systems), and for the first file, the mode is 0644 less the umask. Access control lists and extended
+ * attributes are lost; another hard link goes on naming the old file.
  * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
  *         file is then as it was, or, when only the folder could not be flushed, the new one is in its place.
  */
 ZOLTTOOLS_API int zoConfigFile_Save(zoConfigFile* aConfigFile);
 /** Frees the configuration without saving it; NULL is ignored. */
 ZOLTTOOLS_API void zoConfigFile_Delete(zoConfigFile* aConfigFile);
-/** @return the text that zoConfigFile_Save writes, with a NUL behind it, released with free; *aLength (may be NULL) is
- * its length. */
+/** @param aLength out: the length of the text; may be NULL.
+ *  @return the text that zoConfigFile_Save writes, with a NUL after it, released with free. */
 ZOLTTOOLS_API char* zoConfigFile_GetText(const zoConfigFile* aConfigFile, size_t* aLength);
 
 /** @return the value of a key, borrowed until the key is set again or the file deleted; aDefaultValue, which may be
@@ -78,7 +79,7 @@ ZOLTTOOLS_API char* zoConfigFile_GetStringWithSubstitution(const zoConfigFile* a
                                                            const char* aKey, const char* aDefaultValue,
                                                            zoStringSubstitution_t aSubstitution);
 /** The number that a value is: decimal, or hexadecimal with "0x"; signed where the reader is signed.
- *  @return the default when the key is absent, its value no number, or out of the reader's range. */
+ *  @return the number; the default when the key is absent, or when its value is not a number or out of range. */
 ZOLTTOOLS_API uint32 zoConfigFile_GetUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                             uint32 aDefaultValue);
 /** As zoConfigFile_GetUInt32. */
@@ -100,7 +101,7 @@ ZOLTTOOLS_API int zoConfigFile_OptionIsSet(const zoConfigFile* aConfigFile, cons
 ZOLTTOOLS_API void zoConfigFile_SetString(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                           const char* aValue);
 
-/** @return the number of sections that hold a key or stand in the file. */
+/** @return the number of sections that hold a key or have a header. */
 ZOLTTOOLS_API size_t zoConfigFile_GetSectionCount(const zoConfigFile* aConfigFile);
 /** @return the name of a section, in the order of the file, borrowed; NULL past the end. */
 ZOLTTOOLS_API const char* zoConfigFile_GetSectionAt(const zoConfigFile* aConfigFile, size_t anIndex);
@@ -109,7 +110,7 @@ ZOLTTOOLS_API size_t zoConfigFile_GetKeyCount(const zoConfigFile* aConfigFile, c
 /** @return a key of a section, in the order of the file, borrowed; NULL past the end. */
 ZOLTTOOLS_API const char* zoConfigFile_GetKeyAt(const zoConfigFile* aConfigFile, const char* aSection, size_t anIndex);
 
-/** A zoStringSubstitution_t: replaces each "%HOSTNAME%" by the host's name. NULL gives NULL. */
+/** A zoStringSubstitution_t that replaces each "%HOSTNAME%" with the host's name. NULL gives NULL. */
 ZOLTTOOLS_API char* zoStringSubstitution_Replace_HostName(const char* aText);
 
 #ifdef __cplusplus

@@ -86,7 +86,8 @@ static char* FollowLink(const char* aPath, const char* aContent)
     return zo_mnprintf("%.*s%s", static_cast<int>(theSlash + 1 - aPath), aPath, aContent);
 }
 
-// The file's own path, a new text: what symbolic links lead to, whether that is there or not. NULL with errno.
+// The path of the file that a path leads to through symbolic links, also of one that is not there yet: a new text.
+// NULL with errno when that can't be found out.
 static char* ResolveLinks(const char* aPath)
 {
     static const int kMaxLinks = 40; // as the system's

@@ -1,13 +1,14 @@
 #include <zoltTools/zoConfigFile.h>
 
+#include <Shared/ASCII.h>
+#include <Shared/Append.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 #include <zoltTools/zoBuffer.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoMemory.h>
 
-// What a value's text is besides a text.
+// Values as something other than their texts.
 
 char* zoConfigFile_GetStringWithSubstitution(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                              const char* aDefaultValue, zoStringSubstitution_t aSubstitution)
@@ -23,13 +24,13 @@ static bool ReadNumber(const char* aText, uint32* aNumber)
            kzoConvertError_None;
 }
 
-// The value of a key when it is a number up to aMost; else the default.
+// The value of a key if it is a number up to aMaximum; else the default.
 static uint32 GetUnsigned(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, uint32 aDefaultValue,
-                          uint32 aMost)
+                          uint32 aMaximum)
 {
     const char* theValue = zoConfigFile_GetString(aConfigFile, aSection, aKey, nullptr);
     uint32 theNumber = 0;
-    return theValue && ReadNumber(theValue, &theNumber) && theNumber <= aMost ? theNumber : aDefaultValue;
+    return theValue && ReadNumber(theValue, &theNumber) && theNumber <= aMaximum ? theNumber : aDefaultValue;
 }
 
 uint32 zoConfigFile_GetUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
@@ -56,19 +57,10 @@ int32 zoConfigFile_GetInt32(const zoConfigFile* aConfigFile, const char* aSectio
     const char* theValue = zoConfigFile_GetString(aConfigFile, aSection, aKey, nullptr);
     uint32 theNumber = 0;
     const bool fIsNegative = theValue && *theValue == '-';
-    const uint32 theMost = static_cast<uint32>(INT32_MAX) + fIsNegative;
-    const bool fIsNumber = theValue && ReadNumber(theValue + fIsNegative, &theNumber) && theNumber <= theMost;
+    const uint32 theMaximum = static_cast<uint32>(INT32_MAX) + fIsNegative;
+    const bool fIsNumber = theValue && ReadNumber(theValue + fIsNegative, &theNumber) && theNumber <= theMaximum;
     if (!fIsNumber) { return aDefaultValue; }
     return static_cast<int32>(fIsNegative ? -static_cast<int64>(theNumber) : static_cast<int64>(theNumber));
-}
-
-static char ToLower(char aByte) { return aByte >= 'A' && aByte <= 'Z' ? static_cast<char>(aByte | 0x20) : aByte; }
-
-static bool IsWord(const char* aText, const char* aWord)
-{
-    for (; *aWord && ToLower(*aText) == *aWord; ++aWord)
-        ++aText;
-    return *aText == '\0' && *aWord == '\0';
 }
 
 int zoConfigFile_OptionIsSet(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
@@ -82,28 +74,28 @@ int zoConfigFile_OptionIsSet(const zoConfigFile* aConfigFile, const char* aSecti
         { "false", 0 }, { "no", 0 },   { "off", 0 }, { "", 0 },
     };
     const char* theValue = zoConfigFile_GetString(aConfigFile, aSection, aKey, nullptr);
+    if (!theValue) { return aDefaultValue; }
     for (const auto& theWord : kWords)
     {
-        if (theValue && IsWord(theValue, theWord.mWord)) { return theWord.mfIsSet; }
+        if (Shared::EqualsIgnoringCase(std::string_view(theValue), theWord.mWord)) { return theWord.mfIsSet; }
     }
     return aDefaultValue;
 }
 
 char* zoStringSubstitution_Replace_HostName(const char* aText)
 {
-    static const char kPlaceHolder[] = "%HOSTNAME%";
+    static const std::string_view kPlaceHolder = "%HOSTNAME%";
     if (!aText) { return nullptr; }
     char theHostName[256] = "";
     if (gethostname(theHostName, sizeof(theHostName) - 1) != 0) { theHostName[0] = '\0'; }
-    zoBuffer* theBuffer = zoBuffer_New(strlen(aText) + 1);
-    const char* theFound;
-    for (; (theFound = strstr(aText, kPlaceHolder)) != nullptr; aText = theFound + sizeof(kPlaceHolder) - 1)
+    std::string_view theText = aText;
+    zoBuffer* theBuffer = zoBuffer_New(theText.size() + 1);
+    for (size_t theFound; (theFound = theText.find(kPlaceHolder)) != theText.npos;)
     {
-        zoBuffer_Append(theBuffer, aText, static_cast<size_t>(theFound - aText));
-        zoBuffer_AppendStr(theBuffer, theHostName);
+        Shared::Append(theBuffer, theText.substr(0, theFound));
+        Shared::Append(theBuffer, theHostName);
+        theText.remove_prefix(theFound + kPlaceHolder.size());
     }
-    zoBuffer_Append(theBuffer, aText, strlen(aText) + 1);
-    char* theText = zoBuffer_TakeOwnership(theBuffer, nullptr, nullptr);
-    zoBuffer_Delete(theBuffer);
-    return theText;
+    Shared::Append(theBuffer, theText);
+    return Shared::TakeText(theBuffer);
 }

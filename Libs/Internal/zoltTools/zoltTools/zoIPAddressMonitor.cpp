@@ -1,5 +1,6 @@
 #include <zoltTools/zoIPAddressMonitor.h>
 
+#include <Shared/Sizes.h>
 #include <algorithm>
 #include <atomic>
 #include <stdlib.h>
@@ -10,10 +11,10 @@
 namespace
 {
 
-// Address texts one after the other, each with its NUL, sorted and without repeats: the same set, the same bytes.
+// The texts of addresses in the platform's form of an array, sorted and without repeats: equal sets have equal bytes.
 struct AddressSet
 {
-    char* mTexts; // NULL: none
+    char* mTexts; // owned
     size_t mSize;
 };
 
@@ -38,7 +39,7 @@ void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSource)
 static AddressSet MakeSet(const zoArray_t* anArray)
 {
     const size_t theCount = zoArray_GetCount(anArray);
-    const char** theTexts = static_cast<const char**>(zoMalloc(theCount * sizeof(const char*)));
+    const char** theTexts = Shared::NewArray<const char*>(theCount);
     for (size_t i = 0; i < theCount; ++i)
         theTexts[i] = static_cast<const char*>(zoArray_At(anArray, i));
     const char** const theEnd = std::remove(theTexts, theTexts + theCount, nullptr);
@@ -57,7 +58,7 @@ static AddressSet MakeSet(const zoArray_t* anArray)
     return theSet;
 }
 
-// The addresses now. @return false when they can't be found out.
+// Reads the addresses of now. False when they can't be found out.
 static bool ReadSet(const zoSocketPolicy* aSocketPolicy, AddressSet* aSet)
 {
     *aSet = {};

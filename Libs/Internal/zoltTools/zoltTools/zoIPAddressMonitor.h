@@ -2,8 +2,8 @@
 
 /* Watches the host's IP addresses: the set of IPv4 and IPv6 addresses of the interfaces that are up and that a socket
  * policy admits. An excluded interface is left out with all its addresses, whatever their labels; an excluded label
- * ("eth0:1") leaves out the addresses that carry it. An interface without an address adds nothing, and one that goes down
- * takes its addresses away. */
+ * ("eth0:1") leaves out the addresses that carry it. An interface without an address adds nothing, and one that goes
+ * down takes its addresses away. */
 
 #include <zoOS/zoSocketPolicy.h>
 #include <zoltTools/Export.h>
@@ -13,13 +13,13 @@
 extern "C" {
 #endif
 
-/* The addresses that were there at the last look. */
+/* Remembers the addresses of its last look. */
 typedef struct zoIPAddressMonitor zoIPAddressMonitor;
 
-/** @return a new array of address texts, in any order, which owns them; NULL when they can't be found out. */
+/** @return a new array of the texts of addresses, in any order, which owns them; NULL when they can't be found out. */
 typedef zoArray_t* (*zoIPAddressMonitor_Source_t)(const zoSocketPolicy* aSocketPolicy);
 
-/** Replaces, for all monitors, where addresses come from; NULL: the host's interfaces. */
+/** Replaces where all monitors get their addresses from; NULL: the host's interfaces. */
 ZOLTTOOLS_API void zoIPAddressMonitor_SetSource(zoIPAddressMonitor_Source_t aSource);
 /** @param aSocketPolicy  NULL admits all addresses.
  *  @return the addresses now, sorted as texts and without repeats, a new array released with zoArray_Delete; NULL when
@@ -31,7 +31,7 @@ ZOLTTOOLS_API zoArray_t* zoIPAddressMonitor_GetAddresses(const zoSocketPolicy* a
  *          be found out, as when no descriptor is free, it remembers those of the first look that succeeds. */
 ZOLTTOOLS_API zoIPAddressMonitor* zoIPAddressMonitor_New(const zoSocketPolicy* aSocketPolicy);
 /** True if the addresses differ from those remembered; those of now are remembered then. False when they can't be found
- *  out, which forgets nothing, and when none were remembered because they never could. */
+ *  out, which forgets nothing, and at the first look that succeeds. */
 ZOLTTOOLS_API int zoIPAddressMonitor_IPAddressChanged(zoIPAddressMonitor* aMonitor);
 /** Releases the monitor; NULL is ignored. */
 ZOLTTOOLS_API void zoIPAddressMonitor_Delete(zoIPAddressMonitor* aMonitor);

@@ -1,6 +1,6 @@
 #pragma once
 
-/* The keys of the configuration file that a socket policy reads itself. */
+/* The keys of a configuration file that a socket policy reads itself. */
 
 #include <zoOS/zoSocketPolicy.h>
 #include <zoltTools/Export.h>

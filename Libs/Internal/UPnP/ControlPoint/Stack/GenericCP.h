@@ -19,7 +19,7 @@ typedef struct UPnPHook_t UPnPHook;
 #define kKey_ControlPoint_EnableNoSSDP "EnableNoSSDP"
 #define kKey_ControlPoint_DetectDeviceOnly "DetectDeviceOnly"
 
-/* What a user agent begins with; the DLNA version stands behind it. */
+/* The first part of a user agent; the DLNA version follows it. */
 #define kControlPointStandardUserAgentString "UPnP/1.0"
 
 /* What a control point is configured with. */

@@ -12,8 +12,8 @@ extern "C" {
 #define ILibConfigBounds_Values(aRecord, aField, aStem)                                                                \
     "" #aField, offsetof(aRecord, aField), sizeof(((aRecord*)0)->aField), aStem##_Default, aStem##_Min, aStem##_Max
 
-/** Puts every number of aRecord that is neither 0 nor within its bounds at the nearer one, and logs a warning, which
- *  calls the record aRecordName. */
+/** Clamps the numbers of aRecord other than 0 to their bounds, with a warning for each that names it and aRecordName.
+ */
 void ILibConfigBounds_Apply(const ILibConfigBounds_t* aTable, void* aRecord, const char* aRecordName);
 
 #ifdef __cplusplus

@@ -8,7 +8,7 @@
 extern "C" {
 #endif
 
-/** @return a new lifetime without timers. It is a chain object, to be the first one of its chain. */
+/** @return a new lifetime without timers: a chain object, which has to be the first of its chain. */
 ILibLifeTime* ILibLifeTime_S_New(void);
 
 #ifdef __cplusplus

@@ -17,7 +17,7 @@ int UPnPConfig_GetInvertedFlag(const zoConfigFile* aConfigFile, const char* aSec
 /** A number of 16 bits for a field of 32. */
 uint32 UPnPConfig_GetUInt16AsUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                     uint32 aDefaultValue);
-/** An IPv4 address in dotted-quad form, in network byte order; 0, whatever the default, when there is none. */
+/** An IPv4 address in dotted-quad form, in network byte order; 0, also with another default, for other texts. */
 uint32 UPnPConfig_GetAddress(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                              uint32 aDefaultValue);
 

@@ -127,13 +127,13 @@ struct AnyValue
 };
 
 template <typename Record, typename... Values>
-constexpr auto fCanHold(int) -> decltype(Record{ Values()... }, bool())
+constexpr auto CanHold(int) -> decltype(Record{ Values()... }, bool())
 {
     return true;
 }
 
 template <typename Record, typename... Values>
-constexpr bool fCanHold(...)
+constexpr bool CanHold(...)
 {
     return false;
 }
@@ -141,13 +141,13 @@ constexpr bool fCanHold(...)
 template <typename Record, typename... Values>
 constexpr size_t CountFields()
 {
-    if constexpr (fCanHold<Record, Values..., AnyValue>(0)) { return CountFields<Record, Values..., AnyValue>(); }
+    if constexpr (CanHold<Record, Values..., AnyValue>(0)) { return CountFields<Record, Values..., AnyValue>(); }
     else { return sizeof...(Values); }
 }
 
 // True if the rows are those of different fields in their order.
 template <size_t kCount>
-constexpr bool fIsInOrder(const UPnPConfigField_t (&aRows)[kCount])
+constexpr bool IsInOrder(const UPnPConfigField_t (&aRows)[kCount])
 {
     for (size_t i = 1; i < kCount; ++i)
     {
@@ -161,7 +161,7 @@ template <typename Record, const auto& kRows>
 constexpr UPnPConfigRecord_t Table(const char* aName)
 {
     constexpr size_t kCount = std::extent_v<std::remove_reference_t<decltype(kRows)>>;
-    static_assert(kCount == CountFields<Record>() && fIsInOrder(kRows), "a field has no row, or two");
+    static_assert(kCount == CountFields<Record>() && IsInOrder(kRows), "a field has no row, or two");
     return { aName, kRows, kCount, sizeof(Record) };
 }
 

@@ -27,7 +27,7 @@ struct Lines
     Line* mLast;
 };
 
-/** Begins with the text, which it takes over. @return what is to be read of it. */
+/** Makes an empty list for a text, which it takes over. @return the text without its byte-order mark. */
 std::string_view BeginLines(Lines* aLines, char* aText, size_t aLength);
 void FreeLines(Lines* aLines);
 
