@@ -2,7 +2,8 @@
 # and what is said once for several declarations becomes the heading of a group.
 #
 #   /* text */ above a declaration            its description
-#   /* text */ above an empty line            the heading of what follows; the first one of a header describes the header
+#   /* text */ above an empty line            the heading of the functions that follow, up to a type or a constant; the first
+#                                             one of a header describes the header, in which a class may stand for it
 #   declaration; /* text */   or   // text    its description
 #   @param aName, anOther out: text           output parameters
 #
@@ -90,7 +91,7 @@ function end_group(aDepth)
 }
 
 # The first sentence is the heading.
-function begin_group(    theText, i, theEnd)
+function begin_group(    theText, theHeading, i, theEnd)
 {
     end_group(gfRecord)
     theText = gLines[1]
@@ -98,7 +99,11 @@ function begin_group(    theText, i, theEnd)
         theText = theText gLines[i]
     gsub(/^[ -]+|[ -]+$/, "", theText)
     theEnd = match(theText, /[.:]( |$)/) ? RSTART : length(theText) + 1
-    print "/** @name " substr(theText, 1, theEnd - 1)
+    theHeading = substr(theText, 1, theEnd - 1) # where a backslash is not taken for an escape
+    gsub(/\\</, "\\&lt;", theHeading)
+    gsub(/\\>/, "\\&gt;", theHeading)
+    gsub(/\\/, "", theHeading)
+    print "/** @name " theHeading
     print substr(theText, theEnd + 1)
     for (; i <= gCount; ++i)
         print gLines[i]
@@ -113,26 +118,30 @@ function next_line()
     return (getline) > 0
 }
 
-function handle_comment(    theText, theFirst)
+function handle_comment(    theText, theFirst, fIsDescription)
 {
     theText = $0
     sub(/^ +/, "", theText)
     theFirst = !gfCode
-    if (theText ~ /^\/\*\*/)
-    {
-        read_comment(theText)
-        print_comment("/**")
-        gfDescribed = 1
-        return
-    }
+    fIsDescription = theText ~ /^\/\*\*/
     read_comment(theText)
     gfNext = (getline gNext) > 0
-    if (gfNext && gNext !~ /^ *$/ && gNext !~ /^ *\/\*/ && gLines[gCount] !~ /:$/)
+    if (gfNext && gNext ~ /^(enum|struct|typedef|class|#define)/) { end_group(0) } # groups are of functions
+    if (fIsDescription)
     {
         print_comment("/**")
         gfDescribed = 1
     }
-    else if (theFirst) { print_comment("/** @file\n") }
+    else if (gfNext && gNext !~ /^ *$/ && gNext !~ /^ *\/\*/ && gLines[gCount] !~ /:$/)
+    {
+        print_comment("/**")
+        gfDescribed = 1
+    }
+    else if (theFirst)
+    {
+        print_comment("/** @file\n")
+        gfHeaderDescribed = 1
+    }
     else { begin_group() }
 }
 
@@ -164,6 +173,7 @@ function handle_code()
     if ($0 !~ /^#(pragma|include|ifdef|endif)/ && $0 !~ /^ *$/ && $0 != "extern \"C\" {") { gfCode = 1 }
     if ($0 ~ /^(typedef )?struct [A-Za-z0-9_]+$/) { gfRecord = 1 }
     if ($0 ~ /^(typedef )?enum( [A-Za-z_]+)?$/) { gfEnumeration = 1 }
+    if (gClass == "" && $0 ~ /^class ([A-Z]+_API )?[A-Za-z]+$/) { gClass = $NF }
     if ($0 ~ /^}/)
     {
         end_group(1)
@@ -187,4 +197,7 @@ BEGIN {
         else { handle_code() }
     } while (gfNext && next_line())
 }
-END { end_group(0) }
+END {
+    end_group(0)
+    if (!gfHeaderDescribed && gClass != "") { print "/** @file\n @copybrief " gClass " */" }
+}

@@ -81,10 +81,10 @@ UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMed
                                                             const char* aParentID, int afEnableResumeUpload,
                                                             uint32 aDTCPUploadInfo);
 
-/* What an object's records hold of its document is in UPnPConst.h. Elements that every one of counts may be inside each
- * other, and each then stores the text of those inside, too. So that no document is stored once for each of its levels,
- * each of these kinds ends for itself, once what is stored of it has passed four times the length of the object's text
- * (what is between its start tag and its end tag), and 4 KiB:
+/* Reading. What an object's records hold of its document is in UPnPConst.h. Elements that every one of counts may be
+ * inside each other, and each then stores the text of those inside, too. So that no document is stored once for each of
+ * its levels, each of these kinds ends for itself, once what is stored of it has passed four times the length of the
+ * object's text (what is between its start tag and its end tag), and 4 KiB:
  *
  *     elements without a field (pairs)   no further pair is stored
  *     upnp:albumArtURI, upnp:createClass no further one is stored

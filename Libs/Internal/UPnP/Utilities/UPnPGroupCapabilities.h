@@ -170,7 +170,7 @@ UPNPUTILITIES_API int UPnPGroupInfo_RemoveSlave(UPnPGroupInfo* aGroupInfo, const
 UPNPUTILITIES_API void UPnPGroupInfo_AddSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN,
                                               const char* aSlaveFriendlyName, const char* aSlaveUDN);
 
-/* In the operations on metadata, a NULL aGroupedUDN stands for the group itself, another for the master or else the
+/* Operations on metadata. A NULL aGroupedUDN stands for the group itself, another for the master or else the
  * first slave with that grouped UDN. */
 
 /** As UPnPGroupMetaData_Set, but returns 1 for every slave; 0 when there is no such member. */

@@ -81,9 +81,9 @@ typedef struct UPnPHook_t
 /* A hook in which nothing is set. The library does not use it. */
 extern UPNPUTILITIES_API struct UPnPHook_t UPnPHook_t;
 
-/* An invalid feature or property ID is a programming error, and so is a NULL hook for every operation except
- * UPnPHook_Delete. They are reported as assertions; if the handler returns, the operation changes nothing and returns 0
- * or NULL. */
+/* Operations. An invalid feature or property ID is a programming error, and so is a NULL hook for every operation
+ * except UPnPHook_Delete. They are reported as assertions; if the handler returns, the operation changes nothing and
+ * returns 0 or NULL. */
 
 /** @return a new hook without a parent, with every feature off and one property, the user agent "Zolt/1.1, UPnP/1.0";
  *          released with UPnPHook_Delete. */
@@ -177,8 +177,8 @@ enum
  *
  * The result is a new text, NUL-terminated and released with free. A template whose markers are more or fewer than the
  * parts gives NULL and the length 0, after an assertion; one that does not end with ">" gives the text, after an
- * assertion: cut off the line end that an editor leaves. The cost is linear in template, parts and properties, and in the result, in which one list may replace
- * several parts.
+ * assertion: cut off the line end that an editor leaves. The cost is linear in template, parts and properties, and in
+ * the result, in which one list may replace several parts.
  */
 UPNPUTILITIES_API void UPnPHook_Hook(UPnPHook* aUPnPHook, int aHookID, ...);
 

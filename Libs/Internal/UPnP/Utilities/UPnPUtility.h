@@ -72,7 +72,7 @@ UPNPUTILITIES_API void UPnPUtil_SetExitCallBack(void (*aUPnPExitCallBack)(int));
 /** Calls that function with the code, then ends the process with exit. */
 UPNPUTILITIES_API void UPnPUtil_Exit(int anExitCode) __attribute__((noreturn));
 
-/* The value of an element of event XML (<Volume val="12"/>) is its first attribute with the local name "val". Without
+/* Event XML. The value of an element (<Volume val="12"/>) is its first attribute with the local name "val". Without
  * one, and for a NULL element, these functions leave their outputs unchanged. */
 
 /**
