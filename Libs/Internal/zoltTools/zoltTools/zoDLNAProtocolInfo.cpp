@@ -11,6 +11,7 @@
 #include <zoltTools/Private/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoMemory.h>
 
+using ProtocolInfo::HasBlanks;
 using Shared::NextItem;
 using std::string_view;
 
@@ -43,14 +44,15 @@ static uint64 HasBlank(const char* aBytes)
     return (theWord - 0x2121212121212121u) & ~theWord & 0x8080808080808080u;
 }
 
-// True if there may be something to remove; blanks inside a field count, too.
-static bool HasBlanks(string_view aText)
+bool ProtocolInfo::HasBlanks(string_view aText)
 {
-    const char* theEnd = aText.data() + aText.size();
-    if (aText.size() < sizeof(uint64)) { return std::any_of(aText.data(), theEnd, Shared::IsSpace); }
+    const char* theWord = aText.data();
+    const char* theEnd = theWord + aText.size();
+    if (aText.size() < sizeof(uint64)) { return std::any_of(theWord, theEnd, Shared::IsSpace); }
     uint64 theBlanks = HasBlank(theEnd - sizeof(uint64));
-    for (const char* theWord = aText.data(); theWord < theEnd - sizeof(uint64); theWord += sizeof(uint64))
-        theBlanks |= HasBlank(theWord);
+    for (; theEnd - theWord > static_cast<ptrdiff_t>(2 * sizeof(uint64)); theWord += 2 * sizeof(uint64))
+        theBlanks |= HasBlank(theWord) | HasBlank(theWord + sizeof(uint64));
+    if (theEnd - theWord > static_cast<ptrdiff_t>(sizeof(uint64))) { theBlanks |= HasBlank(theWord); }
     return theBlanks != 0;
 }
 
@@ -107,6 +109,12 @@ static Parameters ReadParameters(string_view aField, bool afHasBlanks)
 {
     Parameters theParameters;
     string_view theItem;
+    const string_view kMostCommon("DLNA.ORG_PN=");
+    if (aField.size() > kNameLength && memcmp(aField.data(), kMostCommon.data(), kNameLength) == 0)
+    {
+        NextItem(&aField, ';', &theItem);
+        theParameters.mProfile = (afHasBlanks ? TrimSpaces(theItem) : theItem).substr(kNameLength);
+    }
     while (aField.size() >= kNameLength && !(theParameters.mProfile.data() && theParameters.mConversion.data()))
     {
         NextItem(&aField, ';', &theItem);
@@ -153,9 +161,9 @@ static void Read(zoDLNAProtocolInfo_t* anInfo, string_view aText)
     anInfo->mfIsConverted = theFound.mConversion == "1";
 }
 
-void ProtocolInfo::Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength)
+void ProtocolInfo::Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength, bool afMayHaveBlanks)
 {
-    const size_t theLength = HasBlanks({ aText, aLength }) ? RemoveBlanks(aText, aLength) : aLength;
+    const size_t theLength = afMayHaveBlanks ? RemoveBlanks(aText, aLength) : aLength;
     aText[theLength] = '\0';
     new (anInfo) zoDLNAProtocolInfo_t{};
     Read(anInfo, { aText, theLength });
@@ -176,7 +184,8 @@ static zoDLNAProtocolInfo_t* NewBlock(size_t aTextLength)
 
 static zoDLNAProtocolInfo_t* InitBlock(zoDLNAProtocolInfo_t* anInfo, size_t aTextLength)
 {
-    ProtocolInfo::Init(anInfo, reinterpret_cast<char*>(anInfo + 1), aTextLength);
+    char* theText = reinterpret_cast<char*>(anInfo + 1);
+    ProtocolInfo::Init(anInfo, theText, aTextLength, HasBlanks({ theText, aTextLength }));
     anInfo->mfIsOwnBlock = true;
     return anInfo;
 }

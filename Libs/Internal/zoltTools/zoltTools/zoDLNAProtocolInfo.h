@@ -30,14 +30,11 @@ ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, si
  * @return a new object, released with zoDLNAProtocolInfo_Delete.
  */
 ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI);
-
-/* Memory for zoDLNAProtocolInfo_NewInPlace that is enough for an ordinary text, in bytes. */
-#define kzoDLNAProtocolInfo_Size 160
-
 /**
  * As zoDLNAProtocolInfo_New, in memory of the caller's when that is enough, so that a protocol info that is read once
  * costs no memory from the heap.
- * @param aMemory  aSize bytes, aligned for pointers. They and the text must live as long as the object.
+ * @param aMemory  aSize bytes, aligned for pointers; 160 are enough for ordinary texts. They and the text must live as
+ *                 long as the object.
  * @return the object, in aMemory or from the heap; either is released with zoDLNAProtocolInfo_Delete.
  */
 ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText,

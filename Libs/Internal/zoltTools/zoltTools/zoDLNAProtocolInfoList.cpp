@@ -107,16 +107,31 @@ static size_t RemoveEscapes(char* aText, size_t aLength)
 static size_t InitElements(zoDLNAProtocolInfo_t* anElements, size_t aCapacity, char* aText, size_t aLength)
 {
     const bool fMayHaveEscapes = memchr(aText, '\\', aLength) != nullptr;
+    const bool fMayHaveBlanks = ProtocolInfo::HasBlanks({ aText, aLength });
     string_view theRest(aText, aLength);
     string_view theItem;
     size_t theCount = 0;
     while (theCount < aCapacity && Shared::NextEscapedItem(&theRest, ',', '\\', &theItem))
     {
-        theItem = Shared::Trim(theItem, Shared::IsSpace);
+        if (fMayHaveBlanks) { theItem = Shared::Trim(theItem, Shared::IsSpace); }
         if (theItem.empty()) { continue; }
         char* theText = aText + (theItem.data() - aText);
         const size_t theLength = fMayHaveEscapes ? RemoveEscapes(theText, theItem.size()) : theItem.size();
-        ProtocolInfo::Init(&anElements[theCount++], theText, theLength);
+        ProtocolInfo::Init(&anElements[theCount++], theText, theLength, fMayHaveBlanks);
+    }
+    return theCount;
+}
+
+// @return the most elements that a text can have.
+static size_t CountItems(const char* aText, size_t aLength)
+{
+    const char* theEnd = aText + aLength;
+    size_t theCount = 1;
+    for (; theCount < kMostElements; ++theCount)
+    {
+        const void* theComma = memchr(aText, ',', static_cast<size_t>(theEnd - aText));
+        if (!theComma) { break; }
+        aText = static_cast<const char*>(theComma) + 1;
     }
     return theCount;
 }
@@ -124,8 +139,7 @@ static size_t InitElements(zoDLNAProtocolInfo_t* anElements, size_t aCapacity, c
 static void AddElementsOfText(zoDLNAProtocolInfoList_t* aList, const char* aText)
 {
     const size_t theLength = strlen(aText);
-    const size_t theCommas = static_cast<size_t>(std::count(aText, aText + theLength, ','));
-    const size_t theCapacity = std::min(theCommas + 1, kMostElements);
+    const size_t theCapacity = CountItems(aText, theLength);
     zoDLNAProtocolInfo_t* theElements = static_cast<zoDLNAProtocolInfo_t*>(
         zoMalloc(Shared::AddSizes(theCapacity * sizeof(zoDLNAProtocolInfo_t) + 1, theLength)));
     char* theText = static_cast<char*>(memcpy(theElements + theCapacity, aText, theLength));

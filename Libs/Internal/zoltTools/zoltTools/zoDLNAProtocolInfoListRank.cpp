@@ -51,6 +51,11 @@ struct RankedInfo
 
 // ---- The transport protocols of the list ----
 
+static bool IsSame(string_view aLeft, string_view aRight)
+{
+    return Shared::Equals(aLeft, aRight) || Shared::EqualsIgnoringCase(aLeft, aRight);
+}
+
 static string_view ProtocolAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
 {
     return SlotAt(aList, aPosition)->mInfo->mProtocol;
@@ -237,8 +242,7 @@ static bool HaveProtocolOfFirst(const zoDLNAProtocolInfoList_t* aSinkList, zoDLN
     const string_view theFirst = ProtocolAt(aSinkList, 0);
     return !theFirst.empty() && IsOneWord(theFirst) &&
            std::all_of(anInfos, anInfos + aCount,
-                       [=](const zoDLNAProtocolInfo_t* anInfo)
-                       { return Shared::EqualsIgnoringCase(anInfo->mProtocol, theFirst); });
+                       [=](const zoDLNAProtocolInfo_t* anInfo) { return IsSame(anInfo->mProtocol, theFirst); });
 }
 
 // Moves those that the one item of an order covers to the front, of a supported protocol if that is not "".
@@ -246,13 +250,13 @@ static size_t RankByWord(string_view anItem, string_view aSupported, zoDLNAProto
 {
     const string_view theItem = Shared::Trim(anItem, Shared::IsSpace);
     const string_view theSupported = Shared::Trim(aSupported, Shared::IsSpace);
+    if (IsAny(theItem) && IsAny(theSupported)) { return aCount; }
     const auto fIsLeftOut = [=](const zoDLNAProtocolInfo_t* anInfo)
     {
-        const bool fTakesPart =
-            theSupported.empty() || IsAny(theSupported) || Shared::EqualsIgnoringCase(theSupported, anInfo->mProtocol);
+        const bool fTakesPart = theSupported.empty() || IsAny(theSupported) || IsSame(theSupported, anInfo->mProtocol);
         return !fTakesPart || theItem.empty() ||
-               (!IsAny(theItem) && !Shared::EqualsIgnoringCase(theItem, anInfo->mProtocol) &&
-                !Shared::EqualsIgnoringCase(theItem, FirstPartOf(anInfo->mProtocol)));
+               (!IsAny(theItem) && !IsSame(theItem, anInfo->mProtocol) &&
+                !IsSame(theItem, FirstPartOf(anInfo->mProtocol)));
     };
     return static_cast<size_t>(std::remove_if(anInfos, anInfos + aCount, fIsLeftOut) - anInfos);
 }

@@ -60,8 +60,6 @@ static size_t LengthOfScheme(string_view aText)
     return theLength < aText.size() && aText[theLength] == ':' ? theLength : 0;
 }
 
-static bool EndsAuthority(char aByte) { return aByte == '/' || aByte == '?' || aByte == '#'; }
-
 static bool EndsPath(char aByte) { return aByte == '?' || aByte == '#'; }
 
 static bool EndsQuery(char aByte) { return aByte == '#'; }
@@ -72,6 +70,16 @@ static string_view TakeUpTo(string_view* aText, Predicate afIsEnd)
 {
     const auto theEnd = std::find_if(aText->begin(), aText->end(), afIsEnd);
     const string_view theTaken = aText->substr(0, static_cast<size_t>(theEnd - aText->begin()));
+    aText->remove_prefix(theTaken.size());
+    return theTaken;
+}
+
+// Takes what is before the first "/", "?" or "#" off a text.
+static string_view TakeAuthority(string_view* aText)
+{
+    string_view theTaken = aText->substr(0, aText->find('/'));
+    for (const char theEnd : { '?', '#' })
+        theTaken = theTaken.substr(0, theTaken.find(theEnd));
     aText->remove_prefix(theTaken.size());
     return theTaken;
 }
@@ -87,7 +95,7 @@ static bool ParseUpToPath(string_view* aText, Parts* aParts)
     }
     if (aText->substr(0, 2) != "//") { return true; }
     aText->remove_prefix(2);
-    return ParseAuthority(aParts, TakeUpTo(aText, EndsAuthority));
+    return ParseAuthority(aParts, TakeAuthority(aText));
 }
 
 bool URI::Parse(string_view aText, Parts* aParts)

@@ -23,7 +23,8 @@ inline constexpr uint32 kNoAddress = 0xFFFFFFFF;
 /** The weight of an IPv4 host; the locality, at most 3, is added to it. */
 inline constexpr uint32 kIsAddressWeight = 0x10;
 
-/** @return the IPv4 address, in network byte order, that is the URI's host; kNoAddress when it is not one. */
+/** @param anURI  ends at its NUL or with its bytes. @return the IPv4 address, in network byte order, that is its host;
+ *                kNoAddress when that is not one. */
 uint32 FindHostAddress(std::string_view anURI);
 
 /** @return how near two addresses are: 3, 2 or 1 when they share this many first octets, else 0. */

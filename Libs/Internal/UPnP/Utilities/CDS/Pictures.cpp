@@ -301,14 +301,17 @@ int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
     int* theFound = &mOfMimeType[afIsPNG][afWithAnyProfile];
     if (*theFound != kUnknown) { return *theFound; }
     const string_view theText = afIsPNG ? "http-get:*:image/png:*" : "http-get:*:image/jpeg:*";
-    alignas(void*) char theMemory[kzoDLNAProtocolInfo_Size];
-    zoDLNAProtocolInfo_t* theSink =
-        zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());
+    alignas(void*) char theMemory[kInfoSize];
+    zoDLNAProtocolInfo_t* theSink = nullptr; // most often not needed
     *theFound = FindBest(
-        [=](uint32 aPosition)
+        [&](uint32 aPosition)
         {
-        return (afWithAnyProfile || ProfileAt(aPosition).empty()) &&
-               zoDLNAProtocolInfo_Match(theSink, mInfos[aPosition], kzoDLNAProtocolInfoMatch_AnyProfile);
+        if (!afWithAnyProfile && !ProfileAt(aPosition).empty()) { return false; }
+        if (!theSink)
+        {
+            theSink = zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());
+        }
+        return zoDLNAProtocolInfo_Match(theSink, mInfos[aPosition], kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
     });
     zoDLNAProtocolInfo_Delete(theSink);
     return *theFound;

@@ -11,13 +11,14 @@ namespace CDS
 
 static void Read(const zoPackedData_t* aRecord, uint32 anIndex, Resource* aResource)
 {
-    const std::string_view theText = FindText(aRecord, anIndex, kCDSResourceInfo_ProtocolInfo);
-    aResource->mfHasProtocolInfo = !theText.empty();
+    size_t theSize = 0;
+    const char* theText = zoPackedData_GetData(aRecord, anIndex, kCDSResourceInfo_ProtocolInfo, &theSize);
+    aResource->mfHasProtocolInfo = theText && *theText != '\0';
     aResource->mInfo = nullptr;
     if (aResource->mfHasProtocolInfo)
     {
-        aResource->mInfo = zoDLNAProtocolInfo_NewInPlace(aResource->mMemory, sizeof(aResource->mMemory), theText.data(),
-                                                         theText.size());
+        aResource->mInfo =
+            zoDLNAProtocolInfo_NewInPlace(aResource->mMemory, sizeof(aResource->mMemory), theText, theSize);
     }
     else
     {
@@ -54,7 +55,9 @@ const char* Resources::GetProfile(uint32 anIndex) const
 
 uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
 {
-    const uint32 theAddress = FindHostAddress(FindText(mRecord, anIndex, kCDSResourceInfo_URI));
+    size_t theSize = 0;
+    const char* theURI = zoPackedData_GetData(mRecord, anIndex, kCDSResourceInfo_URI, &theSize);
+    const uint32 theAddress = FindHostAddress({ theURI, theSize });
     if (theAddress == kNoAddress) { return 0; }
     uint32 theNearest = 0;
     for (uint32 i = 0; i < aTargets.mCount; ++i)

@@ -10,12 +10,15 @@
 namespace CDS
 {
 
+/** Bytes in which ordinary protocol infos are made in place. */
+inline constexpr size_t kInfoSize = 160;
+
 /** A resource whose protocol info is read, in place when there is room for it. */
 struct Resource
 {
     zoDLNAProtocolInfo_t* mInfo; // owned; from the URI when there is no protocol info; NULL without either
     bool mfHasProtocolInfo;
-    alignas(void*) char mMemory[kzoDLNAProtocolInfo_Size];
+    alignas(void*) char mMemory[kInfoSize];
 };
 
 /** All resources. Each one's protocol info carries its index as user data. The first kFew take no memory from the

@@ -1,8 +1,11 @@
 #include <UPnP/Utilities/Fallbacks/Fallbacks.h>
 
 #include <Shared/Format.h>
+#include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
+#include <zoltTools/zoMemory.h>
+#include <zoltTools/zoURI.h>
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 // What was appended stays allocated, so going back to mPos makes room. At least as much as there is already is
@@ -29,6 +32,29 @@ const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, s
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t /*aLength*/) { return !aText; }
 #endif
 
+#if defined(UPNP_LACKS_zoDLNAProtocolInfo_Match) || defined(UPNP_LACKS_zoDLNAProtocolInfoList_RankByScheme)
+// Appends a copy, whose user data is aUserData.
+static void AddCopy(zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aUserData)
+{
+    char* theText = zoDLNAProtocolInfo_GetStr(anInfo);
+    zoDLNAProtocolInfo_t* theCopy = zoDLNAProtocolInfo_New(theText, strlen(theText), 0);
+    zoDLNAProtocolInfo_SetUserData(theCopy, aUserData);
+    zoDLNAProtocolInfoList_Add(aList, theCopy, -1);
+    free(theText);
+}
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_Match
+int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+{
+    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New("", 0);
+    if (anElement) { AddCopy(theList, anElement, 0); }
+    const int fMatches = zoDLNAProtocolInfoList_Match(theList, anInfo, aFlags);
+    zoDLNAProtocolInfoList_Delete(theList);
+    return fMatches;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoDLNAProtocolInfo_MatchText
 int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator)
 {
@@ -38,6 +64,42 @@ int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* 
                                           zoDLNAProtocolInfo_GetConversionIndicator(theInfo) == aConversionIndicator);
     zoDLNAProtocolInfo_Delete(theInfo);
     return fMatches;
+}
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_NewInPlace
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, const char* aText,
+                                                    size_t aLength)
+{
+    return zoDLNAProtocolInfo_New(aText, aLength, 0);
+}
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfoList_RankByScheme
+// Drains a list of copies.
+size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
+                                           const char* aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
+{
+    char* theSupported = aSupported ? zoStrdup(aSupported) : zoDLNAProtocolInfoList_GetSupportedProtocolList(aSinkList);
+    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New("", 0);
+    zoDLNAProtocolInfo_t** theInfos = Shared::NewArray<zoDLNAProtocolInfo_t*>(aCount);
+    for (size_t i = 0; i < aCount; ++i)
+    {
+        theInfos[i] = anInfos[i];
+        AddCopy(theList, anInfos[i], static_cast<int>(i));
+    }
+    size_t theCount = 0;
+    int theBest;
+    while ((theBest = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, anOrder, theSupported)) >= 0)
+    {
+        const zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, theBest);
+        anInfos[theCount++] = theInfos[zoDLNAProtocolInfo_GetUserData(theInfo)];
+        zoDLNAProtocolInfoList_Remove(theList, theBest);
+    }
+    zoDLNAProtocolInfoList_Delete(theList);
+    free(theInfos);
+    free(theSupported);
+    return theCount;
 }
 #endif
 
@@ -67,5 +129,17 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
         theValue->mData = zoPackedData_GetData(aRecord, anEntry, theValue->mTag, &theValue->mSize);
     }
     return theCount;
+}
+#endif
+
+#ifdef UPNP_LACKS_zoURI_S_GetHostIP
+uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength)
+{
+    char* theText = zoStrndup(aText ? aText : "", aText ? aLength : 0);
+    zoURI* theURI = zoURI_NewFromEscapedStr(theText);
+    const uint32 theAddress = theURI ? zoURI_GetHostIP(theURI) : 0xFFFFFFFF;
+    zoURI_Delete(theURI);
+    free(theText);
+    return theAddress;
 }
 #endif

@@ -12,6 +12,7 @@
 #include <zoltTools/zoBuffer.h>
 #include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
 #include <zoltTools/zoPackedData.h>
 
 #pragma GCC visibility push(hidden)
@@ -29,8 +30,21 @@ const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, s
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength);
 #endif
 
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_Match
+int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags);
+#endif
+
 #ifdef UPNP_LACKS_zoDLNAProtocolInfo_MatchText
 int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator);
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfo_NewInPlace
+zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText, size_t aLength);
+#endif
+
+#ifdef UPNP_LACKS_zoDLNAProtocolInfoList_RankByScheme
+size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
+                                           const char* aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount);
 #endif
 
 #ifdef UPNP_LACKS_zoLog_Append_V
@@ -51,6 +65,10 @@ typedef struct zoPackedData_Value
 } zoPackedData_Value;
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount);
+#endif
+
+#ifdef UPNP_LACKS_zoURI_S_GetHostIP
+uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength);
 #endif
 
 } // extern "C"

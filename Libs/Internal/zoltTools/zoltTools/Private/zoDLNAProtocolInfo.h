@@ -25,9 +25,12 @@ struct zoDLNAProtocolInfo_t
 namespace ProtocolInfo
 {
 
+/** True if there may be something to remove; blanks inside a field and other control bytes count, too. */
+bool HasBlanks(std::string_view aText);
+
 /** Makes an object of a text, which it may change and which must live as long as the object.
- *  @param aText  with a byte after its end, which becomes a NUL. */
-void Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength);
+ *  @param aText  with a byte after its end, which becomes a NUL. @param afMayHaveBlanks  false if HasBlanks is. */
+void Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength, bool afMayHaveBlanks);
 
 /** @param aFields  the four fields. @return a new object, released with zoDLNAProtocolInfo_Delete. */
 zoDLNAProtocolInfo_t* NewFromFields(const std::string_view* aFields);

@@ -66,13 +66,21 @@ inline uint64 ToLower(uint64 aBytes)
     return aBytes | ((theFromA & ~theAboveZ & ~aBytes & (0x80 * kOnes)) >> 2);
 }
 
-/** @return fewer than eight bytes as one word; words of as many bytes are equal when their bytes are. */
+inline uint32 Load32(const char* aBytes)
+{
+    uint32 theWord;
+    memcpy(&theWord, aBytes, sizeof(theWord));
+    return theWord;
+}
+
+/** @return one to seven bytes as one word, some of them twice; words of as many bytes are equal when their bytes are.
+ */
 inline uint64 LoadTail(const char* aBytes, size_t aCount)
 {
-    uint64 theWord = 0;
-    for (size_t i = 0; i < aCount; ++i)
-        theWord = theWord << 8 | static_cast<unsigned char>(aBytes[i]);
-    return theWord;
+    if (aCount >= sizeof(uint32)) { return static_cast<uint64>(Load32(aBytes)) << 32 | Load32(aBytes + aCount - 4); }
+    const auto theByteAt = [aBytes](size_t aPosition)
+    { return static_cast<uint64>(static_cast<uint8>(aBytes[aPosition])); };
+    return theByteAt(0) << 16 | theByteAt(aCount / 2) << 8 | theByteAt(aCount - 1);
 }
 
 /** @return the hash of the text with its letters in lower case, below 2^61. */
