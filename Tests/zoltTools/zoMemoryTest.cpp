@@ -1,6 +1,7 @@
 #include "Support/Texts.h"
 #include <cstring>
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <vector>
 #include <zoltTools/zoMemory.h>
 
@@ -30,4 +31,13 @@ TEST(zoMemoryTest, HeapTextsAreMadeOfTheirOwnParts)
         if (theSize > 0) { EXPECT_STREQ(theExpected.c_str(), theBuffer.data()); }
         EXPECT_EQ('#', theBuffer[theSize]);
     }
+}
+
+TEST(zoMemoryTest, WithoutMemoryTheProcessEndsAfterAWord)
+{
+    EXPECT_DEATH(_zoMemory_Failed(12345), "^zoMemory: no memory left for 12345 bytes\n$");
+    const auto theHandler = [](size_t) { (void)!write(STDERR_FILENO, "told", 4); };
+    EXPECT_EQ(nullptr, zoMemory_SetFailureHandler(theHandler));
+    EXPECT_DEATH(_zoMemory_Failed(1), "^told$"); // and ends also when the handler returns
+    EXPECT_EQ(theHandler, zoMemory_SetFailureHandler(nullptr));
 }

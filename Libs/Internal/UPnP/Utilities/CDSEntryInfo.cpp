@@ -1,6 +1,8 @@
 #include <UPnP/Utilities/CDSEntryInfo.h>
 
 #include <UPnP/Utilities/CDS/Record.h>
+#include <stdlib.h>
+#include <zoltTools/zoMemory.h>
 
 CDSEntryInfo::CDSEntryInfo() : mPackedData(zoPackedData_New(0)) {}
 
@@ -41,5 +43,9 @@ zoCString CDSEntryInfo::GetExtraInfoData(int anExtraInfoIndex)
 {
     return CDS::GetPairValue(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
 }
+
+void* CDSEntryInfo::operator new(size_t aSize) { return zoMalloc(aSize); }
+
+void CDSEntryInfo::operator delete(void* anObject) { free(anObject); }
 
 CDSEntryInfo* CDSEntryInfo::Clone() const { return new CDSEntryInfo(zoPackedData_Duplicate(mPackedData)); }

@@ -24,6 +24,9 @@ public:
     /** Takes the entry record over; NULL counts as a record without an entry. */
     explicit CDSEntryInfo(zoPackedData_t* aPackedData);
     ~CDSEntryInfo();
+    /** Memory as zoMemory.h gives it: a handler is told when there is none left. */
+    static void* operator new(size_t aSize);
+    static void operator delete(void* anObject);
     CDSEntryInfo(const CDSEntryInfo&) = delete;
     CDSEntryInfo& operator=(const CDSEntryInfo&) = delete;
 

@@ -42,6 +42,10 @@ void CDSResourceInfo::InitUsingPackedData(zoPackedData_t* aPackedData)
     zoArray_SetFreeFunc(mAlbumArtURIArray, zoStringArray_FreeFunc);
 }
 
+void* CDSResourceInfo::operator new(size_t aSize) { return zoMalloc(aSize); }
+
+void CDSResourceInfo::operator delete(void* anObject) { free(anObject); }
+
 CDSResourceInfo* CDSResourceInfo::Clone() const
 {
     CDSResourceInfo* theClone = new CDSResourceInfo(zoPackedData_Duplicate(mPackedData), nullptr);

@@ -44,6 +44,9 @@ public:
     /** The same with a resource record, which the object takes over. */
     CDSResourceInfo(zoPackedData_t* aResourceInfoData, zoPackedData_t* aPackedData);
     ~CDSResourceInfo();
+    /** Memory as zoMemory.h gives it: a handler is told when there is none left. */
+    static void* operator new(size_t aSize);
+    static void operator delete(void* anObject);
     CDSResourceInfo(const CDSResourceInfo&) = delete;
     CDSResourceInfo& operator=(const CDSResourceInfo&) = delete;
 
