@@ -45,9 +45,10 @@ TEST(LogTest, WritesOneLineAMessage)
     int thePipe[2];
     ASSERT_EQ(0, pipe(thePipe));
     const int theStandardError = dup(STDERR_FILENO);
-    for (const auto& [theText, theLine] : { std::pair("text", "warning [1] Libs/x.cpp:12: text\n"),
-                                            { "ended\n", "warning [1] Libs/x.cpp:12: ended\n" },
-                                            { "forged\nerror\n\n", "warning [1] Libs/x.cpp:12: forged error \n" } })
+    for (const auto& [theText, theLine] :
+         { std::pair("text", "warning [1] Libs/x.cpp:12: text\n"),
+           { "ended\n", "warning [1] Libs/x.cpp:12: ended\n" },
+           { "forged\nerror\x7F\n\n", "warning [1] Libs/x.cpp:12: forged error  \n" } })
     {
         char theBytes[100] = {};
         dup2(thePipe[1], STDERR_FILENO);
