@@ -20,14 +20,6 @@ void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount)
 }
 #endif
 
-#ifdef UPNP_LACKS_zoCustomHashTable_GetValueAtIndex
-const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, size_t anIndex)
-{
-    const char* theKey = zoCustomHashTable_GetKeyAtIndex(aTable, anIndex);
-    return theKey ? zoCustomHashTable_Get(aTable, theKey) : nullptr;
-}
-#endif
-
 #ifdef UPNP_LACKS_zoDLNAProtocolInfo_IsNormal
 int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t /*aLength*/) { return !aText; }
 #endif

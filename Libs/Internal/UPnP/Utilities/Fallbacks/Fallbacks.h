@@ -10,7 +10,6 @@
 #include <stdarg.h>
 #include <zoLog/Log.h>
 #include <zoltTools/zoBuffer.h>
-#include <zoltTools/zoCustomHashTable.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 #include <zoltTools/zoPackedData.h>
@@ -20,10 +19,6 @@ extern "C" {
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount);
-#endif
-
-#ifdef UPNP_LACKS_zoCustomHashTable_GetValueAtIndex
-const char* zoCustomHashTable_GetValueAtIndex(const zoCustomHashTable* aTable, size_t anIndex);
 #endif
 
 #ifdef UPNP_LACKS_zoDLNAProtocolInfo_IsNormal
