@@ -214,7 +214,7 @@ TEST(HookToolTest, RefusesInOneLine)
         { { "create", "item", "--length", "9223372036854775808" }, "no number from 0 to 9223372036854775807" },
         { { "create", "item", "--flags=1,Movable" }, "--flags: \"Movable\"" },
         { { "create", "item", "--flags=1," }, "--flags: \"\"" },
-        { { "create", "item", "--dtcp=0x100000000" }, "none of None, Movable, V1SE104, CMI" },
+        { { "create", "item", "--dtcp=0x100000000" }, "nor one of None, Movable, V1SE104, CMI" },
         { { "create", "container", "--dtcp=0" }, "create container: no option is called \"--dtcp\"" },
     });
 }

@@ -16,7 +16,7 @@ class App;
 struct Option
 {
     const char* mName;  // with its dashes
-    const char* mValue; // what help texts call its value; NULL: it has none
+    const char* mValue; // what help texts call its value; NULL: it has no value
     bool mfRepeats;     // may be given more than once
     const char* mHelp;
 };

@@ -29,7 +29,7 @@ private:
     LogReceiver mReceiver{ [this](const std::string& aMessage) { Add(aMessage); } };
 };
 
-// One section of a configuration file, and what is being found out about it.
+// One section of a configuration file, and what has been found out about it so far.
 struct Section
 {
     Section(const std::vector<char>& aText, const char* aName)
@@ -90,7 +90,7 @@ template <typename Type>
 static void FreeNothing(Type*)
 {}
 
-// A record that its fetch has filled, without a hook and the like.
+// A record as its fetch fills it; borrowed arguments such as the hook are NULL.
 template <typename Type, Type* (*kCreate)(), auto kFetch, void (*kFree)(Type*) = FreeNothing<Type>>
 static Record Fetched(const Section& aSection)
 {
@@ -166,7 +166,7 @@ static const ILibConfigBounds_t* FindBounds(const RecordKind& aKind, const UPnPC
     return theBounds && theBounds->mField ? theBounds : nullptr;
 }
 
-// Whether the field's key has a value that its reader can read: then the default makes no difference.
+// True if the reader can read the key's value: then the default makes no difference.
 static bool IsReadable(const UPnPConfigField_t& aField, const Section& aSection)
 {
     const char* theValue = aSection.Get(aField.mKey);
@@ -180,7 +180,7 @@ static bool IsReadable(const UPnPConfigField_t& aField, const Section& aSection)
            UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, 1);
 }
 
-// Where a number comes from that is read from aField's key, and notes that the key is known.
+// Returns where the number of a field comes from, and notes that its key is known.
 static std::string OriginOfNumber(const UPnPConfigField_t& aField, Section& aSection)
 {
     aSection.mKeysRead.insert(aField.mKey);
@@ -296,7 +296,7 @@ static std::string ValueText(const UPnPConfigField_t& aField, const void* aValue
     }
 }
 
-// What the stack makes of a number: it takes its own default for 0, and keeps others within bounds.
+// Says what the stack makes of a number: its own default of 0, the nearer bound of one outside the bounds.
 static std::string BoundsText(const RecordKind& aKind, const UPnPConfigField_t& aField, const void* aValue,
                               const Section& aSection)
 {
@@ -341,7 +341,7 @@ static void WarnOfUnreadKeys(Section& aSection)
     }
 }
 
-// Nothing but the records that are named, or all.
+// True for the records that are named, and for all when none is.
 static bool IsWanted(const std::vector<const char*>& aNames, const char* aName)
 {
     for (const char* theName : aNames)

@@ -24,7 +24,7 @@ static const Name kUploadFlags[] = {
     { "CMI", kDTCPUploadInfo_CMI },
 };
 
-// As the library takes it: the document then says nothing about it.
+// Stands for no upload information: the document has no such attribute.
 static const uint32 kNoUploadInfo = 0xFFFFFFFF;
 
 static const Option kParent = { "--parent", "ID", false, "ID of the container that the object is created in" };
@@ -45,7 +45,7 @@ static const Usage kContainerUsage = {
     nullptr,
     "Prints the Elements document by which a control point asks a media server to create a container.\n"
     "What is not given is left empty. LIST names the classes of objects that may be created in it, separated by \";\";\n"
-    "\",1\" behind a class includes those derived from it.\n\n" +
+    "\",1\" after a class includes those derived from it.\n\n" +
         FlagsHelp("--flags", kManagedFlags),
     { kParent, kTitle, kClass, kManaged, { "--create-classes", "LIST", false, "what may be created in it" } },
     false,
@@ -87,7 +87,7 @@ static const Usage kResponseUsage = {
     false,
 };
 
-// One name or number.
+// Reads one name or number.
 static bool ReadFlag(const std::string& aText, const Names& aNames, uint32* aFlag)
 {
     const Name* theName = aNames.Find(aText);
@@ -122,7 +122,7 @@ static int ReadFlags(const Arguments& anArguments, const char* anOption, const N
         if (!ReadFlag(theItem, aNames, &theFlag))
         {
             return anArguments.BadUsage(std::string(anOption) + ": \"" + theItem +
-                                        "\" is no hexadecimal number of 32 bits and none of " + aNames.List());
+                                        "\" is neither a hexadecimal number of 32 bits nor one of " + aNames.List());
         }
         *aFlags |= theFlag;
     }

@@ -13,10 +13,10 @@ static const Usage kUsage = {
     "[--part NAME=FILE]... [OPTION...]",
     "TEMPLATE",
     "Rewrites a service description, or with --device a device description, for a client and prints it as it is, without\n"
-    "a line end behind it. TEMPLATE is a file with a marker \"%@\" for each optional part; \"-\" is standard input. The\n"
+    "a line end after it. TEMPLATE is a file with a marker \"%@\" for each optional part; \"-\" is standard input. The\n"
     "first --part belongs to the first marker, the second to the second, and so on. Line ends at the end of TEMPLATE are\n"
-    "no part of it; parts are taken as they are.\n\n"
-    "A part is put in the place of its marker when the device has a feature that its NAME tells, and left out otherwise.\n"
+    "not part of it; parts are taken as they are.\n\n"
+    "A part replaces its marker when the device has a feature that its NAME tells, and is left out otherwise.\n"
     "A NAME may tell several (\":timeseek:byteseek\"). Most are called like their feature (\":timeseek\" for TimeSeek).\n"
     "Of a service, \":featurelist\", \":ffq\", \":uilifetime\" and \":dlnabm\" stand for GetFeatureList, FreeFormQuery,\n"
     "SetUILifeTime and DLNABasicManagement, \":rvu\" and \":pfc\" for SupportRVU, \":nexturi\" for a device without\n"
@@ -99,7 +99,7 @@ static size_t CountMarkers(const Text& aTemplate)
     return theCount;
 }
 
-// What the library takes for granted.
+// Checks what the library only asserts.
 static int CheckTemplate(const Arguments& anArguments, const Text& aTemplate, size_t aPartCount)
 {
     const std::string theName = InputName(anArguments.Operand());
@@ -111,7 +111,7 @@ static int CheckTemplate(const Arguments& anArguments, const Text& aTemplate, si
                 std::to_string(aPartCount) + " --part");
 }
 
-// The rewritten description, released with free.
+// Returns the rewritten description, released with free.
 static char* Rewrite(UPnPHook* aHook, const Arguments& anArguments, Text& aTemplate, std::vector<Part>& aParts)
 {
     std::vector<char*> theNames, theTexts;

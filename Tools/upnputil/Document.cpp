@@ -36,7 +36,7 @@ static std::string DescribeFault(const ILibXMLNode* aNodes, int aResult, const s
     const auto theLine = std::to_string(1 + std::count(aText.data(), static_cast<const char*>(theNode->Name), '\n'));
     if (aResult == kILibProcessXML_IncompleteXML)
     {
-        return "not well-formed: a tag that is none, or an element without its end, in line " + theLine + " or later";
+        return "not well-formed: an invalid tag, or an element without its end, in line " + theLine + " or later";
     }
     const std::string theName(theNode->Name, std::min(static_cast<size_t>(theNode->NameLength), kMaxNameLength));
     return "not well-formed: the end tag of \"" + theName + "\" in line " + theLine + " has no start tag to end";

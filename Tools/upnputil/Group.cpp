@@ -40,7 +40,7 @@ typedef std::unique_ptr<UPnPGroupInfo, decltype(&UPnPGroupInfo_Delete)> Group;
 typedef std::unique_ptr<UPnPGroupCapabilities, decltype(&UPnPGroupCapabilities_Delete)> Capabilities;
 typedef std::unique_ptr<zoConfigFile, decltype(&zoConfigFile_Delete)> Config;
 
-// What the library logs last, while this lives: it says why an input is refused.
+// Keeps the last message that the library logs, for as long as it lives: it says why an input is refused.
 class Reason
 {
 public:
@@ -59,7 +59,7 @@ private:
 
 // ---- Show ----
 
-// The words of aRoots are names of root elements. The result is an index of them, -1 for another root.
+// Returns the index in aRoots of the name of the root element, -1 for another one.
 static int FindRoot(std::vector<char>& aText, const char** aRoots, bool* afWellFormed)
 {
     ILibXMLNode* theNodes = ILibParseXML(aText.data(), 0, aText.size() - 1);
@@ -150,7 +150,7 @@ static bool IsGroupKey(const std::string& aKey)
     return fIsOfSlave || StartsWith(aKey, "Group.") || StartsWith(aKey, "Master.");
 }
 
-// Removes the keys of another group that stood there. The result is their number.
+// Removes the keys that another group has left, and returns their number.
 static size_t RemoveStaleKeys(UPnPGroupInfo* aGroup, zoConfigFile* aConfig)
 {
     const char* theSection = aGroup->mCapability;

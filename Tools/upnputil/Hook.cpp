@@ -57,10 +57,10 @@ static Texts GivenOr(const Arguments& anArguments, const char* anOption, const T
 
 static const char* YesOrNo(int afAnswer) { return afAnswer ? "yes" : "no"; }
 
-// The name of a fact that there is for each of several texts.
+// Names the fact that there is for each of several texts.
 static std::string FactName(const char* aKind, const char* aText) { return std::string(aKind) + " \"" + aText + "\""; }
 
-// Questions about one text, a user agent for instance, that are answered by a flag.
+// Asks a question about one text, a user agent for instance, that is answered by a flag.
 static const char* Ask(UPnPHook* aHook, int aHookID, const char* aText)
 {
     int fAnswer = 0;
@@ -68,7 +68,7 @@ static const char* Ask(UPnPHook* aHook, int aHookID, const char* aText)
     return YesOrNo(fAnswer);
 }
 
-// Likewise, answered by a byte.
+// As Ask, for an answer in a byte.
 static const char* AskByte(UPnPHook* aHook, int aHookID, const char* aText)
 {
     char fAnswer = 0;

@@ -51,7 +51,7 @@ std::string HookNamesHelp()
            Names(kProperties).List(kHelpWidth) + "\n";
 }
 
-// Without such a constant, says so. @return the constant, or NULL.
+// Returns the constant of that name; NULL, and says so, when there is none.
 static const Name* FindOrSay(const Arguments& anArguments, const char* aKind, Names aNames, const std::string& aName)
 {
     const Name* theName = aNames.Find(aName);

@@ -18,9 +18,9 @@ std::vector<Option> HookOptionsAnd(std::vector<Option> anOptions);
 /** @return what help texts say about the names of features and properties, whole lines. */
 std::string HookNamesHelp();
 
-/** @return a new hook as the options want it; NULL when they are wrong, which then is said: bad usage. */
+/** @return a new hook as the options want it; NULL when they are wrong, after a message: bad usage. */
 HookPtr NewHook(const Arguments& anArguments);
-/** @return the client's user agent, NULL for one that tells none. */
+/** @return the client's user agent, NULL for a client without one. */
 const char* UserAgent(const Arguments& anArguments);
 
 /** The library's questions take texts as char*; it only reads them. */

@@ -7,8 +7,8 @@
 std::string InputName(const std::string& aPath);
 
 /**
- * Reads a file, or standard input for "-". A file with a NUL byte is refused: no text has one.
- * @param aText out: the bytes and a NUL behind them.
- * @return false when that fails; why is said on standard error.
+ * Reads a file, or standard input for "-". A file with a NUL byte is refused, since texts end there.
+ * @param aText out: the bytes, ended by a NUL.
+ * @return false when that fails; the reason is on standard error then.
  */
 bool ReadInput(const std::string& aPath, std::vector<char>& aText);

@@ -10,7 +10,8 @@ static const size_t kNone = std::numeric_limits<size_t>::max();
 namespace
 {
 
-// The first step of a name: "resource", 1 and "uri" of "resource 1 uri". Without a number, all of it is the word.
+// The first step of a name: of "resource 1 uri" it is "resource" and 1, and "uri" remains. A name without a number is
+// one word.
 struct Step
 {
     std::string_view mWord;
@@ -68,7 +69,7 @@ size_t JSONFacts::Member(size_t anObject, std::string_view aName) const
     return kNone;
 }
 
-// The member as an array: a text that stands there becomes its first element.
+// Makes the member an array; a text in its place becomes the first element.
 size_t JSONFacts::ArrayOf(size_t anObject, std::string_view aName)
 {
     const size_t theMember = Member(anObject, aName);
@@ -84,7 +85,7 @@ size_t JSONFacts::ArrayOf(size_t anObject, std::string_view aName)
     return theMember;
 }
 
-// The element as an object, a new one when it is none or past the end.
+// Makes the element an object: a new one in place of a text and past the end.
 size_t JSONFacts::ObjectAt(size_t anArray, size_t anIndex)
 {
     const std::vector<size_t>& theElements = mNodes[anArray].mChildren;
@@ -140,7 +141,7 @@ static void AppendString(std::string& aTarget, std::string_view aText)
     aTarget += '"';
 }
 
-// A text whole; of others what comes before their children.
+// Writes a text, or what comes before the children of an array or an object.
 void JSONFacts::AppendOpening(std::string& aText, size_t aNode) const
 {
     switch (mNodes[aNode].mKind)

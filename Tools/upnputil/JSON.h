@@ -11,7 +11,7 @@ class JSONFacts
 {
 public:
     void Add(std::string_view aName, std::string_view aValue);
-    /** @return the object and a line end. Bytes that are no UTF-8 are written as U+FFFD. */
+    /** @return the object and a line end. Bytes that are not UTF-8 are written as U+FFFD. */
     std::string Text() const;
 
 private:
@@ -21,7 +21,7 @@ private:
         Array,
         Object
     };
-    // The members and elements of a node follow its own number, so that a node is told by its number alone.
+    // The members and elements of a node follow its own number, so that its number alone identifies a node.
     struct Node
     {
         Kind mKind = Kind::Object;

@@ -7,7 +7,7 @@
 class LogReceiver
 {
 public:
-    /** @param aReceive is given each message, without line ends behind it. */
+    /** @param aReceive is given each message, without the line ends at its end. */
     explicit LogReceiver(std::function<void(const std::string& aMessage)> aReceive);
     ~LogReceiver();
     LogReceiver(const LogReceiver&) = delete;

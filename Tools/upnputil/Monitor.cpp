@@ -101,7 +101,7 @@ static void AddReaderWatch(ILibBaseChain* aChain)
     ILibAddToChain(aChain, theWatch);
 }
 
-// The policy that the configuration asks for; without one all addresses count, and there is no policy.
+// Reads the policy that the configuration asks for. Without a configuration all addresses count, without a policy.
 static bool ReadPolicy(const Arguments& anArguments, Policy& aPolicy, int* aStatus)
 {
     const char* thePath = anArguments.Get("--config");
@@ -174,7 +174,7 @@ static void PrintChange(void* aWatch)
         ILibLifeTime_AddEx(ILibChain_GetLifeTime(theWatch.mChain), aWatch, kRetryInterval, PrintChange, nullptr);
         return;
     }
-    // What changed right after the monitor's look, at the start or now, may be printed already.
+    // A change right after the monitor has looked, now or at the start, may be printed already.
     if (theAddresses == theWatch.mAddresses) { return; }
     theWatch.mOutput.Fact("change " + std::to_string(theWatch.mChangeCount++),
                           TimeNow() + Difference("added", theAddresses, theWatch.mAddresses) +
@@ -189,7 +189,7 @@ static int Watching(zoSocketPolicy* aPolicy, Output& anOutput)
     if (!theChain) { return Fail("no event chain can be made: too many open files"); }
     const Interruption theInterruption(theChain.get());
     Watch theWatch = { anOutput, aPolicy, theChain.get(), {}, 0 };
-    // The monitor looks first, so that no change can fall between its look and that for the list.
+    // The monitor looks before the list is read, so that no change is missed between the two.
     UPnPIPAddressMonitor_Create(theChain.get(), PrintChange, &theWatch, aPolicy);
     if (!ReadAddresses(aPolicy, theWatch.mAddresses)) { return Fail("the host's addresses can't be read"); }
     PrintAddresses(theWatch.mAddresses, anOutput);

@@ -18,11 +18,11 @@ public:
     constexpr Names(const Name (&aTable)[kCount]) : mBegin(aTable), mEnd(aTable + kCount)
     {}
 
-    /** @return the constant with exactly that name, NULL when there is none. */
+    /** @return the constant with exactly that name, NULL for another name. */
     const Name* Find(const std::string& aName) const;
     /** @return all names. */
     std::vector<std::string> All() const;
-    /** @return all names, separated by commas; lines that would pass the width, if any, are broken there. */
+    /** @return all names, separated by commas; a line is broken before the name that would pass aWidth characters. */
     std::string List(size_t aWidth = std::string::npos) const;
 
 private:

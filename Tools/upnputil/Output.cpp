@@ -13,8 +13,8 @@
 static const size_t kPieceSize = 65536;
 static const size_t kHelpColumn = 26;
 
-// Whether a character can be printed as it is: not a control character, and not one that some reader takes for a line
-// end (U+0085, U+2028, U+2029).
+// True if a character can be printed as it is: it is not a control character, and no reader takes it for a line end
+// (U+0085, U+2028, U+2029).
 static bool IsPlain(std::string_view aCharacter)
 {
     if (aCharacter.empty()) { return false; }
@@ -62,7 +62,7 @@ std::string Escaped(std::string_view aText)
     return theText;
 }
 
-// Whether names are set off from values: on a terminal whose user has not said otherwise (https://no-color.org).
+// True if names have a colour: on a terminal whose user has not said otherwise (https://no-color.org).
 static bool WantsColours()
 {
     const char* theNoColour = getenv("NO_COLOR");

@@ -13,17 +13,17 @@ class Output
 public:
     Output();
 
-    /** Words in front of the names of the facts that follow ("object 0 "). */
+    /** Puts words before the names of the facts that follow ("object 0 "). */
     void SetSubject(std::string aSubject) { mSubject = std::move(aSubject); }
     /** From now on facts make up one JSON object, written at the end. */
     void UseJSON() { mJSON.emplace(); }
     void Fact(std::string_view aName, std::string_view aValue);
-    /** As Fact, but nothing for "". */
+    /** As Fact; nothing for "". */
     void FactIfAny(std::string_view aName, std::string_view aValue);
 
-    /** Text of our own, as it is. */
+    /** Prints a text as it is. */
     void Text(std::string_view aText);
-    /** One line of a help text's table. */
+    /** Prints a line of a help text's table. */
     void Row(std::string_view aName, std::string_view aHelp);
 
     /** Writes what there is so far, but facts as JSON at the end only. @return as Finish. */
@@ -41,7 +41,7 @@ private:
     int mError = 0; // once it is set nothing is written any more
 };
 
-/** @return aText with line ends, other control characters, bytes that are no UTF-8, and the backslash written as "\n",
+/** @return aText with line ends, other control characters, bytes that are not UTF-8, and the backslash written as "\n",
  *          "\r", "\t", "\\" or "\xHH". */
 std::string Escaped(std::string_view aText);
 

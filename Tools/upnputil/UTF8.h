@@ -3,7 +3,8 @@
 #include <stddef.h>
 #include <string_view>
 
-/** @return the length of the UTF-8 character that a text, not empty, begins with; 0 when it begins with none. */
+/** @return the length of the UTF-8 character that a text, not empty, begins with; 0 when its first bytes are not one.
+ */
 inline size_t CharacterLength(std::string_view aText)
 {
     const auto theByte = [aText](size_t anIndex) { return static_cast<unsigned char>(aText[anIndex]); };
