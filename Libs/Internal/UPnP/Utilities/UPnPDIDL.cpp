@@ -225,18 +225,19 @@ static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
 
 static int WalkDocument(DocumentWalk* aWalk, ILibXMLNode* aNodeList)
 {
-    for (ILibXMLNode* theNode = aNodeList; theNode;)
+    ILibXMLNode* theNext;
+    for (ILibXMLNode* theNode = aNodeList; theNode; theNode = theNext)
     {
-        ILibXMLNode* theNext = theNode->Next;
-        const int theType = theNode->StartTag ? TypeOf(theNode) : kDIDLItemType_None;
+        theNext = theNode->Next;
+        if (!theNode->StartTag) { continue; }
+        const int theType = TypeOf(theNode);
         if (theType != kDIDLItemType_None)
         {
             const int theResult = ParseOnlyObject(aWalk, theNode, theType);
             if (theResult != kUPnPError_None) { return theResult; }
         }
-        else if (theNode->StartTag && IsNamed(theNode, "DIDL-Lite")) { aWalk->mDIDLNode = theNode; }
-        else if (theNode->StartTag) { theNext = SkipElement(theNode); }
-        theNode = theNext;
+        else if (IsNamed(theNode, "DIDL-Lite")) { aWalk->mDIDLNode = theNode; }
+        else { theNext = SkipElement(theNode); }
     }
     return aWalk->mDIDLType == kDIDLItemType_None ? kUPnPError_InvalidDIDL : kUPnPError_None;
 }

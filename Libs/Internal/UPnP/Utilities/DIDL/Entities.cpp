@@ -42,7 +42,7 @@ void EntityResolver::SetObject(std::string_view anObject)
 
 std::string_view EntityResolver::ResolveCopy(std::string_view aText)
 {
-    if (aText.empty() || !HasMarkup(aText)) { return aText; }
+    if (!HasMarkup(aText)) { return aText; }
     if (mCopySize <= aText.size())
     {
         mCopySize = Shared::GrowCapacity(mCopySize, aText.size() + 1, kInlineSize);

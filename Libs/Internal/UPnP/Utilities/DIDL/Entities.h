@@ -37,7 +37,10 @@ public:
 
     // The text resolved: itself when nothing is to be resolved in it, else a copy, valid until the next call. The byte
     // after it is writable.
-    std::string_view Resolve(std::string_view aText) { return mPlain.Contains(aText) ? aText : ResolveCopy(aText); }
+    std::string_view Resolve(std::string_view aText)
+    {
+        return aText.empty() || mPlain.Contains(aText) ? aText : ResolveCopy(aText);
+    }
 
 private:
     std::string_view ResolveCopy(std::string_view aText);

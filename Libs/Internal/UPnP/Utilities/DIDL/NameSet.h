@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Shared/ASCII.h>
 #include <string_view>
 #include <zoltTools/zoCustomHashTable.h>
 
@@ -15,13 +16,25 @@ public:
     NameSet(const NameSet&) = delete;
     NameSet& operator=(const NameSet&) = delete;
 
-    bool Contains(std::string_view aName) const;
+    bool Contains(std::string_view aName) const
+    {
+        for (size_t i = 0; i < mCount; ++i)
+            if (Shared::Equals(mInline[i], aName)) { return true; }
+        return mTable && IsInTable(aName);
+    }
 
     // Adds a name that the set does not contain.
-    void Add(std::string_view aName);
+    void Add(std::string_view aName)
+    {
+        if (mCount < kInline) { mInline[mCount++] = aName; }
+        else { AddToTable(aName); }
+    }
     void Clear();
 
 private:
+    bool IsInTable(std::string_view aName) const;
+    void AddToTable(std::string_view aName);
+
     enum : size_t
     {
         kInline = 16 // few documents declare more namespaces

@@ -28,13 +28,13 @@ class NamespaceList
 public:
     bool empty() const { return mText.empty(); }
 
-    // The list, to which nothing is added after this. The byte after it is writable.
+    // The list, which nothing is added to after this; the byte after it is writable.
     std::string_view EndText() { return mText.EndText(); }
 
     bool Has(std::string_view aName) const { return mNames.Contains(aName); }
 
-    // Adds a declaration, unless its name is declared already. False, with nothing added, when the list with it would be
-    // longer than aMaxSize.
+    // Adds a declaration, unless its name is declared already. False, with nothing added, when the list with it would
+    // be longer than aMaxSize.
     bool AppendXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource, size_t aMaxSize = SIZE_MAX);
 
     // Adds the xmlns: attributes of an element inside the object, or of the object itself.

@@ -30,7 +30,7 @@ static size_t Multiple(size_t aSize, size_t aFactor)
 bool ObjectParser::ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText)
 {
     TextSizes* theSizes = &mSizes[aKind];
-    if (theSizes->mStored > mMaxStored || theSizes->mRead > Multiple(mMaxStored, kReadPerStored)) { return false; }
+    if (theSizes->mStored > mMaxStored || theSizes->mRead > mMaxRead) { return false; }
     const std::string_view theText = GetInnerXML(aNode);
     *aText = mResolver.Resolve(theText);
     theSizes->mRead += theText.size();
@@ -43,6 +43,7 @@ void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* a
     aParser->mNodes = aNodes;
     aParser->mTextLength = aNodes.TextLength();
     aParser->mMaxStored = std::max(Multiple(aParser->mTextLength, kStoredPerText), kLeastStored);
+    aParser->mMaxRead = Multiple(aParser->mMaxStored, kReadPerStored);
     aParser->mMaxAbsolute = std::max(Multiple(aParser->mTextLength, kAbsolutePerText), kLeastAbsolute);
     const bool fHasBaseURL = aBaseURL && strnlen(aBaseURL, kMaxBaseURLLength + 1) <= kMaxBaseURLLength;
     aParser->mBaseURL = fHasBaseURL ? aBaseURL : nullptr;

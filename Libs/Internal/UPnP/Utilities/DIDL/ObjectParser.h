@@ -52,7 +52,8 @@ struct ObjectParser
     NamespaceList mNamespaces;
 
     TextSizes mSizes[kRepeatedText_Count];
-    size_t mMaxStored = 0;      // of each kind
+    size_t mMaxStored = 0; // of each kind
+    size_t mMaxRead = 0;
     size_t mAbsoluteLength = 0; // of the URIs that were made absolute
     size_t mMaxAbsolute = 0;
 

@@ -8,22 +8,24 @@
 namespace DIDL
 {
 
-// A text that grows.
+// A text that grows: in the builder itself first, then on the heap.
 class TextBuilder
 {
 public:
-    TextBuilder() = default;
-    ~TextBuilder() { free(mText); }
+    TextBuilder() {} // leaves mInline as it is
+    ~TextBuilder()
+    {
+        if (mText != mInline) { free(mText); }
+    }
     TextBuilder(const TextBuilder&) = delete;
     TextBuilder& operator=(const TextBuilder&) = delete;
 
     size_t size() const { return mLength; }
     bool empty() const { return mLength == 0; }
 
-    // The text, which nothing is appended to after this. The byte after it is writable; without text there is none.
+    // The text, which nothing is appended to after this; the byte after it is writable.
     std::string_view EndText()
     {
-        if (mLength == 0) { return {}; }
         const size_t theLength = mLength;
         Extend(1);
         return { mText, theLength };
@@ -32,11 +34,7 @@ public:
     // Makes room for aCount further bytes and returns where they go.
     char* Extend(size_t aCount)
     {
-        if (aCount > mSize - mLength)
-        {
-            mSize = Shared::GrowCapacity(mSize, Shared::AddSizes(mLength, aCount), kFirstSize);
-            mText = Shared::ResizeArray(mText, mSize);
-        }
+        if (aCount > mSize - mLength) { Grow(aCount); }
         char* thePlace = mText + mLength;
         mLength += aCount;
         return thePlace;
@@ -51,13 +49,26 @@ public:
     void CutTo(size_t aLength) { mLength = aLength; }
 
 private:
+    __attribute__((noinline)) void Grow(size_t aCount)
+    {
+        mSize = Shared::GrowCapacity(mSize, Shared::AddSizes(mLength, aCount), kInlineSize);
+        if (mText != mInline)
+        {
+            mText = Shared::ResizeArray(mText, mSize);
+            return;
+        }
+        mText = Shared::NewArray<char>(mSize);
+        memcpy(mText, mInline, mLength);
+    }
+
     enum : size_t
     {
-        kFirstSize = 512 // the declarations of most documents fit
+        kInlineSize = 512 // the declarations of most documents fit
     };
-    char* mText = nullptr; // mLength of mSize bytes are written
+    char* mText = mInline; // mLength of mSize bytes are written; mInline or owned
     size_t mLength = 0;
-    size_t mSize = 0;
+    size_t mSize = kInlineSize;
+    char mInline[kInlineSize];
 };
 
 } // namespace DIDL
