@@ -36,23 +36,11 @@ static string_view ViewOf(const char* aText, size_t aLength)
 
 // ---- Blanks ----
 
-// True if one of eight bytes is a blank or another control byte.
-static uint64 HasBlank(const char* aBytes)
-{
-    uint64 theWord;
-    memcpy(&theWord, aBytes, sizeof(theWord));
-    return (theWord - 0x2121212121212121u) & ~theWord & 0x8080808080808080u;
-}
-
 bool ProtocolInfo::HasBlanks(string_view aText)
 {
-    const char* theWord = aText.data();
-    const char* theEnd = theWord + aText.size();
-    if (aText.size() < sizeof(uint64)) { return std::any_of(theWord, theEnd, Shared::IsSpace); }
-    uint64 theBlanks = HasBlank(theEnd - sizeof(uint64));
-    for (; theEnd - theWord > static_cast<ptrdiff_t>(2 * sizeof(uint64)); theWord += 2 * sizeof(uint64))
-        theBlanks |= HasBlank(theWord) | HasBlank(theWord + sizeof(uint64));
-    if (theEnd - theWord > static_cast<ptrdiff_t>(sizeof(uint64))) { theBlanks |= HasBlank(theWord); }
+    uint8 theBlanks = 0;
+    for (const char theByte : aText) // all of them, so that the compiler takes many at once
+        theBlanks |= static_cast<uint8>(theByte) <= ' ';
     return theBlanks != 0;
 }
 
@@ -86,47 +74,44 @@ static size_t RemoveBlanks(char* aText, size_t aLength)
 
 // Both names are this long, with "DLNA.ORG_" before two letters and "=" after them.
 static const size_t kNameLength = sizeof("DLNA.ORG_PN=") - 1;
+static const size_t kPrefixLength = sizeof("DLNA.ORG_") - 1;
 
-// @return where the value of a parameter belongs; NULL when it is not looked for, or known. The letters tell most
-// parameters apart.
-static string_view* FindTarget(Parameters* aParameters, string_view aParameter)
+static bool HasPrefix(string_view aParameter)
 {
-    const string_view thePrefix("DLNA.ORG_");
-    if (aParameter.size() < kNameLength || aParameter[kNameLength - 1] != '=') { return nullptr; }
-    const char theFirst = Shared::ToLower(aParameter[thePrefix.size()]);
-    const char theSecond = Shared::ToLower(aParameter[thePrefix.size() + 1]);
+    return memcmp(aParameter.data(), "DLNA.ORG_", kPrefixLength) == 0 ||
+           Shared::EqualsIgnoringCase(aParameter.data(), "DLNA.ORG_", kPrefixLength);
+}
+
+// Keeps the value of a parameter if it is looked for and not yet known. The letters tell most parameters apart.
+static void ReadParameter(string_view aParameter, Parameters* aParameters)
+{
+    if (aParameter.size() < kNameLength || aParameter[kNameLength - 1] != '=') { return; }
+    const int theFirst = aParameter[kPrefixLength] | 0x20; // in lower case
+    const int theSecond = aParameter[kPrefixLength + 1] | 0x20;
     string_view* theTarget = theFirst == 'p' && theSecond == 'n'   ? &aParameters->mProfile
                              : theFirst == 'c' && theSecond == 'i' ? &aParameters->mConversion
                                                                    : nullptr;
-    if (!theTarget || theTarget->data()) { return nullptr; }
-    const bool fHasPrefix = memcmp(aParameter.data(), thePrefix.data(), thePrefix.size()) == 0 ||
-                            Shared::EqualsIgnoringCase(aParameter.substr(0, thePrefix.size()), thePrefix);
-    return fHasPrefix ? theTarget : nullptr;
+    if (theTarget && !theTarget->data() && HasPrefix(aParameter)) { *theTarget = aParameter.substr(kNameLength); }
 }
 
-// Stops when both are found, or what is left is too short for one.
-static Parameters ReadParameters(string_view aField, bool afHasBlanks)
+// Reads the first parameter and, up to where both are found or what is left is too short for one, the rest.
+static Parameters ReadParameters(string_view aFirst, string_view aRest, bool afHasBlanks)
 {
     Parameters theParameters;
-    string_view theItem;
-    const string_view kMostCommon("DLNA.ORG_PN=");
-    if (aField.size() > kNameLength && memcmp(aField.data(), kMostCommon.data(), kNameLength) == 0)
+    for (string_view theItem = aFirst;;)
     {
-        NextItem(&aField, ';', &theItem);
-        theParameters.mProfile = (afHasBlanks ? TrimSpaces(theItem) : theItem).substr(kNameLength);
-    }
-    while (aField.size() >= kNameLength && !(theParameters.mProfile.data() && theParameters.mConversion.data()))
-    {
-        NextItem(&aField, ';', &theItem);
         if (afHasBlanks) { theItem = TrimSpaces(theItem); }
-        string_view* theTarget = FindTarget(&theParameters, theItem);
-        if (theTarget) { *theTarget = theItem.substr(kNameLength); }
+        ReadParameter(theItem, &theParameters);
+        if (aRest.size() < kNameLength || (theParameters.mProfile.data() && theParameters.mConversion.data()))
+        {
+            return theParameters;
+        }
+        NextItem(&aRest, ';', &theItem);
     }
-    return theParameters;
 }
 
 // Takes protocol and network off a text.
-static void ReadTransport(string_view* aText, string_view* aProtocol, string_view* aNetwork)
+static void TakeTransport(string_view* aText, string_view* aProtocol, string_view* aNetwork)
 {
     const string_view kMostCommon("http-get:*:");
     if (aText->size() > kMostCommon.size() && memcmp(aText->data(), kMostCommon.data(), kMostCommon.size()) == 0)
@@ -140,33 +125,70 @@ static void ReadTransport(string_view* aText, string_view* aProtocol, string_vie
     NextItem(aText, ':', aNetwork);
 }
 
-// Reads a normalised text. The profile has no NUL yet.
-static void Read(zoDLNAProtocolInfo_t* anInfo, string_view aText)
+// A text from the MIME type on.
+struct Format
 {
-    string_view theMimeType;
+    string_view mMimeType;
+    string_view mMimeParameters;
+    string_view mFirstParameter; // of the fourth field
+    string_view mRest;           // of the parameters
+};
+
+static Format SplitFormatWithMimeParameters(string_view aText)
+{
+    Format theFormat;
+    NextItem(&aText, ':', &theFormat.mMimeParameters);
+    NextItem(&theFormat.mMimeParameters, ';', &theFormat.mMimeType);
+    theFormat.mMimeType = TrimSpaces(theFormat.mMimeType);
+    NextItem(&aText, ';', &theFormat.mFirstParameter);
+    theFormat.mRest = aText;
+    return theFormat;
+}
+
+// One search for a ";" tells whether the MIME type has parameters and where the first one of the fourth field ends.
+static Format SplitFormat(string_view aText)
+{
+    if (aText.empty()) { return {}; }
+    const char* theEnd = aText.data() + aText.size();
+    const char* theSemicolon = static_cast<const char*>(memchr(aText.data(), ';', aText.size()));
+    const char* theLast = theSemicolon ? theSemicolon : theEnd;
+    const char* theColon =
+        static_cast<const char*>(memchr(aText.data(), ':', static_cast<size_t>(theLast - aText.data())));
+    if (!theColon) { return theSemicolon ? SplitFormatWithMimeParameters(aText) : Format{ aText, {}, {}, {} }; }
+    const char* theFourth = theColon + 1;
+    return { { aText.data(), static_cast<size_t>(theColon - aText.data()) },
+             {},
+             { theFourth, static_cast<size_t>(theLast - theFourth) },
+             theSemicolon ? string_view(theSemicolon + 1, static_cast<size_t>(theEnd - theSemicolon - 1))
+                          : string_view() };
+}
+
+// Reads a normalised text. The profile has no NUL yet.
+static zoDLNAProtocolInfo_t Read(string_view aText)
+{
     string_view theRest = aText;
-    anInfo->mText = aText;
-    ReadTransport(&theRest, &anInfo->mProtocol, &anInfo->mNetwork);
-    NextItem(&theRest, ':', &theMimeType);
-    const void* theParameters = memchr(theMimeType.data() ? theMimeType.data() : "", ';', theMimeType.size());
-    if (theParameters)
-    {
-        anInfo->mMimeParameters = theMimeType;
-        NextItem(&anInfo->mMimeParameters, ';', &theMimeType);
-        theMimeType = TrimSpaces(theMimeType);
-    }
-    anInfo->mMimeType = theMimeType;
-    const Parameters theFound = ReadParameters(theRest, false);
-    anInfo->mProfile = theFound.mProfile;
-    anInfo->mfIsConverted = theFound.mConversion == "1";
+    string_view theProtocol;
+    string_view theNetwork;
+    TakeTransport(&theRest, &theProtocol, &theNetwork);
+    const Format theFormat = SplitFormat(theRest);
+    const Parameters theFound = ReadParameters(theFormat.mFirstParameter, theFormat.mRest, false);
+    return { aText,
+             theProtocol,
+             theNetwork,
+             theFormat.mMimeType,
+             theFormat.mMimeParameters,
+             theFound.mProfile,
+             0,
+             theFound.mConversion == "1",
+             false,
+             false };
 }
 
 void ProtocolInfo::Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength, bool afMayHaveBlanks)
 {
     const size_t theLength = afMayHaveBlanks ? RemoveBlanks(aText, aLength) : aLength;
     aText[theLength] = '\0';
-    new (anInfo) zoDLNAProtocolInfo_t{};
-    Read(anInfo, { aText, theLength });
+    new (anInfo) zoDLNAProtocolInfo_t(Read({ aText, theLength }));
     if (anInfo->mProfile.empty()) { return; }
     char* theProfileEnd = aText + (anInfo->mProfile.data() + anInfo->mProfile.size() - aText);
     anInfo->mfIsCut = *theProfileEnd != '\0';
@@ -219,10 +241,13 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, 
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText, size_t aLength)
 {
-    const string_view theText = ViewOf(aText, aLength);
-    if (aSize < sizeof(zoDLNAProtocolInfo_t) || HasBlanks(theText)) { return NewFromText(theText); }
-    zoDLNAProtocolInfo_t* theInfo = new (aMemory) zoDLNAProtocolInfo_t{};
-    Read(theInfo, theText);
+    const bool fHasNUL = aLength > 0 && aText[aLength - 1] == '\0';
+    const string_view theText(aText, fHasNUL ? aLength - 1 : aLength);
+    if (aSize < sizeof(zoDLNAProtocolInfo_t) || !aText || HasBlanks(theText)) // a NUL would count as one
+    {
+        return NewFromText(ViewOf(aText, aLength));
+    }
+    zoDLNAProtocolInfo_t* theInfo = new (aMemory) zoDLNAProtocolInfo_t(Read(theText));
     const string_view theProfile = theInfo->mProfile;
     if (theProfile.empty()) { return theInfo; }
     if (theProfile.size() >= aSize - sizeof(zoDLNAProtocolInfo_t)) { return NewFromText(theText); }
@@ -248,7 +273,7 @@ int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* 
     const bool fHasBlanks = HasBlanks(theRest);
     for (int i = 0; i < 3; ++i)
         NextItem(&theRest, ':', &theField);
-    const Parameters theFound = ReadParameters(theRest, fHasBlanks);
+    const Parameters theFound = ReadParameters("", theRest, fHasBlanks);
     const bool fHasProfile = !aProfile || (!theFound.mProfile.empty() && theFound.mProfile == aProfile);
     return fHasProfile && (aConversionIndicator == -1 || (theFound.mConversion == "1") == (aConversionIndicator != 0));
 }

@@ -87,10 +87,14 @@ using ProtocolInfo::MatchIndex;
 
 // ---- Comparing texts ----
 
+static bool IsSame(string_view aLeft, string_view aRight)
+{
+    return Shared::Equals(aLeft, aRight) || Shared::EqualsIgnoringCase(aLeft, aRight);
+}
+
 static bool IsSameOrAny(string_view anElement, string_view aField)
 {
-    return Shared::Equals(anElement, aField) || Shared::EqualsIgnoringCase(anElement, aField) || IsAny(anElement) ||
-           IsAny(aField);
+    return IsSame(anElement, aField) || IsAny(anElement) || IsAny(aField);
 }
 
 static bool TransportMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo)
@@ -121,7 +125,7 @@ static bool MimeTypeMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAP
     {
         return CoversMimeType(anElement->mMimeType, anInfo->mMimeType);
     }
-    return Shared::EqualsIgnoringCase(anElement->mMimeType, anInfo->mMimeType);
+    return IsSame(anElement->mMimeType, anInfo->mMimeType);
 }
 
 static bool ProfileMatches(string_view anElement, string_view aProfile, int aFlags)
@@ -132,11 +136,10 @@ static bool ProfileMatches(string_view anElement, string_view aProfile, int aFla
     return (aFlags & kzoDLNAProtocolInfoMatch_AnyProfile) || anElement.empty() == aProfile.empty();
 }
 
-// Compares all but the parameters of the MIME types.
-static bool TextsMatch(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+// Compares all but transport and the parameters of the MIME types.
+static bool FormatMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    return ProfileMatches(anElement->mProfile, anInfo->mProfile, aFlags) && TransportMatches(anElement, anInfo) &&
-           MimeTypeMatches(anElement, anInfo, aFlags);
+    return ProfileMatches(anElement->mProfile, anInfo->mProfile, aFlags) && MimeTypeMatches(anElement, anInfo, aFlags);
 }
 
 // Takes the next parameter that is not empty off the rest.
@@ -400,7 +403,8 @@ bool Query::HasParametersOf(const Entry& anEntry)
 bool Query::Matches(const Entry& anEntry)
 {
     return ProfileMayMatch(anEntry) && TransportMayMatch(anEntry) && HasParametersOf(anEntry) &&
-           TextsMatch(anEntry.mInfo, mInfo, mFlags);
+           FormatMatches(anEntry.mInfo, mInfo, mFlags) &&
+           (mIndex->mfHasOneTransport || TransportMatches(anEntry.mInfo, mInfo));
 }
 
 // Looks at the elements of the protocol info's profile, or at those without one.
@@ -466,7 +470,8 @@ int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList, const zo
     if (theIndex) { return Query(theIndex, anInfo, aFlags).MatchesAny(); }
     for (size_t i = 0; i < theCount; ++i)
     {
-        if (TextsMatch(SlotAt(aList, i)->mInfo, anInfo, aFlags)) { return 1; }
+        const zoDLNAProtocolInfo_t* theElement = SlotAt(aList, i)->mInfo;
+        if (FormatMatches(theElement, anInfo, aFlags) && TransportMatches(theElement, anInfo)) { return 1; }
     }
     return 0;
 }

@@ -5,7 +5,6 @@
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
-#include <zoltTools/zoURI.h>
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 // What was appended stays allocated, so going back to mPos makes room. At least as much as there is already is

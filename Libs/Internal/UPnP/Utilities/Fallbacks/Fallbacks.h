@@ -13,6 +13,7 @@
 #include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 #include <zoltTools/zoPackedData.h>
+#include <zoltTools/zoURI.h>
 
 #pragma GCC visibility push(hidden)
 extern "C" {
