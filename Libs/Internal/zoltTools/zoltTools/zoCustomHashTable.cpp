@@ -21,7 +21,7 @@ struct Entry
     uint32 mHash; // valid while the table has an index
 };
 
-const size_t kMaxScanned = 8; // up to this many entries are searched without an index
+const size_t kMaxScanned = 8;    // up to this many entries are searched without an index
 const size_t kFirstCapacity = 1; // a configuration has a table a section: a small file may have many
 const uint32 kFreeSlot = UINT32_MAX;
 const size_t kMaxCapacity = UINT32_MAX; // positions fit a slot
