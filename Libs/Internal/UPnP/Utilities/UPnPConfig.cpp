@@ -202,7 +202,7 @@ ILibAsyncSocketConfig* UPnPConfig_CreateAsyncSocketConfig() { return Create<ILib
 void UPnPConfig_FetchAsyncSocketConfig(ILibAsyncSocketConfig* anAsyncSocketConfig, zoConfigFile* aConfigFile,
                                        const char* aSection, zoSocketPolicy* aSocketPolicy)
 {
-    Fill(kUPnPConfigRecord_AsyncSocket, anAsyncSocketConfig, { aConfigFile, aSection, aSocketPolicy });
+    if (!Fill(kUPnPConfigRecord_AsyncSocket, anAsyncSocketConfig, { aConfigFile, aSection, aSocketPolicy })) { return; }
     ILibAsyncSocket_ValidateConfiguration(anAsyncSocketConfig);
 }
 
@@ -220,7 +220,10 @@ void UPnPConfig_FetchAsyncServerSocketConfig(ILibAsyncServerSocketConfig* anAsyn
                                              zoConfigFile* aConfigFile, const char* aSection,
                                              zoSocketPolicy* aSocketPolicy)
 {
-    Fill(kUPnPConfigRecord_AsyncServerSocket, anAsyncServerSocketConfig, { aConfigFile, aSection, aSocketPolicy });
+    if (!Fill(kUPnPConfigRecord_AsyncServerSocket, anAsyncServerSocketConfig, { aConfigFile, aSection, aSocketPolicy }))
+    {
+        return;
+    }
     ILibAsyncServerSocket_ValidateConfiguration(anAsyncServerSocketConfig);
 }
 
@@ -235,7 +238,7 @@ ILibSSDPConfig* UPnPConfig_CreateSSDPConfig() { return Create<ILibSSDPConfig>();
 void UPnPConfig_FetchSSDPConfig(ILibSSDPConfig* aSSDPConfig, zoConfigFile* aConfigFile, const char* aSection,
                                 zoSocketPolicy* aSocketPolicy)
 {
-    Fill(kUPnPConfigRecord_SSDP, aSSDPConfig, { aConfigFile, aSection, aSocketPolicy });
+    if (!Fill(kUPnPConfigRecord_SSDP, aSSDPConfig, { aConfigFile, aSection, aSocketPolicy })) { return; }
     ILibSSDP_ValidateConfiguration(aSSDPConfig);
 }
 
@@ -251,7 +254,7 @@ ILibNoSSDPConfig* UPnPConfig_CreateNoSSDPConfig() { return Create<ILibNoSSDPConf
 void UPnPConfig_FetchNoSSDPConfig(ILibNoSSDPConfig* aNoSSDPConfig, zoConfigFile* aConfigFile, const char* aSection,
                                   zoSocketPolicy* aSocketPolicy)
 {
-    Fill(kUPnPConfigRecord_NoSSDP, aNoSSDPConfig, { aConfigFile, aSection, aSocketPolicy });
+    if (!Fill(kUPnPConfigRecord_NoSSDP, aNoSSDPConfig, { aConfigFile, aSection, aSocketPolicy })) { return; }
     ILibNoSSDPClient_ValidateConfiguration(aNoSSDPConfig);
 }
 
@@ -288,7 +291,7 @@ ILibWebClientConfig* UPnPConfig_CreateWebClientConfig() { return Create<ILibWebC
 void UPnPConfig_FetchWebClientConfig(ILibWebClientConfig* aWebClientConfig, zoConfigFile* aConfigFile,
                                      const char* aSection, zoSocketPolicy* aSocketPolicy)
 {
-    Fill(kUPnPConfigRecord_WebClient, aWebClientConfig, { aConfigFile, aSection, aSocketPolicy });
+    if (!Fill(kUPnPConfigRecord_WebClient, aWebClientConfig, { aConfigFile, aSection, aSocketPolicy })) { return; }
     ILibWebClient_ValidateConfiguration(aWebClientConfig);
 }
 
