@@ -238,12 +238,22 @@ constexpr Callers ByHookID()
 
 constexpr Callers kAnswers = ByHookID();
 
+constexpr bool IsAnswered(size_t aHookID)
+{
+    for (const Question& theQuestion :
+         kQuestions) // IDs are compared: with sanitizers a function's address is no constant
+    {
+        if (static_cast<size_t>(theQuestion.mHookID) == aHookID) { return true; }
+    }
+    return false;
+}
+
 constexpr bool IsComplete()
 {
     for (size_t i = 0; i < kUPnPHook_Count; ++i)
     {
         const bool fIsQuestion = i != 0 && i != 7; // there is no hook 7
-        if (fIsQuestion != (kAnswers[i] != nullptr)) { return false; }
+        if (fIsQuestion != IsAnswered(i)) { return false; }
     }
     return true;
 }
