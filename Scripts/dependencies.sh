@@ -5,7 +5,9 @@ can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
 
 has_package() {
     case $1 in
-    cmake | clang-format | clang-tidy | codespell | doxygen | lintian | mandoc | meson | shellcheck | valgrind) command -v "$1" ;;
+    cmake | clang-format | clang-tidy | codespell | debootstrap | doxygen | lintian | mandoc | meson | shellcheck | valgrind)
+        command -v "$1"
+        ;;
     ccache) command -v ccache || ! can_install ;; # builds go without it, too
     debhelper) command -v dh && command -v dpkg-buildpackage ;;
     ninja-build) command -v ninja ;;
