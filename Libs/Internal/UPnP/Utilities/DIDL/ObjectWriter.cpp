@@ -61,21 +61,21 @@ static void AppendAlbumArt(zoBuffer* aBuffer, const zoPackedData_t* aMediaData)
 
 static void AppendBackgroundMusic(zoBuffer* aBuffer, const MediaValues& aValues)
 {
-    const std::string_view theURI = aValues.GetText(kCDSEntryInfo_BGMURI);
+    const std::string_view theURI = aValues.GetBytes(kCDSEntryInfo_BGMURI);
     if (theURI.empty()) { return; }
     AppendLiteral(aBuffer, kDIDL_Tag_BGMURI_Start);
-    AppendStrIfNotEmpty(aBuffer, " av:profileID=\"", aValues.GetText(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
+    AppendStrIfNotEmpty(aBuffer, " av:profileID=\"", aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
                         kMaxSize_Text, 0);
     AppendLiteral(aBuffer, ">");
     AppendStr(aBuffer, theURI, 0, kMaxSize_URI);
     AppendLiteral(aBuffer, kDIDL_Tag_BGMURI_End);
 }
 
-static void AppendMediaExtraInfo(zoBuffer* aBuffer, const zoPackedData_t* aMediaData)
+static void AppendMediaExtraInfo(zoBuffer* aBuffer, const MediaValues& anEntry)
 {
-    ForEachPair(aMediaData, 0, kCDSEntryInfo_Count,
-                [aBuffer](std::string_view aName, const std::string_view* aValue)
-                {
+    anEntry.ForEachPair(
+        [aBuffer](std::string_view aName, const std::string_view* aValue)
+        {
         AppendLiteral(aBuffer, "<");
         Shared::Append(aBuffer, aName);
         AppendLiteral(aBuffer, ">");
@@ -89,28 +89,29 @@ static void AppendMediaExtraInfo(zoBuffer* aBuffer, const zoPackedData_t* aMedia
 void AppendMetadata(zoBuffer* aBuffer, const zoPackedData_t* aMediaData, const MediaValues& aValues)
 {
     AppendLiteral(aBuffer, kDIDL_Item_Start_Part);
-    AppendStrIfNotEmpty(aBuffer, " id=\"", aValues.GetText(kCDSEntryInfo_ItemID), kDIDL_Quote, kMaxSize_URI, 0);
-    AppendStrIfNotEmpty(aBuffer, " parentID=\"", aValues.GetText(kCDSEntryInfo_ParentID), kDIDL_Quote, kMaxSize_URI, 0);
+    AppendStrIfNotEmpty(aBuffer, " id=\"", aValues.GetBytes(kCDSEntryInfo_ItemID), kDIDL_Quote, kMaxSize_URI, 0);
+    AppendStrIfNotEmpty(aBuffer, " parentID=\"", aValues.GetBytes(kCDSEntryInfo_ParentID), kDIDL_Quote, kMaxSize_URI,
+                        0);
     AppendLiteral(aBuffer, " restricted=\"1\">");
     if (aValues.HasBytes(kCDSEntryInfo_AlbumArtURI)) { AppendAlbumArt(aBuffer, aMediaData); }
     for (const auto& theElement : kDIDL_TextElements)
     {
-        AppendStrIfNotEmpty(aBuffer, theElement.mStart, aValues.GetText(theElement.mTag), theElement.mEnd,
+        AppendStrIfNotEmpty(aBuffer, theElement.mStart, aValues.GetBytes(theElement.mTag), theElement.mEnd,
                             kMaxSize_Text, 0);
     }
     AppendValueIfNotZero(aBuffer, kDIDL_Tag_ChannelNr_Start, aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr),
                          kDIDL_Tag_ChannelNr_End);
     AppendBackgroundMusic(aBuffer, aValues);
-    if (aValues.HasPairs()) { AppendMediaExtraInfo(aBuffer, aMediaData); }
+    AppendMediaExtraInfo(aBuffer, aValues);
 }
 
 // ---- Resources ----
 
-static void AppendResExtraInfo(zoBuffer* aBuffer, uint32 aResourceIndex, const zoPackedData_t* aResourceInfo)
+static void AppendResExtraInfo(zoBuffer* aBuffer, const ResourceValues& aResource)
 {
-    ForEachPair(aResourceInfo, aResourceIndex, kCDSResourceInfo_Count,
-                [aBuffer](std::string_view aName, const std::string_view* aValue)
-                {
+    aResource.ForEachPair(
+        [aBuffer](std::string_view aName, const std::string_view* aValue)
+        {
         if (aName == "microsoft" || aName == "codec") { return; }
         AppendLiteral(aBuffer, " ");
         Shared::Append(aBuffer, aName);
@@ -129,8 +130,7 @@ static void AppendDuration(zoBuffer* aBuffer, uint32 aDuration)
     AppendLiteral(aBuffer, kDIDL_Quote);
 }
 
-static void AppendResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
-                           uint32 anIndex, const ResourceValues& aValues)
+static void AppendResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, const ResourceValues& aValues)
 {
     const std::string_view theProtocolInfo = aValues.GetText(kCDSResourceInfo_ProtocolInfo);
     const uint32 theBitRate = aValues.GetNumber<uint32>(kCDSResourceInfo_BitRate);
@@ -142,17 +142,17 @@ static void AppendResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, const z
     AppendValueIfNotZero(aBuffer, kDIDL_ResAttribute_ColorDepth_Start,
                          aValues.GetNumber<uint32>(kCDSResourceInfo_ColorDepth), kDIDL_Quote);
     AppendDuration(aBuffer, aValues.GetNumber<uint32>(kCDSResourceInfo_Duration));
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_Resolution_Start, aValues.GetText(kCDSResourceInfo_Resolution),
+    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_Resolution_Start, aValues.GetBytes(kCDSResourceInfo_Resolution),
                         kDIDL_Quote, kMaxSize_Text, 0);
     AppendValue64IfNotZero(aBuffer, kDIDL_ResAttribute_Size_Start, aValues.GetNumber<uint64>(kCDSResourceInfo_Size),
                            kDIDL_Quote);
     AppendValueIfNotZero(aBuffer, kDIDL_ResAttribute_AudioChannelCount_Start,
                          aValues.GetNumber<uint32>(kCDSResourceInfo_AudioChannelCount), kDIDL_Quote);
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_IFOURI_Start, aValues.GetText(kCDSResourceInfo_IFOFileURI),
+    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_IFOURI_Start, aValues.GetBytes(kCDSResourceInfo_IFOFileURI),
                         kDIDL_Quote, kMaxSize_URI, 0);
-    if (afIncludeResExtraInfo && aValues.HasPairs()) { AppendResExtraInfo(aBuffer, anIndex, aResourceInfo); }
+    if (afIncludeResExtraInfo) { AppendResExtraInfo(aBuffer, aValues); }
     AppendLiteral(aBuffer, ">");
-    AppendStr(aBuffer, aValues.GetText(kCDSResourceInfo_URI), 0, kMaxSize_URI);
+    AppendStr(aBuffer, aValues.GetBytes(kCDSResourceInfo_URI), 0, kMaxSize_URI);
     AppendLiteral(aBuffer, kDIDL_Res_End);
 }
 
@@ -182,10 +182,10 @@ static int UPnPDIDL_BuildResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, 
         if (aResourcesAlreadyAdded[i]) { continue; }
         if (fIsFiltered && IsPassedOver(aResourceInfo, i, anURI_Match, aDLNAPN_Match, afDLNACI_Match)) { continue; }
         const ResourceValues theValues(aResourceInfo, i);
-        if (!theValues.GetText(kCDSResourceInfo_URI).empty())
+        if (!theValues.GetBytes(kCDSResourceInfo_URI).empty())
         {
             aResourcesAlreadyAdded[i] = 1;
-            AppendResource(aBuffer, afIncludeResExtraInfo, aResourceInfo, i, theValues);
+            AppendResource(aBuffer, afIncludeResExtraInfo, theValues);
         }
         if (aBuffer->mPos > kLimitResourceBufferSize) { return 1; }
     }

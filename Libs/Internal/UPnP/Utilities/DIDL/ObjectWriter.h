@@ -9,8 +9,8 @@
 namespace DIDL
 {
 
-typedef FixedValues<kCDSEntryInfo_Count> MediaValues;
-typedef FixedValues<kCDSResourceInfo_Count> ResourceValues;
+typedef EntryValues<kCDSEntryInfo_Count> MediaValues;
+typedef EntryValues<kCDSResourceInfo_Count> ResourceValues;
 
 /** @return the size of a buffer that nearly every object's text fits in. */
 size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aResourceInfo);
@@ -19,7 +19,7 @@ size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aRe
 void AppendDeclarations(zoBuffer* aBuffer, std::string_view aList);
 
 /** Appends the object from its start tag to its last metadata element.
- *  @param aValues  the values of aMediaData. */
+ *  @param aMediaData  the entry record, from which the album art is read; aValues: its values. */
 void AppendMetadata(zoBuffer* aBuffer, const zoPackedData_t* aMediaData, const MediaValues& aValues);
 
 /** Appends the resources in the order of preference.

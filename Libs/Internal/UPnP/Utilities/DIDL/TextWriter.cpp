@@ -25,12 +25,15 @@ constexpr Replacement kReplacements[] = {
     { '>', "&gt;", "&amp;gt;" },     { '&', "&amp;", "&amp;amp;" },
 };
 
-// For each byte, 1 plus the index of its replacement, or 0 when it is copied.
+constexpr uint8 kEndsText = 0xFF;
+
+// For each byte, 1 plus the index of its replacement, 0 when it is copied, or kEndsText.
 struct ReplacementIndex
 {
     uint8 mIndex[256];
     constexpr ReplacementIndex() : mIndex()
     {
+        mIndex[0] = kEndsText;
         for (size_t i = 0; i < sizeof(kReplacements) / sizeof(kReplacements[0]); ++i)
             mIndex[static_cast<uint8>(kReplacements[i].mCharacter)] = static_cast<uint8>(i + 1);
     }
@@ -43,28 +46,29 @@ size_t ReplacementOf(char aByte) { return kReplacementIndex.mIndex[static_cast<u
 typedef size_t Word;
 constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
 
-// True if a byte of the word may be replaced: the masks leave the five characters, and "#". Subtracting 1 sets the top
-// bit of a byte that was 0, and of those of 0x80 and above, which are excluded.
-bool MayHaveReplacement(Word aWord)
+// True if a byte of the word may be replaced or end the text: the masks leave the five characters, and "#". Subtracting
+// 1 sets the top bit of a byte that was 0, and of those of 0x80 and above, which are excluded.
+bool MayEndRun(Word aWord)
 {
     static_assert(('"' & 0xFA) == 0x22 && ('&' & 0xFA) == 0x22 && ('\'' & 0xFA) == 0x22, "0 after the first mask");
     static_assert(('<' & 0xFD) == 0x3C && ('>' & 0xFD) == 0x3C, "0 after the second");
     const Word theFirst = ((aWord & (kEveryByte * 0xFA)) ^ (kEveryByte * 0x22)) - kEveryByte;
     const Word theSecond = ((aWord & (kEveryByte * 0xFD)) ^ (kEveryByte * 0x3C)) - kEveryByte;
-    return ((theFirst | theSecond) & ~aWord & (kEveryByte * 0x80)) != 0;
+    return ((theFirst | theSecond | (aWord - kEveryByte)) & ~aWord & (kEveryByte * 0x80)) != 0;
 }
 
 // The number of bytes that are copied before kMaxSize or the caller's limit ends a text.
 size_t LimitOf(size_t aMaxSize) { return aMaxSize > 0 ? std::min(aMaxSize, kMaxSize) : kMaxSize; }
 
-// The number of bytes up to the first that is replaced, word by word where there is none: a tenth of a document's time.
-size_t CopiedLength(std::string_view aText)
+// The number of bytes up to the first that is not copied, word by word where there is none: a tenth of a document's
+// time.
+[[gnu::always_inline]] inline size_t CopiedLength(std::string_view aText)
 {
     size_t theLength = 0;
     for (Word theWord; aText.size() - theLength >= sizeof(theWord); theLength += sizeof(theWord))
     {
         memcpy(&theWord, aText.data() + theLength, sizeof(theWord));
-        if (MayHaveReplacement(theWord)) { break; }
+        if (MayEndRun(theWord)) { break; }
     }
     while (theLength < aText.size() && ReplacementOf(aText[theLength]) == 0)
         ++theLength;
@@ -86,6 +90,7 @@ static void AppendRest(zoBuffer* aBuffer, std::string_view aStr, size_t aPositio
             aBuffer->mPos -= UPnPUTF8_BrokenSequenceLength(aStr.data(), aStr.data() + thePosition);
             return;
         }
+        if (theIndex == kEndsText) { return; }
         const Replacement& theReplacement = kReplacements[theIndex - 1];
         const std::string_view theText = afDoubleEscape ? theReplacement.mDoubleText : theReplacement.mText;
         if (theCount >= kMaxSize || (aMaxSize > 0 && theCount + theText.size() > aMaxSize)) { return; }

@@ -12,7 +12,8 @@ namespace DIDL
 
 using Shared::AppendLiteral;
 
-/** Appends the text escaped and cut to aMaxSize bytes (0: to kMaxSize), between characters and between entities.
+/** Appends the text up to its first NUL, escaped and cut to aMaxSize bytes (0: to kMaxSize), between characters and
+ *  between entities.
  *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
 /** Appends nothing for an empty text, else aStartStr as it is, the text as AppendStr, and aEndStr as it is. */
