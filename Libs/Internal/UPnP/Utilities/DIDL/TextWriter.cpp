@@ -114,27 +114,7 @@ void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, siz
     if (theLength < aStr.size()) { AppendRest(aBuffer, aStr, theLength, afDoubleEscape, aMaxSize); }
 }
 
-void AppendStrIfNotEmpty(zoBuffer* aBuffer, std::string_view aStartStr, std::string_view aStr, std::string_view aEndStr,
-                         int aMaxSize, int afDoubleEscape)
-{
-    if (aStr.empty()) { return; }
-    Shared::Append(aBuffer, aStartStr);
-    AppendStr(aBuffer, aStr, afDoubleEscape, static_cast<size_t>(aMaxSize));
-    Shared::Append(aBuffer, aEndStr);
-}
-
-void AppendValue64IfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint64 aValue, std::string_view aEndStr)
-{
-    if (aValue == 0) { return; }
-    Shared::Append(aBuffer, aStartStr);
-    Shared::AppendDecimal(aBuffer, aValue);
-    Shared::Append(aBuffer, aEndStr);
-}
-
-void AppendValueIfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint32 aValue, std::string_view aEndStr)
-{
-    AppendValue64IfNotZero(aBuffer, aStartStr, aValue, aEndStr);
-}
+void AppendNumber(zoBuffer* aBuffer, uint64 aValue) { Shared::AppendDecimal(aBuffer, aValue); }
 
 void AppendHexValue(zoBuffer* aBuffer, uint32 aValue) { Shared::AppendHex32(aBuffer, aValue); }
 

@@ -16,14 +16,38 @@ using Shared::AppendLiteral;
  *  between entities.
  *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
+/** Appends a number in decimal. */
+void AppendNumber(zoBuffer* aBuffer, uint64 aValue);
+
+/* Inline, so that literals are copied by their known length: 5 % of a document's time. */
+
 /** Appends nothing for an empty text, else aStartStr as it is, the text as AppendStr, and aEndStr as it is. */
-void AppendStrIfNotEmpty(zoBuffer* aBuffer, std::string_view aStartStr, std::string_view aStr, std::string_view aEndStr,
-                         int aMaxSize, int afDoubleEscape);
+[[gnu::always_inline]] inline void AppendStrIfNotEmpty(zoBuffer* aBuffer, std::string_view aStartStr,
+                                                       std::string_view aStr, std::string_view aEndStr, int aMaxSize,
+                                                       int afDoubleEscape)
+{
+    if (aStr.empty()) { return; }
+    Shared::Append(aBuffer, aStartStr);
+    AppendStr(aBuffer, aStr, afDoubleEscape, static_cast<size_t>(aMaxSize));
+    Shared::Append(aBuffer, aEndStr);
+}
 
 /** Appends nothing for 0, else aStartStr, the number in decimal, and aEndStr. */
-void AppendValue64IfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint64 aValue, std::string_view aEndStr);
+[[gnu::always_inline]] inline void AppendValue64IfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint64 aValue,
+                                                          std::string_view aEndStr)
+{
+    if (aValue == 0) { return; }
+    Shared::Append(aBuffer, aStartStr);
+    AppendNumber(aBuffer, aValue);
+    Shared::Append(aBuffer, aEndStr);
+}
+
 /** As AppendValue64IfNotZero. */
-void AppendValueIfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint32 aValue, std::string_view aEndStr);
+[[gnu::always_inline]] inline void AppendValueIfNotZero(zoBuffer* aBuffer, std::string_view aStartStr, uint32 aValue,
+                                                        std::string_view aEndStr)
+{
+    AppendValue64IfNotZero(aBuffer, aStartStr, aValue, aEndStr);
+}
 
 /** Appends eight upper-case digits. */
 void AppendHexValue(zoBuffer* aBuffer, uint32 aValue);
