@@ -1,6 +1,7 @@
 #include "Names.h"
 #include "Subcommand.h"
 
+#include <Shared/Split.h>
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <inttypes.h>
 #include <stdlib.h>
@@ -100,28 +101,19 @@ static bool ReadFlag(const std::string& aText, const Names& aNames, uint32* aFla
     return zoConvert_strtouint32_base(aText.c_str() + (fHasPrefix ? 2 : 0), aFlag, 16) == kzoConvertError_None;
 }
 
-static std::vector<std::string> SplitAtCommas(const std::string& aText)
-{
-    std::vector<std::string> theItems;
-    size_t theBegin = 0;
-    for (size_t theComma = 0; (theComma = aText.find(',', theBegin)) != aText.npos; theBegin = theComma + 1)
-        theItems.push_back(aText.substr(theBegin, theComma - theBegin));
-    theItems.push_back(aText.substr(theBegin));
-    return theItems;
-}
-
 // Leaves aFlags alone when the option isn't given.
 static int ReadFlags(const Arguments& anArguments, const char* anOption, const Names& aNames, uint32* aFlags)
 {
     const char* theText = anArguments.Get(anOption);
     if (!theText) { return kExit_Done; }
     *aFlags = 0;
-    for (const std::string& theItem : SplitAtCommas(theText))
+    std::string_view theItem;
+    for (std::string_view theRest = theText; Shared::NextItem(&theRest, ',', &theItem);)
     {
         uint32 theFlag = 0;
-        if (!ReadFlag(theItem, aNames, &theFlag))
+        if (!ReadFlag(std::string(theItem), aNames, &theFlag))
         {
-            return anArguments.BadUsage(std::string(anOption) + ": \"" + theItem +
+            return anArguments.BadUsage(std::string(anOption) + ": \"" + std::string(theItem) +
                                         "\" is neither a hexadecimal number of 32 bits nor one of " + aNames.List());
         }
         *aFlags |= theFlag;

@@ -1,5 +1,6 @@
 #include "Document.h"
 
+#include <Shared/ASCII.h>
 #include <algorithm>
 #include <string.h>
 #include <string_view>
@@ -7,16 +8,9 @@
 // Of a name in a message.
 static const size_t kMaxNameLength = 64;
 
-static char ToLower(char aCharacter)
-{
-    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter - 'A' + 'a') : aCharacter;
-}
-
 static bool IsCalled(const ILibXMLNode* aNode, std::string_view aName)
 {
-    const std::string_view theName(aNode->Name, static_cast<size_t>(aNode->NameLength));
-    return std::equal(theName.begin(), theName.end(), aName.begin(), aName.end(),
-                      [](char aLeft, char aRight) { return ToLower(aLeft) == ToLower(aRight); });
+    return Shared::EqualsIgnoringCase({ aNode->Name, static_cast<size_t>(aNode->NameLength) }, aName);
 }
 
 Document::Document(std::vector<char> aText) : mText(std::move(aText))

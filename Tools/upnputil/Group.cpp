@@ -2,6 +2,7 @@
 #include "LogReceiver.h"
 #include "Subcommand.h"
 
+#include <Shared/ASCII.h>
 #include <UPnP/Stack/ILibString.h>
 #include <UPnP/Stack/ILibXML.h>
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
@@ -146,7 +147,7 @@ static bool StartsWith(const std::string& aText, const char* aStart) { return aT
 
 static bool IsGroupKey(const std::string& aKey)
 {
-    const bool fIsOfSlave = StartsWith(aKey, "Slave") && aKey[5] >= '0' && aKey[5] <= '9';
+    const bool fIsOfSlave = StartsWith(aKey, "Slave") && Shared::IsDigit(aKey[5]);
     return fIsOfSlave || StartsWith(aKey, "Group.") || StartsWith(aKey, "Master.");
 }
 

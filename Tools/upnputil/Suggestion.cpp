@@ -1,13 +1,11 @@
 #include "Suggestion.h"
 
+#include <Shared/ASCII.h>
 #include <algorithm>
 
-static const size_t kMaxLength = 64; // of a word that is compared; no known one is as long
+using Shared::ToLower;
 
-static char ToLower(char aCharacter)
-{
-    return aCharacter >= 'A' && aCharacter <= 'Z' ? static_cast<char>(aCharacter - 'A' + 'a') : aCharacter;
-}
+static const size_t kMaxLength = 64; // of a word that is compared; no known one is as long
 
 // How many characters have to be added, removed, replaced or swapped with the next; the case makes no difference.
 static size_t Distance(const std::string& aLeft, const std::string& aRight)
