@@ -8,6 +8,10 @@ root=$(cd "$(dirname "$0")" && pwd -P)
 
 presets=("${@:-dev}")
 case ${1-} in
+-h | --help)
+    sed -n '2,3s/^# //p' "$0"
+    exit
+    ;;
 --all) presets=(dev release-tests asan asan-clang tsan i386) ;;
 --all-targets) presets=(i386 armhf mips) ;;
 esac
