@@ -26,6 +26,7 @@ public:
     ~CDSEntryInfo();
     /** Memory as zoMemory.h gives it: a handler is told when there is none left. */
     static void* operator new(size_t aSize);
+    /** Gives that memory back. */
     static void operator delete(void* anObject);
     CDSEntryInfo(const CDSEntryInfo&) = delete;
     CDSEntryInfo& operator=(const CDSEntryInfo&) = delete;

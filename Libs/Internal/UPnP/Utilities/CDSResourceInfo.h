@@ -46,6 +46,7 @@ public:
     ~CDSResourceInfo();
     /** Memory as zoMemory.h gives it: a handler is told when there is none left. */
     static void* operator new(size_t aSize);
+    /** Gives that memory back. */
     static void operator delete(void* anObject);
     CDSResourceInfo(const CDSResourceInfo&) = delete;
     CDSResourceInfo& operator=(const CDSResourceInfo&) = delete;
