@@ -66,7 +66,8 @@ TEST(CDSEntryInfoTest, ReadsExtraInfoByPairs)
         { { 0, 24, 22, 23, 21 }, "= 21=22 23=24 = =" },        // in whatever order
         { { 21, 22, 23 }, "= 21=22 = = =" },                   // a name without a value
         { { 0, 1, 2, 3, 4, 5, 21, 22, 23 }, "= 21=22 = = =" }, // also where there are tags enough
-        { { 0, 1, 2, 21, 23, 24 }, "= = = = =" },
+        { { 0, 1, 2, 21, 23, 24 }, "= 21= = = =" },            // a value is absent below the count
+        { { 24, 23, 22, 21, 28, 30 }, "= 21=22 23=24 = =" },   // a name is
     };
     for (const auto& [theTags, theExpected] : kCases)
     {

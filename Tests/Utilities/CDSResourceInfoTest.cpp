@@ -133,14 +133,17 @@ TEST(CDSResourceInfoTest, ReadsExtraInfoByPairs)
     AddResource(theRecord, "MP3@h", { 15, 16, 17 }); // a name without a value
     AddResource(theRecord, "MP3@h");
     AddResource(theRecord, "MP3@h", { 17, 18, 15, 16 }); // counted in the order of storing
-    AddResource(theRecord, "MP3@h", { 15, 16, 65535 });  // 65536 is not the URI's tag
+    AddResource(theRecord, "MP3@h", { 65535, 15, 16 });  // 65536 is not the URI's tag
+    AddResource(theRecord, "MP3@h", { 15, 20, 3, 18, 19, 16, 21 });
+    AddResource(theRecord, "MP3@h", { 15, 3, 17, 4, 19 }); // more names than pairs
     const Info theInfo(new CDSResourceInfo(theRecord, nullptr));
-    static const char* const kPairs[] = { "=,15=16,17=18,=,", "=,15=16,=,=,", "=,=,=,=,",
-                                          "=,17=18,15=16,=,", "=,15=16,=,=,", "=,=,=,=," };
+    static const char* const kPairs[] = { "=,15=16,17=18,=,=,", "=,15=16,=,=,=,",  "=,=,=,=,=,",
+                                          "=,17=18,15=16,=,=,", "=,65535=,=,=,=,", "=,15=16,18=19,16=,=,",
+                                          "=,15=,=,=,=,",       "=,=,=,=,=," };
     for (uint32 i = 0; i < std::size(kPairs); ++i)
     {
         std::string thePairs;
-        for (const int theIndex : { -1, 0, 1, 65536 })
+        for (const int theIndex : { -1, 0, 1, 2, 65536 })
         {
             zoCString theName("x"), theData("y");
             theInfo->GetExtraInfo(i, theIndex, theName, theData);

@@ -30,18 +30,24 @@ uint16 CDSEntryInfo::GetExtraInfoCount() { return CDS::CountPairs(mPackedData, 0
 
 void CDSEntryInfo::GetExtraInfo(int anExtraInfoIndex, zoCString& aName, zoCString& aData)
 {
-    aName = GetExtraInfoName(anExtraInfoIndex);
-    aData = GetExtraInfoData(anExtraInfoIndex);
+    uint16 theTag = 0;
+    const bool fIsPair = CDS::FindPair(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex, &theTag);
+    aName = fIsPair ? CDS::GetText(mPackedData, 0, theTag) : zoCString();
+    aData = fIsPair ? CDS::GetPairValue(mPackedData, 0, theTag) : zoCString();
 }
 
 zoCString CDSEntryInfo::GetExtraInfoName(int anExtraInfoIndex)
 {
-    return CDS::GetPairName(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
+    uint16 theTag;
+    const bool fIsPair = CDS::FindPair(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex, &theTag);
+    return fIsPair ? CDS::GetText(mPackedData, 0, theTag) : zoCString();
 }
 
 zoCString CDSEntryInfo::GetExtraInfoData(int anExtraInfoIndex)
 {
-    return CDS::GetPairValue(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex);
+    uint16 theTag;
+    const bool fIsPair = CDS::FindPair(mPackedData, 0, kCDSEntryInfo_Count, anExtraInfoIndex, &theTag);
+    return fIsPair ? CDS::GetPairValue(mPackedData, 0, theTag) : zoCString();
 }
 
 void* CDSEntryInfo::operator new(size_t aSize) { return zoMalloc(aSize); }

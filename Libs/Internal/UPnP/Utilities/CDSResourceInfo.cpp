@@ -3,6 +3,8 @@
 #include <UPnP/Utilities/CDS/Choice.h>
 #include <UPnP/Utilities/CDS/Pictures.h>
 #include <UPnP/Utilities/CDS/Record.h>
+#include <algorithm>
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 #include <string_view>
@@ -84,64 +86,39 @@ uint16 CDSResourceInfo::GetExtraInfoCount(uint32 aResourceIndex)
     return CDS::CountPairs(mPackedData, aResourceIndex, kCDSResourceInfo_Count);
 }
 
-// The tag of a pair's name, the pairs being counted in the order in which they were stored; 0 when there are not that
-// many. A record made by the parser begins with its pairs, in the order of their tags, so the first look finds it.
-static uint16 FindNameTag(const zoPackedData_t* aRecord, uint32 anEntry, int anIndex)
-{
-    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
-    if (anIndex < 0 || static_cast<uint32>(anIndex) >= theTagCount / 2) { return 0; }
-    const auto theHasOwnTag = [=](uint32 aPosition)
-    {
-        const uint16 thePosition = static_cast<uint16>(aPosition);
-        return zoPackedData_GetTagAt(aRecord, anEntry, thePosition) == kCDSResourceInfo_Count + aPosition;
-    };
-    const uint32 theGuess = 2 * static_cast<uint32>(anIndex);
-    if (theHasOwnTag(0) && theHasOwnTag(theGuess) && (theGuess == 0 || theHasOwnTag(theGuess - 1)))
-    {
-        return static_cast<uint16>(kCDSResourceInfo_Count + theGuess);
-    }
-
-    int theIndex = 0;
-    for (uint32 thePosition = 0; thePosition < theTagCount; ++thePosition)
-    {
-        const uint16 theTagHere = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition));
-        if (theTagHere < kCDSResourceInfo_Count) { continue; }
-        if (theIndex == anIndex) { return theTagHere; }
-        ++theIndex;
-        ++thePosition; // past the value
-    }
-    return 0;
-}
-
 void CDSResourceInfo::GetExtraInfo(uint32 aResourceIndex, int anExtraInfoIndex, zoCString& aName, zoCString& aData)
 {
-    const uint16 theTag = FindNameTag(mPackedData, aResourceIndex, anExtraInfoIndex);
-    const bool fIsPair = theTag != 0 && CDS::HasTag(mPackedData, aResourceIndex, theTag + 1u);
+    uint16 theTag = 0;
+    const bool fIsPair =
+        CDS::FindStoredPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
     aName = fIsPair ? GetInfoAsCString(aResourceIndex, theTag) : zoCString();
-    aData = fIsPair ? GetInfoAsCString(aResourceIndex, static_cast<uint16>(theTag + 1)) : zoCString();
+    aData = fIsPair ? CDS::GetPairValue(mPackedData, aResourceIndex, theTag) : zoCString();
 }
 
 zoCString CDSResourceInfo::GetExtraInfoName(uint32 aResourceIndex, int anExtraInfoIndex)
 {
-    return CDS::GetPairName(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex);
+    uint16 theTag;
+    const bool fIsPair = CDS::FindPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
+    return fIsPair ? GetInfoAsCString(aResourceIndex, theTag) : zoCString();
 }
 
 zoCString CDSResourceInfo::GetExtraInfoData(uint32 aResourceIndex, int anExtraInfoIndex)
 {
-    return CDS::GetPairValue(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex);
+    uint16 theTag;
+    const bool fIsPair = CDS::FindPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
+    return fIsPair ? CDS::GetPairValue(mPackedData, aResourceIndex, theTag) : zoCString();
 }
 
 zoCString CDSResourceInfo::GetExtraInfoDataByName(uint32 aResourceIndex, const char* aName)
 {
-    if (!aName) { return zoCString(); }
-    const int theCount = GetExtraInfoCount(aResourceIndex);
-    for (int i = 0; i < theCount; ++i)
+    const std::string_view theName(aName ? aName : "");
+    const uint32 theCount = aName ? GetExtraInfoCount(aResourceIndex) : 0;
+    const uint32 theEnd = std::min<uint32>(kCDSResourceInfo_Count + 2 * theCount, UINT16_MAX);
+    for (uint32 theTag = kCDSResourceInfo_Count; theTag < theEnd; theTag += 2)
     {
-        const uint32 theTag = kCDSResourceInfo_Count + 2 * static_cast<uint32>(i);
-        if (theTag >= UINT16_MAX) { break; }
-        if (CDS::HasText(mPackedData, aResourceIndex, static_cast<uint16>(theTag), aName))
+        if (CDS::FindText(mPackedData, aResourceIndex, static_cast<uint16>(theTag)) == theName)
         {
-            return GetExtraInfoData(aResourceIndex, i);
+            return CDS::GetPairValue(mPackedData, aResourceIndex, static_cast<uint16>(theTag));
         }
     }
     return zoCString();

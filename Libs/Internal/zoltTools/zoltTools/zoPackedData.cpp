@@ -89,6 +89,24 @@ uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint
     return aPosition < theEntry.mCount ? TagAt(theEntry, aPosition) : uint16{ 0 };
 }
 
+uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    if (!HasEntry(aRecord, anEntry)) { return 0; }
+    const Entry theEntry = EntryAt(aRecord, anEntry);
+    uint32 theCountBelow = 0;
+    if (theEntry.mCount > kSmallCount && theEntry.mCount > aTag)
+    {
+        for (uint16 theTag = 0; theTag < aTag; ++theTag)
+            theCountBelow += FindTag(aRecord, anEntry, theEntry, theTag) < theEntry.mCount;
+    }
+    else
+    {
+        for (uint32 i = 0; i < theEntry.mCount; ++i)
+            theCountBelow += TagAt(theEntry, i) < aTag;
+    }
+    return theEntry.mCount - theCountBelow;
+}
+
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount)
 {

@@ -28,56 +28,55 @@ bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::st
 
 uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag)
 {
-    const uint16 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
-    uint32 theCount = 0;
-    for (uint32 i = 0; i < theTagCount; ++i)
-    {
-        if (zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i)) >= aFirstTag) { ++theCount; }
-    }
-    return static_cast<uint16>(theCount / 2);
+    return static_cast<uint16>(zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag) / 2);
 }
 
-bool HasTag(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
+bool FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag)
 {
-    if (aTag > kMaxTag) { return false; }
-    if (zoPackedData_GetData(aRecord, anEntry, static_cast<uint16>(aTag), nullptr)) { return true; }
-    const uint16 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
+    if (anIndex < 0 || anIndex >= CountPairs(aRecord, anEntry, aFirstTag)) { return false; }
+    const uint32 theTag = aFirstTag + 2 * static_cast<uint32>(anIndex);
+    *aNameTag = static_cast<uint16>(theTag);
+    return theTag <= kMaxTag;
+}
+
+// True if the entry's last aCount tags are below aFirstTag. They are different, so there are no more than aFirstTag.
+static bool EndsInLowTags(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 aCount)
+{
+    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
+    for (uint32 i = theTagCount - aCount; i < theTagCount; ++i)
+    {
+        if (zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i)) >= aFirstTag) { return false; }
+    }
+    return true;
+}
+
+bool FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag)
+{
+    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
+    const uint32 theExtraCount = zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag);
+    if (anIndex < 0 || static_cast<uint32>(anIndex) >= theExtraCount / 2) { return false; }
+    const uint32 thePosition = 2 * static_cast<uint32>(anIndex);
+    if (EndsInLowTags(aRecord, anEntry, aFirstTag, theTagCount - theExtraCount))
+    {
+        *aNameTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition));
+        return true;
+    }
+
+    int theIndex = 0;
     for (uint32 i = 0; i < theTagCount; ++i)
     {
-        if (zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i)) == aTag) { return true; }
+        *aNameTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i));
+        if (*aNameTag < aFirstTag) { continue; }
+        if (theIndex == anIndex) { return true; }
+        ++theIndex;
+        ++i; // past the value
     }
     return false;
 }
 
-// Whether an index is below the number of pairs. No more than aFirstTag tags belong to no pair, so the tags need to be
-// counted for the last few indices only.
-static bool IsBelowPairCount(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 anIndex)
+zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aNameTag)
 {
-    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
-    if (anIndex >= theTagCount / 2) { return false; }
-    if (theTagCount > aFirstTag && anIndex < (theTagCount - aFirstTag) / 2) { return true; }
-    return anIndex < CountPairs(aRecord, anEntry, aFirstTag);
-}
-
-// The text under a pair's name tag (anOffset 0) or value tag (1).
-static zoCString GetPairText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex,
-                             uint32 anOffset)
-{
-    const uint32 theIndex = static_cast<uint32>(anIndex);
-    if (anIndex < 0 || !IsBelowPairCount(aRecord, anEntry, aFirstTag, theIndex)) { return zoCString(); }
-    const uint32 theNameTag = aFirstTag + 2 * theIndex;
-    if (!HasTag(aRecord, anEntry, theNameTag + 1)) { return zoCString(); }
-    return GetText(aRecord, anEntry, static_cast<uint16>(theNameTag + anOffset));
-}
-
-zoCString GetPairName(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
-{
-    return GetPairText(aRecord, anEntry, aFirstTag, anIndex, 0);
-}
-
-zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
-{
-    return GetPairText(aRecord, anEntry, aFirstTag, anIndex, 1);
+    return aNameTag < kMaxTag ? GetText(aRecord, anEntry, static_cast<uint16>(aNameTag + 1)) : zoCString();
 }
 
 } // namespace CDS

@@ -1,8 +1,10 @@
 #pragma once
 
 /* Reading the texts and the extra info of a media object record (UPnPConst.h).
- * A text ends at its NUL or, when it has none, with its bytes. Pairs are the extra info: a name under an odd offset
- * from the record's first extra tag, its value under the next tag. */
+ *
+ * A text ends at its NUL or with its bytes. Extra info is pairs of a name and a value: the name has an even offset from
+ * the record's first extra tag, the value the next tag. There are half as many pairs as extra tags. A pair below that
+ * count is read as it is, whatever of it is absent as ""; at or above the count there is none. */
 
 #include <string_view>
 #include <zo/CString.h>
@@ -19,13 +21,16 @@ zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
 /** True if the text is present and equals aText. */
 bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::string_view aText);
 
-/** @return half the number of the entry's tags from aFirstTag on. */
+/** @return the number of pairs. */
 uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag);
-/** True if the entry has the tag, also for an empty value; false for numbers above 65535. */
-bool HasTag(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag);
-/** @return the name of a pair; "" when there is no such pair. */
-zoCString GetPairName(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
-/** @return the value of a pair; "" when there is no such pair. */
-zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
+
+/** Finds the tag of a pair's name, pairs being counted by their tags.
+ *  @return false for an index outside 0 to CountPairs() - 1, and when the tag would be above 65535. */
+bool FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
+/** As FindPair, pairs being counted in the order of storage: an extra tag is a name's, and the value next to it is
+ *  passed over. Takes constant time when extra tags are stored first, as the parser does, else linear time. */
+bool FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
+/** @return the value of a pair whose name has the tag. */
+zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aNameTag);
 
 } // namespace CDS

@@ -107,6 +107,17 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* /*aRecord*/, const char* /*aFile*/, int /*aLine*/) {}
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
+uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    const uint16 theTotal = zoPackedData_GetTagCount(aRecord, anEntry);
+    uint32 theCount = 0;
+    for (uint16 i = 0; i < theTotal; ++i)
+        theCount += zoPackedData_GetTagAt(aRecord, anEntry, i) >= aTag;
+    return theCount;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount)

@@ -52,6 +52,10 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
+uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 typedef struct zoPackedData_Value
 {
