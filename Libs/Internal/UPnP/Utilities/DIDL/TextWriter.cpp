@@ -114,17 +114,20 @@ void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, siz
     if (theLength < aStr.size()) { AppendRest(aBuffer, aStr, theLength, afDoubleEscape, aMaxSize); }
 }
 
-void AppendNumber(zoBuffer* aBuffer, uint64 aValue) { Shared::AppendDecimal(aBuffer, aValue); }
+void AppendNumber(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits)
+{
+    Shared::AppendDecimal(aBuffer, aValue, aMinDigits);
+}
 
 void AppendHexValue(zoBuffer* aBuffer, uint32 aValue) { Shared::AppendHex32(aBuffer, aValue); }
 
 void AppendTime(zoBuffer* aBuffer, uint32 aTime)
 {
-    Shared::AppendDecimal(aBuffer, aTime / 3600, 2);
+    AppendNumber(aBuffer, aTime / 3600, 2);
     AppendLiteral(aBuffer, ":");
-    Shared::AppendDecimal(aBuffer, aTime / 60 % 60, 2);
+    AppendNumber(aBuffer, aTime / 60 % 60, 2);
     AppendLiteral(aBuffer, ":");
-    Shared::AppendDecimal(aBuffer, aTime % 60, 2);
+    AppendNumber(aBuffer, aTime % 60, 2);
 }
 
 char* NewTextForm(const char* aProtocolInfo, size_t aLength)

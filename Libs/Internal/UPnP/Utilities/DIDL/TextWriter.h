@@ -16,8 +16,8 @@ using Shared::AppendLiteral;
  *  between entities.
  *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
-/** Appends a number in decimal. */
-void AppendNumber(zoBuffer* aBuffer, uint64 aValue);
+/** Appends a number in decimal, with at least aMinDigits digits. */
+__attribute__((noinline)) void AppendNumber(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits);
 
 /* Inline, so that literals are copied by their known length: 5 % of a document's time. */
 
@@ -38,7 +38,7 @@ void AppendNumber(zoBuffer* aBuffer, uint64 aValue);
 {
     if (aValue == 0) { return; }
     Shared::Append(aBuffer, aStartStr);
-    AppendNumber(aBuffer, aValue);
+    AppendNumber(aBuffer, aValue, 1);
     Shared::Append(aBuffer, aEndStr);
 }
 
