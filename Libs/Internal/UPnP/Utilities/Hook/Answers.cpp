@@ -238,26 +238,23 @@ constexpr Callers ByHookID()
 
 constexpr Callers kAnswers = ByHookID();
 
-constexpr bool IsAnswered(size_t aHookID)
-{
-    for (const Question& theQuestion :
-         kQuestions) // IDs are compared: with sanitizers a function's address is no constant
-    {
-        if (static_cast<size_t>(theQuestion.mHookID) == aHookID) { return true; }
-    }
-    return false;
-}
-
+// IDs are compared: with sanitizers a function's address is not constant.
 constexpr bool IsComplete()
 {
-    for (size_t i = 0; i < kUPnPHook_Count; ++i)
+    bool fHasAnswer[kUPnPHook_Count] = {};
+    for (const Question& theQuestion : kQuestions)
+    {
+        if (fHasAnswer[theQuestion.mHookID]) { return false; }
+        fHasAnswer[theQuestion.mHookID] = true;
+    }
+    for (int i = 0; i < kUPnPHook_Count; ++i)
     {
         const bool fIsQuestion = i != 0 && i != 7; // there is no hook 7
-        if (fIsQuestion != IsAnswered(i)) { return false; }
+        if (fIsQuestion != fHasAnswer[i]) { return false; }
     }
     return true;
 }
-static_assert(IsComplete(), "each question has an answer");
+static_assert(IsComplete(), "each question has one answer");
 
 } // namespace
 
