@@ -77,7 +77,8 @@ check_refusal() {
 
 # The commands of one user; the tests themselves take their time the second time, too.
 check_commands() {
-    check 900 "$1" ./run.sh
+    check 900 "$1" script -qec ./run.sh /dev/null
+    grep -q $'\r\e\\[K\\[[0-9]*/[0-9]*\\] ' "$bare.log" || fail "on a terminal ./run.sh shows no progress: $(cat "$bare.log")"
     check "$moment" "$1" ./run.sh
     grep -qx 'choice: 0' "$bare.log" || fail "./run.sh makes no choice: $(cat "$bare.log")"
     check 900 "$1" Tests/Pages/run.sh README.md # with what ./run.sh has installed alone
