@@ -126,11 +126,14 @@ struct AnyValue
     operator Type() const;
 };
 
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers" // clang: counting leaves fields out on purpose
 template <typename Record, typename... Values>
 constexpr auto CanHold(int) -> decltype(Record{ Values()... }, bool())
 {
     return true;
 }
+#pragma GCC diagnostic pop
 
 template <typename Record, typename... Values>
 constexpr bool CanHold(...)
