@@ -523,7 +523,7 @@ TEST(UPnPDIDLTest, InheritsDeclarationsWithinBounds)
         { " xmlns:a='" + theLong + "u' xmlns:b=',' c='1' xmlns='d'", "", "xmlns=\"d\",xmlns:b=\"\\,\",c=\"1\"" },
         { " xmlns:q='" + theQuotes + "' xmlns:b='2' xmlns='d'", "<q:r xmlns:q='3'/>",
           "xmlns=\"d\",xmlns:b=\"2\",xmlns:q=\"3\"" },
-        { Declarations("n", 30) + " xmlns:y='2' xmlns:x='1'", "<p x:r='1'><y:r/></p>",
+        { Declarations("n", 40) + " xmlns:y='2' xmlns:x='1' xmlns:y='3'", "<p x:r='1'><y:r/></p>",
           "xmlns:y=\"2\",xmlns:x=\"1\",xmlns:n0=\"0\"" },
         { Declarations("n", 300) + Declarations("n", 300), "", "xmlns:n0=\"0\",xmlns:n1=\"1\"" },
     };

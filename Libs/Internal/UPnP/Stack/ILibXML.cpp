@@ -1,7 +1,7 @@
 #include <UPnP/Stack/ILibXML.h>
 
 #include <Shared/QualifiedName.h>
-#include <UPnP/Stack/XML/Document.h>
+#include <UPnP/Stack/XML/AttributeIndex.h>
 #include <UPnP/Stack/XML/Reader.h>
 
 ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
@@ -21,7 +21,14 @@ void ILibDestructXMLNodeList(ILibXMLNode* aNodeList)
 
 ILibXMLAttribute* ILibGetXMLAttributes(ILibXMLNode* aNode)
 {
-    return aNode && aNode->StartTag ? XML::StartTagOf(aNode)->mAttributes : nullptr;
+    return aNode && aNode->StartTag ? XML::StartTagOf(aNode)->FirstAttribute() : nullptr;
+}
+
+ILibXMLAttribute* ILibFindXMLAttribute(ILibXMLAttribute* aList, const char* aPrefix, size_t aPrefixLength,
+                                       const char* aName, size_t aNameLength)
+{
+    if (!aList) { return nullptr; }
+    return XML::FindAttribute(XML::StartTagOf(aList->Parent), { aPrefix, aPrefixLength }, { aName, aNameLength });
 }
 
 // The attributes are the document's.

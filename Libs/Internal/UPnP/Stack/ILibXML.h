@@ -86,6 +86,13 @@ UPNPSTACK_API void ILibDestructXMLNodeList(struct ILibXMLNode* aNodeList);
  *          ILibDestructXMLAttributeList before the nodes are. They are read with the tags: a later change of the text
  *          changes the bytes that they point to, not where they point. */
 UPNPSTACK_API struct ILibXMLAttribute* ILibGetXMLAttributes(struct ILibXMLNode* aNode);
+/** Finds an attribute in time that hardly depends on how many there are.
+ *  @param aList          the first attribute of a start tag; NULL is an empty list.
+ *  @param aPrefix, aName compared exactly, without the colon; a prefix of length 0 is none.
+ *  @return the first attribute of that name, which belongs to the list; NULL without one. */
+UPNPSTACK_API struct ILibXMLAttribute* ILibFindXMLAttribute(struct ILibXMLAttribute* aList, const char* aPrefix,
+                                                            size_t aPrefixLength, const char* aName,
+                                                            size_t aNameLength);
 /** Releases an attribute list (not the text), given its first attribute; NULL is ignored. */
 UPNPSTACK_API void ILibDestructXMLAttributeList(struct ILibXMLAttribute* aList);
 

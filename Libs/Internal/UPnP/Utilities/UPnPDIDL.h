@@ -117,7 +117,8 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
  * The declarations of the root are inherited while they take at most four times the length of the object's text, or 256
  * bytes if that is more, in the form in which they are stored. When they take more, first the default namespace and the
  * prefixes of the object's elements and attributes are inherited, in the root's order, then the others, each that fits.
- * Of a long start tag at most 8 KiB, or as much as may be stored if that is more, is read for one object.
+ * Of a start tag with more attributes than an eighth of the bytes that may be inherited, the others are looked for
+ * among the first ones.
  * @param aBaseURL      what relative resource URIs are made absolute against; NULL leaves them as they are. So does one
  *                      of more than 1 KiB; and a URI that would bring the object's absolute URIs past eight times the
  *                      length of its text and past 4 KiB stays as it is.

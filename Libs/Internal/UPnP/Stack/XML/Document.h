@@ -6,6 +6,7 @@
 #include <UPnP/Stack/ILibXML.h>
 #include <algorithm>
 #include <stddef.h>
+#include <stdint.h>
 #include <stdlib.h>
 #include <zoltTools/zoMemory.h>
 
@@ -23,12 +24,40 @@ struct Document
     long mError;    // a kILibProcessXML_*; where there is one, reading stopped
 };
 
+/** The attributes of a start tag that has many; pointers to them follow, in the order of their names. */
+struct AttributeIndex
+{
+    ILibXMLAttribute* mFirst;
+    size_t mCount;
+};
+
+inline ILibXMLAttribute** SortedAttributes(AttributeIndex* anIndex)
+{
+    return reinterpret_cast<ILibXMLAttribute**>(anIndex + 1);
+}
+
 /** A node with what only start tags have. End tags are nodes alone, but for one that begins a list. */
 struct StartTag
 {
-    ILibXMLAttribute* mAttributes;
-    char* mContent; // the text after the ">"
+    ILibXMLAttribute* mAttributes; // the first; with an index the index's address and 1: no record is at an odd one
+    char* mContent;                // the text after the ">"
     ILibXMLNode mNode;
+
+    /** @return NULL without an index. */
+    AttributeIndex* GetIndex() const
+    {
+        const bool fHasIndex = (reinterpret_cast<uintptr_t>(mAttributes) & 1) != 0;
+        return fHasIndex ? reinterpret_cast<AttributeIndex*>(reinterpret_cast<char*>(mAttributes) - 1) : nullptr;
+    }
+    void SetIndex(AttributeIndex* anIndex)
+    {
+        mAttributes = reinterpret_cast<ILibXMLAttribute*>(reinterpret_cast<char*>(anIndex) + 1);
+    }
+    ILibXMLAttribute* FirstAttribute() const
+    {
+        const AttributeIndex* theIndex = GetIndex();
+        return theIndex ? theIndex->mFirst : mAttributes;
+    }
 };
 
 inline StartTag* StartTagOf(ILibXMLNode* aNode)
@@ -78,19 +107,25 @@ public:
         return reinterpret_cast<Record*>(theMemory);
     }
 
+    /** @return memory of this size, released with the document. */
+    void* AllocateBlock(size_t aSize)
+    {
+        Block* theBlock = static_cast<Block*>(zoMalloc(sizeof(Block) + aSize));
+        theBlock->mNext = mDocument->mBlocks;
+        mDocument->mBlocks = theBlock;
+        mSize += sizeof(Block) + aSize;
+        return theBlock + 1;
+    }
+
 private:
     static constexpr size_t kMinBlockSize = 1008; // the largest that malloc keeps at hand, with its own header
     static constexpr size_t kMaxFirstBlockSize = 16 * kMinBlockSize;
 
     __attribute__((noinline)) void AddBlock()
     {
-        const size_t theSize = std::max(mSize / 8, kMinBlockSize);
-        Block* theBlock = static_cast<Block*>(zoMalloc(theSize));
-        theBlock->mNext = mDocument->mBlocks;
-        mDocument->mBlocks = theBlock;
-        mSize += theSize;
-        mFree = reinterpret_cast<char*>(theBlock + 1);
-        mFreeEnd = reinterpret_cast<char*>(theBlock) + theSize;
+        const size_t theSize = std::max(mSize / 8, kMinBlockSize) - sizeof(Block);
+        mFree = static_cast<char*>(AllocateBlock(theSize));
+        mFreeEnd = mFree + theSize;
     }
 
     Document* mDocument;

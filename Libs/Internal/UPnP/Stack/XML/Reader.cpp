@@ -1,5 +1,6 @@
 #include <UPnP/Stack/XML/Reader.h>
 
+#include <UPnP/Stack/XML/AttributeIndex.h>
 #include <UPnP/Stack/XML/Bytes.h>
 #include <UPnP/Stack/XML/Document.h>
 #include <limits.h>
@@ -128,14 +129,17 @@ static char* ReadAttributes(Reader* aReader, char* aPosition, StartTag* aTag)
 {
     ILibXMLAttribute** theNext = &aTag->mAttributes;
     char* thePosition = aPosition;
+    size_t theCount = 0;
     while (thePosition)
     {
         if (*thePosition == ' ') { ++thePosition; } // mostly there is one, and a name after it
         if (!Is(*thePosition, kStartsName)) { thePosition = SkipAll(thePosition, kBlank); }
         if (*thePosition == '>' || *thePosition == '/') { break; }
         thePosition = ReadAttribute(aReader, thePosition, &aTag->mNode, &theNext);
+        ++theCount;
     }
     *theNext = nullptr;
+    if (theCount > kMaxUnindexed && thePosition) { IndexAttributes(&aReader->mMemory, aTag, theCount); }
     return thePosition;
 }
 

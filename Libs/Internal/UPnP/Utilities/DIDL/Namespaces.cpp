@@ -1,23 +1,17 @@
 #include <UPnP/Utilities/DIDL/Namespaces.h>
 
+#include <Shared/Sizes.h>
 #include <algorithm>
 
 namespace DIDL
 {
 
-// How much of the root's start tag is read for one object, unless the object may store more. It bounds what many small
-// objects under one long tag cost together.
-static const size_t kMaxRootRead = 8192;
+// How much of the root's start tag is looked through for an object: in attributes for the bytes that it may inherit, of
+// which the shortest declaration of a prefix, ,xmlns:a="", takes eleven; and in bytes for each of those bytes.
+static const size_t kBytesPerReadAttribute = 8;
+static const size_t kReadPerByte = 4;
 
 static const std::string_view kXMLNS = "xmlns";
-
-// The attributes of the root that are read for an object.
-struct RootAttributes
-{
-    const ILibXMLAttribute* mFirst;
-    const char* mReadEnd; // attributes from here on are not read
-    ValueSource mSource;
-};
 
 // ---- The list ----
 
@@ -108,33 +102,28 @@ static bool IsDeclaration(const ILibXMLAttribute* anAttribute)
     return Shared::Equals(kXMLNS.substr(0, thePrefix.size()), thePrefix);
 }
 
-// Tells of all attributes at once whether they can be copied as they are.
-static ValueSource SourceOf(const char* aBegin, const char* anEnd)
-{
-    const size_t theLength = static_cast<size_t>(anEnd - aBegin);
-    const bool fHasAny = memchr(aBegin, ',', theLength) || memchr(aBegin, '<', theLength);
-    return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutAny;
-}
-
-// The attributes end where the root's content begins.
-static RootAttributes GetRootAttributes(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxRead)
+// Tells of all attributes at once whether they can be copied as they are, when they are not much longer than aMaxSize.
+// They end where the root's content begins.
+static ValueSource SourceOf(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
     const char* theBegin = Shared::QualifiedName(aFirst).data();
     const char* theEnd = GetInnerXML(aRoot).data();
-    if (!theEnd) { return { aFirst, theBegin, ValueSource::Attribute }; }
-    const bool fIsTooLong = static_cast<size_t>(theEnd - theBegin) > aMaxRead;
-    if (fIsTooLong) { return { aFirst, theBegin + aMaxRead, ValueSource::Attribute }; }
-    return { aFirst, theEnd, SourceOf(theBegin, theEnd) };
+    const size_t theLength = theEnd ? static_cast<size_t>(theEnd - theBegin) : 0;
+    if (theLength == 0 || theLength / kReadPerByte > aMaxSize) { return ValueSource::Attribute; }
+    const bool fHasAny = memchr(theBegin, ',', theLength) || memchr(theBegin, '<', theLength);
+    return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutAny;
 }
 
 // False when one did not fit, or when there are more attributes than are read.
-bool NamespaceList::AddWhileAllFit(const RootAttributes& aRoot, size_t aMaxSize)
+bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
-    for (const ILibXMLAttribute* theAttribute = aRoot.mFirst; theAttribute; theAttribute = theAttribute->Next)
+    const ValueSource theSource = SourceOf(aRoot, aFirst, aMaxSize);
+    size_t theLeft = aMaxSize / kBytesPerReadAttribute;
+    for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute; theAttribute = theAttribute->Next)
     {
-        if (theAttribute->Name >= aRoot.mReadEnd) { return false; }
+        if (theLeft-- == 0) { return false; }
         if (!IsDeclaration(theAttribute)) { continue; }
-        if (AppendAttribute(this, theAttribute, aRoot.mSource, aMaxSize)) { continue; }
+        if (AppendAttribute(this, theAttribute, theSource, aMaxSize)) { continue; }
         if (!Has(Shared::QualifiedName(theAttribute))) { return false; }
     }
     return true;
@@ -143,68 +132,127 @@ bool NamespaceList::AddWhileAllFit(const RootAttributes& aRoot, size_t aMaxSize)
 void NamespaceList::AddAllOfRoot(ILibXMLNode* aRoot)
 {
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aRoot);
-    if (theAttributes) { AddWhileAllFit(GetRootAttributes(aRoot, theAttributes, SIZE_MAX), SIZE_MAX); }
+    if (theAttributes) { AddWhileAllFit(aRoot, theAttributes, SIZE_MAX); }
     ILibDestructXMLAttributeList(theAttributes);
 }
 
-static void AddPrefix(NameSet* aPrefixes, std::string_view aPrefix)
+namespace
 {
-    if (!aPrefix.empty() && !aPrefixes->Contains(aPrefix)) { aPrefixes->Add(aPrefix); }
+
+// The declarations of the root that an object needs.
+class NeededDeclarations
+{
+public:
+    explicit NeededDeclarations(ILibXMLAttribute* aFirst) : mFirst(aFirst) { Find({}, kXMLNS); }
+    ~NeededDeclarations() { free(mFound); }
+    NeededDeclarations(const NeededDeclarations&) = delete;
+    NeededDeclarations& operator=(const NeededDeclarations&) = delete;
+
+    void Find(const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes);
+
+    // The number of declarations, which then are in the root's order.
+    size_t Sort()
+    {
+        std::sort(mFound, mFound + mCount,
+                  [](const ILibXMLAttribute* aLeft, const ILibXMLAttribute* aRight)
+                  { return aLeft->Name < aRight->Name; });
+        return mCount;
+    }
+    const ILibXMLAttribute* At(size_t anIndex) const { return mFound[anIndex]; }
+
+    bool Contains(const ILibXMLAttribute* aDeclaration) const
+    {
+        const std::string_view thePrefix = Shared::Prefix(aDeclaration);
+        const std::string_view theName = Shared::LocalName(aDeclaration);
+        if (thePrefix.empty()) { return Shared::Equals(theName, kXMLNS); }
+        return thePrefix.size() == kXMLNS.size() && mPrefixes.Contains(theName);
+    }
+
+private:
+    void Find(std::string_view aPrefix, std::string_view aName);
+    void FindPrefix(std::string_view aPrefix);
+    void FindPrefixes(const ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
+
+    ILibXMLAttribute* mFirst; // of the root
+    NameSet mPrefixes;        // of the object
+    const ILibXMLAttribute** mFound = nullptr;
+    size_t mCount = 0;
+    size_t mCapacity = 0;
+};
+
+} // namespace
+
+void NeededDeclarations::Find(std::string_view aPrefix, std::string_view aName)
+{
+    const ILibXMLAttribute* theAttribute =
+        ILibFindXMLAttribute(mFirst, aPrefix.data(), aPrefix.size(), aName.data(), aName.size());
+    if (!theAttribute) { return; }
+    if (mCount == mCapacity)
+    {
+        const size_t kFirstCapacity = 8;
+        mCapacity = Shared::GrowCapacity(mCapacity, mCount + 1, kFirstCapacity);
+        mFound = Shared::ResizeArray(mFound, mCapacity);
+    }
+    mFound[mCount++] = theAttribute;
 }
 
-static void AddPrefixes(NameSet* aPrefixes, const ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
+void NeededDeclarations::FindPrefix(std::string_view aPrefix)
 {
-    AddPrefix(aPrefixes, Shared::Prefix(aNode));
+    if (aPrefix.empty() || mPrefixes.Contains(aPrefix)) { return; }
+    mPrefixes.Add(aPrefix);
+    Find(kXMLNS, aPrefix);
+}
+
+void NeededDeclarations::FindPrefixes(const ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
+{
+    FindPrefix(Shared::Prefix(aNode));
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
-        AddPrefix(aPrefixes, Shared::Prefix(theAttribute));
+        FindPrefix(Shared::Prefix(theAttribute));
 }
 
-// The prefixes of the object's elements and attributes.
-static void CollectPrefixes(const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes, NameSet* aPrefixes)
+// Those of the prefixes of the object's elements and attributes.
+void NeededDeclarations::Find(const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes)
 {
     if (!anObject.mStartTag) { return; }
-    AddPrefixes(aPrefixes, anObject.mStartTag, anAttributes);
+    FindPrefixes(anObject.mStartTag, anAttributes);
     const ILibXMLNode* theEnd = anObject.mStartTag->ClosingTag;
     for (ILibXMLNode* theNode = anObject.mStartTag->Next; theNode && theNode != theEnd; theNode = theNode->Next)
     {
         theNode = anObject.SkipInnerObject(theNode);
         if (!theNode->StartTag) { continue; }
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
-        AddPrefixes(aPrefixes, theNode, theAttributes);
+        FindPrefixes(theNode, theAttributes);
         ILibDestructXMLAttributeList(theAttributes);
     }
 }
 
-// True for the default namespace, and for the declaration of one of the prefixes.
-static bool IsNeeded(const ILibXMLAttribute* anAttribute, const NameSet& aPrefixes)
+void NamespaceList::AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
+                                   const ILibXMLAttribute* anAttributes, size_t aMaxSize)
 {
-    const std::string_view thePrefix = Shared::Prefix(anAttribute);
-    const std::string_view theName = Shared::LocalName(anAttribute);
-    if (thePrefix.empty()) { return Shared::Equals(theName, kXMLNS); }
-    return thePrefix.size() == kXMLNS.size() && aPrefixes.Contains(theName);
+    NeededDeclarations theNeeded(aFirst);
+    theNeeded.Find(anObject, anAttributes);
+    const size_t theCount = theNeeded.Sort();
+    for (size_t i = 0; i < theCount; ++i)
+        AppendAttribute(this, theNeeded.At(i), ValueSource::Attribute, aMaxSize);
+
+    size_t theLeft = aMaxSize / kBytesPerReadAttribute;
+    for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute && theLeft-- > 0;
+         theAttribute = theAttribute->Next)
+    {
+        if (!IsDeclaration(theAttribute) || theNeeded.Contains(theAttribute)) { continue; }
+        AppendAttribute(this, theAttribute, ValueSource::Attribute, aMaxSize);
+    }
 }
 
 void NamespaceList::AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
                               size_t aMaxSize)
 {
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aRoot);
-    if (!theAttributes) { return; }
-    const RootAttributes theRoot = GetRootAttributes(aRoot, theAttributes, std::max(kMaxRootRead, aMaxSize));
-    if (!AddWhileAllFit(theRoot, aMaxSize))
+    if (theAttributes && !AddWhileAllFit(aRoot, theAttributes, aMaxSize))
     {
         mText.CutTo(0);
         mNames.Clear();
-        NameSet thePrefixes;
-        CollectPrefixes(anObject, anAttributes, &thePrefixes);
-        for (const bool fAddsNeeded : { true, false })
-        {
-            for (const ILibXMLAttribute* theAttribute = theRoot.mFirst;
-                 theAttribute && theAttribute->Name < theRoot.mReadEnd; theAttribute = theAttribute->Next)
-            {
-                if (!IsDeclaration(theAttribute) || IsNeeded(theAttribute, thePrefixes) != fAddsNeeded) { continue; }
-                AppendAttribute(this, theAttribute, theRoot.mSource, aMaxSize);
-            }
-        }
+        AddNeededFirst(theAttributes, anObject, anAttributes, aMaxSize);
     }
     ILibDestructXMLAttributeList(theAttributes);
 }

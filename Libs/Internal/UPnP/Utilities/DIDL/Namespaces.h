@@ -50,7 +50,9 @@ public:
 
 private:
     void AppendEscaped(std::string_view aText, ValueSource aSource);
-    bool AddWhileAllFit(const struct RootAttributes& aRoot, size_t aMaxSize);
+    bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
+    void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
+                        size_t aMaxSize);
 
     TextBuilder mText;
     NameSet mNames;

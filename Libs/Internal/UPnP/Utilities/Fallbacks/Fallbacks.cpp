@@ -1,10 +1,28 @@
 #include <UPnP/Utilities/Fallbacks/Fallbacks.h>
 
+#include <Shared/ASCII.h>
 #include <Shared/Format.h>
+#include <Shared/QualifiedName.h>
 #include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
+
+#ifdef UPNP_LACKS_ILibFindXMLAttribute
+ILibXMLAttribute* ILibFindXMLAttribute(ILibXMLAttribute* aList, const char* aPrefix, size_t aPrefixLength,
+                                       const char* aName, size_t aNameLength)
+{
+    for (ILibXMLAttribute* theAttribute = aList; theAttribute; theAttribute = theAttribute->Next)
+    {
+        if (Shared::Equals(Shared::LocalName(theAttribute), { aName, aNameLength }) &&
+            Shared::Equals(Shared::Prefix(theAttribute), { aPrefix, aPrefixLength }))
+        {
+            return theAttribute;
+        }
+    }
+    return nullptr;
+}
+#endif
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 // What was appended stays allocated, so going back to mPos makes room. At least as much as there is already is

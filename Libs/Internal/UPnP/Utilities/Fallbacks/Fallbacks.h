@@ -7,6 +7,7 @@
  *
  * The names are C's and hidden: they are not seen outside the library. */
 
+#include <UPnP/Stack/ILibXML.h>
 #include <stdarg.h>
 #include <zoLog/Log.h>
 #include <zoltTools/zoBuffer.h>
@@ -17,6 +18,11 @@
 
 #pragma GCC visibility push(hidden)
 extern "C" {
+
+#ifdef UPNP_LACKS_ILibFindXMLAttribute
+struct ILibXMLAttribute* ILibFindXMLAttribute(struct ILibXMLAttribute* aList, const char* aPrefix, size_t aPrefixLength,
+                                              const char* aName, size_t aNameLength);
+#endif
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount);
