@@ -65,14 +65,14 @@ struct ParameterSet
 
 } // namespace
 
-// The elements of a list in the orders of their hashes, and the parameters of their MIME types numbered in the order of
+// The elements of a list in two orders of their hashes, and the parameters of their MIME types numbered in the order of
 // theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared, too.
 struct ProtocolInfo::MatchIndex
 {
     uint64 mKey;
-    Entry* mByMimeType;
+    Entry* mEntries; // in the order of MIME types and profiles
     uint32 mCount;
-    uint32* mByProfile; // positions in mByMimeType
+    uint32* mByProfile; // positions in mEntries
     uint32* mWildCards; // positions of the elements whose MIME type is a wild card
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
@@ -180,7 +180,7 @@ static void CollectParameters(MatchIndex* anIndex, uint32 aParameterCount)
     uint64* theEnd = anIndex->mParameterHashes;
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
-        string_view theRest = anIndex->mByMimeType[i].mInfo->mMimeParameters;
+        string_view theRest = anIndex->mEntries[i].mInfo->mMimeParameters;
         for (string_view theParameter; NextParameter(&theRest, &theParameter);)
             *theEnd++ = KeyedHash::Hash(anIndex->mKey, theParameter);
     }
@@ -216,9 +216,9 @@ static void AddParameterSets(MatchIndex* anIndex)
     uint32 theSetCount = 0;
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
-        const uint32 theCount = CountParameters(anIndex->mByMimeType[i].mInfo->mMimeParameters);
+        const uint32 theCount = CountParameters(anIndex->mEntries[i].mInfo->mMimeParameters);
         theParameterCount += theCount;
-        anIndex->mByMimeType[i].mParameters = theCount > 0 ? theSetCount++ : kNone;
+        anIndex->mEntries[i].mParameters = theCount > 0 ? theSetCount++ : kNone;
     }
     if (theSetCount == 0) { return; }
     CollectParameters(anIndex, theParameterCount);
@@ -227,7 +227,7 @@ static void AddParameterSets(MatchIndex* anIndex)
     uint32* theNumbers = anIndex->mNumbers;
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
-        const Entry& theEntry = anIndex->mByMimeType[i];
+        const Entry& theEntry = anIndex->mEntries[i];
         if (theEntry.mParameters == kNone) { continue; }
         const ParameterSet theSet = ReadSet(anIndex, theEntry.mInfo->mMimeParameters, theNumbers);
         anIndex->mSets[theEntry.mParameters] = theSet;
@@ -245,11 +245,35 @@ static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
              kNone };
 }
 
+static bool IsBefore(const Entry& aLeft, const Entry& aRight)
+{
+    const uint32 theLeft[] = { aLeft.mMimeType, aLeft.mProfile, aLeft.mProtocol, aLeft.mNetwork };
+    const uint32 theRight[] = { aRight.mMimeType, aRight.mProfile, aRight.mProtocol, aRight.mNetwork };
+    for (size_t i = 0; i < std::size(theLeft); ++i)
+    {
+        if (theLeft[i] != theRight[i]) { return theLeft[i] < theRight[i]; }
+    }
+    const int theOrder = aLeft.mInfo->mProfile.compare(aRight.mInfo->mProfile);
+    return theOrder != 0 ? theOrder < 0 : aLeft.mInfo->mMimeParameters < aRight.mInfo->mMimeParameters;
+}
+
+// True if two elements match the same.
+static bool AreEqual(const Entry& aLeft, const Entry& aRight)
+{
+    const zoDLNAProtocolInfo_t* theLeft = aLeft.mInfo;
+    const zoDLNAProtocolInfo_t* theRight = aRight.mInfo;
+    return IsSame(theLeft->mMimeType, theRight->mMimeType) && theLeft->mProfile == theRight->mProfile &&
+           IsSame(theLeft->mProtocol, theRight->mProtocol) && IsSame(theLeft->mNetwork, theRight->mNetwork) &&
+           theLeft->mMimeParameters == theRight->mMimeParameters;
+}
+
+// Of several elements that match the same, one is kept.
 static void SortEntries(MatchIndex* anIndex)
 {
-    Entry* theEntries = anIndex->mByMimeType;
-    std::sort(theEntries, theEntries + anIndex->mCount,
-              [](const Entry& aLeft, const Entry& aRight) { return aLeft.mMimeType < aRight.mMimeType; });
+    Entry* theEntries = anIndex->mEntries;
+    std::sort(theEntries, theEntries + anIndex->mCount, IsBefore);
+    const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
+    anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
     anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
     anIndex->mWildCards = Shared::NewArray<uint32>(anIndex->mCount);
     for (uint32 i = 0; i < anIndex->mCount; ++i)
@@ -267,13 +291,13 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
     MatchIndex* theIndex = Shared::NewZeroedArray<MatchIndex>(1);
     theIndex->mKey = KeyedHash::NewKey();
     theIndex->mCount = static_cast<uint32>(CountOf(aList));
-    theIndex->mByMimeType = Shared::NewArray<Entry>(theIndex->mCount);
+    theIndex->mEntries = Shared::NewArray<Entry>(theIndex->mCount);
     for (uint32 i = 0; i < theIndex->mCount; ++i)
-        theIndex->mByMimeType[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
+        theIndex->mEntries[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
     SortEntries(theIndex);
     AddParameterSets(theIndex);
-    const zoDLNAProtocolInfo_t* theFirst = theIndex->mByMimeType[0].mInfo;
-    theIndex->mfHasOneTransport = std::all_of(theIndex->mByMimeType, theIndex->mByMimeType + theIndex->mCount,
+    const zoDLNAProtocolInfo_t* theFirst = theIndex->mEntries[0].mInfo;
+    theIndex->mfHasOneTransport = std::all_of(theIndex->mEntries, theIndex->mEntries + theIndex->mCount,
                                               [theFirst](const Entry& anEntry)
                                               {
         return Shared::Equals(anEntry.mInfo->mProtocol, theFirst->mProtocol) &&
@@ -285,7 +309,7 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
 static void DeleteMatchIndex(MatchIndex* anIndex)
 {
     if (!anIndex) { return; }
-    free(anIndex->mByMimeType);
+    free(anIndex->mEntries);
     free(anIndex->mByProfile);
     free(anIndex->mWildCards);
     free(anIndex->mParameterHashes);
@@ -342,6 +366,7 @@ private:
     bool TransportMayMatch(const Entry& anEntry);
     bool HasParametersOf(const Entry& anEntry);
     bool MatchesProfiles();
+    bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesMimeTypes();
 
     const MatchIndex* mIndex;
@@ -411,7 +436,7 @@ bool Query::Matches(const Entry& anEntry)
 bool Query::MatchesProfiles()
 {
     const uint32 theProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
-    const Entry* theEntries = mIndex->mByMimeType;
+    const Entry* theEntries = mIndex->mEntries;
     const uint32* theBegin = mIndex->mByProfile;
     const uint32* theEnd = theBegin + mIndex->mCount;
     const uint32* thePosition = std::lower_bound(theBegin, theEnd, theProfile,
@@ -426,27 +451,46 @@ bool Query::MatchesProfiles()
     return false;
 }
 
+// Looks at the elements of a MIME type: at all of them or at those of one profile, of 0 at those without one.
+bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
+{
+    const Entry* theBegin = mIndex->mEntries;
+    const Entry* theEnd = theBegin + mIndex->mCount;
+    const Entry* theEntry = std::lower_bound(theBegin, theEnd, afAnyProfile ? 0 : aProfile,
+                                             [aMimeType](const Entry& anEntry, uint32 aLeast) {
+        return anEntry.mMimeType != aMimeType ? anEntry.mMimeType < aMimeType : anEntry.mProfile < aLeast;
+    });
+    for (; theEntry < theEnd && theEntry->mMimeType == aMimeType; ++theEntry)
+    {
+        if (!afAnyProfile && theEntry->mProfile != aProfile) { return false; }
+        if (Matches(*theEntry)) { return true; }
+    }
+    return false;
+}
+
 // Looks at the elements of the protocol info's MIME type, and at those whose MIME type is a wild card.
 bool Query::MatchesMimeTypes()
 {
     const uint32 theMimeType = HashOf(mIndex->mKey, mInfo->mMimeType);
-    const Entry* theBegin = mIndex->mByMimeType;
-    const Entry* theEnd = theBegin + mIndex->mCount;
-    const Entry* theEntry =
-        std::lower_bound(theBegin, theEnd, theMimeType,
-                         [](const Entry& anEntry, uint32 aMimeType) { return anEntry.mMimeType < aMimeType; });
-    for (; theEntry < theEnd && theEntry->mMimeType == theMimeType; ++theEntry)
+    const bool fChecksProfile = !(mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck);
+    if (fChecksProfile && !mInfo->mProfile.empty())
     {
-        if (Matches(*theEntry)) { return true; }
+        const uint32 theProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
+        mfHasProfile = true;
+        mProfile = theProfile;
+        const bool fTakesNone = (mFlags & kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
+        if (MatchesAmong(theMimeType, false, theProfile)) { return true; }
+        if (fTakesNone && MatchesAmong(theMimeType, false, 0)) { return true; }
     }
+    else if (MatchesAmong(theMimeType, true, 0)) { return true; }
     if (!(mFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck)) { return false; }
     return std::any_of(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
-                       [this](uint32 aPosition) { return Matches(mIndex->mByMimeType[aPosition]); });
+                       [this](uint32 aPosition) { return Matches(mIndex->mEntries[aPosition]); });
 }
 
 bool Query::MatchesAny()
 {
-    if (mIndex->mfHasOneTransport && !TransportMatches(mIndex->mByMimeType[0].mInfo, mInfo)) { return false; }
+    if (mIndex->mfHasOneTransport && !TransportMatches(mIndex->mEntries[0].mInfo, mInfo)) { return false; }
     if (!(mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return MatchesMimeTypes(); }
     const int kProfileFlags = kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile |
                               kzoDLNAProtocolInfoMatch_ProfileNotNULL;
@@ -456,7 +500,7 @@ bool Query::MatchesAny()
         return !mInfo->mProfile.empty() && MatchesProfiles();
     }
     return theProfileFlags == 0 ? MatchesProfiles()
-                                : std::any_of(mIndex->mByMimeType, mIndex->mByMimeType + mIndex->mCount,
+                                : std::any_of(mIndex->mEntries, mIndex->mEntries + mIndex->mCount,
                                               [this](const Entry& anEntry) { return Matches(anEntry); });
 }
 

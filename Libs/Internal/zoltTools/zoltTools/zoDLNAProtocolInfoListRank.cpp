@@ -10,6 +10,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/Private/zoDLNAProtocolInfoList.h>
+#include <zoltTools/Private/zoKeyedHash.h>
 #include <zoltTools/zoMemory.h>
 
 using ProtocolInfo::CountOf;
@@ -24,19 +25,14 @@ namespace
 
 const uint32 kNoRank = 0xFFFFFFFF;
 
-// A word of a comma-separated text and its place there.
-struct Word
-{
-    string_view mText;
-    uint32 mRank;
-};
-
-// The words of a text in alphabetical order; of equal ones the first.
+// The words of a comma-separated text, each found by its hash in a table that is at most half full.
 struct WordTable
 {
-    Word* mWords; // owned
+    uint64 mKey;
+    string_view* mWords; // owned; a word's position is its rank
     uint32 mCount;
-    uint32 mRankCount;
+    uint32* mSlots; // owned; ranks, of equal words the first; kNoRank is free
+    uint32 mSlotMask;
     uint32 mAnyRank; // of the first "*"; kNoRank without one
 };
 
@@ -126,40 +122,47 @@ static bool NextWord(string_view* aRest, string_view* aWord)
     return false;
 }
 
-static WordTable NewWordTable(string_view aText)
+// @return the slot of a word that equals aWord, or the free one where it would be.
+static uint32* FindSlot(const WordTable& aTable, string_view aWord)
 {
-    WordTable theTable = {};
-    theTable.mWords =
-        Shared::NewZeroedArray<Word>(static_cast<size_t>(std::count(aText.begin(), aText.end(), ',')) + 1);
-    theTable.mAnyRank = kNoRank;
-    for (string_view theWord; NextWord(&aText, &theWord); ++theTable.mRankCount)
-    {
-        if (IsAny(theWord)) { theTable.mAnyRank = std::min(theTable.mAnyRank, theTable.mRankCount); }
-        theTable.mWords[theTable.mRankCount] = { theWord, theTable.mRankCount };
-    }
-    Word* theEnd = theTable.mWords + theTable.mRankCount;
-    std::sort(theTable.mWords, theEnd,
-              [](const Word& aLeft, const Word& aRight)
-              {
-        const int theOrder = Shared::CompareIgnoringCase(aLeft.mText, aRight.mText);
-        return theOrder != 0 ? theOrder < 0 : aLeft.mRank < aRight.mRank;
-    });
-    theEnd = std::unique(theTable.mWords, theEnd,
-                         [](const Word& aLeft, const Word& aRight)
-                         { return Shared::EqualsIgnoringCase(aLeft.mText, aRight.mText); });
-    theTable.mCount = static_cast<uint32>(theEnd - theTable.mWords);
-    return theTable;
+    uint32 theSlot = static_cast<uint32>(KeyedHash::Hash(aTable.mKey, aWord)) & aTable.mSlotMask;
+    while (aTable.mSlots[theSlot] != kNoRank &&
+           !Shared::EqualsIgnoringCase(aTable.mWords[aTable.mSlots[theSlot]], aWord))
+        theSlot = (theSlot + 1) & aTable.mSlotMask;
+    return &aTable.mSlots[theSlot];
 }
 
 // @return the rank of the first word that equals aWord; kNoRank when there is none.
-static uint32 FindRank(const WordTable& aTable, string_view aWord)
+static uint32 FindRank(const WordTable& aTable, string_view aWord) { return *FindSlot(aTable, aWord); }
+
+static WordTable NewWordTable(string_view aText)
 {
-    const Word* theBegin = aTable.mWords;
-    const Word* theEnd = theBegin + aTable.mCount;
-    const Word* theFound = std::lower_bound(theBegin, theEnd, aWord,
-                                            [](const Word& aLeft, string_view aRight)
-                                            { return Shared::CompareIgnoringCase(aLeft.mText, aRight) < 0; });
-    return theFound != theEnd && Shared::EqualsIgnoringCase(theFound->mText, aWord) ? theFound->mRank : kNoRank;
+    const size_t theCapacity = static_cast<size_t>(std::count(aText.begin(), aText.end(), ',')) + 1;
+    size_t theSlotCount = 2;
+    while (theSlotCount < 2 * theCapacity)
+        theSlotCount *= 2;
+
+    WordTable theTable = {};
+    theTable.mKey = KeyedHash::NewKey();
+    theTable.mWords = Shared::NewZeroedArray<string_view>(theCapacity);
+    theTable.mSlots = Shared::NewArray<uint32>(theSlotCount);
+    theTable.mSlotMask = static_cast<uint32>(theSlotCount - 1);
+    theTable.mAnyRank = kNoRank;
+    std::fill_n(theTable.mSlots, theSlotCount, kNoRank);
+    for (string_view theWord; NextWord(&aText, &theWord); ++theTable.mCount)
+    {
+        if (IsAny(theWord)) { theTable.mAnyRank = std::min(theTable.mAnyRank, theTable.mCount); }
+        theTable.mWords[theTable.mCount] = theWord;
+        uint32* theSlot = FindSlot(theTable, theWord);
+        if (*theSlot == kNoRank) { *theSlot = theTable.mCount; }
+    }
+    return theTable;
+}
+
+static void FreeWordTable(const WordTable& aTable)
+{
+    free(aTable.mWords);
+    free(aTable.mSlots);
 }
 
 // ---- Ranks ----
@@ -193,16 +196,16 @@ static void StartCursor(zoDLNAProtocolInfoList_t* aList, const char* anOrder, co
     Cursor* theCursor = &aList->mCursor;
     theCursor->mOrder = zoStrdup(anOrder);
     theCursor->mSupported = zoStrdup(aSupported);
-    theCursor->mRankCount = theOrder.mRankCount;
-    theCursor->mRemaining = Shared::NewZeroedArray<uint32>(theOrder.mRankCount);
+    theCursor->mRankCount = theOrder.mCount;
+    theCursor->mRemaining = Shared::NewZeroedArray<uint32>(theOrder.mCount);
     for (size_t i = 0; i < CountOf(aList); ++i)
     {
         Slot* theSlot = SlotAt(aList, i);
         theSlot->mRank = RankOf(theSlot->mInfo->mProtocol, theOrder, theSupported);
         if (theSlot->mRank != kNoRank) { ++theCursor->mRemaining[theSlot->mRank]; }
     }
-    free(theOrder.mWords);
-    free(theSupported.mWords);
+    FreeWordTable(theOrder);
+    FreeWordTable(theSupported);
 }
 
 static bool HasCursorFor(const zoDLNAProtocolInfoList_t* aList, const char* anOrder, const char* aSupported)
@@ -299,8 +302,8 @@ size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSink
     const WordTable theOrderTable = NewWordTable(theOrder);
     const WordTable theSupportedTable = NewWordTable(theSupported);
     const size_t theCount = RankByWords(theOrderTable, theSupportedTable, anInfos, aCount);
-    free(theOrderTable.mWords);
-    free(theSupportedTable.mWords);
+    FreeWordTable(theOrderTable);
+    FreeWordTable(theSupportedTable);
     free(theSupported);
     return theCount;
 }

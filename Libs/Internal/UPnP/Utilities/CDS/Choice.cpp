@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/CDS/Choice.h>
 
+#include <UPnP/Utilities/CDS/Best.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <algorithm>
 
@@ -36,83 +37,77 @@ const uint32 kHasProfileWeight = 0x8000;
 
 } // namespace
 
+// A resource without protocol info matches everything.
 static bool IsCandidate(const Resource& aResource, const zoDLNAProtocolInfoList_t* aSinkList, bool afSearchingThumbnail,
                         int aMatchFlags)
 {
-    if (!aResource.mfHasProtocolInfo) { return aResource.mInfo != nullptr; }
+    if (!aResource.mfHasProtocolInfo) { return true; }
     if (!afSearchingThumbnail && zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo)) { return false; }
     return !aSinkList || zoDLNAProtocolInfoList_Match(aSinkList, aResource.mInfo, aMatchFlags) != 0;
 }
 
-// Collects in the resources' room those that match the sink list, or all without one. With a sink list that is not
-// empty, resources that are not converted come first. @return their number.
-static size_t GetMatchingResourceList(Resources* aResources, const zoDLNAProtocolInfoList_t* aSinkList,
-                                      bool afSearchingThumbnail, int aMatchFlags)
+// Puts the resources whose transport protocol suits in an array, the best transport protocol first, and of equally good
+// ones, if asked for, what is not converted. @return their number.
+static size_t PutResourceIndexInArray(const Resources& aResources, const Renderer& aRenderer, bool afUnconvertedFirst,
+                                      zoDLNAProtocolInfo_t** anArray)
 {
-    const bool fSinkHasProtocolInfo = zoDLNAProtocolInfoList_GetCount(aSinkList) > 0;
-    zoDLNAProtocolInfo_t** theCandidates = aResources->GetRoom();
-    zoDLNAProtocolInfo_t** const theRoomEnd = theCandidates + aResources->GetCount();
-    zoDLNAProtocolInfo_t** theLast = theRoomEnd; // from here on, last first, those that come last
+    zoDLNAProtocolInfo_t** const theEnd = anArray + aResources.GetCount();
+    zoDLNAProtocolInfo_t** theLast = theEnd; // from here on, last first, what is converted
     size_t theCount = 0;
-    for (uint32 i = 0; i < aResources->GetCount(); ++i)
+    for (uint32 i = 0; i < aResources.GetCount(); ++i)
     {
-        const Resource& theResource = aResources->At(i);
-        if (!IsCandidate(theResource, aSinkList, afSearchingThumbnail, aMatchFlags)) { continue; }
-        const bool fComesLast =
-            fSinkHasProtocolInfo && zoDLNAProtocolInfo_GetConversionIndicator(theResource.mInfo) != 0;
-        *(fComesLast ? --theLast : theCandidates + theCount++) = theResource.mInfo;
+        zoDLNAProtocolInfo_t* theInfo = aResources.At(i).mInfo;
+        if (!theInfo) { continue; }
+        const bool fComesLast = afUnconvertedFirst && zoDLNAProtocolInfo_GetConversionIndicator(theInfo) != 0;
+        *(fComesLast ? --theLast : anArray + theCount++) = theInfo;
     }
-    std::reverse(theLast, theRoomEnd);
-    std::copy(theLast, theRoomEnd, theCandidates + theCount);
-    return theCount + static_cast<size_t>(theRoomEnd - theLast);
-}
-
-// Moves the candidates whose transport protocol suits to the front, the best first. @return their number.
-static size_t PutResourceIndexInArray(zoDLNAProtocolInfo_t** aCandidates, size_t aCount, const Renderer& aRenderer)
-{
+    std::reverse(theLast, theEnd);
+    std::copy(theLast, theEnd, anArray + theCount);
+    theCount += static_cast<size_t>(theEnd - theLast);
+    if (theCount == 0) { return 0; }
     const bool fHasOrder = *aRenderer.mSchemeOrder != '\0';
     return zoDLNAProtocolInfoList_RankByScheme(aRenderer.mSinkList,
                                                fHasOrder ? aRenderer.mSchemeOrder : kzoPreferredSchemeOrder_Default,
-                                               aRenderer.mSupportedProtocols, aCandidates, aCount);
+                                               aRenderer.mSupportedProtocols, anArray, theCount);
 }
 
-static uint32 Weigh(const Resources& aResources, uint32 anIndex, int aConfidence, Targets aTargets)
+// @return the index of the first of the ranked resources that match in a stage and that no other outweighs; -1 when
+//         none matches.
+static int ChooseInStage(const Stage& aStage, const Resources& aResources, const Renderer& aRenderer,
+                         zoDLNAProtocolInfo_t* const* aRanked, size_t aCount)
 {
-    const bool fHasProfile = aConfidence == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
-    return (fHasProfile ? kHasProfileWeight : 0) + aResources.WeighHost(anIndex, aTargets);
-}
-
-// @return the first of the candidates, of which there is one at least, that no other outweighs.
-static uint32 FindHeaviest(const Resources& aResources, zoDLNAProtocolInfo_t* const* aCandidates, size_t aCount,
-                           int aConfidence, Targets aTargets)
-{
-    const auto theIndexAt = [aCandidates](size_t aPosition)
-    { return static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(aCandidates[aPosition])); };
-    uint32 theBest = theIndexAt(0);
-    if (aCount == 1) { return theBest; }
-    uint32 theBestWeight = Weigh(aResources, theBest, aConfidence, aTargets);
-    for (size_t i = 1; i < aCount; ++i)
+    const zoDLNAProtocolInfoList_t* theSinkList = aStage.mfUsesSinkList ? aRenderer.mSinkList : nullptr;
+    Best theBest(
+        [&](uint32 anIndex)
+        {
+        const bool fHasProfile = aStage.mConfidence == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
+        return (fHasProfile ? kHasProfileWeight : 0) + aResources.WeighHost(anIndex, aRenderer.mTargets);
+    });
+    for (size_t i = 0; i < aCount; ++i)
     {
-        const uint32 theWeight = Weigh(aResources, theIndexAt(i), aConfidence, aTargets);
-        if (theWeight <= theBestWeight) { continue; }
-        theBest = theIndexAt(i);
-        theBestWeight = theWeight;
+        const uint32 theIndex = static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(aRanked[i]));
+        if (IsCandidate(aResources.At(theIndex), theSinkList, aRenderer.mfSearchingThumbnail, aStage.mMatchFlags))
+        {
+            theBest.Add(theIndex);
+        }
     }
-    return theBest;
+    return theBest.GetIndex();
 }
 
 Choice Choose(Resources* aResources, const Renderer& aRenderer)
 {
+    zoDLNAProtocolInfo_t** theRanked = aResources->GetRoom();
+    bool fUnconvertedFirst = zoDLNAProtocolInfoList_GetCount(aRenderer.mSinkList) > 0;
+    size_t theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
     for (const Stage& theStage : kStages)
     {
-        zoDLNAProtocolInfo_t** theCandidates = aResources->GetRoom();
-        size_t theCount = GetMatchingResourceList(aResources, theStage.mfUsesSinkList ? aRenderer.mSinkList : nullptr,
-                                                  aRenderer.mfSearchingThumbnail, theStage.mMatchFlags);
-        if (theCount > 0) { theCount = PutResourceIndexInArray(theCandidates, theCount, aRenderer); }
-        if (theCount == 0) { continue; }
-        const uint32 theBest =
-            FindHeaviest(*aResources, theCandidates, theCount, theStage.mConfidence, aRenderer.mTargets);
-        return { static_cast<int>(theBest), theStage.mConfidence };
+        if (fUnconvertedFirst && !theStage.mfUsesSinkList)
+        {
+            fUnconvertedFirst = false;
+            theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
+        }
+        const int theBest = ChooseInStage(theStage, *aResources, aRenderer, theRanked, theCount);
+        if (theBest >= 0) { return { theBest, theStage.mConfidence }; }
     }
     return { -1, kRendererPlayConfidence_WillNot };
 }

@@ -3,6 +3,7 @@
 #include <Shared/ASCII.h>
 #include <Shared/Sizes.h>
 #include <Shared/Split.h>
+#include <UPnP/Utilities/CDS/Best.h>
 #include <algorithm>
 #include <iterator>
 #include <stdlib.h>
@@ -146,25 +147,6 @@ bool HasListedFamily(const AlbumArt& anAlbumArt, string_view aProfiles)
 namespace
 {
 
-// The best of the resources that are added in their order.
-class Best
-{
-public:
-    Best(const Resources& aResources, Targets aTargets) : mResources(aResources), mTargets(aTargets) {}
-
-    int GetIndex() const { return mIndex; } // -1 when none was added
-    void Add(uint32 anIndex);
-
-private:
-    uint32 Weigh(uint32 anIndex) const;
-
-    const Resources& mResources;
-    Targets mTargets;
-    int mIndex = -1;
-    bool mfIsWeighed = false; // only one of several needs to be
-    uint32 mWeight = 0;
-};
-
 // A search over resources whose transport protocol is known to suit.
 class ThumbnailSearch
 {
@@ -184,6 +166,7 @@ private:
     string_view ProfileAt(uint32 aPosition) const;
     bool IsWithoutInfo(uint32 aPosition) const;
 
+    uint32 Weigh(uint32 anIndex) const;
     template <typename Predicate>
     int FindBest(Predicate afIsMeant) const;
     int FindOfProfile(string_view aProfile);
@@ -201,27 +184,6 @@ private:
 };
 
 } // namespace
-
-uint32 Best::Weigh(uint32 anIndex) const
-{
-    const bool fIsConverted = zoDLNAProtocolInfo_GetConversionIndicator(mResources.At(anIndex).mInfo) != 0;
-    return 2 * mResources.WeighHost(anIndex, mTargets) + (fIsConverted ? 0 : 1);
-}
-
-void Best::Add(uint32 anIndex)
-{
-    if (mIndex < 0)
-    {
-        mIndex = static_cast<int>(anIndex);
-        return;
-    }
-    if (!mfIsWeighed) { mWeight = Weigh(static_cast<uint32>(mIndex)); }
-    mfIsWeighed = true;
-    const uint32 theWeight = Weigh(anIndex);
-    if (theWeight <= mWeight) { return; }
-    mIndex = static_cast<int>(anIndex);
-    mWeight = theWeight;
-}
 
 ThumbnailSearch::ThumbnailSearch(Resources* aResources, Targets aTargets)
     : mResources(*aResources), mTargets(aTargets), mInfos(aResources->GetRoom()), mCount(0)
@@ -245,10 +207,16 @@ bool ThumbnailSearch::IsWithoutInfo(uint32 aPosition) const
     return !mResources.At(static_cast<uint32>(IndexAt(aPosition))).mfHasProtocolInfo;
 }
 
+uint32 ThumbnailSearch::Weigh(uint32 anIndex) const
+{
+    const bool fIsConverted = zoDLNAProtocolInfo_GetConversionIndicator(mResources.At(anIndex).mInfo) != 0;
+    return 2 * mResources.WeighHost(anIndex, mTargets) + (fIsConverted ? 0 : 1);
+}
+
 template <typename Predicate>
 int ThumbnailSearch::FindBest(Predicate afIsMeant) const
 {
-    Best theBest(mResources, mTargets);
+    Best theBest([this](uint32 anIndex) { return Weigh(anIndex); });
     for (uint32 i = 0; i < mCount; ++i)
     {
         if (afIsMeant(i)) { theBest.Add(static_cast<uint32>(IndexAt(i))); }
@@ -281,7 +249,7 @@ int ThumbnailSearch::FindOfProfile(string_view aProfile)
     const uint32* thePosition =
         std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
                          [this](uint32 aLeft, string_view aRight) { return ProfileAt(aLeft) < aRight; });
-    Best theBest(mResources, mTargets);
+    Best theBest([this](uint32 anIndex) { return Weigh(anIndex); });
     for (; thePosition < theEnd && ProfileAt(*thePosition) == aProfile; ++thePosition)
         theBest.Add(static_cast<uint32>(IndexAt(*thePosition)));
     return theBest.GetIndex();
