@@ -56,9 +56,9 @@ ZOLTTOOLS_API int zoConfigFile_IsLoaded(const zoConfigFile* aConfigFile);
  *
  * The new file keeps the mode of the old one, and its owner and group where the process may set them. A file of another
  * user therefore becomes the process's own, unless that is privileged: with the old group, if the process is a member
- * of it; else with the process's group, which then may do what everybody may. Where modes can't be set (FAT, some
- * network file systems), and for the first file, the mode is 0644 less the umask. Access control lists and extended
- * attributes are lost; another hard link goes on naming the old file.
+ * of it; else with the process's group, which then may do what everybody may. A first file has the mode 0644 less the
+ * umask. So has one where modes can't be set (FAT, some network file systems), or 0600 when the old one keeps others
+ * out. Access control lists and extended attributes are lost; another hard link goes on naming the old file.
  * @return 1 when the file is written, or nothing has to be (NULL path); 0 when that failed, which is logged: the old
  *         file is then as it was, or, when only the folder could not be flushed, the new one is in its place.
  */
