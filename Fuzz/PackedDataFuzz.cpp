@@ -135,6 +135,13 @@ void CheckBlock(char* aBlock, size_t aSize)
     free(TakeCopiedBlock(theRecord, theEntries));
 }
 
+// Most tags are low: an entry's table of tags is as long as the largest, and filling it is most of a run.
+uint16 TagOf(const uint8_t* aBytes)
+{
+    const int theHighByte = aBytes[0] < 0xFC ? aBytes[0] % 4 : aBytes[0];
+    return static_cast<uint16>(theHighByte << 8 | aBytes[1]);
+}
+
 // Adds values, each a tag of two bytes and a size of one before its bytes; 0xFF as size begins an entry.
 char* NewBlockOf(const uint8_t* aBytes, size_t aSize, size_t* aBlockSize)
 {
@@ -142,7 +149,7 @@ char* NewBlockOf(const uint8_t* aBytes, size_t aSize, size_t* aBlockSize)
     Entries theEntries;
     for (size_t i = 0; i + 3 <= aSize;)
     {
-        const uint16 theTag = static_cast<uint16>(aBytes[i] << 8 | aBytes[i + 1]);
+        const uint16 theTag = TagOf(aBytes + i);
         const size_t theValueSize = std::min<size_t>(aBytes[i + 2], aSize - i - 3);
         if (aBytes[i + 2] == 0xFF) { AddEntry(theRecord, theEntries); }
         else { Add(theRecord, theEntries, theTag, std::string(aBytes + i + 3, aBytes + i + 3 + theValueSize)); }

@@ -188,8 +188,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     const Records theBlocks = Read(aBytes, aSize);
     CDSEntryInfo theEntry(zoPackedData_NewData(theBlocks.mEntry));
     CDSResourceInfo theResources(theBlocks.mResources, theEntry.mPackedData);
+    const size_t theSize = theEntry.GetMemoryUsage() + theResources.GetMemoryUsage();
+    const HeapPeak thePeak;
     CheckEntry(theEntry);
     CheckResources(theResources, theEntry);
     CheckDocuments(theEntry, theResources);
+    RequireHeap(thePeak.Bytes(), theSize, 64);
     return 0;
 }

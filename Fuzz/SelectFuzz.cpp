@@ -36,7 +36,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
         AddText(theRecord, kCDSResourceInfo_URI, theLines.Take());
     }
 
+    const size_t theRecordSize = zoPackedData_GetMemoryUsage(theRecord);
     CDSResourceInfo theInfo(theRecord, nullptr);
+    const HeapPeak thePeak;
     uint32 theTargets[] = { 0x01020A0A, 0xFFFFFFFF };
     int theConfidence = -1;
     const int theBest = theInfo.GetBestResourceIndexFromStr(theSink, &theConfidence, theOrder, theTargets, 2, false);
@@ -51,6 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
         theInfo.GetProtocolInfoForResourceIndex(i);
         CheckLock(theInfo.GetInfoAsCString(i, kCDSResourceInfo_URI));
     }
+    RequireHeap(thePeak.Bytes(), aSize + theRecordSize, 64);
     free(theText);
     return 0;
 }
