@@ -266,9 +266,12 @@ void AddHookShapes(Shapes& aShapes)
             aMeter.Run(theList.size() + theAgent.size(),
                        [&]
                        {
-                UPnPHook_SetProperty(theHook, 0, theList.c_str());
-                for (int i = 0; i < 5; ++i)
+                for (int i = 0; i < kUPnPHookProperty_Count; ++i)
                     UPnPHook_SetProperty(theHook, i, theList.c_str());
+                int fIsChunked = 0;
+                char fIsOK = 0;
+                UPnPHook_Hook(theHook, kUPnPHook_CheckHTTPChunk, const_cast<char*>(theAgent.c_str()), &fIsChunked);
+                UPnPHook_Hook(theHook, kUPnPHook_CheckPlayMode, const_cast<char*>(theAgent.c_str()), &fIsOK);
                 Use(reinterpret_cast<void*>(
                     static_cast<intptr_t>(zoCStringParser_ListContains(theList.c_str(), ",", theAgent.c_str()))));
             });
