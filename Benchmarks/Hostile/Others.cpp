@@ -160,8 +160,32 @@ void AddGroupShapes(Shapes& aShapes)
     }
 }
 
+// Sections with the shortest names there are, each with the shortest key: the most records a byte.
+std::string ShortestSections(size_t aSize)
+{
+    static const size_t kLetters = 0xEF - 0x80;
+    std::string theText;
+    for (size_t i = 0; theText.size() < aSize; ++i)
+    {
+        theText += '[';
+        for (size_t theNumber = i; theNumber > 0; theNumber /= kLetters)
+            theText += static_cast<char>(0x80 + theNumber % kLetters);
+        theText += "]\n=\n";
+    }
+    return theText;
+}
+
 void AddConfigurationShapes(Shapes& aShapes)
 {
+    const auto theUse = [](std::string& aText)
+    {
+        zoConfigFile* theFile = zoConfigFile_NewFromText(aText.data(), aText.size());
+        for (size_t i = 0; i < zoConfigFile_GetSectionCount(theFile); ++i)
+            Use(zoConfigFile_GetSectionAt(theFile, i));
+        free(zoConfigFile_GetText(theFile, nullptr));
+        zoConfigFile_Delete(theFile);
+    };
+    AddText(aShapes, "configuration: shortest sections and keys", ShortestSections, theUse);
     for (const std::string theLine : { "\n", "#\n", "a\n", "=\n", "[]\n", "[#]\n", "[#]\na=b\n", "a#=b\n", "a=b\n",
                                        "[s]\nk#=v\n[t]\n", "k=\\\\\\\\\n", "\\" })
     {
@@ -169,15 +193,7 @@ void AddConfigurationShapes(Shapes& aShapes)
         for (size_t theEnd; (theEnd = theName.find('\n')) != theName.npos;)
             theName.replace(theEnd, 1, "|");
         AddText(
-            aShapes, "configuration: " + theName, [=](size_t aSize) { return Fill(theLine, aSize); },
-            [](std::string& aText)
-            {
-            zoConfigFile* theFile = zoConfigFile_NewFromText(aText.data(), aText.size());
-            for (size_t i = 0; i < zoConfigFile_GetSectionCount(theFile); ++i)
-                Use(zoConfigFile_GetSectionAt(theFile, i));
-            free(zoConfigFile_GetText(theFile, nullptr));
-            zoConfigFile_Delete(theFile);
-            });
+            aShapes, "configuration: " + theName, [=](size_t aSize) { return Fill(theLine, aSize); }, theUse);
     }
     AddText(
         aShapes, "configuration: %HOSTNAME%", [](size_t aSize) { return Fill("%HOSTNAME%", aSize); },
