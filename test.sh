@@ -12,22 +12,22 @@ case ${1-} in
     sed -n '2,3s/^# //p' "$0"
     exit
     ;;
---all) presets=(dev release-tests asan asan-clang tsan i386) ;;
+--all) presets=(dev release-tests platform asan asan-clang tsan i386) ;;
 --all-targets) presets=(i386 armhf mips) ;;
 esac
 
 for preset in "${presets[@]}"; do
     packages=(cmake ninja-build g++ ccache libcli11-dev googletest pkg-config)
     case $preset in
-    dev | release-tests | asan | tsan) ;;
+    dev | release-tests | platform | asan | tsan) ;;
     asan-clang) packages+=(clang libclang-rt-14-dev) ;;
     i386) packages+=(g++-12-multilib) ;;
     valgrind) packages+=(valgrind) ;;
     armhf) packages+=(g++-arm-linux-gnueabihf qemu-user) ;;
     mips) packages+=(g++-mips-linux-gnu qemu-user) ;;
     *)
-        echo "$0: no tests for a preset \"$preset\"; there are dev, release-tests, asan, asan-clang, tsan, valgrind, i386," \
-            "armhf, mips" >&2
+        echo "$0: no tests for a preset \"$preset\"; there are dev, release-tests, platform, asan, asan-clang, tsan," \
+            "valgrind, i386, armhf, mips" >&2
         exit 2
         ;;
     esac

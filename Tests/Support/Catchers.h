@@ -28,6 +28,15 @@ private:
     zoAssertHandler_t mBefore;
 };
 
+// A source file and ": ", as LogCatcher writes it: without the file where the platform's log does not take it.
+inline std::string LoggedFrom(const char* aFile)
+{
+#ifdef UPNP_LACKS_zoLog_SetLocation
+    aFile = "";
+#endif
+    return std::string(aFile) + ": ";
+}
+
 // Catches log messages below a level while it lives, each as "level/module file: text".
 class LogCatcher
 {

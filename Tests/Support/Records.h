@@ -39,8 +39,21 @@ void AddNumber(zoPackedData_t* aRecord, uint16 aTag, Number aNumber)
 // A text of a record; "(none)" when the tag is absent or has no bytes.
 inline std::string TextOf(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
-    const char* theText = zoPackedData_GetData(aRecord, anEntry, aTag, nullptr);
-    return theText ? theText : "(none)";
+    size_t theSize = 0;
+    const char* theText = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
+    return theText ? std::string(theText, strnlen(theText, theSize)) : "(none)";
+}
+
+// The texts of an array of a record, each with a "|" after it.
+inline std::string TextsOf(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    zoArray_t* theArray = zoPackedData_GetDataArray(aRecord, anEntry, aTag, zoStringArray_UnFlattenerFunc);
+    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+    std::string theTexts;
+    for (size_t i = 0; i < zoArray_GetCount(theArray); ++i)
+        theTexts += static_cast<char*>(zoArray_At(theArray, i)) + std::string("|");
+    zoArray_Delete(theArray);
+    return theTexts;
 }
 
 inline zoArray_t* NewStringArray(const std::vector<std::string>& aTexts)
@@ -50,4 +63,11 @@ inline zoArray_t* NewStringArray(const std::vector<std::string>& aTexts)
     for (const std::string& theText : aTexts)
         zoArray_Append(theArray, strdup(theText.c_str()));
     return theArray;
+}
+
+inline void AddTextArray(zoPackedData_t* aRecord, uint16 aTag, const std::vector<std::string>& aTexts)
+{
+    zoArray_t* theArray = NewStringArray(aTexts);
+    zoPackedData_AddArray(aRecord, aTag, theArray, zoStringArray_FlattenerFunc);
+    zoArray_Delete(theArray);
 }

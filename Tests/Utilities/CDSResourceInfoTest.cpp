@@ -58,12 +58,14 @@ Info NewInfo(const std::string& aResources, const std::string& anAlbumArt = "")
     for (const std::string& theResource : Words(aResources))
         AddResource(theRecord, theResource);
 
-    std::string theArt;
+    std::vector<std::string> theArt; // each URI and each profile
     for (const std::string& theWord : Words(anAlbumArt))
-        theArt += theWord + '=';
-    std::replace(theArt.begin(), theArt.end(), '=', '\0'); // each URI and each profile with its NUL
+    {
+        const size_t theEnd = theWord.find('=');
+        theArt.insert(theArt.end(), { theWord.substr(0, theEnd), theWord.substr(theEnd + 1) });
+    }
     const PackedData theEntry = NewEntry();
-    zoPackedData_AddData(theEntry, kCDSEntryInfo_AlbumArtURI, theArt.data(), theArt.size());
+    AddTextArray(theEntry, kCDSEntryInfo_AlbumArtURI, theArt);
     return Info(new CDSResourceInfo(theRecord, theEntry));
 }
 

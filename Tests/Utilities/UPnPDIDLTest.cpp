@@ -60,8 +60,7 @@ TEST(UPnPDIDLWriteTest, WritesAnObjectToTheByte)
                          { kCDSEntryInfo_ItemClassName, theClass.c_str() },
                          { kCDSEntryInfo_Album, "Hits" },
                          { kCDSEntryInfo_XMLNS, kUPnPNamespace } });
-    const Owned<zoArray_t, zoArray_Delete> theArt(NewStringArray({ "ART", "JPEG_TN" }));
-    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, theArt, zoStringArray_FlattenerFunc);
+    AddTextArray(theEntry, kCDSEntryInfo_AlbumArtURI, { "ART", "JPEG_TN" });
     zoPackedData_t* theResources = zoPackedData_New(2);
     AddResource(theResources, "URI1", "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3");
     AddNumber(theResources, kCDSResourceInfo_Duration, uint32{ 215 });
@@ -215,8 +214,9 @@ TEST(UPnPDIDLWriteTest, StopsAtTheLimitAndLogs)
     const std::string theText = Write(NewEntry(), theResources, 1, 0, nullptr);
     EXPECT_GT(theText.size(), 15360u);
     EXPECT_LT(theText.size(), 15360u + 1100);
-    EXPECT_EQ("2/0 Libs/Internal/UPnP/Utilities/UPnPDIDL.cpp: No XML name space specified\n"
-              "3/0 Libs/Internal/UPnP/Utilities/UPnPDIDL.cpp: UPnPDIDL_Get: 24 resource(s) not added",
+    const std::string kSource = LoggedFrom("Libs/Internal/UPnP/Utilities/UPnPDIDL.cpp");
+    EXPECT_EQ("2/0 " + kSource + "No XML name space specified\n3/0 " + kSource +
+                  "UPnPDIDL_Get: 24 resource(s) not added",
               theLog.mText);
 }
 
@@ -245,9 +245,7 @@ TEST(UPnPDIDLParseTest, ParsesAnObjectToItsTags)
         TextOf(theObject.mEntry, 0, kCDSEntryInfo_XMLNS));
     EXPECT_EQ(0xFFFFFFFFu, zoPackedData_GetDataAsUInt32(theObject.mEntry, 0, kCDSEntryInfo_ChildCount));
     EXPECT_EQ(1u, zoPackedData_GetDataAsUInt32(theObject.mEntry, 0, kCDSEntryInfo_Flags));
-    size_t theSize = 0;
-    const char* thePairs = zoPackedData_GetData(theObject.mEntry, 0, kCDSEntryInfo_AlbumArtURI, &theSize);
-    EXPECT_EQ(std::string("ART\0JPEG_TN", 12), std::string(thePairs, theSize));
+    EXPECT_EQ("ART|JPEG_TN|", TextsOf(theObject.mEntry, 0, kCDSEntryInfo_AlbumArtURI));
 
     EXPECT_EQ(1u, zoPackedData_GetEntryCount(theObject.mResources));
     EXPECT_EQ("15 16 0 1 2 3 4 5 6 7 9 14 10 11 ", Tags(theObject.mResources));
@@ -496,6 +494,7 @@ struct ParsedMember
     ILibXMLNode* mNodes = ILibParseXML(mText.data(), 0, mText.size());
     char* mData = nullptr; // belongs to mEntry
     char* mRes = nullptr;  // belongs to mResources
+    int mFault = ILibProcessXMLNodeList(mNodes);
     int mResult = UPnPDIDL_Parse(mBaseURL, mNodes, mNodes->Next, nullptr, 1, &mData, &mRes);
     PackedData mEntry = zoPackedData_NewData(mData);
     PackedData mResources = zoPackedData_NewData(mRes);
@@ -583,7 +582,7 @@ TEST(UPnPDIDLTest, StoresNestedMarkupWithinBounds)
     const std::string theDeep = Repeated("<a:b>", 10) + std::string(20000, 'x') + Repeated("</a:b>", 10);
     const ParsedObject theOther(Item("", theDeep + "<res>u</res><upnp:albumArtURI>v</upnp:albumArtURI>"));
     EXPECT_EQ("u", TextOf(theOther.mResources, 0, kCDSResourceInfo_URI));
-    EXPECT_EQ("v", TextOf(theOther.mEntry, 0, kCDSEntryInfo_AlbumArtURI));
+    EXPECT_EQ("v|", TextsOf(theOther.mEntry, 0, kCDSEntryInfo_AlbumArtURI).substr(0, 2));
 
     std::string theMany;
     for (int i = 0; i < 33000; ++i)

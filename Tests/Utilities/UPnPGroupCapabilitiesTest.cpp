@@ -66,7 +66,8 @@ std::string MetaData(UPnPGroupInfo* aGroup, const char* aMember, size_t anIndex)
 // One message of the family, "" for none.
 std::string Warning(const std::string& aText)
 {
-    return aText.empty() ? "" : "2/147 Libs/Internal/UPnP/Utilities/UPnPGroupCapabilities.cpp: " + aText + "\n";
+    const std::string kSource = LoggedFrom("Libs/Internal/UPnP/Utilities/UPnPGroupCapabilities.cpp");
+    return aText.empty() ? "" : "2/147 " + kSource + aText + "\n";
 }
 
 std::string Capability(const std::string& aText)
@@ -399,12 +400,12 @@ TEST(UPnPGroupInfoTest, SetsAndFetchesMetaDataOfEachMember)
 
     const AssertionCatcher theCatcher;
     EXPECT_EQ("-=-", MetaData(g, "own", 0));
-    EXPECT_EQ("2/147 " + std::exchange(theCatcher.Text(), "") + "\n", Warning("theIndex != (size_t) -1"));
+    const std::string kSource = "Libs/Internal/UPnP/Utilities/UPnPGroupCapabilities.cpp: ";
+    EXPECT_EQ(kSource + "theIndex != (size_t) -1", std::exchange(theCatcher.Text(), ""));
     EXPECT_EQ("-=-", MetaData(nullptr, nullptr, 0));
     EXPECT_EQ("", theCatcher.Text());
     EXPECT_EQ("-=-", MetaData(g, "s", 1));
-    EXPECT_EQ("2/147 " + theCatcher.Text() + "\n",
-              Warning("anIndex < zoCustomHashTable_GetTupleCount(aMetaDataHashTable)"));
+    EXPECT_EQ(kSource + "anIndex < zoCustomHashTable_GetTupleCount(aMetaDataHashTable)", theCatcher.Text());
 
     for (const char* theName : { "", "x", static_cast<const char*>(nullptr) })
         UPnPGroupInfo_RemoveMetaData(g, nullptr, theName);

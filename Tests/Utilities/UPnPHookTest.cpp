@@ -159,7 +159,9 @@ TEST(UPnPHookTest, ReportsMisuse)
     {
         const LogCatcher theLog;
         UPnPHook_Hook(theHook.mHook, theID);
-        EXPECT_EQ("2/1 " + kFile + "UPnPHook: unknown hook ID '" + std::to_string(theID) + "'\n", theLog.mText);
+        EXPECT_EQ("2/1 " + LoggedFrom("Libs/Internal/UPnP/Utilities/UPnPHook.cpp") + "UPnPHook: unknown hook ID '" +
+                      std::to_string(theID) + "'\n",
+                  theLog.mText);
     }
     UPnPHook_Delete(nullptr);
 }
