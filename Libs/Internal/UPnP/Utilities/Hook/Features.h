@@ -22,55 +22,55 @@ enum FeatureUse
 struct Feature
 {
     int mID;
+    int mUse;          // FeatureUse, added up
     const char* mName; // the end of its constant's name; the tool calls it so
     const char* mPartName;
-    int mUse; // FeatureUse, added up
 };
 
 /* By feature ID. */
 inline constexpr Feature kFeatures[] = {
-    { kUPnPHookFeature_Upload, "Upload", ":upload", kUse_Service },
-    { kUPnPHookFeature_TimeSeek, "TimeSeek", ":timeseek", kUse_Service },
-    { kUPnPHookFeature_Search, "Search", nullptr, kUse_None }, // and the client decide about ":search"
-    { kUPnPHookFeature_SortSpec, "SortSpec", nullptr, kUse_None },
-    { kUPnPHookFeature_ByteSeek, "ByteSeek", ":byteseek", kUse_Service },
-    { kUPnPHookFeature_GetFeatureList, "GetFeatureList", ":featurelist", kUse_Service },
-    { kUPnPHookFeature_FreeFormQuery, "FreeFormQuery", ":ffq", kUse_Service },
-    { kUPnPHookFeature_SRS, "SRS", ":srs", kUse_Device },
-    { kUPnPHookFeature_SRSConflictResolution, "SRSConflictResolution", nullptr, kUse_None },
-    { kUPnPHookFeature_MSRegistrar, "MSRegistrar", ":msregistrar", kUse_Device },
-    { kUPnPHookFeature_UseALLIP, "UseALLIP", nullptr, kUse_None },
-    { kUPnPHookFeature_NoHTTPContentLength, "NoHTTPContentLength", nullptr, kUse_WhileOff },
-    { kUPnPHookFeature_ForceStreamAtBitRate, "ForceStreamAtBitRate", nullptr, kUse_None },
-    { kUPnPHookFeature_UpdateObject, "UpdateObject", ":updateobject", kUse_Service },
-    { kUPnPHookFeature_GroupServiceActive, "GroupServiceActive", ":groupservice", kUse_Device },
-    { kUPnPHookFeature_ContainerUpdateIDs, "ContainerUpdateIDs", ":containerupdateids", kUse_Service | kUse_Event },
-    { kUPnPHookFeature_UploadDTCPIP, "UploadDTCPIP", nullptr, kUse_None },
-    { kUPnPHookFeature_SupportRVU, "SupportRVU", nullptr, kUse_None }, // has two part names: kRVUPartNames
-    { kUPnPHookFeature_NoHTTPEXTHeader, "NoHTTPEXTHeader", nullptr, kUse_WhileOff },
-    { kUPnPHookFeature_NoSetNextURI, "NoSetNextURI", ":nexturi", kUse_Service | kUse_WhileOff },
-    { kUPnPHookFeature_SRSExt, "SRSExt", ":srsext", kUse_Device },
-    { kUPnPHookFeature_HDLnk, "HDLnk", ":hdlnk", kUse_Service | kUse_Event },
-    { kUPnPHookFeature_JLabs, "JLabs", nullptr, kUse_None },
-    { kUPnPHookFeature_EnergyManagement, "EnergyManagement", ":energymanagement", kUse_Device },
-    { kUPnPHookFeature_SetUILifeTime, "SetUILifeTime", ":uilifetime", kUse_Service },
-    { kUPnPHookFeature_BasicManagement, "BasicManagement", ":basicmanagement", kUse_Service | kUse_Device },
-    { kUPnPHookFeature_DLNABasicManagement, "DLNABasicManagement", ":dlnabm", kUse_Service },
-    { kUPnPHookFeature_ConfigurationManagement, "ConfigurationManagement", ":configurationmanagement",
-      kUse_Service | kUse_Device },
-    { kUPnPHookFeature_X_ColorLight, "X_ColorLight", ":colorlight", kUse_Service | kUse_Device },
-    { kUPnPHookFeature_X_WhiteLight, "X_WhiteLight", ":whitelight", kUse_Service | kUse_Device },
-    { kUPnPHookFeature_Authentication, "Authentication", nullptr, kUse_None },
-    { kUPnPHookFeature_FriendlyInfoUpdate, "FriendlyInfoUpdate", ":friendlyinfoupdate", kUse_Service | kUse_Device },
-    { kUPnPHookFeature_FriendlyInfoIconUpdate, "FriendlyInfoIconUpdate", ":friendlyinfoiconupdate",
-      kUse_Service | kUse_Event },
-    { kUPnPHookFeature_DimmingRamp, "DimmingRamp", ":dimmingramp", kUse_Service | kUse_Event },
-    { kUPnPHookFeature_DimmingStep, "DimmingStep", ":dimmingstep", kUse_Service | kUse_Event },
-    { kUPnPHookFeature_X_AnimatedLight, "X_AnimatedLight", ":animatedlight", kUse_Service | kUse_Device },
-    { kUPnPHookFeature_UIListingUpdate, "UIListingUpdate", ":uilistingupdate", kUse_Service | kUse_Event },
-    { kUPnPHookFeature_CVP2Server, "CVP2Server", ":cvp2server", kUse_Service },
-    { kUPnPHookFeature_BCSControl, "BCSControl", ":bcscontrol", kUse_Service },
-    { kUPnPHookFeature_VideoAlbumArtURI, "VideoAlbumArtURI", nullptr, kUse_None },
+    { kUPnPHookFeature_Upload, kUse_Service, "Upload", ":upload" },
+    { kUPnPHookFeature_TimeSeek, kUse_Service, "TimeSeek", ":timeseek" },
+    { kUPnPHookFeature_Search, kUse_None, "Search", nullptr }, // and the client decide about ":search"
+    { kUPnPHookFeature_SortSpec, kUse_None, "SortSpec", nullptr },
+    { kUPnPHookFeature_ByteSeek, kUse_Service, "ByteSeek", ":byteseek" },
+    { kUPnPHookFeature_GetFeatureList, kUse_Service, "GetFeatureList", ":featurelist" },
+    { kUPnPHookFeature_FreeFormQuery, kUse_Service, "FreeFormQuery", ":ffq" },
+    { kUPnPHookFeature_SRS, kUse_Device, "SRS", ":srs" },
+    { kUPnPHookFeature_SRSConflictResolution, kUse_None, "SRSConflictResolution", nullptr },
+    { kUPnPHookFeature_MSRegistrar, kUse_Device, "MSRegistrar", ":msregistrar" },
+    { kUPnPHookFeature_UseALLIP, kUse_None, "UseALLIP", nullptr },
+    { kUPnPHookFeature_NoHTTPContentLength, kUse_WhileOff, "NoHTTPContentLength", nullptr },
+    { kUPnPHookFeature_ForceStreamAtBitRate, kUse_None, "ForceStreamAtBitRate", nullptr },
+    { kUPnPHookFeature_UpdateObject, kUse_Service, "UpdateObject", ":updateobject" },
+    { kUPnPHookFeature_GroupServiceActive, kUse_Device, "GroupServiceActive", ":groupservice" },
+    { kUPnPHookFeature_ContainerUpdateIDs, kUse_Service | kUse_Event, "ContainerUpdateIDs", ":containerupdateids" },
+    { kUPnPHookFeature_UploadDTCPIP, kUse_None, "UploadDTCPIP", nullptr },
+    { kUPnPHookFeature_SupportRVU, kUse_None, "SupportRVU", nullptr }, // has two part names: kRVUPartNames
+    { kUPnPHookFeature_NoHTTPEXTHeader, kUse_WhileOff, "NoHTTPEXTHeader", nullptr },
+    { kUPnPHookFeature_NoSetNextURI, kUse_Service | kUse_WhileOff, "NoSetNextURI", ":nexturi" },
+    { kUPnPHookFeature_SRSExt, kUse_Device, "SRSExt", ":srsext" },
+    { kUPnPHookFeature_HDLnk, kUse_Service | kUse_Event, "HDLnk", ":hdlnk" },
+    { kUPnPHookFeature_JLabs, kUse_None, "JLabs", nullptr },
+    { kUPnPHookFeature_EnergyManagement, kUse_Device, "EnergyManagement", ":energymanagement" },
+    { kUPnPHookFeature_SetUILifeTime, kUse_Service, "SetUILifeTime", ":uilifetime" },
+    { kUPnPHookFeature_BasicManagement, kUse_Service | kUse_Device, "BasicManagement", ":basicmanagement" },
+    { kUPnPHookFeature_DLNABasicManagement, kUse_Service, "DLNABasicManagement", ":dlnabm" },
+    { kUPnPHookFeature_ConfigurationManagement, kUse_Service | kUse_Device, "ConfigurationManagement",
+      ":configurationmanagement" },
+    { kUPnPHookFeature_X_ColorLight, kUse_Service | kUse_Device, "X_ColorLight", ":colorlight" },
+    { kUPnPHookFeature_X_WhiteLight, kUse_Service | kUse_Device, "X_WhiteLight", ":whitelight" },
+    { kUPnPHookFeature_Authentication, kUse_None, "Authentication", nullptr },
+    { kUPnPHookFeature_FriendlyInfoUpdate, kUse_Service | kUse_Device, "FriendlyInfoUpdate", ":friendlyinfoupdate" },
+    { kUPnPHookFeature_FriendlyInfoIconUpdate, kUse_Service | kUse_Event, "FriendlyInfoIconUpdate",
+      ":friendlyinfoiconupdate" },
+    { kUPnPHookFeature_DimmingRamp, kUse_Service | kUse_Event, "DimmingRamp", ":dimmingramp" },
+    { kUPnPHookFeature_DimmingStep, kUse_Service | kUse_Event, "DimmingStep", ":dimmingstep" },
+    { kUPnPHookFeature_X_AnimatedLight, kUse_Service | kUse_Device, "X_AnimatedLight", ":animatedlight" },
+    { kUPnPHookFeature_UIListingUpdate, kUse_Service | kUse_Event, "UIListingUpdate", ":uilistingupdate" },
+    { kUPnPHookFeature_CVP2Server, kUse_Service, "CVP2Server", ":cvp2server" },
+    { kUPnPHookFeature_BCSControl, kUse_Service, "BCSControl", ":bcscontrol" },
+    { kUPnPHookFeature_VideoAlbumArtURI, kUse_None, "VideoAlbumArtURI", nullptr },
 };
 
 constexpr bool HasRowForEachFeature()
