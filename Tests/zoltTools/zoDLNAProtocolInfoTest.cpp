@@ -160,10 +160,20 @@ TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
         { "a:*:b/c:*,a:*:b/c:DLNA.ORG_PN=P", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime, 1 },
         { "a:*:b/c:*", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime | kAny, 0 },
     };
-    for (const auto& [theList, theInfo, theFlags, fMatches] : kCases)
+    std::string theOthers; // that make the list long enough for an index, twice each
+    for (int i = 0; i < 40; ++i)
+        theOthers += ",none:none:none/n" + std::to_string(i / 2) + ";n=" + std::to_string(i / 2) + ":DLNA.ORG_PN=N";
+    for (const auto& [theList, theText, theFlags, fMatches] : kCases)
     {
-        EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(NewList(theList), Info(NewInfo(theInfo)), theFlags))
-            << theList << " / " << theInfo << " / " << theFlags;
+        alignas(void*) char theMemory[160];
+        const Info theInfo = zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText, strlen(theText));
+        const List theElements = NewList(theList);
+        const List theLongList = NewList(theList + theOthers);
+        EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(theElements, theInfo, theFlags)) << theList << '/' << theText;
+        EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(theLongList, theInfo, theFlags)) << theList << '/' << theText;
+        if (zoDLNAProtocolInfoList_GetCount(theElements) != 1) { continue; }
+        zoDLNAProtocolInfo_t* theElement = zoDLNAProtocolInfoList_GetProtocolInfoAt(theElements, 0);
+        EXPECT_EQ(fMatches, zoDLNAProtocolInfo_Match(theElement, theInfo, theFlags)) << theList;
     }
 }
 
@@ -201,6 +211,14 @@ TEST(zoDLNAProtocolInfoListTest, RanksByTransport)
         for (int i = 0; i < 7; ++i)
             zoDLNAProtocolInfo_SetUserData(zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, i), '0' + i);
         std::string theResult;
+        std::string theRanked;
+        zoDLNAProtocolInfo_t* theInfos[7];
+        for (int i = 0; i < 7; ++i)
+            theInfos[i] = zoDLNAProtocolInfoList_GetProtocolInfoAt(theList, i);
+        const size_t theCount = zoDLNAProtocolInfoList_RankByScheme(nullptr, theOrder, theSupported, theInfos, 7);
+        for (size_t i = 0; i < theCount; ++i)
+            theRanked += static_cast<char>(zoDLNAProtocolInfo_GetUserData(theInfos[i]));
+        EXPECT_EQ(theDrained, theRanked) << theOrder << " / " << theSupported;
         for (;;)
         {
             const int theIndex = zoDLNAProtocolInfoList_GetBestIndexForScheme(theList, theOrder, theSupported);

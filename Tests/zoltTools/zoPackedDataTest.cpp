@@ -255,3 +255,20 @@ TEST(zoPackedDataTest, TakesItsOwnValuesAndEntries)
     zoPackedData_AddData(theRead, 0, "ignored", 7);
     EXPECT_STREQ("no NUL", zoPackedData_GetData(theRead, 5, 199, nullptr)); // no directory follows it any more
 }
+
+TEST(zoPackedDataTest, FindsEntriesByTheirText)
+{
+    const PackedData theRecord = zoPackedData_New(0);
+    std::string theFound;
+    for (const char* theText : { "a-mark-", "mar", "mark", "", "b", "mark" })
+    {
+        zoPackedData_AddNewEntry(theRecord);
+        AddText(theRecord, 5, theText);
+        uint32 theCount = 9;
+        const uint32 theEntry = zoPackedData_FindEntryWithText(theRecord, 5, "mark", 1, &theCount);
+        theFound += std::to_string(theCount) + (theEntry == kzoPackedData_NoEntry ? "-" : std::to_string(theEntry));
+        EXPECT_EQ(0u, zoPackedData_FindEntryWithText(theRecord, 5, "a", 0, nullptr));
+    }
+    EXPECT_EQ("1-1-22222232", theFound);
+    EXPECT_EQ(kzoPackedData_NoEntry, zoPackedData_FindEntryWithText(theRecord, 5, "", 0, nullptr));
+}

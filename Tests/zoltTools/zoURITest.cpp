@@ -82,15 +82,18 @@ TEST(zoURITest, TellsTheAddressOfAnIPv4Host)
     std::istringstream theHosts("192.168.1.20 c0a80114  0.0.0.0 0  000.00.0.000 0  0.0.0.1 1");
     for (std::string theHost, theAddress; theHosts >> theHost >> theAddress;)
     {
-        const URI theURI("http://" + theHost + ":80/");
-        EXPECT_EQ(zoSocket_htonl(static_cast<uint32>(std::stoul(theAddress, nullptr, 16))), zoURI_GetHostIP(theURI))
-            << theHost;
+        const std::string theText = "http://" + theHost + ":80/";
+        const uint32 theExpected = zoSocket_htonl(static_cast<uint32>(std::stoul(theAddress, nullptr, 16)));
+        EXPECT_EQ(theExpected, zoURI_GetHostIP(URI(theText))) << theHost;
+        EXPECT_EQ(theExpected, zoURI_S_GetHostIP(theText.data(), theText.size() - 1)) << theHost;
     }
     std::istringstream theOtherHosts("1.2.3 0.0.0.00000 0.0.0 0 host 255.255.255.255 [::1] 00000000000000000000");
     for (std::string theHost; theOtherHosts >> theHost;)
         EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("http://" + theHost + "/0.0.0.0"))) << theHost;
     EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("file:///0")));
     EXPECT_EQ(UINT32_MAX, zoURI_GetHostIP(URI("/0")));
+    EXPECT_EQ(UINT32_MAX, zoURI_S_GetHostIP("http://1.2.3.4:65536/", SIZE_MAX)); // no URI, no host
+    EXPECT_EQ(UINT32_MAX, zoURI_S_GetHostIP(nullptr, 0));
 }
 
 TEST(zoURITest, EscapesWhatMayNotStay)

@@ -135,22 +135,19 @@ bool CDSResourceInfo::IsSubtitle(int aResourceIndex)
 
 int CDSResourceInfo::GetSubtitleCount()
 {
-    int theCount = 0;
-    for (uint32 i = 0; i < GetResourceCount(); ++i)
-        theCount += IsSubtitle(static_cast<int>(i));
-    return theCount;
+    uint32 theCount = 0;
+    zoPackedData_FindEntryWithText(mPackedData, kCDSResourceInfo_ProtocolInfo, kSubtitleMarker, 0, &theCount);
+    return static_cast<int>(theCount);
 }
 
 int CDSResourceInfo::GetResourceIndexForSubtitle(int aSubtitleIndex)
 {
-    int theSubtitle = 0;
-    for (uint32 i = 0; i < GetResourceCount(); ++i)
-    {
-        if (!IsSubtitle(static_cast<int>(i))) { continue; }
-        if (theSubtitle == aSubtitleIndex) { return static_cast<int>(i); }
-        ++theSubtitle;
-    }
-    return -1;
+    if (aSubtitleIndex < 0) { return -1; }
+    uint32 theCount = 0;
+    const uint32 theNumber = static_cast<uint32>(aSubtitleIndex);
+    const uint32 theIndex = zoPackedData_FindEntryWithText(mPackedData, kCDSResourceInfo_ProtocolInfo, kSubtitleMarker,
+                                                           theNumber, &theCount);
+    return theNumber < theCount ? static_cast<int>(theIndex) : -1;
 }
 
 zoCString CDSResourceInfo::GetSubtitleLabel(int aResourceIndex)

@@ -150,6 +150,7 @@ void PackedData::FreeArrays(const zoPackedData_t* aRecord)
     FreeArray(aRecord, aRecord->mTags);
     FreeArray(aRecord, aRecord->mEntryEnds);
     free(aRecord->mPositions);
+    free(aRecord->mSelection);
 }
 
 static void ReserveEntries(zoPackedData_t* aRecord, uint32 aCount)

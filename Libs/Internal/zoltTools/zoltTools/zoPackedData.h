@@ -97,6 +97,20 @@ typedef struct zoPackedData_Value
 ZOLTTOOLS_API uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst,
                                             zoPackedData_Value* aValues, uint32 aMaxCount);
 
+/* What zoPackedData_FindEntryWithText returns when there is no such entry. */
+#define kzoPackedData_NoEntry 0xFFFFFFFFu
+/**
+ * Finds entries whose value of a tag contains a text. The record keeps what it finds at the first question, so asking
+ * for one entry after the other takes constant time each until something is added; for another tag or text, and after
+ * that, a question takes linear time.
+ * @param aText    NULL and "" are contained nowhere.
+ * @param aNumber  counts these entries from 0.
+ * @param aCount   out, may be NULL: their number.
+ * @return the index of the entry; kzoPackedData_NoEntry when there are not that many.
+ */
+ZOLTTOOLS_API uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag, const char* aText,
+                                                    uint32 aNumber, uint32* aCount);
+
 /** @return the serialized block of the record, which is empty afterwards; the caller releases the block with free, or
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);

@@ -136,6 +136,25 @@ uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry,
 }
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_FindEntryWithText
+uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag, const char* aText, uint32 aNumber,
+                                      uint32* aCount)
+{
+    uint32 theFound = 0xFFFFFFFF;
+    uint32 theCount = 0;
+    const size_t theLength = aText ? strlen(aText) : 0;
+    for (uint32 i = 0; theLength > 0 && i < zoPackedData_GetEntryCount(aRecord); ++i)
+    {
+        size_t theSize = 0;
+        const char* theValue = zoPackedData_GetData(aRecord, i, aTag, &theSize);
+        if (!theValue || !memmem(theValue, strnlen(theValue, theSize), aText, theLength)) { continue; }
+        if (theCount++ == aNumber) { theFound = i; }
+    }
+    if (aCount) { *aCount = theCount; }
+    return theFound;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount)

@@ -62,6 +62,11 @@ void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
 uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_FindEntryWithText
+uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag, const char* aText, uint32 aNumber,
+                                      uint32* aCount);
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 typedef struct zoPackedData_Value
 {

@@ -51,6 +51,8 @@ struct Room
     char mBytes[kFirstBytes];
 };
 
+struct Selection;
+
 // An entry, wherever it is. Nothing in a block is aligned.
 struct Entry
 {
@@ -90,6 +92,8 @@ struct zoPackedData_t
     uint16* mTags;
     uint32 mPositionCapacity;
     uint16* mPositions; // owned; NULL while no entry was indexed
+
+    PackedData::Selection* mSelection; // owned; of zoPackedData_FindEntryWithText, NULL until it is asked
 };
 
 namespace PackedData
