@@ -1,6 +1,10 @@
 # How everything here is compiled, and the libraries.
 include(CheckPIESupported)
 check_pie_supported()
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    include(CheckIPOSupported)
+    check_ipo_supported(RESULT UPNP_CAN_OPTIMISE_LINKS OUTPUT theReason LANGUAGES CXX)
+endif()
 
 # While the version is 0.x, the interface may change with the minor version.
 if(PROJECT_VERSION_MAJOR EQUAL 0)
@@ -76,6 +80,10 @@ function(upnp_add_library aName aRoot)
     if(theType STREQUAL SHARED_LIBRARY AND NOT UPNP_SANITIZERS)
         target_link_options(${aName} PRIVATE LINKER:--no-undefined)
         upnp_add_symbol_versions(${aName})
+        # Calls between sources cost nothing then. Archives stay as every compiler and linker understands them.
+        if(UPNP_CAN_OPTIMISE_LINKS AND NOT UPNP_USER_FLAGS MATCHES "-f(no-)?lto")
+            set_target_properties(${aName} PROPERTIES INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
+        endif()
     endif()
 endfunction()
 

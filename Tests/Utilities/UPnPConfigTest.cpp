@@ -21,7 +21,8 @@ const std::tuple<zoSocketPolicy*, UPnPHook*, void*, ILibWebServer_OnPresentation
                                                                                         OnPresentation);
 
 // " name=value"; nothing for 0 and for what the test has lent.
-std::string Named(const char* aName, long long aValue)
+template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
+std::string Named(const char* aName, Number aValue)
 {
     return aValue != 0 ? std::string(" ") + aName + "=" + std::to_string(aValue) : "";
 }

@@ -34,6 +34,8 @@ enum
 
 struct ILibXMLAttribute;
 
+/* NOLINTBEGIN(readability-identifier-naming): the fields are the stack's, by these names. */
+
 /* One tag. An empty element (<a/>) is two nodes, like <a></a>: its end tag node has the same name and EmptyTag. */
 struct ILibXMLNode
 {
@@ -67,6 +69,8 @@ struct ILibXMLAttribute
     int ValueLength;
     struct ILibXMLAttribute* Next; /* NULL after the last */
 };
+
+/* NOLINTEND(readability-identifier-naming) */
 
 /**
  * Reads aLength bytes of aText from anOffset on.
