@@ -2,7 +2,7 @@
 
 #include <UPnP/Stack/ILibChain.h>
 
-// A chain with a clock that stands still.
+// A chain with a clock that Pass alone moves.
 struct TestChain
 {
     TestChain()
@@ -11,7 +11,7 @@ struct TestChain
             mLifeTime, [](void* aClock) { return *static_cast<uint64*>(aClock); }, &mClock);
     }
     ~TestChain() { ILibChain_Delete(mChain); }
-    TestChain& operator=(TestChain&&) = delete; // nor a copy
+    TestChain& operator=(TestChain&&) = delete; // which rules out copies, too
 
     void Add(void* aData, int aMilliseconds, ILibLifeTime_Callback_t aCallback,
              ILibLifeTime_Callback_t aDestroyCallback = nullptr)

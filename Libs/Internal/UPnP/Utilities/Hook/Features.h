@@ -31,7 +31,7 @@ struct Feature
 inline constexpr Feature kFeatures[] = {
     { kUPnPHookFeature_Upload, kUse_Service, "Upload", ":upload" },
     { kUPnPHookFeature_TimeSeek, kUse_Service, "TimeSeek", ":timeseek" },
-    { kUPnPHookFeature_Search, kUse_None, "Search", nullptr }, // and the client decide about ":search"
+    { kUPnPHookFeature_Search, kUse_None, "Search", nullptr }, // ":search": see kUPnPHook_GetSupportSearch
     { kUPnPHookFeature_SortSpec, kUse_None, "SortSpec", nullptr },
     { kUPnPHookFeature_ByteSeek, kUse_Service, "ByteSeek", ":byteseek" },
     { kUPnPHookFeature_GetFeatureList, kUse_Service, "GetFeatureList", ":featurelist" },
