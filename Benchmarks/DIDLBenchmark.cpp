@@ -63,14 +63,14 @@ void OverDocuments(benchmark::State& aState, const Reader& aReader, const Reader
 void BM_Parse(benchmark::State& aState) { OverDocuments(aState, Parse, ParseAndCount); }
 BENCHMARK(BM_Parse);
 
-void BM_Road(benchmark::State& aState)
+void BM_Path(benchmark::State& aState)
 {
     zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
-    const Reader theRoad = [theSink](std::string& aText) { return FromTextToChoice(aText, theSink); };
-    OverDocuments(aState, theRoad, theRoad);
+    const Reader thePath = [theSink](std::string& aText) { return FromTextToChoice(aText, theSink); };
+    OverDocuments(aState, thePath, thePath);
     zoDLNAProtocolInfoList_Delete(theSink);
 }
-BENCHMARK(BM_Road);
+BENCHMARK(BM_Path);
 
 std::string Written(const Records& aRecords)
 {
@@ -203,6 +203,47 @@ void BM_Libxml2Parse(benchmark::State& aState) { OverDocuments(aState, Libxml2Pa
 BENCHMARK(BM_Libxml2Parse);
 #endif
 
+// ---- The answer to a Browse ----
+
+const size_t kObjects = 1000;
+
+// Runs a reader over it that finds all objects, or as many as it is told.
+void OverBrowseResult(benchmark::State& aState, size_t anExpected, const Reader& aReader)
+{
+    const std::string kText = BrowseResult(kObjects);
+    std::string theText = kText;
+    if (aReader(theText) != anExpected) { aState.SkipWithError("wrong answer"); }
+    for (auto _ : aState)
+    {
+        theText.assign(kText);
+        benchmark::DoNotOptimize(aReader(theText));
+    }
+    aState.SetBytesProcessed(static_cast<int64_t>(aState.iterations() * kText.size()));
+}
+
+void BM_ParseBrowse(benchmark::State& aState)
+{
+    OverBrowseResult(aState, kObjects, [](std::string& aText) { return ParseObjects(aText, kObjects + 1); });
+}
+BENCHMARK(BM_ParseBrowse);
+
+// All tags are read before the first object is parsed.
+void BM_ParseFirstOfBrowse(benchmark::State& aState)
+{
+    OverBrowseResult(aState, 1, [](std::string& aText) { return ParseObjects(aText, 1); });
+}
+BENCHMARK(BM_ParseFirstOfBrowse);
+
+#if WITH_PUGIXML
+void BM_PugixmlParseBrowse(benchmark::State& aState) { OverBrowseResult(aState, kObjects, PugixmlCountObjects); }
+BENCHMARK(BM_PugixmlParseBrowse);
+#endif
+
+#if WITH_LIBXML2
+void BM_Libxml2ParseBrowse(benchmark::State& aState) { OverBrowseResult(aState, kObjects, Libxml2CountObjects); }
+BENCHMARK(BM_Libxml2ParseBrowse);
+#endif
+
 // ---- How time grows ----
 
 std::string Repeat(const std::string& aText, int64_t aCount)
@@ -311,8 +352,8 @@ void BM_GrowthOfBrowseResult(benchmark::State& aState)
 }
 BENCHMARK(BM_GrowthOfBrowseResult)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
 
-// The whole road over many resources, from the text to the written choice.
-void BM_RoadOfResources(benchmark::State& aState)
+// The whole path over many resources, from the text to the written choice.
+void BM_PathOfResources(benchmark::State& aState)
 {
     zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(SinkList().c_str(), 0);
     const std::string theText = Resources(aState.range(0));
@@ -321,7 +362,7 @@ void BM_RoadOfResources(benchmark::State& aState)
     aState.SetComplexityN(aState.range(0));
     zoDLNAProtocolInfoList_Delete(theSink);
 }
-BENCHMARK(BM_RoadOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
+BENCHMARK(BM_PathOfResources)->RangeMultiplier(10)->Range(10, 10000)->Complexity(benchmark::oN);
 
 const bool kfRegistered = []
 {

@@ -38,3 +38,21 @@ inline const std::vector<std::string>& Documents()
 }
 
 inline std::string SinkList() { return ReadDataFile(TEST_DATA "/sinks/handmade-dlna-tv.txt"); }
+
+/* The objects of the documents, over and over, as the answer to a Browse. */
+inline std::string BrowseResult(size_t aCount)
+{
+    std::string theText = "<DIDL-Lite xmlns=\"urn:schemas-upnp-org:metadata-1-0/DIDL-Lite/\""
+                          " xmlns:dc=\"http://purl.org/dc/elements/1.1/\""
+                          " xmlns:upnp=\"urn:schemas-upnp-org:metadata-1-0/upnp/\""
+                          " xmlns:dlna=\"urn:schemas-dlna-org:metadata-1-0/\" xmlns:sec=\"http://www.sec.co.kr/\""
+                          " xmlns:pv=\"http://www.pv.com/pvns/\">";
+    const std::string kEnd = "</DIDL-Lite>";
+    for (size_t i = 0; i < aCount; ++i)
+    {
+        const std::string& theDocument = Documents()[i % Documents().size()];
+        const size_t theBegin = theDocument.find('>', theDocument.find("<DIDL-Lite")) + 1;
+        theText += theDocument.substr(theBegin, theDocument.find(kEnd) - theBegin);
+    }
+    return theText + kEnd;
+}

@@ -91,7 +91,10 @@ struct Stage
 {
     const char* mName;
     bool (*mRun)(const std::string& aDocument); // false when it did not do its work
+    bool (*mRunOnce)() = nullptr;               // in its place, when it is not to be run for each document
 };
+
+const size_t kObjects = 1000;
 
 const Stage kStages[] = {
 #if WITH_PUGIXML
@@ -119,6 +122,20 @@ const Stage kStages[] = {
           return Counted([&] { return FromTextToChoice(theText, Television().mList); }) == CountResources(aDocument);
       } },
     { "list", MakeList },
+#if WITH_PUGIXML
+    { "pugixml-browse", nullptr,
+      []
+      {
+          std::string theText = BrowseResult(kObjects);
+          return Counted([&] { return PugixmlCountObjects(theText); }) == kObjects;
+      } },
+#endif
+    { "browse", nullptr,
+      []
+      {
+          std::string theText = BrowseResult(kObjects);
+          return Counted([&] { return ParseObjects(theText, kObjects + 1); }) == kObjects;
+      } },
 #if WITH_LIBXML2
     { "libxml2", [](const std::string& aDocument)
       { return Counted([&] { return Libxml2Parse(aDocument); }) == CountResources(aDocument); } },
@@ -127,6 +144,7 @@ const Stage kStages[] = {
 
 bool RunOverDocuments(const Stage& aStage)
 {
+    if (aStage.mRunOnce) { return aStage.mRunOnce(); }
     for (const std::string& theDocument : Documents())
     {
         if (aStage.mRun(theDocument)) { continue; }

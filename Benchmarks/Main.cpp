@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 #include <map>
+#include <zoLog/Log.h>
 
 namespace
 {
@@ -19,7 +20,10 @@ const Ratio kRatios[] = {
     { "parse / pugixml in place", "BM_Parse", "BM_PugixmlParse" },
     { "write / pugixml in place and copied out", "BM_Write", "BM_PugixmlParseAndCopyWritten" },
     { "choice among 30 for 300 sinks / libxml2 tree", "BM_ChooseAmongMany", "BM_Libxml2ParseMany" },
-    { "whole road / libxml2 tree", "BM_Road", "BM_Libxml2Parse" },
+    { "whole path / libxml2 tree", "BM_Path", "BM_Libxml2Parse" },
+    { "Browse answer, to the records / pugixml in place", "BM_ParseBrowse", "BM_PugixmlParseBrowse" },
+    { "Browse answer, to the first records / pugixml in place", "BM_ParseFirstOfBrowse", "BM_PugixmlParseBrowse" },
+    { "Browse answer, to the records / libxml2 tree", "BM_ParseBrowse", "BM_Libxml2ParseBrowse" },
     { "description of 64 KiB with 64 parts / memcpy", "BM_RewriteDescription", "BM_CopyDescription" },
 };
 
@@ -60,6 +64,7 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) { return 2; }
     if (Documents().empty()) { return 2; }
+    _zoLog_Level = ZOLOGLEVEL_ERROR; // objects without namespaces are not worth a line each time
     RatioReporter theReporter;
     benchmark::RunSpecifiedBenchmarks(&theReporter);
     return 0;

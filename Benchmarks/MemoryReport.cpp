@@ -1,7 +1,6 @@
 #include "Documents.h"
+#include "Objects.h"
 
-#include <UPnP/Utilities/CDSResourceInfo.h>
-#include <UPnP/Utilities/UPnPDIDL.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -112,13 +111,17 @@ int main()
         zoPackedData_Free(theEntry);
     }
     zoDLNAProtocolInfoList_Delete(theSink);
+    Row theBrowse("Browse"); // of 1,000 objects, whose records are released one after the other
+    std::string theBrowseText = BrowseResult(1000);
+    theBrowse.Measure([&] { ParseObjects(theBrowseText, 1000); });
 
     printf("%-10s  %10s %8s %8s  %10s %8s %8s\n", "operation", "allocations", "median", "most", "peak bytes", "median",
            "most");
-    for (Row* theRow : { &theParse, &theChoice, &theThumbnail, &theWrite, &theSelectedWrite })
+    for (Row* theRow : { &theParse, &theChoice, &theThumbnail, &theWrite, &theSelectedWrite, &theBrowse })
         theRow->Print();
     const size_t theSize = std::accumulate(Documents().begin(), Documents().end(), size_t{ 0 },
                                            [](size_t aSum, const std::string& aText) { return aSum + aText.size(); });
-    printf("of %zu documents of %zu bytes each on average\n", Documents().size(), theSize / Documents().size());
+    printf("of %zu documents of %zu bytes each on average, and a Browse answer of %zu bytes\n", Documents().size(),
+           theSize / Documents().size(), theBrowseText.size());
     return 0;
 }

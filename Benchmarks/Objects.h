@@ -13,6 +13,7 @@ static const char kAnyScheme[] = "*";
 /* Parses a text, which it changes. */
 struct Parsed
 {
+    Parsed() = default;
     explicit Parsed(const std::string& aText)
     {
         mResult = UPnPDIDL_ParseElements(aText.c_str(), &mData, &mRes, &mType);
@@ -57,6 +58,23 @@ inline size_t CountResources(const std::string& aText)
     for (size_t thePosition = aText.find("<res "); thePosition != std::string::npos;
          thePosition = aText.find("<res ", thePosition + 1))
         ++theCount;
+    return theCount;
+}
+
+/* Parses the objects of a text, which it changes, one after the other, at most so many; their records are released at
+ * once. @return the number of objects. */
+inline size_t ParseObjects(std::string& aText, size_t aMaxCount)
+{
+    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText.c_str(), nullptr);
+    size_t theCount = 0;
+    while (theCount < aMaxCount)
+    {
+        Parsed theObject;
+        UPnPDIDLDocument_NextObject(theDocument, &theObject.mData, &theObject.mRes, &theObject.mType);
+        if (theObject.mType == kDIDLItemType_None) { break; }
+        ++theCount;
+    }
+    UPnPDIDLDocument_Delete(theDocument);
     return theCount;
 }
 

@@ -1,6 +1,7 @@
 #include "Yardsticks.h"
 
 #include <cstring>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -29,6 +30,14 @@ std::size_t PugixmlParse(std::string& aText)
          theNode = theNode.next_sibling())
         theCount += std::strcmp(theNode.name(), "res") == 0;
     return theCount;
+}
+
+std::size_t PugixmlCountObjects(std::string& aText)
+{
+    pugi::xml_document theDocument;
+    theDocument.load_buffer_inplace(aText.data(), aText.size());
+    const auto theObjects = theDocument.first_child().children();
+    return static_cast<std::size_t>(std::distance(theObjects.begin(), theObjects.end()));
 }
 
 std::size_t PugixmlParseAndCopy(std::string& aText, std::size_t aReserved)
@@ -63,6 +72,16 @@ std::size_t Libxml2Parse(const std::string& aText)
     std::size_t theCount = 0;
     for (xmlNodePtr theNode = xmlDocGetRootElement(theDocument)->children->children; theNode; theNode = theNode->next)
         theCount += std::strcmp(reinterpret_cast<const char*>(theNode->name), "res") == 0;
+    xmlFreeDoc(theDocument);
+    return theCount;
+}
+
+std::size_t Libxml2CountObjects(const std::string& aText)
+{
+    xmlDocPtr theDocument =
+        xmlReadMemory(aText.data(), static_cast<int>(aText.size()), nullptr, nullptr, XML_PARSE_NONET);
+    if (!theDocument) { return 0; }
+    const std::size_t theCount = xmlChildElementCount(xmlDocGetRootElement(theDocument));
     xmlFreeDoc(theDocument);
     return theCount;
 }

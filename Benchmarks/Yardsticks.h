@@ -15,3 +15,7 @@ std::size_t PugixmlParse(std::string& aText);
 std::size_t PugixmlParseAndCopy(std::string& aText, std::size_t aReserved);
 /** Builds the tree. @return the number of resources. */
 std::size_t Libxml2Parse(const std::string& aText);
+
+/** The same for a document of many objects: parses in place, builds the tree. @return the number of objects. */
+std::size_t PugixmlCountObjects(std::string& aText);
+std::size_t Libxml2CountObjects(const std::string& aText);

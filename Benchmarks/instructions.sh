@@ -7,7 +7,7 @@ root=$(cd "$(dirname "$0")/.." && pwd -P)
 . "$root/Scripts/dependencies.sh"
 . "$root/Scripts/build.sh"
 bounds=$root/Benchmarks/instructions.txt
-stages=(parse write selected choose thumbnail path list libxml2)
+stages=(parse write selected choose thumbnail path list libxml2 pugixml-browse browse)
 
 # count STAGE: a line with its name and the instructions of one pass over all documents.
 count() {
@@ -22,14 +22,15 @@ report() {
     awk -v documents="$(find "$root"/{Benchmarks/Data,Tests/Data/didl} -name '*.xml' | wc -l)" '
         NR == FNR { if ($0 !~ /^#/ && NF) bound[$1] = $2; next }
         $1 == "pugixml" { yardstick = $2 }
-        { name[++rows] = $1; count[rows] = $2 }
+        { name[++rows] = $1; count[rows] = counts[$1] = $2 }
         END {
             if (!yardstick) { print "no yardstick" > "/dev/stderr"; exit 1 }
-            printf "%-10s %22s %9s %7s\n", "stage", "instructions/document", "ratio", "bound"
+            printf "%-14s %22s %9s %7s\n", "stage", "instructions/document", "ratio", "bound"
             for (i = 1; i <= rows; ++i) {
-                ratio = count[i] / yardstick
+                own = "pugixml-" name[i] # of a stage that does not run over the documents
+                ratio = count[i] / (own in counts ? counts[own] : yardstick)
                 over = name[i] in bound && ratio > 1.1 * bound[name[i]]
-                printf "%-10s %22.0f %9.3f %7s%s\n", name[i], count[i] / documents, ratio, bound[name[i]],
+                printf "%-14s %22.0f %9.3f %7s%s\n", name[i], count[i] / documents, ratio, bound[name[i]],
                     over ? "  OVER ITS BOUND" : ""
                 failed = failed || over
             }

@@ -12,6 +12,7 @@ has_package() {
     debhelper) command -v dh && command -v dpkg-buildpackage ;;
     ninja-build) command -v ninja ;;
     pkg-config) command -v pkg-config || ! can_install ;; # one test less without it
+    gnuplot-nox) command -v gnuplot ;;
     g++) command -v g++ && command -v gcc ;;
     g++-12-multilib) [ "$(g++ -m32 -print-file-name=libstdc++.a)" != "$(g++ -print-file-name=libstdc++.a)" ] ;;
     g++-arm-linux-gnueabihf | g++-mips-linux-gnu) command -v "${1#g++-}-g++" ;;
