@@ -110,41 +110,6 @@ int UPnPGroupCapabilities_Has(UPnPGroupCapabilities* aCapabilities, const char* 
     return FindCapability(aCapabilities, aCapability) != nullptr;
 }
 
-// ---- Metadata ----
-
-int UPnPGroupMetaData_Set(zoCustomHashTable* aMetaDataHashTable, const char* aKey, const char* aValue)
-{
-    if (!aMetaDataHashTable || zoStrEmpty(aKey) || !aValue) { return 0; }
-    zoCustomHashTable_Add(aMetaDataHashTable, aKey, aValue);
-    return 1;
-}
-
-void UPnPGroupMetaData_Remove(zoCustomHashTable* aMetaDataHashTable, const char* aKey)
-{
-    if (!aMetaDataHashTable || zoStrEmpty(aKey)) { return; }
-    zoCustomHashTable_Remove(aMetaDataHashTable, aKey);
-}
-
-int UPnPGroupMetaData_SameAs(zoCustomHashTable* aMetaDataHashTable1, zoCustomHashTable* aMetaDataHashTable2)
-{
-    const size_t theCount = zoCustomHashTable_GetTupleCount(aMetaDataHashTable1);
-    if (theCount != zoCustomHashTable_GetTupleCount(aMetaDataHashTable2)) { return 0; }
-    for (size_t i = 0; i < theCount; ++i)
-    {
-        const char* theKey = zoCustomHashTable_GetKeyAtIndex(aMetaDataHashTable1, i);
-        const char* theValue = zoCustomHashTable_Get(aMetaDataHashTable1, theKey);
-        if (!AreEqual(theValue, zoCustomHashTable_Get(aMetaDataHashTable2, theKey))) { return 0; }
-    }
-    return 1;
-}
-
-char* UPnPGroupMetaData_GetXML(zoCustomHashTable* aMetaDataHashTable)
-{
-    zoBuffer* theBuffer = zoBuffer_New(0);
-    Groups::AppendMetaData(theBuffer, aMetaDataHashTable);
-    return Shared::TakeText(theBuffer);
-}
-
 // ---- Groups ----
 
 UPnPGroupInfo* UPnPGroupInfo_NewEx(const char* aCapability)
@@ -305,7 +270,40 @@ zoArray_t* UPnPGroupInfo_GetGroupedUDNs(UPnPGroupInfo* aGroupInfo)
     return theUDNs;
 }
 
-// ---- Metadata of a member ----
+// ---- Metadata ----
+
+int UPnPGroupMetaData_Set(zoCustomHashTable* aMetaDataHashTable, const char* aKey, const char* aValue)
+{
+    if (!aMetaDataHashTable || zoStrEmpty(aKey) || !aValue) { return 0; }
+    zoCustomHashTable_Add(aMetaDataHashTable, aKey, aValue);
+    return 1;
+}
+
+void UPnPGroupMetaData_Remove(zoCustomHashTable* aMetaDataHashTable, const char* aKey)
+{
+    if (!aMetaDataHashTable || zoStrEmpty(aKey)) { return; }
+    zoCustomHashTable_Remove(aMetaDataHashTable, aKey);
+}
+
+int UPnPGroupMetaData_SameAs(zoCustomHashTable* aMetaDataHashTable1, zoCustomHashTable* aMetaDataHashTable2)
+{
+    const size_t theCount = zoCustomHashTable_GetTupleCount(aMetaDataHashTable1);
+    if (theCount != zoCustomHashTable_GetTupleCount(aMetaDataHashTable2)) { return 0; }
+    for (size_t i = 0; i < theCount; ++i)
+    {
+        const char* theKey = zoCustomHashTable_GetKeyAtIndex(aMetaDataHashTable1, i);
+        const char* theValue = zoCustomHashTable_Get(aMetaDataHashTable1, theKey);
+        if (!AreEqual(theValue, zoCustomHashTable_Get(aMetaDataHashTable2, theKey))) { return 0; }
+    }
+    return 1;
+}
+
+char* UPnPGroupMetaData_GetXML(zoCustomHashTable* aMetaDataHashTable)
+{
+    zoBuffer* theBuffer = zoBuffer_New(0);
+    Groups::AppendMetaData(theBuffer, aMetaDataHashTable);
+    return Shared::TakeText(theBuffer);
+}
 
 // The table of the group (for NULL), the master or a slave; NULL when there is no such member.
 static zoCustomHashTable* FindMetaData(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN)
