@@ -8,12 +8,12 @@
 
 /**
  * A view of the entry record of one content-directory object (UPnPConst.h): title, class, identifiers and the like, and
- * its extra info, the elements that have no tag of their own. Made from what UPnPDIDL_ParseElements gives out:
+ * its extra info, the elements that have no tag of their own. Made from what UPnPDIDL_ParseElements returns:
  *
  *     CDSEntryInfo theEntry(zoPackedData_NewData(theData));
  *     theEntry.GetInfoAsCString(kCDSEntryInfo_Title);
  *
- * Every value is read by its tag and as what it is stored as; an absent one reads as "" or 0. Texts are given out as
+ * Every value is read by its tag and as what it is stored as; an absent one reads as "" or 0. Texts are returned as
  * copies. Nothing changes the record, so several threads may read one object.
  */
 class UPNPUTILITIES_API CDSEntryInfo
@@ -36,18 +36,19 @@ public:
 
     /** @return kCDSEntryInfo_IsContainer. */
     bool IsContainer();
-    /** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when the server said nothing. */
+    /** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when it is unknown. */
     uint32 GetChildCount();
     /** @param aDataInfoID  the kCDSEntryInfo_* tag of a number. @return its lower 32 bits. */
     unsigned long GetInfoAsULong(uint16 aDataInfoID);
     /** @param aDataInfoID  the kCDSEntryInfo_* tag of a text. */
     zoCString GetInfoAsCString(uint16 aDataInfoID);
 
-    /** @return the number of pairs of extra info; a name without a value counts as none. */
+    /** @return the number of pairs of extra info: half the number of its tags. Takes constant time in a parsed record,
+     *          logarithmic time in others. */
     uint16 GetExtraInfoCount();
     /**
-     * Reads a pair of extra info.
-     * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both come out as "".
+     * Reads a pair of extra info; what is absent of it is "". Takes no longer than GetExtraInfoCount and a look-up.
+     * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both are "".
      * @param aName, aData out: the qualified name of the element ("upnp:artist") and its inner text.
      */
     void GetExtraInfo(int anExtraInfoIndex, zoCString& aName, zoCString& aData);

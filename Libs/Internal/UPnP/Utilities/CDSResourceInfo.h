@@ -9,26 +9,29 @@
 #include <zoltTools/zoPackedData.h>
 
 /* A resource whose protocol info has this parameter is a subtitle; its extra info "subtitleLabel" and "subtitleType"
- * say what it is. */
+ * describe it. */
 #define kSubtitleMarker "ZOLT.COM_SUB"
 
 /**
  * A view of the resources (res elements) of one content-directory object (UPnPConst.h), and the choice among them: the
- * resource that a renderer plays best, the thumbnail, the album art. Made from what UPnPDIDL_ParseElements gives out:
+ * resource that suits a renderer best, the thumbnail, the album art. Made from what UPnPDIDL_ParseElements returns:
  *
  *     CDSEntryInfo theEntry(zoPackedData_NewData(theData));
  *     CDSResourceInfo theResources(theRes, theEntry.mPackedData);
  *     int theIndex = theResources.GetBestResourceIndex(theSinkList, &theConfidence, "", nullptr, 0);
  *
- * Resources are counted from 0 in document order. An absent value, a resource that is not there included, reads as ""
- * or 0. Texts are given out as copies. Only ReduceSize changes an object; the caller sees to it that nobody else uses
- * the object then. Clones are independent of each other.
+ * Resources are counted from 0 in document order. An absent value, also of an absent resource, reads as "" or 0. Texts
+ * are returned as copies. Only ReduceSize changes an object; nobody else may use the object then. Clones are
+ * independent of each other.
  *
  * Arguments that the choosing operations have in common:
- * - A confidence goes out as one of kRendererPlayConfidence_*.
- * - A scheme order lists transports separated by commas, best first ("http-get,rtsp"); "*" and "" take any.
- * - Target addresses are the IPv4 addresses, in network byte order, of the devices that will fetch the resource: one
- *   whose host shares the first three, two or one octets with a target is nearer. May be NULL when the count is 0.
+ * - A confidence is one of kRendererPlayConfidence_*.
+ * - A scheme order lists transport protocols separated by commas, best first: "http-get,rtsp". "*" and "" take any.
+ * - Target addresses are the IPv4 addresses, in network byte order, of the devices that will fetch the resource: a host
+ *   that shares the first three, two or one octets with a target is nearer. May be NULL when the count is 0.
+ *
+ * A choice takes time linear in the resources, and for each up to the length of a list of at most 2048 elements or the
+ * number of targets.
  */
 class UPNPUTILITIES_API CDSResourceInfo
 {
@@ -60,28 +63,34 @@ public:
     /** @param aResourceInfoID  the kCDSResourceInfo_* tag of a number. */
     zouint64_t GetInfoAsUInt64(uint32 aResourceIndex, uint16 aResourceInfoID);
 
-    /** @return the number of pairs of extra info; a name without a value counts as none. */
+    /** @return the number of pairs of extra info: half the number of its tags. Takes constant time in a parsed record,
+     *          logarithmic time in others. */
     uint16 GetExtraInfoCount(uint32 aResourceIndex);
     /**
-     * Reads a pair of extra info, in the order in which pairs were stored.
-     * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both come out as "".
+     * Reads a pair of extra info, pairs being counted in the order of storage; what is absent of it is "". Takes
+     * constant time when pairs are stored before the fields, as the parser does, else time linear in the resource's
+     * tags.
+     * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both are "".
      * @param aName, aData out: the qualified name of the attribute ("pv:subtitleFileUri") and its value.
      */
     void GetExtraInfo(uint32 aResourceIndex, int anExtraInfoIndex, zoCString& aName, zoCString& aData);
-    /** The name of a pair; "" as for GetExtraInfo. */
+    /** The name of a pair, pairs being counted by their tags: in the order of storage, too, as the parser stores them.
+     *  "" as for GetExtraInfo. Takes no longer than GetExtraInfoCount and a look-up. */
     zoCString GetExtraInfoName(uint32 aResourceIndex, int anExtraInfoIndex);
-    /** The value of a pair; "" as for GetExtraInfo. */
+    /** The value of the pair that has the name of GetExtraInfoName. */
     zoCString GetExtraInfoData(uint32 aResourceIndex, int anExtraInfoIndex);
-    /** @return the value of the first pair of exactly that name; "" when there is none. */
+    /** @return the value of the first pair, counted by tags, of exactly that name; "" when there is none. Takes time
+     *          linear in the number of pairs. */
     zoCString GetExtraInfoDataByName(uint32 aResourceIndex, const char* aName);
 
-    /** @return the number of resources that are subtitles. */
+    /** @return the number of resources that are subtitles. The first question about subtitles takes time linear in the
+     *          number of resources, further ones take constant time. */
     int GetSubtitleCount();
-    /** @return whether the resource is a subtitle: its protocol info has kSubtitleMarker. */
+    /** True if the resource is a subtitle: its protocol info contains kSubtitleMarker. */
     bool IsSubtitle(int aResourceIndex);
     /** @return the resource index of a subtitle, counted from 0 among the subtitles; -1 when there is none. */
     int GetResourceIndexForSubtitle(int aSubtitleIndex);
-    /** @param aResourceIndex  a resource index, not a subtitle index. @return what to show the user ("English"). */
+    /** @param aResourceIndex  a resource index, not a subtitle index. @return the text for the user ("English"). */
     zoCString GetSubtitleLabel(int aResourceIndex);
     /** As GetSubtitleLabel. @return the format ("srt"). */
     zoCString GetSubtitleType(int aResourceIndex);
@@ -91,25 +100,35 @@ public:
     /** @return an independent copy, album art included, released with delete. */
     CDSResourceInfo* Clone() const;
     /**
-     * Drops resources so that the record comes down towards a size; does nothing when it is no larger. Kept are, in
-     * this order and whatever the size, all resources with the URI to keep and, if asked for, all thumbnails; then the
-     * others in their order while the record is below the size, so that the last one may pass it. Resources have new
-     * indices afterwards.
+     * Drops resources so that the record shrinks towards a size; does nothing when it is not larger. Keeps all
+     * resources with the URI to keep and, if asked for, all thumbnails, whatever the size; then the others in their
+     * order while the record is below the size, so that the last one may pass it. Resources have new indices
+     * afterwards.
      * @param aTargetSize       bytes, as GetMemoryUsage counts.
-     * @param afKeepThumbnails  whether to keep resources of the DLNA profiles JPEG_TN and PNG_TN.
+     * @param afKeepThumbnails  true to keep resources of the DLNA profiles JPEG_TN and PNG_TN.
      */
     void ReduceSize(size_t aTargetSize, const zoCString& anURIToKeep, bool afKeepThumbnails);
     /** @return the resource record's size in bytes, without the album art. */
     size_t GetMemoryUsage();
 
     /**
-     * Chooses the resource that a renderer plays best: what matches its protocol infos most closely, then what has a
-     * DLNA profile, then what is on an IPv4 host, then the nearest, then the best transport, then what is not
-     * converted, then the first. A resource without protocol info is taken for what its URI looks like; thumbnails are
-     * not considered.
-     * @param aSinkProtocolInfoList  what the renderer plays; NULL when that isn't known: everything then matches.
-     * @param aConfidence out, may be NULL: how likely the renderer plays it: Should (a profile of the renderer's), May
-     *                    (a MIME type), ShouldNot (anything else), WillNot with -1.
+     * Chooses the resource that suits a renderer best, among those whose transport protocol is in the renderer's list
+     * and in the scheme order. Matching is tried in stages, each looser than the one before; the first stage in which a
+     * resource matches decides, and gives the confidence:
+     *
+     *     Should     the DLNA profile is one of the renderer's
+     *     May        the MIME type is, and no other profile is named; then also by a wild card of the renderer's
+     *     ShouldNot  the MIME type is, whatever the profile; then whatever the MIME type
+     *     WillNot    there is no resource: the result is -1
+     *
+     * Of several, one with a DLNA profile is taken (with Should only), then one on an IPv4 host, then the nearest, then
+     * the best in the scheme order, then one that is not converted (not at the last stage, which takes them in document
+     * order, and not without a list), then the first. A resource without protocol info matches at the first stage
+     * already, with the transport protocol of its URI: the MIME type that the URI suggests is not compared. Thumbnails
+     * are not considered.
+     * @param aSinkProtocolInfoList  what the renderer plays. NULL when that is unknown: everything matches then, at the
+     *                               first stage, so the confidence is Should.
+     * @param aConfidence out, may be NULL: the confidence.
      * @return its index; -1 when there is none.
      */
     int GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int* aConfidence,
@@ -120,9 +139,9 @@ public:
                                     uint32* aTargetIPAddresses, uint32 aTargetIPCount);
     /**
      * As GetBestResourceIndex.
-     * @param aSinkProtocolInfo     protocol infos separated by commas; "" matches nothing: confidence at most
-     * ShouldNot.
-     * @param afSearchForThumbnail  whether thumbnails are considered, too.
+     * @param aSinkProtocolInfo     protocol infos separated by commas. "" matches nothing before the last stage, unless
+     *                              a resource has no protocol info.
+     * @param afSearchForThumbnail  true to consider thumbnails, too.
      */
     int GetBestResourceIndexFromStr(const zoCString& aSinkProtocolInfo, int* aConfidence,
                                     const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
@@ -133,13 +152,15 @@ public:
                                            uint32* aTargetIPAddresses, uint32 aTargetIPCount,
                                            bool afSearchForThumbnail);
 
-    /** @param aThumbnailType  a DLNA profile ("JPEG_TN"). @return the index of the best picture of that profile, or of
-     *                         its MIME type, over HTTP; -1 when there is none, and for NULL. */
+    /** @param aThumbnailType  a DLNA profile ("JPEG_TN"). @return the index of the best resource over HTTP that has
+     * this profile, else of one without protocol info, else of one of its MIME type without a profile; -1 when there is
+     * none, and for NULL. */
     int GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses, uint32 aTargetIPCount);
     /**
-     * Chooses the picture that stands for the object: album art of a listed profile, else a thumbnail resource of a
-     * listed profile, else album art of the family (what stands before "_") of a listed profile or of no profile.
-     * @param aPreferedProfileIDList  DLNA profiles separated by commas, best first; "" stands for "JPEG_TN,PNG_TN".
+     * Chooses the picture that is shown for the object: album art of a listed profile, else the resource that
+     * GetResourceIndexForThumbnail finds for the first listed profile for which there is one, else album art whose
+     * family is in the list: its profile's text up to the first "_", with a "_" after it; "_" when it has no profile.
+     * @param aPreferedProfileIDList  DLNA profiles separated by commas, best first; "" means "JPEG_TN,PNG_TN".
      * @param aProfileID out, may be NULL: the picture's profile, "" when it has none.
      * @return its URI; "" when there is none.
      */
@@ -147,8 +168,8 @@ public:
                               uint32* aTargetIPAddresses, uint32 aTargetIPCount);
     /**
      * Chooses among the album art only, by the first eight listed profiles, then by the family of one, then by the
-     * host: an IPv4 address, and the nearer to all targets the better. What nothing speaks for is better than nothing:
-     * the last URI, with the profile "". The arguments and the result are those of GetThumbnailURI.
+     * host: an IPv4 address, the nearer to all targets the better. If none has any of these, the last URI is returned,
+     * with the profile "". Arguments and result are those of GetThumbnailURI.
      */
     zoCString GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID, uint32* aTargetIPAddresses,
                              uint32 aTargetIPCount);
@@ -165,8 +186,8 @@ public:
 protected:
     /** Reads the album art from an object's entry record; NULL: there is none. */
     void InitUsingPackedData(zoPackedData_t* aPackedData);
-    /** GetBestResourceIndex for sinks that are taken apart already.
-     *  @param aSupportedProtocolSchemeList  the sinks' transports, separated by commas. */
+    /** As GetBestResourceIndex.
+     *  @param aSupportedProtocolSchemeList  the renderer's transport protocols, separated by commas; "" for any. */
     static int GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList,
                                       const zoCString& aSupportedProtocolSchemeList, zoPackedData_t* aResourceInfo,
                                       int* aConfidence, const zoCString& aPreferredSchemeOrder,

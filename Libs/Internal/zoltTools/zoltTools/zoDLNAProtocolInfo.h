@@ -14,7 +14,7 @@
 extern "C" {
 #endif
 
-/* One protocol info; nothing but its user data changes. */
+/* One protocol info. Only its user data changes. */
 typedef struct zoDLNAProtocolInfo_t zoDLNAProtocolInfo_t;
 
 /**
@@ -24,7 +24,7 @@ typedef struct zoDLNAProtocolInfo_t zoDLNAProtocolInfo_t;
  */
 ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int aFlags);
 /**
- * What can be told from a URI's text alone: the protocol from its scheme (http and https: "http-get"; rtsp:
+ * Makes a protocol info of what a URI's text tells: the protocol from its scheme (http and https: "http-get"; rtsp:
  * "rtsp-rtp-udp"; any other: the scheme itself; none: "*"), network "*", the MIME type from the extension of its path
  * ("*" when that is unknown), additional info "*".
  * @return a new object, released with zoDLNAProtocolInfo_Delete.
@@ -42,15 +42,15 @@ ZOLTTOOLS_API zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory,
 /** Releases the object; NULL is ignored. */
 ZOLTTOOLS_API void zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_t* anInfo);
 
-/** @return 1 when aLength bytes are their own text form, so that there is no need to parse them for it; 0 when they may
- *          not be. NULL and "" are. */
+/** @return 1 when aLength bytes are their own text form and need not be parsed for it, also for NULL and ""; 0 when
+ * they may not be. */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength);
 /**
- * What zoDLNAProtocolInfo_MatchPN and zoDLNAProtocolInfo_GetConversionIndicator tell, from the text and without an
- * object, so without memory from the heap.
+ * Tells what zoDLNAProtocolInfo_MatchPN and zoDLNAProtocolInfo_GetConversionIndicator do, from the text, without memory
+ * from the heap.
  * @param aText  aLength bytes, as for zoDLNAProtocolInfo_New.
- * @param aProfile  exactly the profile that is to be there; NULL: any, or none.
- * @param aConversionIndicator  the one that is to be there, 0 or 1; -1: either.
+ * @param aProfile  the expected profile, exactly; NULL: any, or none.
+ * @param aConversionIndicator  the expected one, 0 or 1; -1: either.
  * @return 1 when both are so, else 0.
  */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile,

@@ -10,7 +10,7 @@
 extern "C" {
 #endif
 
-/* Protocol infos in an order. */
+/* A sequence of protocol infos. */
 typedef struct zoDLNAProtocolInfoList_t zoDLNAProtocolInfoList_t;
 
 /* How zoDLNAProtocolInfoList_Match compares; a bit mask. */
@@ -28,9 +28,9 @@ enum
 #define kzoPreferredSchemeOrder_Default "*"
 
 /**
- * @param aText   protocol infos separated by commas (a comma after a backslash does not separate, and stands in the
- *                element without the backslash); empty ones are skipped, and so is what follows the 2048th, since
- *                every resource of a choice may have to be compared with all. NULL and "" give an empty list.
+ * @param aText   protocol infos separated by commas (a comma after a backslash belongs to the element, without the
+ *                backslash); empty ones are skipped. What follows the 2048th is ignored, since a resource may have to
+ *                be compared with every element. NULL and "" give an empty list.
  * @param aFlags  0.
  * @return a new list, released with zoDLNAProtocolInfoList_Delete.
  */
@@ -51,11 +51,15 @@ ZOLTTOOLS_API void zoDLNAProtocolInfoList_Add(zoDLNAProtocolInfoList_t* aList, z
 ZOLTTOOLS_API void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList, int aPosition);
 
 /**
- * Whether an element of the list plays what anInfo describes. An empty list matches nothing. An element matches when
+ * Tells if an element of the list plays what anInfo describes. An empty list matches nothing. An element matches when
  * - protocol and network are equal, ignoring case, or "*" on either side;
  * - the MIME type is not looked at, or type and subtype are equal, ignoring case, and each parameter of the element's
  *   (audio/L16;rate=44100) is among anInfo's;
- * - the profile is not looked at, or equal (two absent ones are equal), or let pass by AnyProfile.
+ * - the profile is not looked at, or equal (two absent ones are equal), or AnyProfile ignores it.
+ *
+ * The first match against a list of more than 16 elements, or with parameters of MIME types, makes an index, which the
+ * list keeps until it changes. Then a match looks at the elements of anInfo's profile or MIME type alone, however alike
+ * others are. Several threads may match against one list while nobody changes it.
  * @param aFlags  kzoDLNAProtocolInfoMatch_* bits.
  * @return 1 or 0.
  */
@@ -71,7 +75,7 @@ ZOLTTOOLS_API char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNA
  * Ranks the elements by transport.
  * @param anOrder      transports separated by commas, best first: a protocol ("http-get"), its first part ("http"
  *                     covers "http-get"), or "*" for all; case is ignored.
- * @param aSupported   protocols separated by commas: only elements with one of them take part; "" or one that holds
+ * @param aSupported   protocols separated by commas: only elements with one of them take part; "" or one that contains
  *                     "*": all do.
  * @return the position of the first element that the earliest item of anOrder covers; -1 when no element takes part.
  *         Draining a list (ask, remove, ask again with the same texts) takes time linear in its length.
@@ -84,7 +88,7 @@ ZOLTTOOLS_API int zoDLNAProtocolInfoList_GetBestIndexForScheme(zoDLNAProtocolInf
  * @param aSinkList   the list whose protocols are the supported ones when aSupported is NULL; may be NULL.
  * @param anOrder, aSupported  as for zoDLNAProtocolInfoList_GetBestIndexForScheme.
  * @param anInfos     aCount objects, which stay the caller's.
- * @return how many take part; the order of the others is lost, so is what the array held of them.
+ * @return how many take part; what the array has after them is undefined.
  */
 ZOLTTOOLS_API size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
                                                          const char* aSupported, zoDLNAProtocolInfo_t** anInfos,
