@@ -2,6 +2,7 @@
 
 #include "UTF8.h"
 
+#include <Shared/ASCII.h>
 #include <limits>
 #include <utility>
 
@@ -21,15 +22,13 @@ struct Step
 
 } // namespace
 
-static bool IsDigit(char aByte) { return aByte >= '0' && aByte <= '9'; }
-
 // The number that a text begins with, up to a blank or its end, and its length; no length without one.
 static std::pair<size_t, size_t> ReadIndex(std::string_view aText)
 {
     const size_t kMostDigits = 9;
     size_t theIndex = 0;
     size_t theLength = 0;
-    for (; theLength < aText.size() && theLength <= kMostDigits && IsDigit(aText[theLength]); ++theLength)
+    for (; theLength < aText.size() && theLength <= kMostDigits && Shared::IsDigit(aText[theLength]); ++theLength)
         theIndex = theIndex * 10 + static_cast<size_t>(aText[theLength] - '0');
     const bool fIsNumber =
         theLength > 0 && theLength <= kMostDigits && (theLength == aText.size() || aText[theLength] == ' ');

@@ -3,6 +3,7 @@
 #include "Subcommand.h"
 #include "UTF8.h"
 
+#include <Shared/Digits.h>
 #include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -26,15 +27,17 @@ static bool IsPlain(std::string_view aCharacter)
 
 static void AppendByte(std::string& aTarget, char aByte)
 {
-    static const char kDigits[] = "0123456789ABCDEF";
-    const unsigned char theByte = static_cast<unsigned char>(aByte);
+    char theDigits[2];
     switch (aByte)
     {
     case '\n': aTarget += "\\n"; break;
     case '\r': aTarget += "\\r"; break;
     case '\t': aTarget += "\\t"; break;
     case '\\': aTarget += "\\\\"; break;
-    default: (aTarget += "\\x") += { kDigits[theByte >> 4], kDigits[theByte & 15] }; break;
+    default:
+        Shared::WriteHexByte(theDigits, aByte);
+        (aTarget += "\\x").append(theDigits, sizeof(theDigits));
+        break;
     }
 }
 
