@@ -40,6 +40,7 @@ report() {
 
 require cmake ninja-build g++ ccache libpugixml-dev libxml2-dev valgrind
 build bench "$root/build/bench" Instructions
+case " $* " in *" browse "*) set -- pugixml-browse "$@" ;; esac
 for stage in pugixml "${@:-${stages[@]}}"; do
     count "$stage"
 done | report

@@ -83,7 +83,7 @@ namespace
 const size_t kSizes[] = { 64 * 1024, 256 * 1024, 1024 * 1024 };
 const double kMaxMicrosecondsPerByte = 1;
 const double kMaxGrowth = 5;             // when the input is four times as large
-const double kGrowthCountsFrom = 0.05;   // microseconds a byte; below it caches and the kernel make the difference
+const double kGrowthCountsFrom = 0.1;    // microseconds a byte; below it caches and the kernel make the difference
 const double kLongestMicroseconds = 4e6; // a larger input is not tried after that
 
 double PerByte(double aFigure, const Meter& aMeter) { return aFigure / static_cast<double>(aMeter.mInputSize); }

@@ -46,13 +46,9 @@ inline bool Is(char aByte, uint8_t aClasses) { return (kBytes.mClass[static_cast
 /** @return the first byte that is not of the classes. The caller knows that there is one. */
 inline char* SkipAll(char* aPosition, uint8_t aClasses)
 {
-    for (;; aPosition += 4) // four a turn: a tenth of the reader's time
-    {
-        for (int i = 0; i < 4; ++i)
-        {
-            if (!Is(aPosition[i], aClasses)) { return aPosition + i; }
-        }
-    }
+    while (Is(*aPosition, aClasses))
+        ++aPosition;
+    return aPosition;
 }
 
 /** @return the first aByte; NULL when there is none. */

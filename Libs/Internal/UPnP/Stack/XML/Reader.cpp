@@ -225,8 +225,7 @@ __attribute__((noinline)) static char* SkipMarkup(char* aPosition, const char* a
     return SkipDeclaration(aPosition, anEnd);
 }
 
-// Flattened, the state of the reader stays in registers: 5 % of a parse.
-__attribute__((flatten)) static bool ReadTags(Reader* aReader, char* aPosition)
+static bool ReadTags(Reader* aReader, char* aPosition)
 {
     char* thePosition = aPosition;
     while (thePosition < aReader->mEnd)

@@ -60,8 +60,8 @@ bool MayEndRun(Word aWord)
 // The number of bytes that are copied before kMaxSize or the caller's limit ends a text.
 size_t LimitOf(size_t aMaxSize) { return aMaxSize > 0 ? std::min(aMaxSize, kMaxSize) : kMaxSize; }
 
-// The number of bytes up to the first that is not copied, word by word where there is none: a tenth of a document's
-// time.
+// The number of bytes up to the first that is not copied, word by word where there is none: 13 % of a
+// document's time.
 [[gnu::always_inline]] inline size_t CopiedLength(std::string_view aText)
 {
     size_t theLength = 0;
