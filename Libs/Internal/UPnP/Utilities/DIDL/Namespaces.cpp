@@ -95,7 +95,7 @@ void NamespaceList::AddXMLNameSpaces(const ILibXMLAttribute* anAttributes)
 
 // ---- The declarations of the root ----
 
-// True if an attribute of the root counts as a declaration: its prefix is empty or a beginning of "xmlns".
+// True if an attribute of the root counts as a declaration: its prefix is empty or the start of "xmlns".
 static bool IsDeclaration(const ILibXMLAttribute* anAttribute)
 {
     const std::string_view thePrefix = Shared::Prefix(anAttribute);

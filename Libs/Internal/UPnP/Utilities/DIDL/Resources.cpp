@@ -40,7 +40,7 @@ typedef void (*ResourceReader_t)(std::string_view aValue, Resource* aResource);
 struct ResourceAttribute
 {
     std::string_view mIdentifier;
-    std::string_view mPrefix; // the attribute's prefix is a beginning of it, and not empty; "" takes any and none
+    std::string_view mPrefix; // an attribute needs a prefix that it starts with; "" for any prefix or none
     ResourceReader_t mReader;
 };
 
