@@ -1,8 +1,27 @@
 #include "FuzzSupport.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
+#include <string>
 
-// Every element of a document parsed as an object, against a base URL, with the links between nodes checked on the way.
+// Every element of a document parsed as an object, against a base URL, with the links between nodes checked on the way;
+// and the document read object by object.
+
+static void ReadObjectByObject(const char* aText)
+{
+    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText, "http://192.0.2.1:80/a/b?c");
+    char* theData = nullptr;
+    char* theRes = nullptr;
+    int theType = kDIDLItemType_Item;
+    while (theType != kDIDLItemType_None)
+    {
+        const int theResult = UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
+        const bool fHasBlocks = theResult == kUPnPError_None && theType != kDIDLItemType_None;
+        Require((theData != nullptr) == fHasBlocks && (theRes != nullptr) == fHasBlocks, "an object has both blocks");
+        free(theData);
+        free(theRes);
+    }
+    UPnPDIDLDocument_Delete(theDocument);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
 {
@@ -34,6 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
         }
     }
     ILibDestructXMLNodeList(theNodes);
+    const std::string theBefore(theText);
+    ReadObjectByObject(theText);
+    Require(theBefore == theText, "the text is as it was");
     free(theText);
     return 0;
 }
