@@ -83,6 +83,9 @@ function(upnp_add_library aName aRoot)
         # Calls between sources cost nothing then. Archives stay as every compiler and linker understands them.
         if(UPNP_CAN_OPTIMISE_LINKS AND NOT UPNP_USER_FLAGS MATCHES "-f(no-)?lto")
             set_target_properties(${aName} PROPERTIES INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
+            if(CMAKE_CXX_COMPILER_ID STREQUAL GNU) # in parts it would have small functions several times
+                target_link_options(${aName} PRIVATE $<$<CONFIG:Release>:-flto-partition=one>)
+            endif()
         endif()
     endif()
 endfunction()

@@ -59,8 +59,11 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
     return Shared::TakeText(theBuffer);
 }
 
-char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle, uint32 aDLNAManagedFlags,
-                                            const char* aClassName, const char* aCreateClassNameList)
+// Documents of uploads are rare beside the others: cold functions are compiled for size.
+
+[[gnu::cold]] char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle,
+                                                          uint32 aDLNAManagedFlags, const char* aClassName,
+                                                          const char* aCreateClassNameList)
 {
     zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
     AppendCreatedObject(theBuffer, false, nullptr, aParentID, aDLNAManagedFlags);
@@ -70,9 +73,10 @@ char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* a
     return TakeDocument(theBuffer);
 }
 
-char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle, uint32 aDLNAManagedFlags,
-                                       const char* aClassName, const char* aDLNAInfo, zoFileOffset aFileLength,
-                                       uint32 aDTCPUploadInfo)
+[[gnu::cold]] char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle,
+                                                     uint32 aDLNAManagedFlags, const char* aClassName,
+                                                     const char* aDLNAInfo, zoFileOffset aFileLength,
+                                                     uint32 aDTCPUploadInfo)
 {
     zoBuffer* theBuffer = zoBuffer_New(kFirstBufferSize);
     AppendCreatedObject(theBuffer, true, nullptr, aParentID, aDLNAManagedFlags);
@@ -88,10 +92,11 @@ char* UPnPDIDL_GetForCreateItemRequest(const char* aParentID, const char* aTitle
     return TakeDocument(theBuffer);
 }
 
-char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMediaData, const char* anImportURI,
-                                          const char* anImportIFOURI, zoDLNAProtocolInfo_t* aDLNAProtocolInfo,
-                                          const char* anID, const char* aParentID, int afEnableResumeUpload,
-                                          uint32 aDTCPUploadInfo)
+[[gnu::cold]] char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMediaData, const char* anImportURI,
+                                                        const char* anImportIFOURI,
+                                                        zoDLNAProtocolInfo_t* aDLNAProtocolInfo, const char* anID,
+                                                        const char* aParentID, int afEnableResumeUpload,
+                                                        uint32 aDTCPUploadInfo)
 {
     const bool fIsItem = anImportURI != nullptr;
     const uint32 theFlags =

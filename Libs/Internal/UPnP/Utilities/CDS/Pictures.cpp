@@ -2,6 +2,7 @@
 
 #include <Shared/ASCII.h>
 #include <Shared/Sizes.h>
+#include <Shared/Sort.h>
 #include <Shared/Split.h>
 #include <UPnP/Utilities/CDS/Best.h>
 #include <algorithm>
@@ -229,9 +230,9 @@ void ThumbnailSearch::SortByProfile()
     mByProfile = Shared::NewArray<uint32>(mCount);
     for (uint32 i = 0; i < mCount; ++i)
         mByProfile[i] = i;
-    std::sort(mByProfile, mByProfile + mCount,
-              [this](uint32 aLeft, uint32 aRight)
-              {
+    Shared::Sort(mByProfile, mByProfile + mCount,
+                 [this](uint32 aLeft, uint32 aRight)
+                 {
         const int theOrder = ProfileAt(aLeft).compare(ProfileAt(aRight));
         return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
     });

@@ -1,7 +1,7 @@
 #include <UPnP/Utilities/DIDL/Namespaces.h>
 
 #include <Shared/Sizes.h>
-#include <algorithm>
+#include <Shared/Sort.h>
 
 namespace DIDL
 {
@@ -153,9 +153,9 @@ public:
     // The number of declarations, which then are in the root's order.
     size_t Sort()
     {
-        std::sort(mFound, mFound + mCount,
-                  [](const ILibXMLAttribute* aLeft, const ILibXMLAttribute* aRight)
-                  { return aLeft->Name < aRight->Name; });
+        Shared::Sort(mFound, mFound + mCount,
+                     [](const ILibXMLAttribute* aLeft, const ILibXMLAttribute* aRight)
+                     { return aLeft->Name < aRight->Name; });
         return mCount;
     }
     const ILibXMLAttribute* At(size_t anIndex) const { return mFound[anIndex]; }
