@@ -100,6 +100,11 @@ void CheckMatch(const List& aList, const Texts& aTexts, const zoDLNAProtocolInfo
     std::deque<List> theSingles;
     for (const std::string& theText : aTexts)
         theSingles.emplace_back(AsElement(theText));
+    std::string theRepeated; // so often that the list gets an index; a backslash at an end would protect the comma
+    for (size_t i = 0; i < 17 * aTexts.size() && aTexts[i % aTexts.size()].back() != '\\'; ++i)
+        theRepeated += AsElement(aTexts[i % aTexts.size()]) + ',';
+    const List theLong(theRepeated);
+    const bool fIsWhole = theLong.Count() == 17 * static_cast<int>(aTexts.size());
     const int kFlags = 0x20;
     bool fMatches[kFlags] = {};
     for (int theFlags = 0; theFlags < kFlags; ++theFlags)
@@ -111,6 +116,8 @@ void CheckMatch(const List& aList, const Texts& aTexts, const zoDLNAProtocolInfo
             return zoDLNAProtocolInfoList_Match(aSingle.mList, anInfo, theFlags) != 0;
         });
         Require(fMatches[theFlags] == fAnyMatches, "a list matches when one of its elements does");
+        Require(!fIsWhole || (zoDLNAProtocolInfoList_Match(theLong.mList, anInfo, theFlags) != 0) == fAnyMatches,
+                "so does a long one");
     }
     for (int theFlags = 0; theFlags < kFlags; ++theFlags)
     {
