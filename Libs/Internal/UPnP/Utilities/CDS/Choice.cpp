@@ -37,13 +37,17 @@ const uint32 kHasProfileWeight = 0x8000;
 
 } // namespace
 
-// A resource without protocol info matches everything.
-static bool IsCandidate(const Resource& aResource, const zoDLNAProtocolInfoList_t* aSinkList, bool afSearchingThumbnail,
-                        int aMatchFlags)
+// A resource without protocol info matches everything, and everything matches without a list.
+static bool Matches(const Resource& aResource, const zoDLNAProtocolInfoList_t* aSinkList, int aMatchFlags)
 {
-    if (!aResource.mfHasProtocolInfo) { return true; }
-    if (!afSearchingThumbnail && zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo)) { return false; }
-    return !aSinkList || zoDLNAProtocolInfoList_Match(aSinkList, aResource.mInfo, aMatchFlags) != 0;
+    return !aResource.mfHasProtocolInfo || !aSinkList ||
+           zoDLNAProtocolInfoList_Match(aSinkList, aResource.mInfo, aMatchFlags) != 0;
+}
+
+static bool IsConsidered(const Resource& aResource, bool afSearchingThumbnail)
+{
+    if (!aResource.mfHasProtocolInfo) { return aResource.mInfo != nullptr; }
+    return afSearchingThumbnail || !zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo);
 }
 
 // Puts the resources whose transport protocol suits in an array, the best transport protocol first, and of equally good
@@ -56,8 +60,8 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
     size_t theCount = 0;
     for (uint32 i = 0; i < aResources.GetCount(); ++i)
     {
+        if (!IsConsidered(aResources.At(i), aRenderer.mfSearchingThumbnail)) { continue; }
         zoDLNAProtocolInfo_t* theInfo = aResources.At(i).mInfo;
-        if (!theInfo) { continue; }
         const bool fComesLast = afUnconvertedFirst && zoDLNAProtocolInfo_GetConversionIndicator(theInfo) != 0;
         *(fComesLast ? --theLast : anArray + theCount++) = theInfo;
     }
@@ -86,10 +90,7 @@ static int ChooseInStage(const Stage& aStage, const Resources& aResources, const
     for (size_t i = 0; i < aCount; ++i)
     {
         const uint32 theIndex = static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(aRanked[i]));
-        if (IsCandidate(aResources.At(theIndex), theSinkList, aRenderer.mfSearchingThumbnail, aStage.mMatchFlags))
-        {
-            theBest.Add(theIndex);
-        }
+        if (Matches(aResources.At(theIndex), theSinkList, aStage.mMatchFlags)) { theBest.Add(theIndex); }
     }
     return theBest.GetIndex();
 }
