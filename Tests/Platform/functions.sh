@@ -8,6 +8,7 @@ export LC_ALL=C
 called() { nm --dynamic --undefined-only "$1" | sed -n 's/^ *U \([^@]*\)$/\1/p' | c++filt | sed 's/(.*//' | sort -u; }
 
 # The second column of the table of headers.
+# shellcheck disable=SC2016 # backquotes of the page
 listed() { sed -n '/^| Header |/,/^$/s/^|[^|]*|\([^|]*\)|.*/\1/p' "$1" | grep -o '`[^`]*`' | tr -d '`' | sort -u; }
 
 diff -u --label "called by the product" <(called "$1") --label "listed in $(basename "$2")" <(listed "$2")

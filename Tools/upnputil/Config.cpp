@@ -203,7 +203,7 @@ static std::string OriginOfText(const char* aKey, Section& aSection, bool afEmpt
 
 static std::string OriginOfUserAgent(const UPnPConfigField_t& aField, Section& aSection)
 {
-    const std::string theOrigin = OriginOfText(aField.mKey, aSection, false);
+    std::string theOrigin = OriginOfText(aField.mKey, aSection, false);
     if (!aField.mVersionKey) { return theOrigin; }
     return theOrigin + ", DLNA version: " + OriginOfText(aField.mVersionKey, aSection, true);
 }

@@ -151,7 +151,7 @@ static string_view ExtensionOf(const char* aHierarchy)
     {
         if (theBegin[-1] == '.') { return { theBegin, static_cast<size_t>(theEnd - theBegin) }; }
     }
-    return { theEnd, 0 };
+    return {};
 }
 
 static const char* MimeTypeOf(string_view anExtension)
@@ -170,7 +170,7 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewFromURI(const char* aURI)
 {
     const char* theURI = aURI ? aURI : "";
     const string_view theScheme = SchemeOf(theURI);
-    const char* theHierarchy = theScheme.size() > 0 ? theURI + theScheme.size() + 1 : theURI;
+    const char* theHierarchy = !theScheme.empty() ? theURI + theScheme.size() + 1 : theURI;
     const string_view theMimeType = string_view(MimeTypeOf(ExtensionOf(theHierarchy)));
     const string_view theFields[] = { ProtocolOf(theScheme), string_view("*"), theMimeType, string_view("*") };
     return ProtocolInfo::NewFromFields(theFields);
