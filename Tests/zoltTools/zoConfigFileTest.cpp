@@ -310,6 +310,26 @@ TEST(zoConfigFileTest, SavesWhereNothingCanBeSet)
     EXPECT_FALSE(std::filesystem::exists(thePrefix + "8")) << "older than a minute";
 }
 
+// In a folder that can't be listed, whose own path can't be found out.
+TEST(zoConfigFileTest, SavesWhereItCanOnlyWrite)
+{
+    const ScratchFolder theFolder;
+    const std::string theInner = theFolder.mPath + "/inner";
+    std::filesystem::create_directory(theInner);
+    const int theDescriptor = open(theInner.c_str(), O_PATH | O_CLOEXEC);
+    ASSERT_EQ(0, chmod(theInner.c_str(), 0333) | chmod(theFolder.mPath.c_str(), 0));
+    RunInChildProcess(BecomeHelpless,
+                      [&]
+                      {
+        EXPECT_EQ(0, fchdir(theDescriptor));
+        EXPECT_TRUE(SaveKey("device.conf", "1"));
+    });
+    close(theDescriptor);
+    ASSERT_EQ(0, chmod(theFolder.mPath.c_str(), 0700) | chmod(theInner.c_str(), 0700));
+    if (IsSkipped()) { return; }
+    EXPECT_EQ("[s]\nk=1\n", theFolder.Read("inner/device.conf"));
+}
+
 TEST(zoConfigFileTest, LosesNothingWhenItFails)
 {
     const ScratchFolder theFolder;

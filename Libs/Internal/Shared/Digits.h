@@ -25,15 +25,18 @@ inline uint32_t DigitValue(char aByte)
 inline bool IsHexDigit(char aByte) { return DigitValue(aByte) < 16; }
 
 /** @return the value of the byte that two hexadecimal digits stand for; -1 when one of them is not a digit. Doesn't
- * read the second when the first is none, so that a NUL may come first. */
+ *  read the second when the first is not one, so that a NUL may come first. */
 inline int HexByteValue(const char* aDigits)
 {
     if (!IsHexDigit(aDigits[0]) || !IsHexDigit(aDigits[1])) { return -1; }
     return static_cast<int>(DigitValue(aDigits[0]) << 4 | DigitValue(aDigits[1]));
 }
 
-/** @return the digit of a value below 16, in upper case. */
-inline char HexDigit(uint32_t aValue) { return "0123456789ABCDEF"[aValue & 15]; }
+/** The digits that are written, in upper case. */
+constexpr char kHexDigits[] = "0123456789ABCDEF";
+
+/** @return the digit of a value below 16. */
+inline char HexDigit(uint32_t aValue) { return kHexDigits[aValue & 15]; }
 
 /** Writes a byte as two upper-case digits. @return the position after them. */
 inline char* WriteHexByte(char* anEnd, char aByte)

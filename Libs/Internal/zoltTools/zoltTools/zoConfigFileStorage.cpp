@@ -86,20 +86,14 @@ static char* FollowLink(const char* aPath, const char* aContent)
     return zo_mnprintf("%.*s%s", static_cast<int>(theSlash + 1 - aPath), aPath, aContent);
 }
 
-// The path of the file that a path leads to through symbolic links, also of one that is not there yet: a new text.
-// NULL with errno when that can't be found out.
+// The path of the file that a path leads to through symbolic links, also of one that is not there yet: a new text. Only
+// the links of the last name are followed; those on the way to it are the system's. NULL with errno for too many links.
 static char* ResolveLinks(const char* aPath)
 {
     static const int kMaxLinks = 40; // as the system's
     char* thePath = zoStrdup(aPath);
     for (int theLinks = 0; theLinks < kMaxLinks; ++theLinks)
     {
-        char* theTarget = realpath(thePath, nullptr);
-        if (theTarget || errno != ENOENT)
-        {
-            free(thePath);
-            return theTarget;
-        }
         char theContent[PATH_MAX] = "";
         if (readlink(thePath, theContent, sizeof(theContent) - 1) < 0) { return thePath; }
         char* theNext = FollowLink(thePath, theContent);
@@ -114,20 +108,37 @@ static bool WriteAll(int aDescriptor, const char* aBytes, size_t aLength)
     while (aLength > 0)
     {
         const ssize_t theCount = write(aDescriptor, aBytes, aLength);
-        if (theCount < 0 && errno != EINTR) { return false; }
-        if (theCount > 0)
-        {
-            aBytes += theCount;
-            aLength -= static_cast<size_t>(theCount);
-        }
+        if (theCount < 0 && errno == EINTR) { continue; }
+        if (theCount == 0) { errno = EIO; } // no file should; trying again might never end
+        if (theCount <= 0) { return false; }
+        aBytes += theCount;
+        aLength -= static_cast<size_t>(theCount);
     }
     return true;
+}
+
+// Calls fsync or syncfs until no signal interrupts it. False with errno when that failed.
+static bool Flush(int (*aFlush)(int), int aDescriptor)
+{
+    int theResult;
+    do
+        theResult = aFlush(aDescriptor);
+    while (theResult != 0 && errno == EINTR);
+    return theResult == 0;
+}
+
+// Makes the new name of a file last, too. The descriptor of a folder that can't be read flushes nothing: instead, the
+// file's flushes its whole file system. False with errno when that failed.
+static bool FlushName(int aFolder, int aDescriptor)
+{
+    if (Flush(fsync, aFolder) || errno == EINVAL) { return true; } // some file systems have nothing to flush there
+    return errno == EBADF && Flush(syncfs, aDescriptor);
 }
 
 // The mode for a file that can't have its group: the group that it has instead may do what everybody may.
 static mode_t ModeForAnyGroup(mode_t aMode) { return (aMode & 0707) | (aMode & 0007) << 3; }
 
-// Nobody may open the new file while it is empty whom the old one keeps out; where modes can't be set later, this
+// Whoever the old file keeps out must not open the new one while it is empty. Where modes can't be set, this mode
 // stays.
 static mode_t ModeToBeginWith(const struct stat* anOld)
 {
@@ -148,7 +159,7 @@ static void KeepPermissions(int aDescriptor, const struct stat* anOld)
 static bool Write(int aFolder, const char* aTemporary, const char* aTarget, int aDescriptor, const char* aBytes,
                   size_t aLength)
 {
-    if (WriteAll(aDescriptor, aBytes, aLength) && fsync(aDescriptor) == 0 &&
+    if (WriteAll(aDescriptor, aBytes, aLength) && Flush(fsync, aDescriptor) &&
         renameat(aFolder, aTemporary, aFolder, aTarget) == 0)
     {
         return true;
@@ -159,21 +170,25 @@ static bool Write(int aFolder, const char* aTemporary, const char* aTarget, int 
     return false;
 }
 
-// Replaces the file of a folder. False with errno when that failed.
-static bool ReplaceIn(int aFolder, const char* aName, const char* aBytes, size_t aLength)
+// Replaces the file of a folder. NULL, or what the file can't be, with errno.
+static const char* ReplaceIn(int aFolder, const char* aName, const char* aBytes, size_t aLength)
 {
+    static const char kWritten[] = "written";
+
     struct stat theStatus;
     const struct stat* theOld = fstatat(aFolder, aName, &theStatus, AT_SYMLINK_NOFOLLOW) == 0 ? &theStatus : nullptr;
-    if (theOld ? !IsRegular(*theOld) : errno != ENOENT) { return false; }
+    if (theOld ? !IsRegular(*theOld) : errno != ENOENT) { return kWritten; }
     char theTemporary[kTemporaryNameSize];
     const int theDescriptor = NewTemporary(aFolder, aName, ModeToBeginWith(theOld), theTemporary);
-    if (theDescriptor < 0) { return false; }
+    if (theDescriptor < 0) { return kWritten; }
     if (theOld) { KeepPermissions(theDescriptor, theOld); }
-    const bool fIsReplaced = Write(aFolder, theTemporary, aName, theDescriptor, aBytes, aLength);
+    const char* theFailure = nullptr;
+    if (!Write(aFolder, theTemporary, aName, theDescriptor, aBytes, aLength)) { theFailure = kWritten; }
+    else if (!FlushName(aFolder, theDescriptor)) { theFailure = "flushed"; }
     const int theError = errno;
     close(theDescriptor);
     errno = theError;
-    return fIsReplaced;
+    return theFailure;
 }
 
 // The folder that aLength bytes of a path name. One that can't be read can perhaps be written.
@@ -182,7 +197,9 @@ static int OpenFolder(const char* aPath, size_t aLength)
     char* thePath = aLength > 0 ? zoStrndup(aPath, aLength) : zoStrdup(".");
     int theFolder = open(thePath, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (theFolder < 0 && errno == EACCES) { theFolder = open(thePath, O_PATH | O_DIRECTORY | O_CLOEXEC); }
+    const int theError = errno;
     free(thePath);
+    errno = theError;
     return theFolder;
 }
 
@@ -192,9 +209,8 @@ static bool ReplaceTarget(const char* aTarget, const char* aBytes, size_t aLengt
     const char* theName = theSlash ? theSlash + 1 : aTarget;
     const int theFolder = OpenFolder(aTarget, static_cast<size_t>(theName - aTarget));
     if (theFolder < 0) { return Complain(aTarget, "written"); }
-    bool fIsReplaced = ReplaceIn(theFolder, theName, aBytes, aLength) || Complain(aTarget, "written");
-    // The new name has to last, too. Some file systems have nothing to flush there.
-    if (fIsReplaced && fsync(theFolder) != 0 && errno != EINVAL) { fIsReplaced = Complain(aTarget, "flushed"); }
+    const char* theFailure = ReplaceIn(theFolder, theName, aBytes, aLength);
+    const bool fIsReplaced = !theFailure || Complain(aTarget, theFailure);
     close(theFolder);
     return fIsReplaced;
 }

@@ -14,7 +14,6 @@
 namespace ConfigFile
 {
 
-static const char kDigits[] = "0123456789ABCDEF";
 static const size_t kDigitCount = 16;
 static const size_t kPrefixSize = kTemporaryNameSize - kDigitCount;
 static const time_t kMaxAgeSeconds = 60; // of a file that may be in use, where locks do not tell
@@ -46,7 +45,7 @@ static bool IsName(const char* aPrefix, const char* aName)
 {
     const size_t theLength = strlen(aPrefix);
     return strncmp(aName, aPrefix, theLength) == 0 && strlen(aName + theLength) == kDigitCount &&
-           strspn(aName + theLength, kDigits) == kDigitCount;
+           strspn(aName + theLength, Shared::kHexDigits) == kDigitCount;
 }
 
 namespace
@@ -99,6 +98,15 @@ static void RemoveLeftOvers(int aFolder, const char* aPrefix, const char* aName,
     closedir(theFolder);
 }
 
+// Removes a new temporary file. errno stays.
+static void Discard(int aFolder, const char* aName, int aDescriptor)
+{
+    const int theError = errno;
+    unlinkat(aFolder, aName, 0);
+    close(aDescriptor);
+    errno = theError;
+}
+
 int NewTemporary(int aFolder, const char* aTargetName, mode_t aMode, char aName[kTemporaryNameSize])
 {
     static const int kMaxTries = 100;
@@ -112,12 +120,14 @@ int NewTemporary(int aFolder, const char* aTargetName, mode_t aMode, char aName[
         if (theDescriptor < 0 && errno != EEXIST) { return -1; }
         if (theDescriptor < 0) { continue; }
         // Until it is locked another program may take it for a left-over.
-        if (TryLock(theDescriptor) != Lock::Others && fstatat(aFolder, aName, &theStatus, AT_SYMLINK_NOFOLLOW) == 0)
+        const bool fIsOthers = TryLock(theDescriptor) == Lock::Others;
+        if (!fIsOthers && fstatat(aFolder, aName, &theStatus, AT_SYMLINK_NOFOLLOW) == 0)
         {
             RemoveLeftOvers(aFolder, thePrefix, aName, theStatus.st_mtime);
             return theDescriptor;
         }
-        close(theDescriptor);
+        Discard(aFolder, aName, theDescriptor);
+        if (!fIsOthers && errno != ENOENT) { return -1; }
     }
     errno = EBUSY;
     return -1;
