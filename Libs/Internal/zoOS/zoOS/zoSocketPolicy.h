@@ -40,7 +40,8 @@ ZOOS_API int zoSocketPolicy_IsQOSDisabled(const zoSocketPolicy* aSocketPolicy);
  *  @param aNameList  names separated by commas, blanks around them ignored, empty ones skipped; the policy keeps a
  * copy. NULL excludes none. */
 ZOOS_API void zoSocketPolicy_SetExcludedInterfaces(zoSocketPolicy* aSocketPolicy, const char* aNameList);
-/** @param afLoopback  the address is a loopback address.
+/** @param anInterfaceName  the name or label; NULL asks for the mode alone.
+ *  @param afLoopback       the address is a loopback address.
  *  @return 1 when the policy admits an address of the interface, else 0. A NULL policy admits all. */
 ZOOS_API int zoSocketPolicy_Admits(const zoSocketPolicy* aSocketPolicy, const char* anInterfaceName, int afLoopback);
 

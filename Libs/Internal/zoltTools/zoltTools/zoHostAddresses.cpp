@@ -23,6 +23,7 @@ struct Interface
 {
     int mIndex;
     bool mfIsUp;
+    bool mfIsExcluded; // by its name
     char mName[IF_NAMESIZE];
 };
 
@@ -41,6 +42,13 @@ struct Reader
 };
 
 typedef void (*ReadMessage_t)(Reader* aReader, const struct nlmsghdr* aMessage);
+
+enum class Answer
+{
+    Whole,
+    Interrupted, // by a change of what was asked for: it is not of one moment
+    Failed
+};
 
 const size_t kAnswerSize = 32768; // the most that the kernel sends at once
 
@@ -64,32 +72,34 @@ static bool Ask(int aSocket, uint16 aRequest)
 }
 
 // The next part of an answer. 0 when that failed.
-static size_t Receive(int aSocket, char* aBytes)
+static int Receive(int aSocket, char* aBytes)
 {
     ssize_t theLength;
     do
         theLength = recv(aSocket, aBytes, kAnswerSize, MSG_TRUNC);
     while (theLength < 0 && errno == EINTR);
     const bool fIsWhole = theLength > 0 && static_cast<size_t>(theLength) <= kAnswerSize;
-    return fIsWhole ? static_cast<size_t>(theLength) : 0;
+    return fIsWhole ? static_cast<int>(theLength) : 0;
 }
 
-// Reads the messages of an answer up to its end. False when there is a failure among them, or the answer is not of one
-// moment.
-static bool ReadAnswer(int aSocket, uint16 aRequest, char* aBytes, ReadMessage_t aReadMessage, Reader* aReader)
+// Reads the messages of an answer up to its end, so that nothing of it comes after the next request.
+static Answer ReadAnswer(int aSocket, uint16 aRequest, char* aBytes, ReadMessage_t aReadMessage, Reader* aReader)
 {
-    for (size_t theLength; (theLength = Receive(aSocket, aBytes)) > 0;)
+    bool fIsInterrupted = false;
+    int theLength; // NLMSG_NEXT can make it negative
+    while ((theLength = Receive(aSocket, aBytes)) > 0)
     {
         const struct nlmsghdr* theMessage = reinterpret_cast<const struct nlmsghdr*>(aBytes);
         for (; NLMSG_OK(theMessage, theLength); theMessage = NLMSG_NEXT(theMessage, theLength))
         {
             if (theMessage->nlmsg_seq != aRequest) { continue; }
-            if (theMessage->nlmsg_type == NLMSG_ERROR || (theMessage->nlmsg_flags & NLM_F_DUMP_INTR)) { return false; }
-            if (theMessage->nlmsg_type == NLMSG_DONE) { return true; }
+            if (theMessage->nlmsg_type == NLMSG_ERROR) { return Answer::Failed; }
+            if (theMessage->nlmsg_flags & NLM_F_DUMP_INTR) { fIsInterrupted = true; }
+            if (theMessage->nlmsg_type == NLMSG_DONE) { return fIsInterrupted ? Answer::Interrupted : Answer::Whole; }
             aReadMessage(aReader, theMessage);
         }
     }
-    return false;
+    return Answer::Failed;
 }
 
 // ---- Reading messages ----
@@ -99,13 +109,19 @@ static const void* FindAttribute(const struct nlmsghdr* aMessage, size_t aHeader
 {
     const char* theHeader = static_cast<const char*>(NLMSG_DATA(aMessage));
     if (aMessage->nlmsg_len < NLMSG_LENGTH(aHeaderSize)) { return nullptr; }
-    size_t theLength = aMessage->nlmsg_len - NLMSG_LENGTH(aHeaderSize);
+    int theLength = static_cast<int>(aMessage->nlmsg_len - NLMSG_LENGTH(aHeaderSize)); // RTA_NEXT can make it negative
     const struct rtattr* theAttribute = reinterpret_cast<const struct rtattr*>(theHeader + NLMSG_ALIGN(aHeaderSize));
     for (; RTA_OK(theAttribute, theLength); theAttribute = RTA_NEXT(theAttribute, theLength))
     {
         if (theAttribute->rta_type == aKind && RTA_PAYLOAD(theAttribute) >= aSize) { return RTA_DATA(theAttribute); }
     }
     return nullptr;
+}
+
+// True if a policy excludes an interface by its name: each mode admits loopback addresses, or others, or both.
+static bool IsExcluded(const zoSocketPolicy* aSocketPolicy, const char* aName)
+{
+    return !zoSocketPolicy_Admits(aSocketPolicy, aName, 0) && !zoSocketPolicy_Admits(aSocketPolicy, aName, 1);
 }
 
 static void ReadInterface(Reader* aReader, const struct nlmsghdr* aMessage)
@@ -124,6 +140,7 @@ static void ReadInterface(Reader* aReader, const struct nlmsghdr* aMessage)
     theInterface.mIndex = theInfo.ifi_index;
     theInterface.mfIsUp = (theInfo.ifi_flags & IFF_UP) != 0;
     zo_snprintf(theInterface.mName, sizeof(theInterface.mName), "%s", static_cast<const char*>(theName));
+    theInterface.mfIsExcluded = IsExcluded(aReader->mSocketPolicy, theInterface.mName);
 }
 
 static void SortInterfaces(Interfaces* anInterfaces)
@@ -158,12 +175,14 @@ static void ReadAddress(Reader* aReader, const struct nlmsghdr* aMessage)
     const void* theAddress = FindAttribute(aMessage, sizeof(theInfo), IFA_LOCAL, theSize); // where a peer has the other
     if (!theAddress) { theAddress = FindAttribute(aMessage, sizeof(theInfo), IFA_ADDRESS, theSize); }
     const Interface* theInterface = FindInterface(aReader->mInterfaces, static_cast<int>(theInfo.ifa_index));
-    if (!theAddress || !theInterface || !theInterface->mfIsUp) { return; }
+    if (!theAddress || !theInterface || !theInterface->mfIsUp || theInterface->mfIsExcluded) { return; }
 
-    const bool fIsLoopback = IsLoopback(theInfo.ifa_family, theAddress);
     const char* theLabel = static_cast<const char*>(FindAttribute(aMessage, sizeof(theInfo), IFA_LABEL, 1));
-    if (!zoSocketPolicy_Admits(aReader->mSocketPolicy, theInterface->mName, fIsLoopback)) { return; }
-    if (theLabel && !zoSocketPolicy_Admits(aReader->mSocketPolicy, theLabel, fIsLoopback)) { return; }
+    if (theLabel && strcmp(theLabel, theInterface->mName) == 0) { theLabel = nullptr; } // asked for already
+    if (!zoSocketPolicy_Admits(aReader->mSocketPolicy, theLabel, IsLoopback(theInfo.ifa_family, theAddress)))
+    {
+        return;
+    }
     char theText[INET6_ADDRSTRLEN];
     if (!inet_ntop(theInfo.ifa_family, theAddress, theText, sizeof(theText))) { return; }
     zoArray_Append(aReader->mAddresses, zoStrdup(theText));
@@ -171,14 +190,28 @@ static void ReadAddress(Reader* aReader, const struct nlmsghdr* aMessage)
 
 // ---- All of it ----
 
+static Answer AskAndRead(int aSocket, uint16 aRequest, char* aBytes, ReadMessage_t aReadMessage, Reader* aReader)
+{
+    return Ask(aSocket, aRequest) ? ReadAnswer(aSocket, aRequest, aBytes, aReadMessage, aReader) : Answer::Failed;
+}
+
+static Answer ReadOnce(int aSocket, char* aBytes, Reader* aReader)
+{
+    aReader->mInterfaces.mCount = 0;
+    zoArray_RemoveAt(aReader->mAddresses, 0, zoArray_GetCount(aReader->mAddresses));
+    const Answer theAnswer = AskAndRead(aSocket, RTM_GETLINK, aBytes, ReadInterface, aReader);
+    if (theAnswer != Answer::Whole) { return theAnswer; }
+    SortInterfaces(&aReader->mInterfaces);
+    return AskAndRead(aSocket, RTM_GETADDR, aBytes, ReadAddress, aReader);
+}
+
 static bool ReadAll(int aSocket, char* aBytes, Reader* aReader)
 {
-    if (!Ask(aSocket, RTM_GETLINK) || !ReadAnswer(aSocket, RTM_GETLINK, aBytes, ReadInterface, aReader))
-    {
-        return false;
-    }
-    SortInterfaces(&aReader->mInterfaces);
-    return Ask(aSocket, RTM_GETADDR) && ReadAnswer(aSocket, RTM_GETADDR, aBytes, ReadAddress, aReader);
+    static const int kMaxTries = 4;
+    Answer theAnswer = Answer::Interrupted;
+    for (int theTries = 0; theTries < kMaxTries && theAnswer == Answer::Interrupted; ++theTries)
+        theAnswer = ReadOnce(aSocket, aBytes, aReader);
+    return theAnswer == Answer::Whole;
 }
 
 zoArray_t* zoHostAddresses_Read(const zoSocketPolicy* aSocketPolicy)
