@@ -20,7 +20,7 @@ void CheckValid(Record* aRecord, void (*aValidate)(Record*))
 }
 
 // Reads each field of a description by itself, as it would come with another default.
-void CheckFields(int aRecord, const zoConfigFile* aFile, const char* aSection)
+void CheckFields(int aRecord, zoConfigFile* aFile, const char* aSection)
 {
     const UPnPConfigRecord_t* theRecord = UPnPConfig_GetRecord(aRecord);
     for (uint16 i = 0; i < theRecord->mFieldCount; ++i)

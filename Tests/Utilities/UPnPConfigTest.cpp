@@ -264,6 +264,7 @@ TEST(UPnPConfigTest, IgnoresNULL)
     EXPECT_EQ(nullptr, UPnPConfig_CloneWebServerConfig(nullptr));
     EXPECT_EQ(nullptr, UPnPConfig_CloneAsyncSocketConfig(nullptr));
     EXPECT_EQ(nullptr, UPnPConfig_GetRecord(-1));
+    EXPECT_EQ(0u, UPnPConfig_ReadNumber(nullptr, nullptr, nullptr, 1));
     EXPECT_EQ(nullptr, UPnPConfig_GetRecord(kUPnPConfigRecord_Count));
 }
 

@@ -239,7 +239,7 @@ static const char* PolicyText(const Section& aSection)
     }
 }
 
-static uint32 ReadOption(const zoConfigFile* aFile, const char* aSection, const char* aKey, uint32 aDefault)
+static uint32 ReadOption(zoConfigFile* aFile, const char* aSection, const char* aKey, uint32 aDefault)
 {
     return static_cast<uint32>(zoConfigFile_OptionIsSet(aFile, aSection, aKey, static_cast<int>(aDefault)));
 }
@@ -248,7 +248,7 @@ static void PrintPolicy(Section& aSection, Output& anOutput)
 {
     UPnPConfigField_t theMode = {};
     theMode.mKey = kKey_Stack_UPnPLocal;
-    theMode.mRead = zoConfigFile_GetUInt32;
+    theMode.mRead = UPnPConfig_GetUInt32;
     UPnPConfigField_t theQOS = {};
     theQOS.mKey = kKey_SocketPolicy_QOSDisabled;
     theQOS.mRead = ReadOption;

@@ -101,10 +101,10 @@ const UPnPConfigRecord_t* UPnPConfig_GetRecord(int aRecord)
     return aRecord >= 0 && aRecord < kUPnPConfigRecord_Count ? &Config::kRecords[aRecord] : nullptr;
 }
 
-uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, const zoConfigFile* aConfigFile, const char* aSection,
+uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, zoConfigFile* aConfigFile, const char* aSection,
                              uint32 aDefaultValue)
 {
-    return aField->mRead ? aField->mRead(aConfigFile, aSection, aField->mKey, aDefaultValue) : 0;
+    return aField && aField->mRead ? aField->mRead(aConfigFile, aSection, aField->mKey, aDefaultValue) : 0;
 }
 
 // ---- The stack's records ----
@@ -168,17 +168,25 @@ static void FillField(const UPnPConfigField_t& aField, void* aTarget, const Sour
     }
 }
 
-// Never inlined, for size: records are filled when the stack starts. False for a NULL record.
+// The fields of a record that its own keys fill, or the others.
+static void FillFields(const UPnPConfigRecord_t& aRecord, bool afKeys, char* aTarget, const Source& aSource)
+{
+    for (size_t i = 0; i < aRecord.mFieldCount; ++i)
+    {
+        const UPnPConfigField_t& theField = aRecord.mFields[i];
+        if ((theField.mKey != nullptr) == afKeys) { FillField(theField, aTarget + theField.mOffset, aSource); }
+    }
+}
+
+// Never inlined, for size: records are filled when the stack starts. False for a NULL record. An embedded record's keys
+// are read before the record's own.
 __attribute__((noinline)) static bool Fill(int aRecord, void* aTarget, const Source& aSource)
 {
     if (!aTarget) { return false; }
     const UPnPConfigRecord_t& theRecord = Config::kRecords[aRecord];
     memset(aTarget, 0, theRecord.mSize);
-    for (size_t i = 0; i < theRecord.mFieldCount; ++i)
-    {
-        const UPnPConfigField_t& theField = theRecord.mFields[i];
-        FillField(theField, static_cast<char*>(aTarget) + theField.mOffset, aSource);
-    }
+    FillFields(theRecord, false, static_cast<char*>(aTarget), aSource);
+    FillFields(theRecord, true, static_cast<char*>(aTarget), aSource);
     return true;
 }
 

@@ -43,7 +43,8 @@ UPNPUTILITIES_API char* UPnPConfig_GetStringWithSubstitution(zoConfigFile* aConf
  *          absent and the default is NULL. */
 UPNPUTILITIES_API char* UPnPConfig_GetString(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                              const char* aDefaultValue);
-/** As UPnPConfig_GetString, but an empty value counts as absent, and the default must not be NULL. */
+/** As UPnPConfig_GetString, but an empty value counts as absent, and the default must not be NULL: that is an
+ *  assertion, and the result is then NULL where the default would be. */
 UPNPUTILITIES_API char* UPnPConfig_GetStringNotEmpty(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                                      const char* aDefaultValue);
 /** @return the value as zoConfigFile_GetUInt32 reads it. */
@@ -157,9 +158,8 @@ enum
     kUPnPConfigValue_Record = 6    /* an embedded record */
 };
 
-/** Reads a key as a number. @return the number; for an absent key, and a value that can't be read, aDefaultValue, cut
- * to the number's width. */
-typedef uint32 (*UPnPConfig_NumberReader_t)(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+/** Reads a key as its field stores it; an absent or unreadable value gives what the default gives. */
+typedef uint32 (*UPnPConfig_NumberReader_t)(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                             uint32 aDefaultValue);
 
 /* A field of a record, and how it is filled. */
@@ -189,8 +189,8 @@ typedef struct UPnPConfigRecord_t
 /** @return the description of a kUPnPConfigRecord_*, its fields in their order; NULL for any other number. */
 UPNPUTILITIES_API const UPnPConfigRecord_t* UPnPConfig_GetRecord(int aRecord);
 /** @return what the fetch would store in a number's field, before its validator looks at it, if the field had the
- * default aDefaultValue; 0 for a field that is neither a number nor an address. */
-UPNPUTILITIES_API uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, const zoConfigFile* aConfigFile,
+ * default aDefaultValue; 0 for NULL and for a field that is neither a number nor an address. */
+UPNPUTILITIES_API uint32 UPnPConfig_ReadNumber(const UPnPConfigField_t* aField, zoConfigFile* aConfigFile,
                                                const char* aSection, uint32 aDefaultValue);
 
 #ifdef __cplusplus

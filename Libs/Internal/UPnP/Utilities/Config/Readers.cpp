@@ -7,29 +7,28 @@
 static const char kProductToken[] = "Zolt/1.1";
 static const char kDLNAVersion[] = "1.50";
 
-int UPnPConfig_GetFlag(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
+int UPnPConfig_GetFlag(zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
 {
     return zoConfigFile_GetUInt32(aConfigFile, aSection, aKey, static_cast<uint32>(aDefaultValue)) != 0;
 }
 
-int UPnPConfig_GetSignedFlag(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
+int UPnPConfig_GetSignedFlag(zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
 {
     return zoConfigFile_GetInt32(aConfigFile, aSection, aKey, aDefaultValue) != 0;
 }
 
-int UPnPConfig_GetInvertedFlag(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
-                               int aDefaultValue)
+int UPnPConfig_GetInvertedFlag(zoConfigFile* aConfigFile, const char* aSection, const char* aKey, int aDefaultValue)
 {
     return !UPnPConfig_GetFlag(aConfigFile, aSection, aKey, aDefaultValue);
 }
 
-uint32 UPnPConfig_GetUInt16AsUInt32(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
+uint32 UPnPConfig_GetUInt16AsUInt32(zoConfigFile* aConfigFile, const char* aSection, const char* aKey,
                                     uint32 aDefaultValue)
 {
     return zoConfigFile_GetUInt16(aConfigFile, aSection, aKey, static_cast<uint16>(aDefaultValue));
 }
 
-uint32 UPnPConfig_GetAddress(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, uint32)
+uint32 UPnPConfig_GetAddress(zoConfigFile* aConfigFile, const char* aSection, const char* aKey, uint32)
 {
     return UPnPConfig_GetIPAddress(zoConfigFile_GetString(aConfigFile, aSection, aKey, ""));
 }

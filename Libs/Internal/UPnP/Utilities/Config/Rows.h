@@ -30,15 +30,13 @@ constexpr UPnPConfigField_t Row(const Field<Type>& aField, uint8 aValue)
 
 // ---- Numbers ----
 
-template <typename Number>
-using Reader = Number (*)(const zoConfigFile*, const char*, const char*, Number);
-
-template <typename Number>
-constexpr Number NumberOf(Reader<Number>);
+// Of a reader. A device's own configuration file need not take a const one.
+template <typename File, typename Number>
+constexpr Number NumberOf(Number (*)(File*, const char*, const char*, Number));
 
 // A reader with the one signature that all rows share.
 template <auto kReader>
-uint32 ReadNumber(const zoConfigFile* aConfigFile, const char* aSection, const char* aKey, uint32 aDefaultValue)
+uint32 ReadNumber(zoConfigFile* aConfigFile, const char* aSection, const char* aKey, uint32 aDefaultValue)
 {
     using Number = decltype(NumberOf(kReader));
     return static_cast<uint32>(kReader(aConfigFile, aSection, aKey, static_cast<Number>(aDefaultValue)));
