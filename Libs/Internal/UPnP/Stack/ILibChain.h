@@ -68,15 +68,15 @@ UPNPSTACK_API int ILibChain_PollSet_GetEvents(const ILibChain_PollSet* aPollSet,
 /** @return a new chain without objects, released with ILibChain_Delete; NULL when no descriptor is free for its
  *          wake-up. */
 UPNPSTACK_API ILibBaseChain* ILibChain_New(void);
-/** Adds an object to the chain, which takes it over.
+/** Adds an object to the chain, which takes it over. A NULL chain or object: an assertion, then nothing.
  *  @param anObject  from malloc, unless it has an mFree. */
 UPNPSTACK_API void ILibAddToChain(ILibBaseChain* aChain, void* anObject);
 /** @return the chain's timers, owned by the chain; NULL for NULL. */
 UPNPSTACK_API ILibLifeTime* ILibChain_GetLifeTime(const ILibBaseChain* aChain);
 
-/** Runs turns until ILibChain_Stop. Can be called again afterwards. */
+/** Runs turns until ILibChain_Stop. Can be called again afterwards. NULL: an assertion, then nothing. */
 UPNPSTACK_API void ILibChain_Run(ILibBaseChain* aChain);
-/** Runs one turn; a signal that is handled ends its wait, too.
+/** Runs one turn; a signal that is handled ends its wait, too. NULL: an assertion, then nothing.
  *  @param aMaxWaitMilliseconds  the longest wait; below 0: INT_MAX. */
 UPNPSTACK_API void ILibChain_RunOnce(ILibBaseChain* aChain, int aMaxWaitMilliseconds);
 /** Ends the wait of the present turn, and ILibChain_Run after it. Between turns it ends the wait of the next one: no

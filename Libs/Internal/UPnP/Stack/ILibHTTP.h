@@ -12,7 +12,7 @@ extern "C" {
 
 /** @param aUserAgent  NUL-terminated; NULL has no token.
  *  @param aToken      aTokenLength bytes; an empty one is in no user agent.
- *  @return 1 when the user agent contains the token, case considered, else 0. */
+ *  @return 1 when the user agent contains the token, case-sensitive, else 0. */
 UPNPSTACK_API int ILibUserAgentHas(const char* aUserAgent, const char* aToken, size_t aTokenLength);
 /** Searches the first 1024 bytes of a user agent, more than any client sends, so that the cost is linear in the list.
  *  @param aTokenList  tokens separated by commas, blanks around them ignored, empty ones skipped; NULL has none.

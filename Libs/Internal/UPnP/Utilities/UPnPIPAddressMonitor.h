@@ -23,7 +23,7 @@ typedef void (*IPChangeCallBackFunc)(void* aUserData);
 /**
  * Adds a new monitor to a chain, which takes it over.
  * @param aChangeCallBackFunc             called on the chain's thread, which it must not block, when the addresses
- * differ from those of the look before. Not NULL.
+ *                                        differ from those of the last look that succeeded. Not NULL.
  * @param anIPChangeCallBackFuncUserData  passed to the callback.
  * @param aSocketPolicy                   admits the addresses that count; outlives the chain. NULL: all count.
  * @return the monitor, owned by the chain; NULL for a NULL chain, after an assertion.

@@ -168,8 +168,8 @@ static void ReadLine(Loader* aLoader, std::string_view aLine)
     const char theFirst = theText.empty() ? '#' : theText.front();
     const bool fIsHeader = theFirst == '[';
     const size_t theEnd = theText.find(fIsHeader ? ']' : '=');
-    const bool fSaysNothing = theFirst == '#' || theFirst == ';' || theEnd == theText.npos;
-    if (fSaysNothing || theText.find('\0') != theText.npos) { LoadOther(aLoader, aLine); }
+    const bool fIsOther = theFirst == '#' || theFirst == ';' || theEnd == theText.npos;
+    if (fIsOther || theText.find('\0') != theText.npos) { LoadOther(aLoader, aLine); }
     else if (fIsHeader) { LoadHeader(aLoader, Trimmed(theText.substr(1, theEnd - 1)), aLine); }
     else { LoadKey(aLoader, Trimmed(theText.substr(0, theEnd)), Trimmed(theText.substr(theEnd + 1)), aLine); }
 }

@@ -47,7 +47,7 @@ void Unescape(std::string_view aText, bool afIsName, char* aTarget)
     *aTarget = '\0';
 }
 
-// True if a byte of a name would end the name, or at its beginning make the line another one.
+// True if a byte of a name would end the name, or at its beginning change the line's kind.
 static bool NeedsHex(char aByte, bool afIsFirst)
 {
     const std::string_view theSpecial = afIsFirst ? "=][#;\xEF" : "=]";

@@ -99,11 +99,11 @@ int zoIPAddressMonitor_IPAddressChanged(zoIPAddressMonitor* aMonitor)
 {
     AddressSet theSet;
     if (!aMonitor || !ReadSet(aMonitor->mSocketPolicy, &theSet)) { return 0; }
-    const bool fChanged = aMonitor->mfIsKnown && !AreEqual(theSet, aMonitor->mAddresses);
+    const bool fIsChanged = aMonitor->mfIsKnown && !AreEqual(theSet, aMonitor->mAddresses);
     aMonitor->mfIsKnown = true;
     std::swap(aMonitor->mAddresses, theSet);
     free(theSet.mTexts);
-    return fChanged;
+    return fIsChanged;
 }
 
 void zoIPAddressMonitor_Delete(zoIPAddressMonitor* aMonitor)

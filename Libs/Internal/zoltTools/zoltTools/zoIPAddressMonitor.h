@@ -16,7 +16,7 @@ extern "C" {
 /* Remembers the addresses of its last look. */
 typedef struct zoIPAddressMonitor zoIPAddressMonitor;
 
-/** @return a new array of the texts of addresses, in any order, which owns them; NULL when they can't be found out. */
+/** @return a new array of address texts, in any order; the array owns them. NULL when they can't be found out. */
 typedef zoArray_t* (*zoIPAddressMonitor_Source_t)(const zoSocketPolicy* aSocketPolicy);
 
 /** Replaces where all monitors get their addresses from; NULL: the host's interfaces. */

@@ -5,7 +5,7 @@
 
 #include <zoltTools/zoAssert.h>
 
-/* Whether aRecord, a pointer, is a living record of the kind that aMagicNumber stands for; an assertion, whose text
+/* True if aRecord, a pointer, is a living record of the kind that aMagicNumber stands for; an assertion, whose text
  * holds the number itself. */
 #define zoAssertMagicNumber(aRecord, aMagicNumber)                                                                     \
     zoAssert(((aRecord) != NULL) && ((aRecord)->_mMagicNumber == (aMagicNumber)))

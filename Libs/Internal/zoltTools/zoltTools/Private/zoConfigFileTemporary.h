@@ -3,7 +3,7 @@
 /* Temporary files next to the file that they are to replace. That of "device.conf" is called
  * ".device.conf.zoConfigFile-0123456789ABCDEF", with other digits each time, so that programs that save the same file
  * at once do not meet. Its writer keeps it locked: one that nobody has locked was left by a program that was killed.
- * Where files can't be locked or not be opened, one that is older than a minute was. */
+ * A file that can't be locked or opened counts as left when it is older than a minute. */
 
 #include <sys/types.h>
 #include <zoOS/zoTypes.h>
