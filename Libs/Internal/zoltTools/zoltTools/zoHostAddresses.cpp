@@ -86,7 +86,7 @@ static int Receive(int aSocket, char* aBytes)
 static Answer ReadAnswer(int aSocket, uint16 aRequest, char* aBytes, ReadMessage_t aReadMessage, Reader* aReader)
 {
     bool fIsInterrupted = false;
-    int theLength; // NLMSG_NEXT can make it negative
+    int64_t theLength; // NLMSG_NEXT can make it negative
     while ((theLength = Receive(aSocket, aBytes)) > 0)
     {
         const struct nlmsghdr* theMessage = reinterpret_cast<const struct nlmsghdr*>(aBytes);
