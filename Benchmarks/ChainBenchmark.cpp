@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// Timers of a chain whose clock is moved by hand. Each benchmark does one thing to so many timers in a random order;
+// Timers of a chain whose clock is moved by hand. Each benchmark does one thing to N timers in a random order;
 // with O(log n) for each of them, the fit comes out as n log n.
 
 namespace
@@ -83,7 +83,7 @@ void OverTimers(benchmark::State& aState, Deed aDeed)
     aState.SetComplexityN(aState.range(0));
 }
 
-// One timer of an object goes and comes again while so many others are pending.
+// One timer of an object goes and comes again while N others are pending.
 void BM_RearmTimer(benchmark::State& aState)
 {
     Timers theTimers(static_cast<size_t>(aState.range(0)));

@@ -1,47 +1,14 @@
+#include "CountedHeap.h"
 #include "Documents.h"
 #include "Objects.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
 #include <numeric>
 
 // How often each operation asks for memory, and how much of it the operation has at most at one time beyond what was
-// there before, per document: every malloc, calloc, realloc and free of the process comes here.
-
-static size_t sAllocations = 0;
-static size_t sUsed = 0;
-static size_t sPeak = 0;
-
-extern "C" void* __libc_malloc(size_t aSize);
-extern "C" void* __libc_calloc(size_t aCount, size_t aSize);
-extern "C" void* __libc_realloc(void* aBlock, size_t aSize);
-extern "C" void __libc_free(void* aBlock);
-
-static void* Count(void* aBlock)
-{
-    ++sAllocations;
-    sUsed += malloc_usable_size(aBlock);
-    sPeak = std::max(sPeak, sUsed);
-    return aBlock;
-}
-
-extern "C" void* malloc(size_t aSize) { return Count(__libc_malloc(aSize)); }
-
-extern "C" void* calloc(size_t aCount, size_t aSize) { return Count(__libc_calloc(aCount, aSize)); }
-
-extern "C" void* realloc(void* aBlock, size_t aSize)
-{
-    sUsed -= malloc_usable_size(aBlock);
-    return Count(__libc_realloc(aBlock, aSize));
-}
-
-extern "C" void free(void* aBlock)
-{
-    sUsed -= malloc_usable_size(aBlock);
-    __libc_free(aBlock);
-}
+// there before, per document.
 
 namespace
 {
@@ -55,12 +22,12 @@ public:
     template <typename Operation>
     void Measure(Operation anOperation)
     {
-        const size_t theAllocations = sAllocations;
-        const size_t theUsed = sUsed;
-        sPeak = sUsed;
+        const size_t theAllocations = sHeap.mAllocations;
+        const size_t theUsed = sHeap.mUsed;
+        sHeap.mPeak = sHeap.mUsed;
         anOperation();
-        mAllocations.push_back(sAllocations - theAllocations);
-        mPeaks.push_back(sPeak - theUsed);
+        mAllocations.push_back(sHeap.mAllocations - theAllocations);
+        mPeaks.push_back(sHeap.mPeak - theUsed);
     }
 
     void Print()

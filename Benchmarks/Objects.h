@@ -61,8 +61,8 @@ inline size_t CountResources(const std::string& aText)
     return theCount;
 }
 
-/* Parses the objects of a text, which it changes, one after the other, at most so many; their records are released at
- * once. @return the number of objects. */
+/* Parses the objects of a text, which it changes, one after the other, at most a given number; their records are
+ * released at once. @return the number of objects. */
 inline size_t ParseObjects(std::string& aText, size_t aMaxCount)
 {
     UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText.c_str(), nullptr);

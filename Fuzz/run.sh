@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs each for so many seconds, as many at a time as there are processors:
+# Builds the fuzz targets and runs each for SECONDS, as many at a time as there are processors:
 # ./run.sh SECONDS [TARGET...]. Prints for each its executions, the edges of the code that it reached, and the seconds of
 # processor time that it had, which are fewer on a machine that is busy otherwise. What it finds is
 # in build/fuzz/found/TARGET; the inputs in "new" there are where the next run goes on.

@@ -1,3 +1,4 @@
+#include "../CountedHeap.h"
 #include "Shapes.h"
 
 #include <algorithm>
@@ -12,37 +13,6 @@
 // that it takes, as a multiple of the input. With --memory SIZE only the heap, of one size, which is the same every
 // time. Fails when a bound is passed.
 
-static size_t sUsed = 0;
-static size_t sPeak = 0;
-
-extern "C" void* __libc_malloc(size_t aSize);
-extern "C" void* __libc_calloc(size_t aCount, size_t aSize);
-extern "C" void* __libc_realloc(void* aBlock, size_t aSize);
-extern "C" void __libc_free(void* aBlock);
-
-static void* Count(void* aBlock)
-{
-    sUsed += malloc_usable_size(aBlock);
-    sPeak = std::max(sPeak, sUsed);
-    return aBlock;
-}
-
-extern "C" void* malloc(size_t aSize) { return Count(__libc_malloc(aSize)); }
-
-extern "C" void* calloc(size_t aCount, size_t aSize) { return Count(__libc_calloc(aCount, aSize)); }
-
-extern "C" void* realloc(void* aBlock, size_t aSize)
-{
-    sUsed -= malloc_usable_size(aBlock);
-    return Count(__libc_realloc(aBlock, aSize));
-}
-
-extern "C" void free(void* aBlock)
-{
-    sUsed -= malloc_usable_size(aBlock);
-    __libc_free(aBlock);
-}
-
 static double Now()
 {
     struct timespec theTime;
@@ -52,14 +22,14 @@ static double Now()
 
 void Meter::Run(size_t anInputSize, const std::function<void()>& anOperation)
 {
-    const size_t theUsed = sUsed;
-    sPeak = sUsed;
+    const size_t theUsed = sHeap.mUsed;
+    sHeap.mPeak = sHeap.mUsed;
     const double theBegin = Now();
     anOperation();
     mMicroseconds = Now() - theBegin;
     mInputSize = anInputSize;
-    mPeak = sPeak - theUsed;
-    mKept = sUsed > theUsed ? sUsed - theUsed : 0;
+    mPeak = sHeap.mPeak - theUsed;
+    mKept = sHeap.mUsed > theUsed ? sHeap.mUsed - theUsed : 0;
 }
 
 std::string Fill(const std::string& aText, size_t aSize)

@@ -75,7 +75,7 @@ void Consume(zoPackedData_t* anEntry, zoPackedData_t* aResources)
     delete theResources.Clone();
 }
 
-// A record whose values are all alike: so many entries, each with the tags from a first one on.
+// A record of like entries, each with like values under the tags from a first one on.
 zoPackedData_t* NewRecord(size_t anEntryCount, uint32 aFirstTag, size_t aTagCount, const std::string& aValue)
 {
     zoPackedData_t* theRecord = zoPackedData_New(0);

@@ -54,7 +54,7 @@ within() {
         env -C "/home/$user/clone" "$@"
 }
 
-# check LIMIT NAME COMMAND...: it succeeds, within so many seconds.
+# check LIMIT NAME COMMAND...: it succeeds, within LIMIT seconds.
 check() {
     local limit=$1 name=$2 start=$SECONDS status=0
     shift 2

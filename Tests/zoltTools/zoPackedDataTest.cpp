@@ -167,7 +167,7 @@ struct Shape
 {
     uint32 mEntries, mValues;
     size_t mValueSize;
-    size_t mNoticed; // of so many bytes at the end any damage is noticed
+    size_t mNoticed; // damage to any of the last mNoticed bytes is noticed
 };
 
 std::string NewBlock(const Shape& aShape)

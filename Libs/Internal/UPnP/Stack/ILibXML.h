@@ -92,7 +92,7 @@ UPNPSTACK_API void ILibDestructXMLNodeList(struct ILibXMLNode* aNodeList);
 UPNPSTACK_API struct ILibXMLAttribute* ILibGetXMLAttributes(struct ILibXMLNode* aNode);
 /** Finds an attribute in time that hardly depends on how many there are.
  *  @param aList          the first attribute of a start tag; NULL is an empty list.
- *  @param aPrefix, aName compared exactly, without the colon; a prefix of length 0 is none.
+ *  @param aPrefix, aName compared exactly, without the colon; a prefix of length 0 means no prefix.
  *  @return the first attribute of that name, which belongs to the list; NULL without one. */
 UPNPSTACK_API struct ILibXMLAttribute* ILibFindXMLAttribute(struct ILibXMLAttribute* aList, const char* aPrefix,
                                                             size_t aPrefixLength, const char* aName,
