@@ -350,6 +350,12 @@ TEST(UPnPGroupInfoTest, ComparesSlavesInAnyOrder)
 
 TEST(UPnPGroupInfoTest, FindsMembersByGroupedUDN)
 {
+    const Group theTwins = GroupOf("acb");
+    zoStrReplace(&UPnPGroupInfo_GetSlaveAt(theTwins, 2)->mGroupedUDN, "a");
+    zoStrReplace(&UPnPGroupInfo_GetSlaveAt(theTwins, 2)->mGroupedFriendlyName, "second");
+    UPnPGroupInfo_RemoveSlave(theTwins, "c"); // the second moves to where the last search ended
+    EXPECT_EQ("S", Taken(UPnPGroupInfo_FetchGroupedInfo(theTwins, "a")));
+
     const Group g = GroupOf("st");
     SetInAll(g, "a", "1");
     const UPnPGroupSlave* s = UPnPGroupInfo_GetSlaveAt(g, 0);

@@ -49,7 +49,8 @@ inline int CompareIgnoringCase(std::string_view aLeft, std::string_view aRight)
     const size_t theLength = aLeft.size() < aRight.size() ? aLeft.size() : aRight.size();
     for (size_t i = 0; i < theLength; ++i)
     {
-        const int theDifference = ToLower(aLeft[i]) - ToLower(aRight[i]);
+        const int theLeft = static_cast<unsigned char>(ToLower(aLeft[i])); // char is signed on some processors
+        const int theDifference = theLeft - static_cast<unsigned char>(ToLower(aRight[i]));
         if (theDifference != 0) { return theDifference; }
     }
     return (aLeft.size() > theLength) - (aRight.size() > theLength);
@@ -60,6 +61,9 @@ inline bool Equals(std::string_view aLeft, std::string_view aRight)
 {
     return aLeft.size() == aRight.size() && (aLeft.empty() || memcmp(aLeft.data(), aRight.data(), aLeft.size()) == 0);
 }
+
+/** Compares exactly. NULL equals nothing. */
+inline bool AreEqual(const char* aText1, const char* aText2) { return aText1 && aText2 && strcmp(aText1, aText2) == 0; }
 
 /** @return the text without the bytes at its ends for which afIsRemoved is true: IsBlank or IsSpace. */
 template <typename Predicate>

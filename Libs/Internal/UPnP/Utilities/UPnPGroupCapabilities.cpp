@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
 
+#include <Shared/ASCII.h>
 #include <Shared/Append.h>
 #include <Shared/LogMessage.h>
 #include <UPnP/Utilities/Groups/Capability.h>
@@ -12,7 +13,7 @@
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoMemory.h>
 
-using Groups::AreEqual;
+using Shared::AreEqual;
 
 static void LogWarning(int aLine, const char* aText)
 {
@@ -112,9 +113,23 @@ int UPnPGroupCapabilities_Has(UPnPGroupCapabilities* aCapabilities, const char* 
 
 // ---- Groups ----
 
+namespace
+{
+
+// What is allocated for each group.
+struct GroupRecord
+{
+    UPnPGroupInfo mGroup; // first, so that a group's pointer is its record's too
+    size_t mLastFound;    // the index of the slave that the last search found; 0, the first to be searched, before
+};
+
+} // namespace
+
+static size_t& LastFound(UPnPGroupInfo* aGroupInfo) { return reinterpret_cast<GroupRecord*>(aGroupInfo)->mLastFound; }
+
 UPnPGroupInfo* UPnPGroupInfo_NewEx(const char* aCapability)
 {
-    UPnPGroupInfo* theGroup = static_cast<UPnPGroupInfo*>(zoMallocZeroed(sizeof(UPnPGroupInfo)));
+    UPnPGroupInfo* theGroup = &static_cast<GroupRecord*>(zoMallocZeroed(sizeof(GroupRecord)))->mGroup;
     theGroup->mSlaves = zoArray_New();
     zoArray_SetFreeFunc(theGroup->mSlaves, UPnPGroupSlave_S_Delete);
     theGroup->mCapability = zoStrdup(aCapability);
@@ -209,13 +224,18 @@ size_t UPnPGroupInfo_GetSlaveIndexByGroupedUDN(UPnPGroupInfo* aGroupInfo, const 
     const size_t theCount = UPnPGroupInfo_GetSlaveCount(aGroupInfo);
     for (size_t i = 0; i < theCount; ++i)
     {
-        if (AreEqual(UPnPGroupInfo_GetSlaveAt(aGroupInfo, i)->mGroupedUDN, aSlaveGroupedUDN)) { return i; }
+        if (!AreEqual(UPnPGroupInfo_GetSlaveAt(aGroupInfo, i)->mGroupedUDN, aSlaveGroupedUDN)) { continue; }
+        LastFound(aGroupInfo) = i;
+        return i;
     }
     return static_cast<size_t>(-1);
 }
 
+// Callers mostly ask several times in a row for the same slave, such as for each of its metadata.
 static UPnPGroupSlave* FindSlave(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN)
 {
+    UPnPGroupSlave* theLast = aGroupInfo ? UPnPGroupInfo_GetSlaveAt(aGroupInfo, LastFound(aGroupInfo)) : nullptr;
+    if (theLast && AreEqual(theLast->mGroupedUDN, aGroupedUDN)) { return theLast; }
     return UPnPGroupInfo_GetSlaveAt(aGroupInfo, UPnPGroupInfo_GetSlaveIndexByGroupedUDN(aGroupInfo, aGroupedUDN));
 }
 
@@ -234,6 +254,7 @@ int UPnPGroupInfo_RemoveSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroup
     const size_t theIndex = UPnPGroupInfo_GetSlaveIndexByGroupedUDN(aGroupInfo, aSlaveGroupedUDN);
     if (theIndex == static_cast<size_t>(-1)) { return 0; }
     zoArray_RemoveAt(aGroupInfo->mSlaves, theIndex, 1);
+    LastFound(aGroupInfo) = 0; // the slave that moved to theIndex need not be the first with its UDN
     return 1;
 }
 

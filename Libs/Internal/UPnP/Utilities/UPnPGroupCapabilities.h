@@ -57,7 +57,7 @@ typedef struct UPnPGroupCapabilities UPnPGroupCapabilities;
 /**
  * Reads the groupCapabilities element of a device description: its first groupCapability, at any depth.
  * @return a new set, released with UPnPGroupCapabilities_Delete; empty for NULL and for a text without a valid
- * capability. A text that is not well-formed and a capability that lacks a required attribute are logged.
+ *         capability. A text that is not well-formed and a capability that lacks a required attribute are logged.
  */
 UPNPUTILITIES_API UPnPGroupCapabilities* UPnPGroupCapabilities_New(const char* anXMLGroupCapability);
 /** Releases the set and its capabilities; NULL is ignored. */
@@ -66,7 +66,7 @@ UPNPUTILITIES_API void UPnPGroupCapabilities_Delete(UPnPGroupCapabilities* aCapa
 UPNPUTILITIES_API UPnPGroupCapability* UPnPGroupCapabilities_GetGroup(UPnPGroupCapabilities* aCapabilities,
                                                                       const char* aCapability);
 /** @return the name of the first capability in whose groups the device is slave or master; "" when there is none, and
- * for a NULL set. */
+ *          for a NULL set. */
 UPNPUTILITIES_API const char* UPnPGroupCapabilities_GetActive(UPnPGroupCapabilities* aCapabilities);
 /** @return the number of capabilities; 0 for a NULL set. */
 UPNPUTILITIES_API size_t UPnPGroupCapabilities_GetCount(UPnPGroupCapabilities* aCapabilities);
@@ -102,9 +102,9 @@ typedef struct UPnPGroupSlave
     zoCustomHashTable* mMetaData;
 } UPnPGroupSlave;
 
-/* A group. It owns what its fields point to; its names and UDNs are set by replacing the field (zoStrReplace). It is
- * valid when mGroupFriendlyName, mGroupUDN, mMasterGroupedFriendlyName, mMasterGroupedUDN and each slave's
- * mGroupedFriendlyName and mGroupedUDN are neither NULL nor "". */
+/* A group, always made by one of the functions below. It owns what its fields point to; its names and UDNs are set by
+ * replacing the field (zoStrReplace). It is valid when mGroupFriendlyName, mGroupUDN, mMasterGroupedFriendlyName,
+ * mMasterGroupedUDN and each slave's mGroupedFriendlyName and mGroupedUDN are neither NULL nor "". */
 typedef struct UPnPGroupInfo
 {
     zoArray_t* mSlaves; /* of UPnPGroupSlave*, in the order in which they were added */
@@ -126,7 +126,7 @@ UPNPUTILITIES_API UPnPGroupInfo* UPnPGroupInfo_NewEx(const char* aCapability);
  * several attributes of one name. Names and UDNs are taken as they are; metadata values are unescaped.
  * @return a new group; NULL when the text is not well-formed or not a groupInfo. NULL, and a warning is logged, when a
  *         name or a UDN of the group or the master is missing or empty, or when one is missing in a slave. A slave's
- * name and UDN may be empty; the group is then not valid.
+ *         name and UDN may be empty; the group is then not valid.
  */
 UPNPUTILITIES_API UPnPGroupInfo* UPnPGroupInfo_New(const char* aCapability, const char* aGroupInfo);
 /**
@@ -148,7 +148,7 @@ UPNPUTILITIES_API int UPnPGroupInfo_IsValid(UPnPGroupInfo* aGroupInfo);
  * Compares groups, but not their mCapability, mOriginalGroupUDN, mfHasMasterSet, their slaves' mUDN and order. Linear
  * when the slaves are in the same order, else n log n.
  * @return 1 when both are valid, have the same names, UDNs, metadata and number of slaves, and each slave of the first
- * has the names, UDN and metadata of some slave of the second; else 0.
+ *         has the names, UDN and metadata of some slave of the second; else 0.
  */
 UPNPUTILITIES_API int UPnPGroupInfo_SameAs(UPnPGroupInfo* aGroupInfo, UPnPGroupInfo* aCompareGroupInfo);
 
@@ -156,7 +156,8 @@ UPNPUTILITIES_API int UPnPGroupInfo_SameAs(UPnPGroupInfo* aGroupInfo, UPnPGroupI
 UPNPUTILITIES_API size_t UPnPGroupInfo_GetSlaveCount(UPnPGroupInfo* aGroupInfo);
 /** @return the slave at anIndex, which belongs to the group; NULL past the end. */
 UPNPUTILITIES_API UPnPGroupSlave* UPnPGroupInfo_GetSlaveAt(UPnPGroupInfo* aGroupInfo, size_t anIndex);
-/** Searches the slaves, whose fields callers may set, from the first on.
+/** Searches the slaves, whose fields callers may set, from the first on. The operations below look first at the slave
+ *  that the last search found: after giving an earlier slave the same grouped UDN, search again to make them find that.
  *  @return the index of the first slave with that grouped UDN; (size_t) -1 when there is none. */
 UPNPUTILITIES_API size_t UPnPGroupInfo_GetSlaveIndexByGroupedUDN(UPnPGroupInfo* aGroupInfo,
                                                                  const char* aSlaveGroupedUDN);
@@ -166,12 +167,14 @@ UPNPUTILITIES_API int UPnPGroupInfo_HasDevice(UPnPGroupInfo* aGroupInfo, const c
  */
 UPNPUTILITIES_API int UPnPGroupInfo_RemoveSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN);
 /** Removes the first slave with that grouped UDN, if there is one, and appends a new slave of copies, without metadata.
- *  The texts may be those of the slave that is removed. */
+ *  The texts may be those of the slave that is removed. Each call searches the slaves: adding n of them takes n * n
+ *  comparisons. */
 UPNPUTILITIES_API void UPnPGroupInfo_AddSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN,
                                               const char* aSlaveFriendlyName, const char* aSlaveUDN);
 
-/* Operations on metadata. A NULL aGroupedUDN stands for the group itself, another for the master or else the
- * first slave with that grouped UDN. */
+/* Operations on metadata. aGroupedUDN selects the member: NULL the group itself; any other value the master with that
+ * grouped UDN, else the first slave with it. Each call may search the slaves: to visit all of them take
+ * UPnPGroupInfo_GetSlaveAt and the slave's mMetaData. */
 
 /** As UPnPGroupMetaData_Set, but returns 1 for every slave; 0 when there is no such member. */
 UPNPUTILITIES_API int UPnPGroupInfo_SetMetaData(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN,
@@ -190,18 +193,21 @@ UPNPUTILITIES_API void UPnPGroupInfo_FetchMetaDataAt(UPnPGroupInfo* aGroupInfo, 
                                                      const char** aMetaDataName, const char** aMetaDataValue);
 
 /** @return a copy of the grouped friendly name of the member with that grouped UDN, released with free; NULL when there
- *          is none. */
+ *          is none, or it has no name. */
 UPNPUTILITIES_API char* UPnPGroupInfo_FetchGroupedInfo(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN);
 /** @return a new array of copies, released with zoArray_Delete: the master's grouped UDN unless it is empty, then those
  *          of the slaves, "" for one without. Empty for a NULL group. */
 UPNPUTILITIES_API zoArray_t* UPnPGroupInfo_GetGroupedUDNs(UPnPGroupInfo* aGroupInfo);
 
 /** Sets the keys of the group, valid or not, in the section of its capability, and removes those of fields that are
- * NULL. Other keys stay: slaves and metadata of a larger group that was stored there before are read back. */
+ * NULL. Other keys stay: slaves and metadata of a larger group that was stored there before are read back. A metadata
+ * name must not contain "=": the rest of it is read back as part of the value. */
 UPNPUTILITIES_API void UPnPGroupInfo_Store(UPnPGroupInfo* aGroupInfo, zoConfigFile* aConfigFile);
 /** @return the XML form: a new text, released with free; NULL for a group that is NULL or not valid. Values of metadata
- *          are escaped. Names, UDNs and names of metadata are written as they are and read back the same when they have
- *          no character with a meaning in XML; an entry called as an attribute of its member replaces that. */
+ *          are escaped. Names and UDNs are written as they are: UPnPGroupInfo_New reads them back the same unless they
+ *          contain a double quote, other XML readers unless they contain <, & or a double quote. A metadata name must
+ *          be an XML name. One that equals a field's attribute of its member (friendlyName and UDN of the group,
+ *          groupedFriendlyName and groupedUDN of master and slaves), in any case, is read back into that field. */
 UPNPUTILITIES_API char* UPnPGroupInfo_GetXML(UPnPGroupInfo* aGroupInfo);
 
 #ifdef __cplusplus

@@ -297,8 +297,7 @@ const char* zoDLNAProtocolInfo_GetProfile(const zoDLNAProtocolInfo_t* anInfo)
 
 int zoDLNAProtocolInfo_MatchPN(const zoDLNAProtocolInfo_t* anInfo, const char* aProfile)
 {
-    const char* theProfile = zoDLNAProtocolInfo_GetProfile(anInfo);
-    return theProfile && aProfile && strcmp(theProfile, aProfile) == 0;
+    return Shared::AreEqual(zoDLNAProtocolInfo_GetProfile(anInfo), aProfile);
 }
 
 int zoDLNAProtocolInfo_IsThumbnail(const zoDLNAProtocolInfo_t* anInfo)

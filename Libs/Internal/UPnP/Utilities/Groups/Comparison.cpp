@@ -3,6 +3,7 @@
 #include <Shared/Sizes.h>
 #include <UPnP/Utilities/Groups/Slave.h>
 #include <stdlib.h>
+#include <string.h>
 
 namespace Groups
 {
@@ -100,7 +101,7 @@ private:
 bool HaveSameSlaves(UPnPGroupInfo* aGroupInfo, UPnPGroupInfo* aCompareGroupInfo)
 {
     const size_t theCount = UPnPGroupInfo_GetSlaveCount(aGroupInfo);
-    size_t theSame = 0; // the first ones that are at the same index: mostly all
+    size_t theSame = 0; // how many slaves from the start on are the same at the same index; usually all
     while (theSame < theCount && UPnPGroupSlave_S_SameAs(UPnPGroupInfo_GetSlaveAt(aGroupInfo, theSame),
                                                          UPnPGroupInfo_GetSlaveAt(aCompareGroupInfo, theSame)))
         ++theSame;

@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/Groups/Slave.h>
 
-#include <UPnP/Utilities/Groups/Comparison.h>
+#include <Shared/ASCII.h>
 #include <stdlib.h>
 #include <zoltTools/zoMemory.h>
 
@@ -41,7 +41,7 @@ bool UPnPGroupSlave_S_IsValid(const UPnPGroupSlave* aSlave)
 bool UPnPGroupSlave_S_SameAs(const UPnPGroupSlave* aSlave, const UPnPGroupSlave* aCompareSlave)
 {
     return UPnPGroupSlave_S_IsValid(aSlave) && UPnPGroupSlave_S_IsValid(aCompareSlave) &&
-           Groups::AreEqual(aSlave->mGroupedFriendlyName, aCompareSlave->mGroupedFriendlyName) &&
-           Groups::AreEqual(aSlave->mGroupedUDN, aCompareSlave->mGroupedUDN) &&
+           Shared::AreEqual(aSlave->mGroupedFriendlyName, aCompareSlave->mGroupedFriendlyName) &&
+           Shared::AreEqual(aSlave->mGroupedUDN, aCompareSlave->mGroupedUDN) &&
            UPnPGroupMetaData_SameAs(aSlave->mMetaData, aCompareSlave->mMetaData);
 }

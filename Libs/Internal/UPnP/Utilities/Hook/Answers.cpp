@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/Hook/Answers.h>
 
+#include <Shared/ASCII.h>
 #include <UPnP/Stack/ILibHTTP.h>
 #include <UPnP/Stack/ILibString.h>
 #include <UPnP/Stack/ILibWebLinkData.h>
@@ -7,13 +8,14 @@
 #include <UPnP/Utilities/Hook/Features.h>
 #include <array>
 #include <stdlib.h>
-#include <string.h>
 #include <tuple>
 #include <zoltTools/zoCStringParser.h>
 #include <zoltTools/zoMemory.h>
 
 namespace DeviceHook
 {
+
+using Shared::AreEqual;
 
 // ---- Kinds of clients ----
 
@@ -39,8 +41,6 @@ static bool NeedToEmulateWMP(const char* aUserAgent)
 
 // ---- Answers: a function for each question, with its arguments in the header's order ----
 
-static bool IsText(const char* aText, const char* aConstant) { return aText && strcmp(aText, aConstant) == 0; }
-
 // The device's container for the ID of a container of Windows Media Player and Xbox; NULL for another ID.
 static const char* ContainerOf(const char* anObjectID)
 {
@@ -55,7 +55,7 @@ static const char* ContainerOf(const char* anObjectID)
     };
     for (const auto& theContainer : kContainers)
     {
-        if (IsText(anObjectID, theContainer.mRequestedID)) { return theContainer.mNewID; }
+        if (AreEqual(anObjectID, theContainer.mRequestedID)) { return theContainer.mNewID; }
     }
     return nullptr;
 }
@@ -63,7 +63,7 @@ static const char* ContainerOf(const char* anObjectID)
 static void ConvertObjectID(UPnPHook*, char* aUserAgent, char** anObjectIDPtr, char** aFilterPtr)
 {
     const bool fIsEmulated = NeedToEmulateWMP(aUserAgent);
-    const bool fIsExtended = fIsEmulated && IsText(*anObjectIDPtr, "1") && aFilterPtr && *aFilterPtr;
+    const bool fIsExtended = fIsEmulated && AreEqual(*anObjectIDPtr, "1") && aFilterPtr && *aFilterPtr;
     const char* theNewID = fIsEmulated ? ContainerOf(*anObjectIDPtr) : nullptr;
     *anObjectIDPtr = zoStrdup(theNewID ? theNewID : *anObjectIDPtr);
     if (aFilterPtr) { *aFilterPtr = fIsExtended ? zo_mnprintf("%s,res", *aFilterPtr) : zoStrdup(*aFilterPtr); }
@@ -81,9 +81,9 @@ static void AdjustMediaClassName(UPnPHook*, char* aUserAgent, char* aMediaClassN
     const char* theNewName = nullptr;
     if (NeedToEmulateWMP(aUserAgent))
     {
-        if (IsText(aMediaClassName, "item.imageItem")) { theNewName = "item.imageItem.photo"; }
+        if (AreEqual(aMediaClassName, "item.imageItem")) { theNewName = "item.imageItem.photo"; }
     }
-    else if (IsText(aMediaClassName, "container")) { theNewName = "container.storageFolder"; }
+    else if (AreEqual(aMediaClassName, "container")) { theNewName = "container.storageFolder"; }
     *aNewMediaClassName = const_cast<char*>(theNewName);
 }
 
@@ -99,8 +99,8 @@ static void GetServiceDescription(UPnPHook* aUPnPHook, ILibWebServer_Session* aS
 
 static void SetResExtraInfoInMetadata(UPnPHook*, char* aDeviceManufacturerName, int* afSetResExtraInfoInMetadata)
 {
-    const char* kWithout[] = { "Roku", nullptr };
-    *afSetResExtraInfoInMetadata = ILibString_FindStringInArray(aDeviceManufacturerName, kWithout) < 0;
+    const char* theMakersWithout[] = { "Roku", nullptr };
+    *afSetResExtraInfoInMetadata = ILibString_FindStringInArray(aDeviceManufacturerName, theMakersWithout) < 0;
 }
 
 static void GetSupportSearch(UPnPHook* aUPnPHook, char* aUserAgent, int* afSupportSearch)
@@ -144,10 +144,10 @@ static void CheckHTTPChunk(UPnPHook* aUPnPHook, char* aUserAgent, int* afEnableH
 
 static void GetSupportEvent(UPnPHook* aUPnPHook, char* anEventName, int* afSupportEvent)
 {
-    *afSupportEvent = !IsText(anEventName, ":extra");
+    *afSupportEvent = !AreEqual(anEventName, ":extra");
     for (size_t i = 0; i < kUPnPHookFeature_Count; ++i)
     {
-        if (!kEventNames[i] || !IsText(anEventName, kEventNames[i])) { continue; }
+        if (!AreEqual(anEventName, kEventNames[i])) { continue; }
         *afSupportEvent = UPnPHook_SupportFeature(aUPnPHook, static_cast<int>(i)) != 0;
     }
 }
@@ -156,7 +156,7 @@ static void CheckPlayMode(UPnPHook* aUPnPHook, char* aPlayMode, char* afOK)
 {
     const char* theList = UPnPHook_GetProperty(aUPnPHook, kUPnPHookProperty_PlayModeList);
     const bool fIsOK =
-        IsText(aPlayMode, kNormalPlayMode) || (theList && zoCStringParser_ListContains(theList, ",", aPlayMode));
+        AreEqual(aPlayMode, kNormalPlayMode) || (theList && zoCStringParser_ListContains(theList, ",", aPlayMode));
     *afOK = fIsOK ? 1 : 0;
 }
 
@@ -164,7 +164,7 @@ static void CheckSeekMode(UPnPHook* aUPnPHook, char* aSeekMode, char* afOK)
 {
     bool fIsOK = false;
     for (const SeekMode& theMode : kSeekModes)
-        fIsOK = fIsOK || (IsText(aSeekMode, theMode.mName) && IsAllowed(theMode, aUPnPHook));
+        fIsOK = fIsOK || (AreEqual(aSeekMode, theMode.mName) && IsAllowed(theMode, aUPnPHook));
     *afOK = fIsOK ? 1 : 0;
 }
 
