@@ -24,8 +24,8 @@ inline uint32_t DigitValue(char aByte)
 
 inline bool IsHexDigit(char aByte) { return DigitValue(aByte) < 16; }
 
-/** @return the value of the byte that two hexadecimal digits stand for; -1 when one of them is not a digit. Doesn't
- *  read the second when the first is not one, so that a NUL may come first. */
+/** @return the value of the byte that two hexadecimal digits stand for; -1 when one of them is not a digit. Reads
+ *          the second only when the first is a digit, so the first may be a NUL. */
 inline int HexByteValue(const char* aDigits)
 {
     if (!IsHexDigit(aDigits[0]) || !IsHexDigit(aDigits[1])) { return -1; }

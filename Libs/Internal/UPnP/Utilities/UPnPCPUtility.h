@@ -5,14 +5,14 @@
 
 /**
  * For control points: resource URIs under parental control. Such a URI has an empty query argument "lock"
- * (http://server/film.mp4?lock=) and is opened with the Base64 text of the MD5 digest of its path, as it is written in
- * the URI, followed by the user's code. The digest shows that the code is known without carrying it.
- * Nothing is kept; any thread may call.
+ * (http://server/film.mp4?lock=, also without the "=") and is opened with the Base64 text of the MD5 digest of its
+ * path, as it is written in the URI, followed by the user's code. The digest shows that the code is known without
+ * carrying it. Keeps no state; any thread may call.
  */
 class UPNPUTILITIES_API UPnPCPUtility
 {
 public:
-    /** @return true if the URI has an empty argument "lock"; false for an invalid URI. */
+    /** @return true if the URI has an empty argument "lock"; "?lock" without "=" is empty; false for an invalid URI. */
     static bool IsURIParentalLocked(const zoCString& anURI);
     /**
      * Replaces the arguments "lock" of a URI, empty or not, with one that holds the digest for a code. A wrong code is

@@ -107,7 +107,7 @@ UPNPUTILITIES_API int UPnPHook_SupportFeature(UPnPHook* aUPnPHook, int aFeatureI
 
 /* The questions of the stack's modules, with the further arguments of each: inputs, then the places for the answers.
  * A client's user agent tells its kind: an Xbox has "Xbox/"; a Windows Media Player has "Windows" and one of "9x)",
- * "NT/5.1)", "Windows-Media-Player/". A NULL user agent belongs to another client. Texts are compared exactly. */
+ * "NT/5.1)", "Windows-Media-Player/". A NULL user agent is of neither kind. Texts are compared exactly. */
 enum
 {
     /* char* aUserAgent, char** anObjectID, char** aFilter (may be NULL): replaces the ID of a container that an Xbox or
@@ -142,8 +142,8 @@ enum
     /* char* aUserAgent, char** anOptional, char** anOptionalName, size_t* anOptionalLength, char* aTemplate,
      * char** aBuffer: the device description; see below. The user agent is not used. */
     kUPnPHook_GetDeviceDescription = 12,
-    /* char* aUserAgent, int* afEnableHTTPChunk: 0 when the user agent has a token of the hook's own
-     * kUPnPHookProperty_DoNotChunkUserAgentList, else 1. */
+    /* char* aUserAgent, int* afEnableHTTPChunk: 0 when the first 1024 bytes of the user agent, more than any client
+     * sends, have a token of the hook's own kUPnPHookProperty_DoNotChunkUserAgentList, else 1. */
     kUPnPHook_CheckHTTPChunk = 13,
     /* char* anEventName, int* afSupportEvent: 0 when the event has the part name of a feature that is off (":hdlnk"),
      * and for ":extra", else 1. The features with events: ContainerUpdateIDs, HDLnk, FriendlyInfoIconUpdate,
@@ -171,14 +171,14 @@ enum
  *   SupportRVU has the part names ":rvu" and ":pfc".
  * - In a service description, an allowedValueList replaces the parts named ":seekmodelist", ":playspeedlist",
  *   ":transportstatuslist" and ":playmodelist". It lists what the hook's features and own properties allow; a part
- * whose list is empty is dropped.
+ *   whose list is empty is dropped.
  * - It is dropped.
  * Values are written as they are, not escaped.
  *
  * The result is a new text, NUL-terminated and released with free. A template whose markers are more or fewer than the
  * parts gives NULL and the length 0, after an assertion; one that does not end with ">" gives the text, after an
- * assertion: cut off the line end that an editor leaves. The cost is linear in template, parts and properties, and in
- * the result, in which one list may replace several parts.
+ * assertion. A template must not end with a line feed, which editors add. The cost is linear in template, parts and
+ * properties, and in the result, in which one list may replace several parts.
  */
 UPNPUTILITIES_API void UPnPHook_Hook(UPnPHook* aUPnPHook, int aHookID, ...);
 

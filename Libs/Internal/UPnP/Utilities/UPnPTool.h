@@ -3,7 +3,7 @@
 #include <UPnP/Utilities/Export.h>
 #include <zo/CString.h>
 
-/** Tests of texts. Nothing is kept; any thread may call. */
+/** Tests of texts. Keeps no state; any thread may call. */
 class UPNPUTILITIES_API UPnPTool
 {
 public:

@@ -32,7 +32,7 @@ static inline unsigned int UPnPUtil_S_IPPart(uint32 anAddress, unsigned int aPar
 }
 /* Byte y (0 to 3) of the IPv4 address x as it is in memory: an unsigned int. */
 #define UPnPUtil_IPPart(x, y) UPnPUtil_S_IPPart((x), (unsigned int)(y))
-/* The four arguments for "%u.%u.%u.%u" of an IPv4 address in network byte order. */
+/* The four arguments for "%u.%u.%u.%u" of an IPv4 address in network byte order; x is evaluated four times. */
 #define UPnPUtil_IPPrintf(x) UPnPUtil_IPPart(x, 0), UPnPUtil_IPPart(x, 1), UPnPUtil_IPPart(x, 2), UPnPUtil_IPPart(x, 3)
 
 /**
@@ -92,7 +92,7 @@ UPNPUTILITIES_API int UPnPUtil_GetInt32Attribute(struct ILibXMLNode* aXML, int32
 UPNPUTILITIES_API int UPnPUtil_GetTableAttributeIndex(struct ILibXMLNode* aXML, const char** aTable);
 /**
  * @param aStr  in and out: NULL or a heap text, which is released and replaced with the value, its entities resolved;
- * the caller releases that with free.
+ *              the caller releases that with free.
  * @return 1 when there is a "val"; else 0, and *aStr is unchanged.
  */
 UPNPUTILITIES_API int UPnPUtil_GetStrAttribute(struct ILibXMLNode* aXML, char** aStr);

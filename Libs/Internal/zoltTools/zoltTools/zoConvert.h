@@ -50,7 +50,7 @@ ZOLTTOOLS_API int zoConvert_strntoULongLong(const char* aText, size_t aLength, z
  * Reads a date of the DLNA guidelines (ISO 8601): YYYY-MM-DD, optionally followed by Thh:mm:ss, an optional fraction
  * (".5", any number of digits) and an optional "Z", "+hh:mm" or "-hh:mm". The calendar is checked, with leap years.
  * @param aParts out, kzoDLNADatePart_Count numbers, 0 for parts that the text leaves out; unchanged on failure. NULL:
- * the date is only checked.
+ *               the date is only checked.
  * @return kzoConvertError_None or kzoConvertError_Invalid.
  */
 ZOLTTOOLS_API int zoConvert_dlnadatestrtodate(const char* aText, int32* aParts);

@@ -9,7 +9,7 @@ namespace Groups
 
 enum CapabilityError
 {
-    kCapability_Good, // a document without a capability is
+    kCapability_Good, // also for a document without a capability
     kCapability_NotWellFormed,
     kCapability_Incomplete // without one of its attributes
 };

@@ -17,7 +17,7 @@ struct Section
     zoConfigFile* mFile;
     const char* mName;
 
-    // Both take over the key. What is got belongs to the file.
+    // Both take over the key. The result of Get belongs to the file.
     void Set(char* aKey, const char* aValue) const
     {
         zoConfigFile_SetString(mFile, mName, aKey, aValue);

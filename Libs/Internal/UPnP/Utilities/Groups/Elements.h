@@ -42,7 +42,7 @@ inline std::string_view ValueOf(const ILibXMLAttribute* anAttribute)
 bool IsStartTag(const ILibXMLNode* aNode, std::string_view aName);
 
 /** @param aNode aRoot or a node inside. @return the next element of that name inside aRoot, at any depth; NULL when
- * there is none. */
+ *          there is none. */
 ILibXMLNode* NextElement(const ILibXMLNode* aRoot, const ILibXMLNode* aNode, std::string_view aName);
 
 /** @return the index of the attribute's name, prefix included, among the names; Count when it is another. */

@@ -80,10 +80,8 @@ constexpr bool HasRowForEachFeature()
     {
         const bool fNeedsPartName = (theFeature.mUse & (kUse_Service | kUse_Device | kUse_Event)) != 0;
         if (theFeature.mID != theID++ || fNeedsPartName != (theFeature.mPartName != nullptr)) { return false; }
-        if (fNeedsPartName && *theFeature.mPartName != ':')
-        {
-            return false;
-        } // ContainsOneOf looks for names only there
+        // ContainsOneOf looks for names only at a ':'.
+        if (fNeedsPartName && *theFeature.mPartName != ':') { return false; }
     }
     return theID == kUPnPHookFeature_Count;
 }
