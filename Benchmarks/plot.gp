@@ -3,7 +3,7 @@ set terminal svg size 760,420 dynamic font "sans-serif,13" background "white"
 about(file) = system("head -n 1 " . file . " | cut -c 3-")
 nanoseconds(file, name) = real(system("sed -n 's|^" . name . " ||p' " . file))
 
-# Bars: documents of one object on the left, a Browse answer of 1,000 objects on the right.
+# Bars: documents of one object, and below them a Browse answer of 1,000 objects.
 file = "comparison.txt"
 set output "comparison.svg"
 set label 2 "Text to records, to trees, and the whole path: shorter is faster" at screen 0.5,0.97 center font ",15"
@@ -48,6 +48,8 @@ set xlabel "elements"
 set ylabel "nanoseconds per element"
 set grid linecolor "#dddddd"
 set key outside right
+set linetype 5 linecolor "#b0a000"
+set linetype 9 linecolor "#808080" # there are only eight by default
 series = "Growth/Resources Growth/ExtraInfo Growth/AlbumArt Growth/Namespaces Growth/NestedStored Growth/GroupSlavesRead Growth/ConfigLoad GrowthOfBrowseResult PathOfResources"
 titles = "'res elements' 'extra elements' 'album art' 'declarations' 'nested elements' 'slaves of a group' 'sections' 'objects of a Browse' 'whole path, res'"
 plot for [i = 1:words(series)] "< sed -n 's|^BM_" . word(series, i) . "/||p' " . file using 1:($2 / $1) \
