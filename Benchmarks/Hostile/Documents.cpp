@@ -1,6 +1,7 @@
 #include "Shapes.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
+#include <cmath>
 #include <cstdlib>
 #include <strings.h>
 #include <utility>
@@ -188,7 +189,7 @@ void AddDocumentShapes(Shapes& aShapes)
 
     AddBrowse(aShapes, "<item/> over and over",
               [](size_t aSize) { return std::pair("<DIDL-Lite>" + Fill("<item/>", aSize) + kRootEnd, ""); });
-    for (const char* theAttribute : { " xmlns:#='u'", " xmlns:#=''", " #=''", " xmlns=''" })
+    for (const char* theAttribute : { " xmlns:#='u'", " xmlns:#=''", " a#=''", " xmlns=''" })
     {
         for (const size_t theShare : { size_t{ 2 }, size_t{ 16 }, size_t{ 256 } })
         {
@@ -217,8 +218,25 @@ void AddDocumentShapes(Shapes& aShapes)
     AddBrowse(aShapes, "each object uses the root's declarations",
               [](size_t aSize)
               {
-        return std::pair("<DIDL-Lite" + Fill(" xmlns:#='u'", aSize / 2) + ">" + Fill("<item><#:a/></item>", aSize / 2) +
-                             kRootEnd,
+        return std::pair("<DIDL-Lite" + Fill(" xmlns:a#='u'", aSize / 2) + ">" +
+                             Fill("<item><a#:a/></item>", aSize / 2) + kRootEnd,
+                         "");
+    });
+    AddBrowse(aShapes, "root with many names and one of half the size",
+              [](size_t aSize)
+              {
+        return std::pair("<DIDL-Lite" + Fill(" a#=''", 400) + " " + std::string(aSize / 2, 'n') + "=''>" +
+                             Fill("<item/>", aSize / 2) + kRootEnd,
+                         "");
+    });
+    AddBrowse(aShapes, "root with values that are too long once escaped",
+              [](size_t aSize)
+              {
+        const size_t theLength = static_cast<size_t>(std::sqrt(static_cast<double>(aSize)));
+        const std::string theAttribute = " a#='" + std::string(theLength, '"') + "'";
+        const std::string theObject = "<item>" + std::string(theLength * 2, ' ') + "</item>";
+        return std::pair("<DIDL-Lite" + Fill(theAttribute.c_str(), aSize / 2) + ">" +
+                             Fill(theObject.c_str(), aSize / 2) + kRootEnd,
                          "");
     });
     for (const size_t theLength : { size_t{ 400 }, size_t{ 1000 }, size_t{ 4096 }, size_t{ 65536 }, size_t{ 0 } })

@@ -2,7 +2,7 @@
 
 /* DIDL-Lite (UPnP ContentDirectory) of one content-directory object, to and from its media object record (UPnPConst.h).
  * Every text given to a parse function may come from a stranger's device: nothing outside it is read or written, time
- * and memory are linear in it, nothing recurses. No state is kept between calls. */
+ * and memory are linear in it, nothing recurses. No state is kept between calls but in a UPnPDIDLDocument. */
 
 #include <UPnP/Stack/ILibXML.h>
 #include <UPnP/Stack/UPnPError.h>
@@ -117,8 +117,8 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
  * The declarations of the root are inherited while they take at most four times the length of the object's text, or 256
  * bytes if that is more, in the form in which they are stored. When they take more, first the default namespace and the
  * prefixes of the object's elements and attributes are inherited, in the root's order, then the others, each that fits.
- * Of a start tag with more attributes than an eighth of the bytes that may be inherited, the others are looked for
- * among the first ones.
+ * At most four times the bytes that may be inherited are read of a long start tag, of which each attribute counts for
+ * 32 more than it has: what is past that is inherited only when it is needed.
  * @param aBaseURL      what relative resource URIs are made absolute against; NULL leaves them as they are. So does one
  *                      of more than 1 KiB; and a URI that would bring the object's absolute URIs past eight times the
  *                      length of its text and past 4 KiB stays as it is.

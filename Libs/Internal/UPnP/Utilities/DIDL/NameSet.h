@@ -20,7 +20,7 @@ public:
     {
         for (size_t i = 0; i < mCount; ++i)
             if (Shared::Equals(mInline[i], aName)) { return true; }
-        return mTable && IsInTable(aName);
+        return aName.size() <= mLongest && IsInTable(aName);
     }
 
     // Adds a name that the set does not contain.
@@ -41,6 +41,7 @@ private:
     };
     size_t mCount = 0;                   // in mInline
     zoCustomHashTable* mTable = nullptr; // NULL until mInline is full
+    size_t mLongest = 0;                 // of the names in the table: longer ones, of any length, are not hashed
     std::string_view mInline[kInline];
 };
 

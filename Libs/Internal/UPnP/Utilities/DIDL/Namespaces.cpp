@@ -6,10 +6,11 @@
 namespace DIDL
 {
 
-// How much of the root's start tag is looked through for an object: in attributes for the bytes that it may inherit, of
-// which the shortest declaration of a prefix, ,xmlns:a="", takes eleven; and in bytes for each of those bytes.
-static const size_t kBytesPerReadAttribute = 8;
+// How much of the root's start tag is read for an object: bytes for each byte that it may inherit, and what an
+// attribute counts for besides its own bytes. All declarations of prefixes that fit are read: the shortest,
+// ,xmlns:a="", takes eleven bytes in the list.
 static const size_t kReadPerByte = 4;
+static const size_t kReadPerAttribute = 32;
 
 static const std::string_view kXMLNS = "xmlns";
 
@@ -114,14 +115,45 @@ static ValueSource SourceOf(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, 
     return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutAny;
 }
 
-// False when one did not fit, or when there are more attributes than are read.
+namespace
+{
+
+// What may still be read of the root's start tag for an object, in bytes.
+class ReadBudget
+{
+public:
+    explicit ReadBudget(size_t aMaxSize)
+        : mMaxSize(aMaxSize), mLeft(aMaxSize <= SIZE_MAX / kReadPerByte ? aMaxSize * kReadPerByte : SIZE_MAX)
+    {}
+
+    // Takes what may be read of an attribute: nothing of a name or a value that can't fit. False when too little is
+    // left.
+    bool Take(const ILibXMLAttribute* anAttribute)
+    {
+        const size_t theName = Shared::QualifiedName(anAttribute).size();
+        const size_t theValue = ValueAsWritten(anAttribute).size();
+        const size_t theSize =
+            kReadPerAttribute + (theName <= mMaxSize ? theName : 0) + (theName + theValue <= mMaxSize ? theValue : 0);
+        if (theSize > mLeft) { return false; }
+        mLeft -= theSize;
+        return true;
+    }
+
+private:
+    size_t mMaxSize;
+    size_t mLeft;
+};
+
+} // namespace
+
+// False when one did not fit, or when there is more than is read.
 bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
     const ValueSource theSource = SourceOf(aRoot, aFirst, aMaxSize);
-    size_t theLeft = aMaxSize / kBytesPerReadAttribute;
+    ReadBudget theBudget(aMaxSize);
     for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute; theAttribute = theAttribute->Next)
     {
-        if (theLeft-- == 0) { return false; }
+        if (!theBudget.Take(theAttribute)) { return false; }
         if (!IsDeclaration(theAttribute)) { continue; }
         if (AppendAttribute(this, theAttribute, theSource, aMaxSize)) { continue; }
         if (!Has(Shared::QualifiedName(theAttribute))) { return false; }
@@ -139,7 +171,7 @@ void NamespaceList::AddAllOfRoot(ILibXMLNode* aRoot)
 namespace
 {
 
-// The declarations of the root that an object needs.
+// The declarations of the root that an object needs. Few roots are so long that it matters: its code is small.
 class NeededDeclarations
 {
 public:
@@ -148,10 +180,10 @@ public:
     NeededDeclarations(const NeededDeclarations&) = delete;
     NeededDeclarations& operator=(const NeededDeclarations&) = delete;
 
-    void Find(const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes);
+    [[gnu::cold]] void Find(const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes);
 
     // The number of declarations, which then are in the root's order.
-    size_t Sort()
+    [[gnu::cold]] size_t Sort()
     {
         Shared::Sort(mFound, mFound + mCount,
                      [](const ILibXMLAttribute* aLeft, const ILibXMLAttribute* aRight)
@@ -169,9 +201,9 @@ public:
     }
 
 private:
-    void Find(std::string_view aPrefix, std::string_view aName);
-    void FindPrefix(std::string_view aPrefix);
-    void FindPrefixes(const ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
+    [[gnu::cold]] void Find(std::string_view aPrefix, std::string_view aName);
+    [[gnu::cold]] void FindPrefix(std::string_view aPrefix);
+    [[gnu::cold]] void FindPrefixes(const ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes);
 
     ILibXMLAttribute* mFirst; // of the root
     NameSet mPrefixes;        // of the object
@@ -232,11 +264,11 @@ void NamespaceList::AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& 
     NeededDeclarations theNeeded(aFirst);
     theNeeded.Find(anObject, anAttributes);
     const size_t theCount = theNeeded.Sort();
-    for (size_t i = 0; i < theCount; ++i)
+    ReadBudget theBudget(aMaxSize);
+    for (size_t i = 0; i < theCount && theBudget.Take(theNeeded.At(i)); ++i)
         AppendAttribute(this, theNeeded.At(i), ValueSource::Attribute, aMaxSize);
 
-    size_t theLeft = aMaxSize / kBytesPerReadAttribute;
-    for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute && theLeft-- > 0;
+    for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute && theBudget.Take(theAttribute);
          theAttribute = theAttribute->Next)
     {
         if (!IsDeclaration(theAttribute) || theNeeded.Contains(theAttribute)) { continue; }

@@ -51,8 +51,8 @@ public:
 private:
     void AppendEscaped(std::string_view aText, ValueSource aSource);
     bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
-    void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
-                        size_t aMaxSize);
+    [[gnu::cold]] void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
+                                      const ILibXMLAttribute* anAttributes, size_t aMaxSize);
 
     TextBuilder mText;
     NameSet mNames;
