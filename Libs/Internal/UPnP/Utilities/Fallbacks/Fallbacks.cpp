@@ -4,6 +4,7 @@
 #include <Shared/Format.h>
 #include <Shared/QualifiedName.h>
 #include <Shared/Sizes.h>
+#include <algorithm>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -25,14 +26,16 @@ ILibXMLAttribute* ILibFindXMLAttribute(ILibXMLAttribute* aList, const char* aPre
 #endif
 
 #ifdef UPNP_LACKS_zoBuffer_Reserve
-// What was appended stays allocated, so going back to mPos makes room. At least as much as there is already is
-// appended, which keeps appending amortised O(1).
+// What was appended stays allocated, so going back to mPos makes room. When there is too little, at least as much as
+// there is already is appended at once: a buffer that grows exactly is amortised O(1), too.
 void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount)
 {
-    static const char kBytes[64] = {};
     const size_t thePosition = aBuffer->mPos;
-    while (aBuffer->mSize - thePosition < aCount)
-        zoBuffer_Append(aBuffer, kBytes, sizeof(kBytes));
+    if (aBuffer->mSize - thePosition >= aCount) { return; }
+    const size_t theNeeded = std::max(aCount, thePosition);
+    char* theBytes = static_cast<char*>(zoMallocZeroed(theNeeded));
+    zoBuffer_Append(aBuffer, theBytes, theNeeded);
+    free(theBytes);
     aBuffer->mPos = thePosition;
 }
 #endif
@@ -77,10 +80,11 @@ int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* 
 #endif
 
 #ifdef UPNP_LACKS_zoDLNAProtocolInfo_NewInPlace
+// The length may count the NUL of a stored text, which New need not take.
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, const char* aText,
                                                     size_t aLength)
 {
-    return zoDLNAProtocolInfo_New(aText, aLength, 0);
+    return zoDLNAProtocolInfo_New(aText, strnlen(aText, aLength), 0);
 }
 #endif
 
@@ -165,6 +169,7 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
     {
         zoPackedData_Value* theValue = &aValues[theCount];
         theValue->mTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(aFirst + theCount));
+        theValue->mSize = 0;
         theValue->mData = zoPackedData_GetData(aRecord, anEntry, theValue->mTag, &theValue->mSize);
     }
     return theCount;
