@@ -170,6 +170,7 @@ zoCString CDSResourceInfo::GetSubtitleURI(int aResourceIndex)
 static bool IsThumbnail(const zoPackedData_t* aRecord, uint32 aResource)
 {
     const std::string_view theText = CDS::FindText(aRecord, aResource, kCDSResourceInfo_ProtocolInfo);
+    if (!theText.data()) { return false; }
     return zoDLNAProtocolInfo_MatchText(theText.data(), theText.size(), "JPEG_TN", -1) ||
            zoDLNAProtocolInfo_MatchText(theText.data(), theText.size(), "PNG_TN", -1);
 }
@@ -351,7 +352,8 @@ zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDLi
         const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, theTargets);
         if (theIndex >= 0)
         {
-            if (aProfileID) { *aProfileID = theResources.GetProfile(static_cast<uint32>(theIndex)); }
+            const char* theProfile = theResources.GetProfile(static_cast<uint32>(theIndex));
+            if (aProfileID) { *aProfileID = theProfile ? theProfile : ""; }
             return GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
         }
     }

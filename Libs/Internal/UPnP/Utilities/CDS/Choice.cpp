@@ -66,7 +66,7 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
         *(fComesLast ? --theLast : anArray + theCount++) = theInfo;
     }
     std::reverse(theLast, theEnd);
-    std::copy(theLast, theEnd, anArray + theCount);
+    if (theLast != anArray + theCount) { std::copy(theLast, theEnd, anArray + theCount); }
     theCount += static_cast<size_t>(theEnd - theLast);
     if (theCount == 0) { return 0; }
     const bool fHasOrder = *aRenderer.mSchemeOrder != '\0';

@@ -17,7 +17,7 @@ std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 
 zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
     const std::string_view theText = FindText(aRecord, anEntry, aTag);
-    return zoCString(theText.data(), theText.size());
+    return zoCString(theText.data() ? theText.data() : "", theText.size());
 }
 
 bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::string_view aText)
