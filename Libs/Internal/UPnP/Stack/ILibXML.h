@@ -76,8 +76,9 @@ struct ILibXMLAttribute
  * Reads aLength bytes of aText from anOffset on.
  * @return the first node of a new list, released with ILibDestructXMLNodeList; NULL when there is no tag. A tag that is
  *         not well-formed, or an end tag out of place, ends the list, and ILibProcessXMLNodeList then reports it, as it
- *         does for a text of 2 GiB or more. When nothing comes before it the list is one node without a name. On a
- *         64-bit system a tag takes 64 to 80 bytes and an attribute 56, half of that on a 32-bit one.
+ *         does for a text of 2 GiB or more. When nothing comes before it the list is one node without a name. A tag
+ *         takes 64 to 80 bytes and an attribute 56, on a 32-bit system 40 to 48 and 32; in a tag with more than 32
+ *         attributes each of them takes a pointer more.
  */
 UPNPSTACK_API struct ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength);
 /** Checks that every tag is well-formed, attributes included, and that start and end tags are in pairs.

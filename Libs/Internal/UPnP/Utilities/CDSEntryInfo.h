@@ -43,8 +43,7 @@ public:
     /** @param aDataInfoID  the kCDSEntryInfo_* tag of a text. */
     zoCString GetInfoAsCString(uint16 aDataInfoID);
 
-    /** @return the number of pairs of extra info: half the number of its tags. Takes constant time in a parsed record,
-     *          logarithmic time in others. */
+    /** @return the number of pairs of extra info: half the number of its tags. Takes logarithmic time. */
     uint16 GetExtraInfoCount();
     /**
      * Reads a pair of extra info; what is absent of it is "". Takes no longer than GetExtraInfoCount and a look-up.

@@ -63,12 +63,11 @@ public:
     /** @param aResourceInfoID  the kCDSResourceInfo_* tag of a number. */
     zouint64_t GetInfoAsUInt64(uint32 aResourceIndex, uint16 aResourceInfoID);
 
-    /** @return the number of pairs of extra info: half the number of its tags. Takes constant time in a parsed record,
-     *          logarithmic time in others. */
+    /** @return the number of pairs of extra info: half the number of its tags. Takes logarithmic time. */
     uint16 GetExtraInfoCount(uint32 aResourceIndex);
     /**
      * Reads a pair of extra info, pairs being counted in the order of storage; what is absent of it is "". Takes
-     * constant time when pairs are stored before the fields, as the parser does, else time linear in the resource's
+     * logarithmic time when pairs are stored before the fields, as the parser does, else time linear in the resource's
      * tags.
      * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both are "".
      * @param aName, aData out: the qualified name of the attribute ("pv:subtitleFileUri") and its value.

@@ -7,7 +7,7 @@
  * - The resource record has one entry per res element, in document order, under the tags kCDSResourceInfo_*.
  *
  * A text is stored with its NUL, its XML entities resolved unless said otherwise; a number in 2, 4 or 8 bytes of the
- * machine's byte order. Behind the fixed tags comes the extra info, as pairs of texts: pair k has its name under tag
+ * machine's byte order. The extra info follows the fixed tags, as pairs of texts: pair k has its name under tag
  * kCDS..._Count + 2k and its value under the next tag. Readers take a number of 0 as not set. */
 
 /* Tags of the entry record, with their DIDL-Lite source. */
@@ -15,7 +15,7 @@ enum
 {
     kCDSEntryInfo_Title = 0,               /* text: dc:title */
     kCDSEntryInfo_Creator = 1,             /* text: dc:creator */
-    kCDSEntryInfo_Date = 2,                /* text: dc:date, "" when it is no DLNA date; no bytes without one */
+    kCDSEntryInfo_Date = 2,                /* text: dc:date, "" when it is not a DLNA date; no bytes without one */
     kCDSEntryInfo_Genre = 3,               /* text: upnp:genre */
     kCDSEntryInfo_Album = 4,               /* text: upnp:album */
     kCDSEntryInfo_ParentID = 5,            /* text: parentID */
@@ -46,7 +46,7 @@ enum
     kCDSResourceInfo_URI = 0,                /* text of res */
     kCDSResourceInfo_ProtocolInfo = 1,       /* text: protocolInfo, normalised */
     kCDSResourceInfo_Resolution = 2,         /* text: resolution, as written */
-    kCDSResourceInfo_Duration = 3,           /* uint32, seconds: duration; kUPnP_UnknownTime when it is no time */
+    kCDSResourceInfo_Duration = 3,           /* uint32, seconds: duration; kUPnP_UnknownTime when it is not one */
     kCDSResourceInfo_BitRate = 4,            /* uint32, bits per second: 8 times bitrate; 0xFFFFFFFF is not set, too */
     kCDSResourceInfo_ColorDepth = 5,         /* uint32, bits: colorDepth */
     kCDSResourceInfo_Size = 6,               /* uint64, bytes: size */

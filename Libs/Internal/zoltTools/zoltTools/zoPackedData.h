@@ -23,10 +23,10 @@
  * says can't be seen from the block: give one that came from outside the process to zoPackedData_NewDataSized. From
  * then on it is private memory of the record: nobody else may write to it.
  *
- * Adding is amortised O(1), a look-up O(log n) in the entry's values, and values are read in place. Reading changes
- * nothing, so several threads may read one record while nobody adds to it. Every operation takes a NULL record: it
- * reads as one without entries, and adding to it does nothing. A block holds less than 4 GiB; a value that would pass
- * that, or an entry's 65536th, is dropped. */
+ * Adding is amortised O(1), a look-up O(log n) in the entry's values, and values are read in place. Several
+ * threads may read one record while nobody adds to it. Every operation takes a NULL record: it reads as one without
+ * entries, and adding to it does nothing. A block holds less than 4 GiB; a value that would pass that, or an entry's
+ * 65536th, is dropped. */
 
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Export.h>
@@ -115,8 +115,8 @@ ZOLTTOOLS_API uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecor
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);
 /** @return a new record over a block made by zoPackedData_TakeData in this process, at least as long as its header
- * says. The record takes the block over and frees it; no value is copied. NULL, or a block that doesn't add up, gives
- *          a record without entries. */
+ *          says. The record takes the block over and frees it; no value is copied. NULL, or a block that doesn't add
+ *          up, gives a record without entries. */
 ZOLTTOOLS_API zoPackedData_t* zoPackedData_NewData(char* aBlock);
 /** As zoPackedData_NewData, for a block from outside the process, which is aSize bytes long: one whose header tells
  *  another size gives a record without entries, too. */

@@ -138,12 +138,11 @@ bool HasListedFamily(const AlbumArt& anAlbumArt, string_view aProfiles)
 //
 // - Resources over another protocol than http-get are not considered.
 // - The first stage finds the resources of exactly that profile. If there are none, it finds those without protocol
-// info,
-//   whatever P is.
+//   info, whatever P is.
 // - The second stage finds, if there are neither, the resources of that MIME type without a profile; with any profile
 //   when P is empty. The third stage finds the same.
-// - Of these the one on the nearest host is chosen, of equally near ones one that is not converted, of several the
-// first.
+// - Of these the one on the nearest host is chosen, of equally near ones one that is not converted, of several
+//   the first.
 
 namespace
 {

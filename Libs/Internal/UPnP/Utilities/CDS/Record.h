@@ -28,7 +28,7 @@ uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTa
  *  @return false for an index outside 0 to CountPairs() - 1, and when the tag would be above 65535. */
 bool FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
 /** As FindPair, pairs being counted in the order of storage: an extra tag is a name's, and the value next to it is
- *  passed over. Takes constant time when extra tags are stored first, as the parser does, else linear time. */
+ *  passed over. Takes logarithmic time when extra tags are stored first, as the parser does, else linear time. */
 bool FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
 /** @return the value of a pair whose name has the tag. */
 zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aNameTag);
