@@ -4,6 +4,7 @@
 #include <Shared/Append.h>
 #include <Shared/Sizes.h>
 #include <Shared/Split.h>
+#include <Shared/Text.h>
 #include <algorithm>
 #include <new>
 #include <stdlib.h>
@@ -13,6 +14,7 @@
 
 using ProtocolInfo::HasBlanks;
 using Shared::NextItem;
+using Shared::TextOf;
 using std::string_view;
 
 namespace
@@ -28,11 +30,6 @@ struct Parameters
 } // namespace
 
 static string_view TrimSpaces(string_view aText) { return Shared::Trim(aText, Shared::IsSpace); }
-
-static string_view ViewOf(const char* aText, size_t aLength)
-{
-    return aText ? string_view(aText, strnlen(aText, aLength)) : string_view("");
-}
 
 // ---- Blanks ----
 
@@ -236,7 +233,7 @@ static zoDLNAProtocolInfo_t* NewFromText(string_view aText)
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_New(const char* aText, size_t aLength, int /*aFlags*/)
 {
-    return NewFromText(ViewOf(aText, aLength));
+    return NewFromText(TextOf(aText ? aText : "", aLength));
 }
 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText, size_t aLength)
@@ -245,7 +242,7 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize,
     const string_view theText(aText, fHasNUL ? aLength - 1 : aLength);
     if (aSize < sizeof(zoDLNAProtocolInfo_t) || !aText || HasBlanks(theText)) // a NUL would count as one
     {
-        return NewFromText(ViewOf(aText, aLength));
+        return zoDLNAProtocolInfo_New(aText, aLength, 0);
     }
     zoDLNAProtocolInfo_t* theInfo = new (aMemory) zoDLNAProtocolInfo_t(Read(theText));
     const string_view theProfile = theInfo->mProfile;
@@ -268,7 +265,7 @@ int zoDLNAProtocolInfo_IsNormal(const char* aText, size_t aLength) { return !aTe
 
 int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* aProfile, int aConversionIndicator)
 {
-    string_view theRest = ViewOf(aText, aLength);
+    string_view theRest = TextOf(aText ? aText : "", aLength);
     string_view theField;
     const bool fHasBlanks = HasBlanks(theRest);
     for (int i = 0; i < 3; ++i)

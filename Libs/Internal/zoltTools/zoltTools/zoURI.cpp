@@ -2,6 +2,7 @@
 
 #include <Shared/ASCII.h>
 #include <Shared/Append.h>
+#include <Shared/Text.h>
 #include <algorithm>
 #include <initializer_list>
 #include <stdlib.h>
@@ -238,6 +239,6 @@ uint32 zoURI_GetHostIP(const zoURI* aURI) { return AddressOf(ViewOf(aURI ? aURI-
 uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength)
 {
     Parts theParts = {};
-    string_view theText(aText ? aText : "", aText ? strnlen(aText, aLength) : 0);
+    string_view theText = Shared::TextOf(aText ? aText : "", aLength);
     return ParseUpToPath(&theText, &theParts) ? AddressOf(theParts.mHostName) : UINT32_MAX;
 }

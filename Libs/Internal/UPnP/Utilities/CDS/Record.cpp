@@ -1,6 +1,6 @@
 #include <UPnP/Utilities/CDS/Record.h>
 
-#include <string.h>
+#include <Shared/Text.h>
 
 namespace CDS
 {
@@ -11,7 +11,7 @@ std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 
 {
     size_t theSize = 0;
     const char* theText = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
-    return { theText, theText ? strnlen(theText, theSize) : 0 };
+    return Shared::TextOf(theText, theSize);
 }
 
 zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)

@@ -2,6 +2,7 @@
 
 /* Reading the values of a record. */
 
+#include <Shared/Text.h>
 #include <algorithm>
 #include <string.h>
 #include <string_view>
@@ -10,13 +11,7 @@
 namespace DIDL
 {
 
-/** @return the bytes up to the first NUL or their end; empty for NULL. */
-inline std::string_view TextOf(const char* aData, size_t aSize)
-{
-    if (!aData || aSize == 0 || *aData == 0) { return {}; }
-    const void* theNul = memchr(aData, 0, aSize);
-    return { aData, theNul ? static_cast<size_t>(static_cast<const char*>(theNul) - aData) : aSize };
-}
+using Shared::TextOf;
 
 /** @return the bytes without a NUL at their end; empty also when the first is a NUL. */
 inline std::string_view BytesOf(const zoPackedData_Value& aValue)
