@@ -256,7 +256,8 @@ int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProto
                        aSupportedProtocolSchemeList.c_str(),
                        aPreferredSchemeOrder.c_str(),
                        { aTargetIPAddresses, aTargetIpCount },
-                       afSearchingThumbnail },
+                       afSearchingThumbnail,
+                       false },
                      aResourceInfo, aConfidence);
 }
 
@@ -277,6 +278,7 @@ int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtoco
                        nullptr,
                        aPreferredSchemeOrder.c_str(),
                        { aTargetIPAddresses, aTargetIPCount },
+                       false,
                        false },
                      aResourceInfo, aConfidence);
 }
@@ -299,7 +301,8 @@ int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolI
                                     nullptr,
                                     aPreferredSchemeOrder.c_str(),
                                     { aTargetIPAddresses, aTargetIPCount },
-                                    afSearchForThumbnail },
+                                    afSearchForThumbnail,
+                                    false },
                                   aResourceInfo, aConfidence);
     zoDLNAProtocolInfoList_Delete(theList);
     return theBest;
@@ -315,7 +318,7 @@ static int ChooseThumbnailFromStr(zoPackedData_t* aResourceInfo, const char* aTh
                    aThumbnailType);
     zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(theSink.c_str(), 0);
     int theConfidence = kRendererPlayConfidence_WillNot;
-    const int theBest = ChooseFor({ theList, nullptr, "http", aTargets, true }, aResourceInfo, &theConfidence);
+    const int theBest = ChooseFor({ theList, nullptr, "http", aTargets, true, false }, aResourceInfo, &theConfidence);
     zoDLNAProtocolInfoList_Delete(theList);
     return theConfidence >= kRendererPlayConfidence_May ? theBest : -1;
 }

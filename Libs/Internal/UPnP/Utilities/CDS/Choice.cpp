@@ -7,18 +7,7 @@
 namespace CDS
 {
 
-namespace
-{
-
-// How close a match has to be, from the closest on.
-struct Stage
-{
-    bool mfUsesSinkList;
-    int mMatchFlags;
-    int mConfidence;
-};
-
-const Stage kStages[] = {
+const Stage kStages[kStageCount] = {
     { true, kzoDLNAProtocolInfoMatch_NoMimeTypeCheck | kzoDLNAProtocolInfoMatch_ProfileNotNULL,
       kRendererPlayConfidence_Should },
     { true, kzoDLNAProtocolInfoMatch_AnyProfile, kRendererPlayConfidence_May },
@@ -28,26 +17,37 @@ const Stage kStages[] = {
     { false, kzoDLNAProtocolInfoMatch_Default, kRendererPlayConfidence_ShouldNot },
 };
 
-// The weight of a resource, a number:
-//
-//     bit 15    it has a DLNA profile that the renderer plays
-//     bit 4     its host is an IPv4 address
-//     bits 0-1  the highest locality of its host, 0 to 3
-const uint32 kHasProfileWeight = 0x8000;
-
-} // namespace
-
 // A resource without protocol info matches everything, and everything matches without a list.
-static bool Matches(const Resource& aResource, const zoDLNAProtocolInfoList_t* aSinkList, int aMatchFlags)
+bool Matches(const Stage& aStage, const Resource& aResource, const Renderer& aRenderer)
 {
-    return !aResource.mfHasProtocolInfo || !aSinkList ||
-           zoDLNAProtocolInfoList_Match(aSinkList, aResource.mInfo, aMatchFlags) != 0;
+    return !aResource.mfHasProtocolInfo || !aStage.mfUsesSinkList || !aRenderer.mSinkList ||
+           zoDLNAProtocolInfoList_Match(aRenderer.mSinkList, aResource.mInfo, aStage.mMatchFlags) != 0;
 }
 
-static bool IsConsidered(const Resource& aResource, bool afSearchingThumbnail)
+uint32 Weigh(const Stage& aStage, const Resources& aResources, uint32 anIndex, Targets aTargets)
+{
+    const bool fHasProfile = aStage.mConfidence == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
+    return (fHasProfile ? kHasProfileWeight : 0) + aResources.WeighHost(anIndex, aTargets);
+}
+
+bool IsConsidered(const Resource& aResource, const Renderer& aRenderer)
 {
     if (!aResource.mfHasProtocolInfo) { return aResource.mInfo != nullptr; }
-    return afSearchingThumbnail || !zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo);
+    if (aRenderer.mfLeavingOutConverted && aResource.IsConverted()) { return false; }
+    return aRenderer.mfSearchingThumbnail || !zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo);
+}
+
+bool PutsUnconvertedFirst(const Stage& aStage, const Renderer& aRenderer)
+{
+    return aStage.mfUsesSinkList && zoDLNAProtocolInfoList_GetCount(aRenderer.mSinkList) > 0;
+}
+
+size_t RankByTransport(const Renderer& aRenderer, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
+{
+    const char* theOrder = aRenderer.mSchemeOrder;
+    return zoDLNAProtocolInfoList_RankByScheme(aRenderer.mSinkList,
+                                               theOrder && *theOrder ? theOrder : kzoPreferredSchemeOrder_Default,
+                                               aRenderer.mSupportedProtocols, anInfos, aCount);
 }
 
 // Puts the resources whose transport protocol suits in an array, the best transport protocol first, and of equally good
@@ -60,19 +60,15 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
     size_t theCount = 0;
     for (uint32 i = 0; i < aResources.GetCount(); ++i)
     {
-        if (!IsConsidered(aResources.At(i), aRenderer.mfSearchingThumbnail)) { continue; }
-        zoDLNAProtocolInfo_t* theInfo = aResources.At(i).mInfo;
-        const bool fComesLast = afUnconvertedFirst && zoDLNAProtocolInfo_GetConversionIndicator(theInfo) != 0;
-        *(fComesLast ? --theLast : anArray + theCount++) = theInfo;
+        const Resource& theResource = aResources.At(i);
+        if (!IsConsidered(theResource, aRenderer)) { continue; }
+        const bool fComesLast = afUnconvertedFirst && theResource.IsConverted();
+        *(fComesLast ? --theLast : anArray + theCount++) = theResource.mInfo;
     }
     std::reverse(theLast, theEnd);
     if (theLast != anArray + theCount) { std::copy(theLast, theEnd, anArray + theCount); }
     theCount += static_cast<size_t>(theEnd - theLast);
-    if (theCount == 0) { return 0; }
-    const bool fHasOrder = *aRenderer.mSchemeOrder != '\0';
-    return zoDLNAProtocolInfoList_RankByScheme(aRenderer.mSinkList,
-                                               fHasOrder ? aRenderer.mSchemeOrder : kzoPreferredSchemeOrder_Default,
-                                               aRenderer.mSupportedProtocols, anArray, theCount);
+    return theCount > 0 ? RankByTransport(aRenderer, anArray, theCount) : 0;
 }
 
 // @return the index of the first of the ranked resources that match in a stage and that no other outweighs; -1 when
@@ -80,17 +76,11 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
 static int ChooseInStage(const Stage& aStage, const Resources& aResources, const Renderer& aRenderer,
                          zoDLNAProtocolInfo_t* const* aRanked, size_t aCount)
 {
-    const zoDLNAProtocolInfoList_t* theSinkList = aStage.mfUsesSinkList ? aRenderer.mSinkList : nullptr;
-    Best theBest(
-        [&](uint32 anIndex)
-        {
-        const bool fHasProfile = aStage.mConfidence == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
-        return (fHasProfile ? kHasProfileWeight : 0) + aResources.WeighHost(anIndex, aRenderer.mTargets);
-    });
+    Best theBest([&](uint32 anIndex) { return Weigh(aStage, aResources, anIndex, aRenderer.mTargets); });
     for (size_t i = 0; i < aCount; ++i)
     {
         const uint32 theIndex = static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(aRanked[i]));
-        if (Matches(aResources.At(theIndex), theSinkList, aStage.mMatchFlags)) { theBest.Add(theIndex); }
+        if (Matches(aStage, aResources.At(theIndex), aRenderer)) { theBest.Add(theIndex); }
     }
     return theBest.GetIndex();
 }
@@ -98,11 +88,11 @@ static int ChooseInStage(const Stage& aStage, const Resources& aResources, const
 Choice Choose(Resources* aResources, const Renderer& aRenderer)
 {
     zoDLNAProtocolInfo_t** theRanked = aResources->GetRoom();
-    bool fUnconvertedFirst = zoDLNAProtocolInfoList_GetCount(aRenderer.mSinkList) > 0;
+    bool fUnconvertedFirst = PutsUnconvertedFirst(kStages[0], aRenderer);
     size_t theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
     for (const Stage& theStage : kStages)
     {
-        if (fUnconvertedFirst && !theStage.mfUsesSinkList)
+        if (fUnconvertedFirst && !PutsUnconvertedFirst(theStage, aRenderer))
         {
             fUnconvertedFirst = false;
             theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
@@ -111,6 +101,18 @@ Choice Choose(Resources* aResources, const Renderer& aRenderer)
         if (theBest >= 0) { return { theBest, theStage.mConfidence }; }
     }
     return { -1, kRendererPlayConfidence_WillNot };
+}
+
+Choice ChooseOriginal(Resources* aResources, Renderer* aRenderer)
+{
+    aRenderer->mfLeavingOutConverted = true;
+    const Choice theOriginal = Choose(aResources, *aRenderer);
+    if (theOriginal.mConfidence >= kRendererPlayConfidence_May) { return theOriginal; }
+    aRenderer->mfLeavingOutConverted = false;
+    const Choice theChoice = Choose(aResources, *aRenderer);
+    if (theChoice.mConfidence > theOriginal.mConfidence) { return theChoice; }
+    aRenderer->mfLeavingOutConverted = true;
+    return theOriginal;
 }
 
 } // namespace CDS

@@ -19,6 +19,8 @@ struct Resource
     zoDLNAProtocolInfo_t* mInfo; // owned; from the URI when there is no protocol info; NULL without either
     bool mfHasProtocolInfo;
     alignas(void*) char mMemory[kInfoSize];
+
+    bool IsConverted() const { return zoDLNAProtocolInfo_GetConversionIndicator(mInfo) != 0; }
 };
 
 /** All resources. Each one's protocol info carries its index as user data. The first kFew take no memory from the
