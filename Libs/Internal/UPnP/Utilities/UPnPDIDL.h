@@ -32,7 +32,8 @@ enum
  * @param aMediaData             the entry record; NULL writes an empty item without resources.
  * @param aResourceInfo          the resource record, or NULL for no resources.
  * @param afIncludeHeaderFooter  0 leaves out "<DIDL-Lite" and "</DIDL-Lite>", which the caller then puts around the
- *                               text (the namespaces and the ">" of the start tag are written all the same).
+ *                               text. Of an entry record, the namespaces and the ">" of the start tag are written all
+ *                               the same; without one, neither.
  * @param afIncludeResExtraInfo  whether the resources' extra info is written as attributes, "microsoft" and "codec"
  *                               aside.
  * @param aSelectedURI           the URI of the resource to be written first; NULL writes all in the record's order.
