@@ -1,6 +1,6 @@
 #pragma once
 
-/* Unsigned numbers of a size that is known at run time, as fields of records that tables describe. */
+/* Numbers that are read and written as bytes, wherever they are: not aligned, or of a size known at run time. */
 
 #include <stddef.h>
 #include <stdint.h>
@@ -10,7 +10,7 @@ namespace Shared
 {
 
 template <typename Number>
-inline uint64_t LoadAs(const void* aField)
+inline Number Load(const void* aField)
 {
     Number theNumber;
     memcpy(&theNumber, aField, sizeof(theNumber));
@@ -29,10 +29,10 @@ inline uint64_t LoadUnsigned(const void* aField, size_t aSize)
 {
     switch (aSize)
     {
-    case 1: return LoadAs<uint8_t>(aField);
-    case 2: return LoadAs<uint16_t>(aField);
-    case 4: return LoadAs<uint32_t>(aField);
-    default: return LoadAs<uint64_t>(aField);
+    case 1: return Load<uint8_t>(aField);
+    case 2: return Load<uint16_t>(aField);
+    case 4: return Load<uint32_t>(aField);
+    default: return Load<uint64_t>(aField);
     }
 }
 

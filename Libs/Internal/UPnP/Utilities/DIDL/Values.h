@@ -2,6 +2,7 @@
 
 /* Reading the values of a record. */
 
+#include <Shared/Integers.h>
 #include <Shared/Text.h>
 #include <algorithm>
 #include <string.h>
@@ -61,9 +62,9 @@ public:
     {
         switch (mFixed[aTag].mSize)
         {
-        case sizeof(uint16): return static_cast<Number>(Read<uint16>(aTag));
-        case sizeof(uint32): return static_cast<Number>(Read<uint32>(aTag));
-        case sizeof(uint64): return static_cast<Number>(Read<uint64>(aTag));
+        case sizeof(uint16): return static_cast<Number>(Shared::Load<uint16>(mFixed[aTag].mData));
+        case sizeof(uint32): return static_cast<Number>(Shared::Load<uint32>(mFixed[aTag].mData));
+        case sizeof(uint64): return static_cast<Number>(Shared::Load<uint64>(mFixed[aTag].mData));
         default: return 0;
         }
     }
@@ -109,14 +110,6 @@ private:
         }
         const std::string_view theBytes = BytesOf(theValue);
         aUse(TextOf(aName.mData, aName.mSize), theValue.mData ? &theBytes : nullptr);
-    }
-
-    template <typename Stored>
-    Stored Read(uint16 aTag) const
-    {
-        Stored theNumber;
-        memcpy(&theNumber, mFixed[aTag].mData, sizeof(theNumber));
-        return theNumber;
     }
 
     const zoPackedData_t* mRecord;

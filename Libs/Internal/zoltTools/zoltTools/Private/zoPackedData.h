@@ -6,6 +6,7 @@
  * their final form and the values of the open entry; the open entry's ends and tags and the table of entries are in
  * arrays. Closing an entry appends its directory to the block, serializing appends the table. */
 
+#include <Shared/Integers.h>
 #include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
@@ -101,13 +102,7 @@ namespace PackedData
 
 // ---- Reading ----
 
-template <typename Number>
-inline Number Load(const char* aBytes)
-{
-    Number theNumber;
-    memcpy(&theNumber, aBytes, sizeof(theNumber));
-    return theNumber;
-}
+using Shared::Load;
 
 inline size_t EntryEnd(const zoPackedData_t* aRecord, uint32 anEntry)
 {
