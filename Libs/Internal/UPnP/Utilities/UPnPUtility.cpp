@@ -3,6 +3,7 @@
 #include <Shared/ASCII.h>
 #include <Shared/QualifiedName.h>
 #include <Shared/Split.h>
+#include <Shared/Text.h>
 #include <stdlib.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoMemory.h>
@@ -42,7 +43,7 @@ int UPnPUtil_FindSubStringInArray(const char* aStr, size_t aStrLen, const char**
 
 int UPnPUtil_FindAllCommaSeparatedSubStringInArray(const char* aStr, size_t aStrLen, const char** aStrArray)
 {
-    std::string_view theRest(aStr, aStr ? strnlen(aStr, aStrLen) : 0);
+    std::string_view theRest = Shared::TextOf(aStr, aStrLen);
     std::string_view thePart;
     while (Shared::NextItem(&theRest, ';', &thePart))
     {
