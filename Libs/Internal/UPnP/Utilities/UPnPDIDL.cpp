@@ -214,13 +214,6 @@ static int ParseOnlyObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLTyp
     return kUPnPError_None;
 }
 
-// kDIDLItemType_None for an element that is not an object.
-static int TypeOf(const ILibXMLNode* aNode)
-{
-    if (IsNamed(aNode, "item")) { return kDIDLItemType_Item; }
-    return IsNamed(aNode, "container") ? kDIDLItemType_Container : kDIDLItemType_None;
-}
-
 // Where the walk goes on after an element that holds no objects.
 static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
 {

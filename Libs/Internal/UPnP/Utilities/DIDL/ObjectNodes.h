@@ -1,11 +1,19 @@
 #pragma once
 
 #include <UPnP/Utilities/DIDL/DocumentText.h>
+#include <UPnP/Utilities/UPnPDIDL.h>
 
 namespace DIDL
 {
 
-inline bool IsObject(const ILibXMLNode* aNode) { return IsNamed(aNode, "item") || IsNamed(aNode, "container"); }
+// kDIDLItemType_None for an element that is not an object.
+inline int TypeOf(const ILibXMLNode* aNode)
+{
+    if (IsNamed(aNode, "item")) { return kDIDLItemType_Item; }
+    return IsNamed(aNode, "container") ? kDIDLItemType_Container : kDIDLItemType_None;
+}
+
+inline bool IsObject(const ILibXMLNode* aNode) { return TypeOf(aNode) != kDIDLItemType_None; }
 
 // The nodes that make an object: those between its start tag and its end tag, with the objects inside or without.
 struct ObjectNodes
