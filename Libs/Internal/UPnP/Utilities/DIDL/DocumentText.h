@@ -48,13 +48,12 @@ inline bool IsSameName(std::string_view aLeft, std::string_view aRight)
            Shared::EqualsIgnoringCase(aLeft.data(), aRight.data(), aLeft.size());
 }
 
-// True if the local name of a node or an attribute is aName, whatever its prefix and case. The literal's length is
-// known at compile time, which makes it a comparison of words.
-template <typename Named, size_t Size>
-bool IsNamed(const Named* aNamed, const char (&aName)[Size])
+// True if the local name of a node or an attribute is aName, whatever its prefix and case. Inline, so that a name known
+// at compile time makes it a comparison of words.
+template <typename Named>
+[[gnu::always_inline]] inline bool IsNamed(const Named* aNamed, std::string_view aName)
 {
-    return aNamed->NameLength == static_cast<int>(Size - 1) &&
-           IsSameName({ aNamed->Name, Size - 1 }, { aName, Size - 1 });
+    return aNamed->NameLength == static_cast<int>(aName.size()) && IsSameName({ aNamed->Name, aName.size() }, aName);
 }
 
 inline std::string_view ValueAsWritten(const ILibXMLAttribute* anAttribute)
@@ -81,14 +80,13 @@ inline std::string_view GetInnerXML(ILibXMLNode* aNode)
 
 // Sets aValue to the value as written of the first attribute with this prefix and name; false without such an
 // attribute.
-template <size_t PrefixSize, size_t Size>
-bool GetXMLAttribute(const ILibXMLAttribute* anAttributes, const char (&aPrefixStr)[PrefixSize],
-                     const char (&anAttributeStr)[Size], std::string_view* aValue)
+inline bool GetXMLAttribute(const ILibXMLAttribute* anAttributes, std::string_view aPrefixStr,
+                            std::string_view anAttributeStr, std::string_view* aValue)
 {
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
         if (!IsNamed(theAttribute, anAttributeStr)) { continue; }
-        if (!IsSameName(Shared::Prefix(theAttribute), { aPrefixStr, PrefixSize - 1 })) { continue; }
+        if (!IsSameName(Shared::Prefix(theAttribute), aPrefixStr)) { continue; }
         *aValue = ValueAsWritten(theAttribute);
         return true;
     }

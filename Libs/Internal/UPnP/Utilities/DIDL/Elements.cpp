@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/Elements.h>
 
 #include <UPnP/Utilities/DIDL/NameIndex.h>
+#include <UPnP/Utilities/DIDL/Names.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoMemory.h>
 
@@ -29,7 +30,7 @@ static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILi
 static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
     aParser->mLast[kSingleText_BGMURI] = aNode;
-    GetXMLAttribute(anAttributes, "av", "protocolInfo", &aParser->mBGMProtocolInfo);
+    GetXMLAttribute(anAttributes, "av", kDIDL_Attribute_DLNAProtocolInfo, &aParser->mBGMProtocolInfo);
 }
 
 // Only an element without child elements can be a number, so no text is read twice.
@@ -50,7 +51,7 @@ static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const IL
     std::string_view theURI;
     if (!aParser->ReadText(aNode, kRepeatedText_AlbumArt, &theURI) || theURI.empty()) { return; }
     std::string_view theProfile;
-    GetXMLAttribute(anAttributes, "dlna", "profileID", &theProfile);
+    GetXMLAttribute(anAttributes, "dlna", kDIDL_Attribute_DLNAProfileID, &theProfile);
     if (!aParser->mAlbumArt)
     {
         aParser->mAlbumArt = zoArray_New();
@@ -65,7 +66,7 @@ static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
 {
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        if (!IsNamed(theAttribute, "includeDerived")) { continue; }
+        if (!IsNamed(theAttribute, kDIDL_Attribute_IncludeDerived)) { continue; }
         return theAttribute->ValueLength == 1 && *theAttribute->Value != '0';
     }
     return false;
@@ -82,17 +83,17 @@ static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const IL
 }
 
 static constexpr Element kElements[] = {
-    { "dc:title", ParseSingleText<kSingleText_Title> },
-    { "upnp:class", ParseSingleText<kSingleText_Class> },
-    { "dc:creator", ParseSingleText<kSingleText_Creator> },
-    { "dc:date", ParseSingleText<kSingleText_Date> },
-    { "upnp:genre", ParseSingleText<kSingleText_Genre> },
-    { "upnp:album", ParseSingleText<kSingleText_Album> },
-    { "upnp:albumArtURI", ParseAlbumArtURI },
-    { "upnp:channelNr", ParseChannelNr },
-    { "upnp:createClass", ParseCreateClass },
-    { "upnp:storageMedium", ParseSingleText<kSingleText_StorageMedium> },
-    { "av:bgmURI", ParseBGMURI },
+    { kDIDL_Tag_Title, ParseSingleText<kSingleText_Title> },
+    { kDIDL_Tag_Class, ParseSingleText<kSingleText_Class> },
+    { kDIDL_Tag_Creator, ParseSingleText<kSingleText_Creator> },
+    { kDIDL_Tag_Date, ParseSingleText<kSingleText_Date> },
+    { kDIDL_Tag_Genre, ParseSingleText<kSingleText_Genre> },
+    { kDIDL_Tag_Album, ParseSingleText<kSingleText_Album> },
+    { kDIDL_Tag_AlbumArtURI, ParseAlbumArtURI },
+    { kDIDL_Tag_ChannelNr, ParseChannelNr },
+    { kDIDL_Tag_CreateClass, ParseCreateClass },
+    { kDIDL_Tag_StorageMedium, ParseSingleText<kSingleText_StorageMedium> },
+    { kDIDL_Tag_BGMURI, ParseBGMURI },
 };
 
 static constexpr NameIndex kElementIndex(kElements);

@@ -5,14 +5,14 @@
 namespace DIDL
 {
 
-// Finds the rows of a table by their mIdentifier, ignoring case. Built at compile time.
+// Finds the rows of a table by their mIdentifier, ignoring case. An empty one ends the table. Built at compile time.
 template <typename Row, size_t Size>
 class NameIndex
 {
 public:
     constexpr explicit NameIndex(const Row (&aTable)[Size]) : mTable(aTable), mRows()
     {
-        for (size_t i = 0; i < Size; ++i)
+        for (size_t i = 0; i < Size && !aTable[i].mIdentifier.empty(); ++i)
         {
             size_t theSlot = SlotOf(aTable[i].mIdentifier);
             for (; mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots) {}

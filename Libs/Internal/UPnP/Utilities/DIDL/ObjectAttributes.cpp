@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/ObjectAttributes.h>
 
 #include <UPnP/Utilities/DIDL/NameIndex.h>
+#include <UPnP/Utilities/DIDL/Names.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <zoltTools/zoConvert.h>
 
@@ -12,6 +13,7 @@ namespace
 
 enum SOAPType
 {
+    kSOAPType_None = 0, // ends the table
     kSOAPType_Str = 1,
     kSOAPType_UInt32 = 2,
     kSOAPType_BitField = 3,
@@ -49,15 +51,16 @@ enum
 } // namespace
 
 static constexpr DIDLParserInfo sInfo[] = {
-    { "id", kSOAPType_Str, 0 },
-    { "parentID", kSOAPType_Str, 0 },
-    { "refID", kSOAPType_Str, 0 },
-    { "childCount", kSOAPType_UInt32, 0 },
-    { "dlnaManaged", kSOAPType_UInt32Hex, 0 },
-    { "restricted", kSOAPType_BitField, kDIDL_Flags_Restricted },
-    { "searchable", kSOAPType_BitField, kDIDL_Flags_Searchable },
+    { kDIDL_Attribute_ID, kSOAPType_Str, 0 },
+    { kDIDL_Attribute_ParentID, kSOAPType_Str, 0 },
+    { kDIDL_Attribute_RefID, kSOAPType_Str, 0 },
+    { kDIDL_Attribute_ChildCount, kSOAPType_UInt32, 0 },
+    { kDIDL_Attribute_DLNAManaged, kSOAPType_UInt32Hex, 0 },
+    { kDIDL_Attribute_Restricted, kSOAPType_BitField, kDIDL_Flags_Restricted },
+    { kDIDL_Attribute_Searchable, kSOAPType_BitField, kDIDL_Flags_Searchable },
+    { "", kSOAPType_None, 0 },
 };
-static_assert(sizeof(sInfo) / sizeof(sInfo[0]) == kDIDL_Attribute_Count, "each row has a target");
+static_assert(sizeof(sInfo) / sizeof(sInfo[0]) == kDIDL_Attribute_Count + 1, "each row but the last has a target");
 
 static constexpr NameIndex kInfoIndex(sInfo);
 

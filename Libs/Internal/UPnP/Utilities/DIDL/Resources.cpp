@@ -92,20 +92,21 @@ static void ReadLifeTime(std::string_view aValue, Resource* aResource)
 }
 
 static constexpr ResourceAttribute kResourceAttributes[] = {
-    { "protocolInfo", "", ReadText<&Resource::mProtocolInfo> },
-    { "resolution", "", ReadText<&Resource::mResolution> },
-    { "duration", "", ReadDuration },
-    { "bitrate", "", ReadBitRate },
-    { "colorDepth", "", ReadUInt32<&Resource::mColorDepth> },
-    { "nrAudioChannels", "", ReadUInt32<&Resource::mAudioChannelCount> },
-    { "size", "", ReadUInt64<&Resource::mSize> },
-    { "resumeUpload", "dlna", ReadUInt32<&Resource::mResumeUpload> },
-    { "uploadedSize", "dlna", ReadUInt64<&Resource::mUploadedSize> },
-    { "trackTotal", "dlna", ReadUInt32<&Resource::mTrackTotal> },
-    { "lifetime", "dlna", ReadLifeTime },
-    { "ifoFileURI", "dlna", ReadIFOFileURI },
-    { "importURI", "", ReadText<&Resource::mImportURI> },
-    { "uploadInfo", "dtcp", ReadText<&Resource::mDTCPUploadInfo> },
+    { kDIDL_ResAttribute_ProtocolInfo, "", ReadText<&Resource::mProtocolInfo> },
+    { kDIDL_ResAttribute_Resolution, "", ReadText<&Resource::mResolution> },
+    { kDIDL_ResAttribute_Duration, "", ReadDuration },
+    { kDIDL_ResAttribute_BitRate, "", ReadBitRate },
+    { kDIDL_ResAttribute_ColorDepth, "", ReadUInt32<&Resource::mColorDepth> },
+    { kDIDL_ResAttribute_AudioChannelCount, "", ReadUInt32<&Resource::mAudioChannelCount> },
+    { kDIDL_ResAttribute_Size, "", ReadUInt64<&Resource::mSize> },
+    { kDIDL_ResAttribute_ResumeUpload, kDIDL_ResAttribute_ResumeUploadPrefix, ReadUInt32<&Resource::mResumeUpload> },
+    { kDIDL_ResAttribute_UploadedSize, kDIDL_ResAttribute_UploadedSizePrefix, ReadUInt64<&Resource::mUploadedSize> },
+    { kDIDL_ResAttribute_TrackTotal, kDIDL_ResAttribute_TrackTotalPrefix, ReadUInt32<&Resource::mTrackTotal> },
+    { kDIDL_ResAttribute_Lifetime, kDIDL_ResAttribute_LifetimePrefix, ReadLifeTime },
+    { kDIDL_ResAttribute_IFOFileURI, kDIDL_ResAttribute_IFOFileURIPrefix, ReadIFOFileURI },
+    { kDIDL_ResAttribute_ImportURI, "", ReadText<&Resource::mImportURI> },
+    { kDIDL_ResAttribute_DTCPUploadInfo, kDIDL_ResAttribute_DTCPUploadInfoPrefix,
+      ReadText<&Resource::mDTCPUploadInfo> },
 };
 
 static constexpr NameIndex kResourceAttributeIndex(kResourceAttributes);
