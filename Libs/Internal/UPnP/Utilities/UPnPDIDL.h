@@ -42,6 +42,55 @@ enum
 UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
                                      int afIncludeHeaderFooter, int afIncludeResExtraInfo, const char* aSelectedURI);
 
+/* Metadata that every reader takes. Servers put bytes into titles that are not UTF-8, and control characters; a pair
+ * can have a name without a namespace. UPnPDIDL_Get copies all that, and a renderer that reads strictly refuses it.
+ *
+ * A text is sendable when it is well-formed UTF-8 of characters that XML 1.0 allows and well-formed XML 1.0 with
+ * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, its XML declaration names UTF-8 or
+ * no encoding, and its names consist of ASCII characters and of letters that are in names since the first edition of
+ * XML 1.0 (Latin, Greek, Cyrillic, Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul): readers differ in the others.
+ */
+
+/* What UPnPDIDL_GetSendable changed. */
+typedef struct
+{
+    uint32 mReplaced;            /* the number of U+FFFD that replace something in the text */
+    uint32 mPairsLeftOut;        /* of the object, and of the resources that are written */
+    uint32 mDeclarationsLeftOut; /* of the namespace list */
+    uint32 mDeclarationsAdded;
+} UPnPDIDLRepairs_t;
+
+/**
+ * Writes one object as UPnPDIDL_Get does, byte for byte, but for what makes a text not sendable:
+ *
+ * - Of bytes that are not UTF-8, U+FFFD (EF BF BD) replaces each longest run that begins a character but does not end
+ *   it, and each other byte, as the Unicode Standard recommends. It also replaces each character that XML forbids:
+ *   U+0001 to U+001F but tab, line feed and carriage return, U+FFFE and U+FFFF.
+ * - A pair is left out when its name is not a name, declares a namespace, or has a prefix that is declared nowhere. A
+ *   pair of a resource is also left out when it has no value, or when the resource has the attribute already: by the
+ *   same name, or by another prefix of the same namespace.
+ * - A declaration is left out when it is not well-formed: the second one of a prefix, one that binds a prefix to
+ *   nothing, one that binds xml or xmlns, one with a "<" or with a reference to an entity that XML does not have.
+ * - The namespaces of dc, upnp, dlna, av and the elements without a prefix are declared when the text uses them and the
+ *   record does not declare them.
+ *
+ * The limits count what is written: U+FFFD is three bytes.
+ * @param aMediaData             as for UPnPDIDL_Get; NULL counts as a record without values.
+ * @param afIncludeHeaderFooter  0: the text is sendable once "<DIDL-Lite" and "</DIDL-Lite>" are around it.
+ * @param aRepairs               out: all 0 when the text is that of UPnPDIDL_Get; NULL when it is not asked for.
+ * @return as UPnPDIDL_Get. It logs as that does.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
+                                             int afIncludeHeaderFooter, int afIncludeResExtraInfo,
+                                             const char* aSelectedURI, UPnPDIDLRepairs_t* aRepairs);
+
+/**
+ * Checks any text, whoever wrote it.
+ * @param aText  aLength bytes; with a NUL among them it is not sendable. NULL is not, either.
+ * @return 1 when the text is sendable as said above, else 0.
+ */
+UPNPUTILITIES_API int UPnPDIDL_IsSendable(const char* aText, size_t aLength);
+
 /* The documents of an upload (UPnP ContentDirectory, CreateObject; DLNA, upload of content). Texts are escaped and cut
  * as in UPnPDIDL_Get, and NULL counts as "". Each is a new NUL-terminated text that the caller releases with free. */
 
@@ -108,6 +157,17 @@ UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMed
  * The blocks are new: release each with free, or give it to zoPackedData_NewData, which takes it over.
  */
 UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, int* aDIDLType);
+
+/**
+ * Says why UPnPDIDL_ParseElements and UPnPDIDLDocument_New refuse a document, after they have: what is wrong with its
+ * tags (see UPnPUtil_FindXMLError), or else with what they mean: a flag (restricted, searchable) that is neither true
+ * nor false, or no object at all. That there are several objects is not an error here.
+ * @param aText           aLength bytes. They are only read; a NUL among them ends the text. NULL counts as "".
+ * @param aLine, aColumn  out: where it is, as for UPnPUtil_FindXMLError; 0 without an error.
+ * @return the reason in English, such as "end tag </b> where </a> was expected"; NULL when nothing is wrong. A new text
+ *         that the caller releases with free, with names of the document as they are.
+ */
+UPNPUTILITIES_API char* UPnPDIDL_FindError(const char* aText, size_t aLength, uint32* aLine, uint32* aColumn);
 
 /**
  * Parses one object of a document that the caller has read with ILibParseXML and checked with ILibProcessXMLNodeList.
