@@ -15,3 +15,21 @@ TEST(zoArrayTest, KeepsStringsThroughTheRecord)
     EXPECT_EQ("", TextsOf(theRecord, 0, 17));
     EXPECT_EQ("", TextsOf(theRecord, 0, 18));
 }
+
+TEST(zoArrayTest, IsAQueue)
+{
+    static char sBytes[64];
+    zoArray_t* theArray = zoArray_New();
+    size_t theFirst = 0;
+    for (size_t i = 0; i < sizeof(sBytes); ++i)
+    {
+        zoArray_Append(theArray, &sBytes[i]);
+        const size_t theRemoved = i < 40 ? i % 8 / 7 * 3 : i % 3; // grows, then empties
+        zoArray_RemoveAt(theArray, 0, theRemoved);
+        theFirst = std::min(theFirst + theRemoved, i + 1);
+        ASSERT_EQ(i + 1 - theFirst, zoArray_GetCount(theArray));
+        for (size_t k = theFirst; k <= i; ++k)
+            ASSERT_EQ(&sBytes[k], zoArray_At(theArray, k - theFirst));
+    }
+    zoArray_Delete(theArray);
+}

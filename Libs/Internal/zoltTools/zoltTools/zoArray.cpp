@@ -9,9 +9,10 @@ static const size_t kFewValues = 4;
 
 struct zoArray_t
 {
-    void** mValues; // mFewValues, or owned; mCount of mCapacity are in use
+    void** mBlock;  // mFewValues, or owned
+    void** mValues; // in the block, past what was removed from its front
     size_t mCount;
-    size_t mCapacity;
+    size_t mCapacity; // values from mValues to the block's end
     zoArray_FreeFunc_t mFreeFunc;
     void* mFewValues[kFewValues];
 };
@@ -19,20 +20,29 @@ struct zoArray_t
 zoArray_t* zoArray_New(void)
 {
     zoArray_t* theArray = static_cast<zoArray_t*>(zoMalloc(sizeof(zoArray_t)));
-    theArray->mValues = theArray->mFewValues;
+    theArray->mBlock = theArray->mValues = theArray->mFewValues;
     theArray->mCount = 0;
     theArray->mCapacity = kFewValues;
     theArray->mFreeFunc = nullptr;
     return theArray;
 }
 
+// Makes room for another value: at the front, when more than half of the block was removed there.
 static void Grow(zoArray_t* anArray)
 {
-    const bool fWereFew = anArray->mValues == anArray->mFewValues;
+    const size_t theGap = static_cast<size_t>(anArray->mValues - anArray->mBlock);
+    if (theGap > 0)
+    {
+        memmove(anArray->mBlock, anArray->mValues, anArray->mCount * sizeof(void*));
+        anArray->mValues = anArray->mBlock;
+        anArray->mCapacity += theGap;
+        if (theGap > anArray->mCount) { return; }
+    }
+    const bool fWereFew = anArray->mBlock == anArray->mFewValues;
     anArray->mCapacity = Shared::GrowCapacity(anArray->mCapacity, 0, 0);
-    void** theValues = Shared::ResizeArray(fWereFew ? nullptr : anArray->mValues, anArray->mCapacity);
-    if (fWereFew) { memcpy(theValues, anArray->mFewValues, sizeof(anArray->mFewValues)); }
-    anArray->mValues = theValues;
+    void** theBlock = Shared::ResizeArray(fWereFew ? nullptr : anArray->mBlock, anArray->mCapacity);
+    if (fWereFew) { memcpy(theBlock, anArray->mFewValues, sizeof(anArray->mFewValues)); }
+    anArray->mBlock = anArray->mValues = theBlock;
 }
 
 void zoArray_SetFreeFunc(zoArray_t* anArray, zoArray_FreeFunc_t aFreeFunc)
@@ -64,16 +74,22 @@ void zoArray_RemoveAt(zoArray_t* anArray, size_t anIndex, size_t aCount)
         for (size_t i = anIndex; i < anIndex + theCount; ++i)
             anArray->mFreeFunc(anArray->mValues[i]);
     }
-    memmove(anArray->mValues + anIndex, anArray->mValues + anIndex + theCount,
-            (theTotal - anIndex - theCount) * sizeof(void*));
     anArray->mCount -= theCount;
+    if (anIndex == 0)
+    {
+        anArray->mValues += theCount;
+        anArray->mCapacity -= theCount;
+        return;
+    }
+    memmove(anArray->mValues + anIndex, anArray->mValues + anIndex + theCount,
+            (anArray->mCount - anIndex) * sizeof(void*));
 }
 
 void zoArray_Delete(zoArray_t* anArray)
 {
     if (!anArray) { return; }
     zoArray_RemoveAt(anArray, 0, anArray->mCount);
-    if (anArray->mValues != anArray->mFewValues) { free(anArray->mValues); }
+    if (anArray->mBlock != anArray->mFewValues) { free(anArray->mBlock); }
     free(anArray);
 }
 

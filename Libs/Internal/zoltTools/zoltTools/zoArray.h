@@ -28,7 +28,8 @@ ZOLTTOOLS_API void zoArray_Append(zoArray_t* anArray, void* aValue);
 ZOLTTOOLS_API void* zoArray_At(const zoArray_t* anArray, size_t anIndex);
 /** @return the number of elements; 0 for NULL. */
 ZOLTTOOLS_API size_t zoArray_GetCount(const zoArray_t* anArray);
-/** Removes and releases aCount elements from anIndex on, as many as there are. */
+/** Removes and releases aCount elements from anIndex on, as many as there are. Elements after them move, in linear
+ *  time, but not when the first ones are removed. */
 ZOLTTOOLS_API void zoArray_RemoveAt(zoArray_t* anArray, size_t anIndex, size_t aCount);
 /** Releases the elements with the free function, if one is set, and the array; NULL is ignored. */
 ZOLTTOOLS_API void zoArray_Delete(zoArray_t* anArray);
