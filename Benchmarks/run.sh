@@ -39,7 +39,10 @@ plot() {
 require cmake ninja-build g++ ccache libbenchmark-dev libpugixml-dev libxml2-dev
 build bench "$root/build/bench" all
 case ${1-} in
---hostile) exec "$root/build/bench/bin/HostileReport" "${@:2}" ;;
+--hostile)
+    require valgrind
+    exec "$root/build/bench/bin/HostileReport" "${@:2}"
+    ;;
 --plot)
     plot
     exit

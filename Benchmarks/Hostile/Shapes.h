@@ -38,6 +38,7 @@ typedef std::vector<Shape> Shapes;
 void AddDocumentShapes(Shapes& aShapes);
 void AddChoiceShapes(Shapes& aShapes);
 void AddRecordShapes(Shapes& aShapes);
+void AddCallShapes(Shapes& aShapes);
 void AddOtherShapes(Shapes& aShapes);
 
 /* Appends aText, its "#" replaced by numbers from 0 on, until aSize bytes are there. */
