@@ -36,12 +36,18 @@ CDSResourceInfo::~CDSResourceInfo()
     zoArray_Delete(mAlbumArtURIArray);
 }
 
+static zoArray_t* NewAlbumArt(const zoPackedData_t* anEntryInfo)
+{
+    zoArray_t* theTexts =
+        zoPackedData_GetDataArray(anEntryInfo, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
+    zoArray_SetFreeFunc(theTexts, zoStringArray_FreeFunc);
+    return theTexts;
+}
+
 void CDSResourceInfo::InitUsingPackedData(zoPackedData_t* aPackedData)
 {
     zoArray_Delete(mAlbumArtURIArray);
-    mAlbumArtURIArray =
-        zoPackedData_GetDataArray(aPackedData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
-    zoArray_SetFreeFunc(mAlbumArtURIArray, zoStringArray_FreeFunc);
+    mAlbumArtURIArray = NewAlbumArt(aPackedData);
 }
 
 void* CDSResourceInfo::operator new(size_t aSize) { return zoMalloc(aSize); }
@@ -64,100 +70,168 @@ CDSResourceInfo* CDSResourceInfo::Clone() const
 
 // ---- Fields and extra info ----
 
-uint32 CDSResourceInfo::GetResourceCount() { return zoPackedData_GetEntryCount(mPackedData); }
+uint32 CDSResourceInfo_GetResourceCount(const zoPackedData_t* aResourceInfo)
+{
+    return zoPackedData_GetEntryCount(aResourceInfo);
+}
+
+uint32 CDSResourceInfo::GetResourceCount() { return CDSResourceInfo_GetResourceCount(mPackedData); }
+
+const char* CDSResourceInfo_GetInfoAsStr(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                         uint16 aResourceInfoID)
+{
+    return CDS::GetStr(aResourceInfo, aResourceIndex, aResourceInfoID);
+}
 
 zoCString CDSResourceInfo::GetInfoAsCString(uint32 aResourceIndex, uint16 aResourceInfoID)
 {
     return CDS::GetText(mPackedData, aResourceIndex, aResourceInfoID);
 }
 
+uint32 CDSResourceInfo_GetInfoAsUInt32(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                       uint16 aResourceInfoID)
+{
+    return zoPackedData_GetDataAsUInt32(aResourceInfo, aResourceIndex, aResourceInfoID);
+}
+
 unsigned long CDSResourceInfo::GetInfoAsULong(uint32 aResourceIndex, uint16 aResourceInfoID)
 {
-    return zoPackedData_GetDataAsUInt32(mPackedData, aResourceIndex, aResourceInfoID);
+    return CDSResourceInfo_GetInfoAsUInt32(mPackedData, aResourceIndex, aResourceInfoID);
+}
+
+uint64 CDSResourceInfo_GetInfoAsUInt64(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                       uint16 aResourceInfoID)
+{
+    return zoPackedData_GetDataAsUInt64(aResourceInfo, aResourceIndex, aResourceInfoID);
 }
 
 zouint64_t CDSResourceInfo::GetInfoAsUInt64(uint32 aResourceIndex, uint16 aResourceInfoID)
 {
-    return zoPackedData_GetDataAsUInt64(mPackedData, aResourceIndex, aResourceInfoID);
+    return CDSResourceInfo_GetInfoAsUInt64(mPackedData, aResourceIndex, aResourceInfoID);
+}
+
+uint16 CDSResourceInfo_GetExtraInfoCount(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    return CDS::CountPairs(aResourceInfo, aResourceIndex, kCDSResourceInfo_Count);
 }
 
 uint16 CDSResourceInfo::GetExtraInfoCount(uint32 aResourceIndex)
 {
-    return CDS::CountPairs(mPackedData, aResourceIndex, kCDSResourceInfo_Count);
+    return CDSResourceInfo_GetExtraInfoCount(mPackedData, aResourceIndex);
 }
 
 void CDSResourceInfo::GetExtraInfo(uint32 aResourceIndex, int anExtraInfoIndex, zoCString& aName, zoCString& aData)
 {
-    uint16 theTag = 0;
-    const bool fIsPair =
-        CDS::FindStoredPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
-    aName = fIsPair ? GetInfoAsCString(aResourceIndex, theTag) : zoCString();
-    aData = fIsPair ? CDS::GetPairValue(mPackedData, aResourceIndex, theTag) : zoCString();
+    const uint32 theTag = CDS::FindStoredPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex);
+    aName = CDS::GetText(mPackedData, aResourceIndex, theTag);
+    aData = CDS::GetText(mPackedData, aResourceIndex, theTag + 1);
+}
+
+// @return the tag of a pair's name.
+static uint32 FindPair(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex, int anExtraInfoIndex)
+{
+    return CDS::FindPair(aResourceInfo, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex);
+}
+
+const char* CDSResourceInfo_GetExtraInfoName(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                             int anExtraInfoIndex)
+{
+    return CDS::GetStr(aResourceInfo, aResourceIndex, FindPair(aResourceInfo, aResourceIndex, anExtraInfoIndex));
 }
 
 zoCString CDSResourceInfo::GetExtraInfoName(uint32 aResourceIndex, int anExtraInfoIndex)
 {
-    uint16 theTag;
-    const bool fIsPair = CDS::FindPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
-    return fIsPair ? GetInfoAsCString(aResourceIndex, theTag) : zoCString();
+    return CDS::GetText(mPackedData, aResourceIndex, FindPair(mPackedData, aResourceIndex, anExtraInfoIndex));
+}
+
+const char* CDSResourceInfo_GetExtraInfoData(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                             int anExtraInfoIndex)
+{
+    return CDS::GetStr(aResourceInfo, aResourceIndex, FindPair(aResourceInfo, aResourceIndex, anExtraInfoIndex) + 1);
 }
 
 zoCString CDSResourceInfo::GetExtraInfoData(uint32 aResourceIndex, int anExtraInfoIndex)
 {
-    uint16 theTag;
-    const bool fIsPair = CDS::FindPair(mPackedData, aResourceIndex, kCDSResourceInfo_Count, anExtraInfoIndex, &theTag);
-    return fIsPair ? CDS::GetPairValue(mPackedData, aResourceIndex, theTag) : zoCString();
+    return CDS::GetText(mPackedData, aResourceIndex, FindPair(mPackedData, aResourceIndex, anExtraInfoIndex) + 1);
+}
+
+// @return the tag of the value of the first pair of that name.
+static uint32 FindValue(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex, const char* aName)
+{
+    return aName ? CDS::FindPairNamed(aResourceInfo, aResourceIndex, kCDSResourceInfo_Count, aName) + 1 : CDS::kNoTag;
+}
+
+const char* CDSResourceInfo_GetExtraInfoDataByName(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                                   const char* aName)
+{
+    return CDS::GetStr(aResourceInfo, aResourceIndex, FindValue(aResourceInfo, aResourceIndex, aName));
 }
 
 zoCString CDSResourceInfo::GetExtraInfoDataByName(uint32 aResourceIndex, const char* aName)
 {
-    const std::string_view theName(aName ? aName : "");
-    const uint32 theCount = aName ? GetExtraInfoCount(aResourceIndex) : 0;
-    const uint32 theEnd = std::min<uint32>(kCDSResourceInfo_Count + 2 * theCount, UINT16_MAX);
-    for (uint32 theTag = kCDSResourceInfo_Count; theTag < theEnd; theTag += 2)
-    {
-        if (CDS::FindText(mPackedData, aResourceIndex, static_cast<uint16>(theTag)) == theName)
-        {
-            return CDS::GetPairValue(mPackedData, aResourceIndex, static_cast<uint16>(theTag));
-        }
-    }
-    return zoCString();
+    return CDS::GetText(mPackedData, aResourceIndex, FindValue(mPackedData, aResourceIndex, aName));
 }
 
 // ---- Subtitles ----
 
-bool CDSResourceInfo::IsSubtitle(int aResourceIndex)
+static const char kSubtitleLabel[] = "subtitleLabel";
+static const char kSubtitleType[] = "subtitleType";
+
+// @return the index of the aNumber-th subtitle.
+static uint32 FindSubtitle(const zoPackedData_t* aResourceInfo, uint32 aNumber, uint32* aCount)
 {
-    const std::string_view theInfo =
-        CDS::FindText(mPackedData, static_cast<uint32>(aResourceIndex), kCDSResourceInfo_ProtocolInfo);
+    return zoPackedData_FindEntryWithText(aResourceInfo, kCDSResourceInfo_ProtocolInfo, kSubtitleMarker, aNumber,
+                                          aCount);
+}
+
+int CDSResourceInfo_IsSubtitle(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    const std::string_view theInfo = CDS::FindText(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo);
     return theInfo.find(kSubtitleMarker) != theInfo.npos;
 }
 
-int CDSResourceInfo::GetSubtitleCount()
+bool CDSResourceInfo::IsSubtitle(int aResourceIndex)
+{
+    return CDSResourceInfo_IsSubtitle(mPackedData, static_cast<uint32>(aResourceIndex)) != 0;
+}
+
+uint32 CDSResourceInfo_GetSubtitleCount(const zoPackedData_t* aResourceInfo)
 {
     uint32 theCount = 0;
-    zoPackedData_FindEntryWithText(mPackedData, kCDSResourceInfo_ProtocolInfo, kSubtitleMarker, 0, &theCount);
-    return static_cast<int>(theCount);
+    FindSubtitle(aResourceInfo, 0, &theCount);
+    return theCount;
+}
+
+int CDSResourceInfo::GetSubtitleCount() { return static_cast<int>(CDSResourceInfo_GetSubtitleCount(mPackedData)); }
+
+int CDSResourceInfo_GetResourceIndexForSubtitle(const zoPackedData_t* aResourceInfo, uint32 aSubtitleIndex)
+{
+    return static_cast<int>(FindSubtitle(aResourceInfo, aSubtitleIndex, nullptr)); // kzoPackedData_NoEntry gives -1
 }
 
 int CDSResourceInfo::GetResourceIndexForSubtitle(int aSubtitleIndex)
 {
-    if (aSubtitleIndex < 0) { return -1; }
-    uint32 theCount = 0;
-    const uint32 theNumber = static_cast<uint32>(aSubtitleIndex);
-    const uint32 theIndex = zoPackedData_FindEntryWithText(mPackedData, kCDSResourceInfo_ProtocolInfo, kSubtitleMarker,
-                                                           theNumber, &theCount);
-    return theNumber < theCount ? static_cast<int>(theIndex) : -1;
+    return CDSResourceInfo_GetResourceIndexForSubtitle(mPackedData, static_cast<uint32>(aSubtitleIndex));
+}
+
+const char* CDSResourceInfo_GetSubtitleLabel(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    return CDSResourceInfo_GetExtraInfoDataByName(aResourceInfo, aResourceIndex, kSubtitleLabel);
 }
 
 zoCString CDSResourceInfo::GetSubtitleLabel(int aResourceIndex)
 {
-    return GetExtraInfoDataByName(static_cast<uint32>(aResourceIndex), "subtitleLabel");
+    return GetExtraInfoDataByName(static_cast<uint32>(aResourceIndex), kSubtitleLabel);
+}
+
+const char* CDSResourceInfo_GetSubtitleType(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    return CDSResourceInfo_GetExtraInfoDataByName(aResourceInfo, aResourceIndex, kSubtitleType);
 }
 
 zoCString CDSResourceInfo::GetSubtitleType(int aResourceIndex)
 {
-    return GetExtraInfoDataByName(static_cast<uint32>(aResourceIndex), "subtitleType");
+    return GetExtraInfoDataByName(static_cast<uint32>(aResourceIndex), kSubtitleType);
 }
 
 zoCString CDSResourceInfo::GetSubtitleURI(int aResourceIndex)
@@ -175,54 +249,80 @@ static bool IsThumbnail(const zoPackedData_t* aRecord, uint32 aResource)
            zoDLNAProtocolInfo_MatchText(theText.data(), theText.size(), "PNG_TN", -1);
 }
 
+// @return what follows a number of colons; "" when there are fewer.
+static std::string_view AfterColons(std::string_view aText, int aCount)
+{
+    for (; aCount > 0; --aCount)
+    {
+        const size_t theColon = aText.find(':');
+        aText.remove_prefix(theColon == aText.npos ? aText.size() : theColon + 1);
+    }
+    return aText;
+}
+
+char* CDSResourceInfo_FetchMimeType(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    std::string_view theType =
+        AfterColons(CDS::FindText(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo), 2);
+    theType = theType.substr(0, theType.find(':'));
+    return theType.empty() || theType == "*" ? zoStrdup("") : zoStrndup(theType.data(), theType.size());
+}
+
 zoCString CDSResourceInfo::GetMimeTypeForResourceIndex(uint32 aResourceIndex)
 {
-    const zoCString theInfo = GetInfoAsCString(aResourceIndex, kCDSResourceInfo_ProtocolInfo);
-    const zoCString theMimeType = theInfo.AfterFirst(':').AfterFirst(':').BeforeFirst(':');
-    return theMimeType == "*" ? zoCString() : theMimeType;
+    zoCString theType;
+    theType.FromAllocatedString(CDSResourceInfo_FetchMimeType(mPackedData, aResourceIndex));
+    return theType;
+}
+
+const char* CDSResourceInfo_GetAdditionalInfo(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
+{
+    return AfterColons(CDS::GetStr(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo), 3).data();
 }
 
 zoCString CDSResourceInfo::GetProtocolInfoForResourceIndex(uint32 aResourceIndex)
 {
     const zoCString theInfo = GetInfoAsCString(aResourceIndex, kCDSResourceInfo_ProtocolInfo);
-    return theInfo.AfterFirst(':').AfterFirst(':').AfterFirst(':');
+    return AfterColons({ theInfo.c_str(), theInfo.length() }, 3).data();
+}
+
+int CDSResourceInfo_GetResourceIndexOfURI(const zoPackedData_t* aResourceInfo, const char* anURI)
+{
+    const uint32 theCount = anURI ? zoPackedData_GetEntryCount(aResourceInfo) : 0;
+    for (uint32 i = 0; i < theCount; ++i)
+    {
+        if (CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURI)) { return static_cast<int>(i); }
+    }
+    return -1;
 }
 
 int CDSResourceInfo::GetResourceIndexOfURI(const zoCString& anURI)
 {
-    const uint32 theCount = GetResourceCount();
-    for (uint32 i = 0; i < theCount; ++i)
-    {
-        if (CDS::HasText(mPackedData, i, kCDSResourceInfo_URI, { anURI.c_str(), anURI.length() }))
-        {
-            return static_cast<int>(i);
-        }
-    }
-    return -1;
+    return CDSResourceInfo_GetResourceIndexOfURI(mPackedData, anURI.c_str());
 }
 
 // ---- Memory ----
 
 size_t CDSResourceInfo::GetMemoryUsage() { return zoPackedData_GetMemoryUsage(mPackedData); }
 
-void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKeep, bool afKeepThumbnails)
+zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aResourceInfo, size_t aTargetSize, const char* anURIToKeep,
+                                           int afKeepThumbnails)
 {
-    if (GetMemoryUsage() <= aTargetSize) { return; }
-    const uint32 theCount = GetResourceCount();
+    if (zoPackedData_GetMemoryUsage(aResourceInfo) <= aTargetSize) { return aResourceInfo; }
+    const uint32 theCount = zoPackedData_GetEntryCount(aResourceInfo);
     bool* theMustKeep = static_cast<bool*>(zoMallocZeroed(theCount));
     zoPackedData_t* theRecord = zoPackedData_New(0);
     size_t theSize = 0;
     const auto theCopy = [&](uint32 aResource)
     {
-        zoPackedData_CopyEntry(mPackedData, aResource, theRecord);
+        zoPackedData_CopyEntry(aResourceInfo, aResource, theRecord);
         theSize = zoPackedData_GetMemoryUsage(theRecord);
     };
 
     for (uint32 i = 0; i < theCount; ++i)
     {
-        theMustKeep[i] =
-            CDS::HasText(mPackedData, i, kCDSResourceInfo_URI, { anURIToKeep.c_str(), anURIToKeep.length() }) ||
-            (afKeepThumbnails && IsThumbnail(mPackedData, i));
+        theMustKeep[i] = (anURIToKeep && CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURIToKeep)) ||
+                         (afKeepThumbnails && IsThumbnail(aResourceInfo, i));
         if (theMustKeep[i]) { theCopy(i); }
     }
     for (uint32 i = 0; i < theCount && theSize < aTargetSize; ++i)
@@ -231,9 +331,15 @@ void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKee
     }
 
     free(theMustKeep);
-    zoPackedData_Free(mPackedData);
-    mPackedData = zoPackedData_NewData(zoPackedData_TakeData(theRecord)); // as a block it holds no more than it says
+    zoPackedData_Free(aResourceInfo);
+    aResourceInfo = zoPackedData_NewData(zoPackedData_TakeData(theRecord)); // as a block it holds no more than it says
     zoPackedData_Free(theRecord);
+    return aResourceInfo;
+}
+
+void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKeep, bool afKeepThumbnails)
+{
+    mPackedData = CDSResourceInfo_ReduceSize(mPackedData, aTargetSize, anURIToKeep.c_str(), afKeepThumbnails);
 }
 
 // ---- The choice ----
@@ -274,13 +380,9 @@ int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtoco
                                           const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
                                           uint32 aTargetIPCount)
 {
-    return ChooseFor({ aSinkProtocolInfoList,
-                       nullptr,
-                       aPreferredSchemeOrder.c_str(),
-                       { aTargetIPAddresses, aTargetIPCount },
-                       false,
-                       false },
-                     aResourceInfo, aConfidence);
+    return CDSResourceInfo_ChooseResource(aResourceInfo, aSinkProtocolInfoList, kCDSResourceChoice_Default,
+                                          aPreferredSchemeOrder.c_str(), aTargetIPAddresses, aTargetIPCount,
+                                          aConfidence);
 }
 
 int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolInfo, int* aConfidence,
@@ -297,13 +399,9 @@ int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolI
                                                  bool afSearchForThumbnail)
 {
     zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(aSinkProtocolInfo.c_str(), 0);
-    const int theBest = ChooseFor({ theList,
-                                    nullptr,
-                                    aPreferredSchemeOrder.c_str(),
-                                    { aTargetIPAddresses, aTargetIPCount },
-                                    afSearchForThumbnail,
-                                    false },
-                                  aResourceInfo, aConfidence);
+    const int theFlags = afSearchForThumbnail ? kCDSResourceChoice_WithThumbnails : kCDSResourceChoice_Default;
+    const int theBest = CDSResourceInfo_ChooseResource(aResourceInfo, theList, theFlags, aPreferredSchemeOrder.c_str(),
+                                                       aTargetIPAddresses, aTargetIPCount, aConfidence);
     zoDLNAProtocolInfoList_Delete(theList);
     return theBest;
 }
@@ -311,7 +409,8 @@ int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolI
 // ---- Pictures ----
 
 // A type with commas makes a list of several protocol infos.
-static int ChooseThumbnailFromStr(zoPackedData_t* aResourceInfo, const char* aThumbnailType, CDS::Targets aTargets)
+static int ChooseThumbnailFromStr(const zoPackedData_t* aResourceInfo, const char* aThumbnailType,
+                                  CDS::Targets aTargets)
 {
     zoCString theSink;
     theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg",
@@ -323,44 +422,99 @@ static int ChooseThumbnailFromStr(zoPackedData_t* aResourceInfo, const char* aTh
     return theConfidence >= kRendererPlayConfidence_May ? theBest : -1;
 }
 
-int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses,
-                                                  uint32 aTargetIPCount)
+int CDSResourceInfo_GetResourceIndexForThumbnail(const zoPackedData_t* aResourceInfo, const char* aThumbnailType,
+                                                 const uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
     if (!aThumbnailType) { return -1; }
     const CDS::Targets theTargets(aTargetIPAddresses, aTargetIPCount);
-    if (strchr(aThumbnailType, ',')) { return ChooseThumbnailFromStr(mPackedData, aThumbnailType, theTargets); }
-    CDS::Resources theResources(mPackedData);
+    if (strchr(aThumbnailType, ',')) { return ChooseThumbnailFromStr(aResourceInfo, aThumbnailType, theTargets); }
+    CDS::Resources theResources(aResourceInfo);
     return CDS::ChooseThumbnailOfType(&theResources, aThumbnailType, theTargets);
 }
 
-zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
-                                          uint32* aTargetIPAddresses, uint32 aTargetIPCount)
+int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses,
+                                                  uint32 aTargetIPCount)
 {
-    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(
-        mAlbumArtURIArray, CDS::ProfilesOrDefault(aPreferedProfileIDList), { aTargetIPAddresses, aTargetIPCount });
+    return CDSResourceInfo_GetResourceIndexForThumbnail(mPackedData, aThumbnailType, aTargetIPAddresses,
+                                                        aTargetIPCount);
+}
+
+// An object's pictures, and what is asked of them.
+struct PictureSearch
+{
+    const zoPackedData_t* mResourceInfo;
+    const zoArray_t* mAlbumArt; // URI and profile in turn; may be NULL
+    const zoCString& mProfiles;
+    CDS::Targets mTargets;
+};
+
+static zoCString FindAlbumArtURI(const PictureSearch& aSearch, zoCString* aProfileID)
+{
+    const CDS::AlbumArt theAlbumArt =
+        CDS::ChooseAlbumArt(aSearch.mAlbumArt, CDS::ProfilesOrDefault(aSearch.mProfiles), aSearch.mTargets);
     if (aProfileID) { *aProfileID = theAlbumArt.mProfile; }
     return theAlbumArt.mURI;
 }
 
-zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
-                                           uint32* aTargetIPAddresses, uint32 aTargetIPCount)
+static zoCString FindThumbnailURI(const PictureSearch& aSearch, zoCString* aProfileID)
 {
-    const std::string_view theProfiles = CDS::ProfilesOrDefault(aPreferedProfileIDList);
-    const CDS::Targets theTargets(aTargetIPAddresses, aTargetIPCount);
-    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(mAlbumArtURIArray, theProfiles, theTargets);
+    const std::string_view theProfiles = CDS::ProfilesOrDefault(aSearch.mProfiles);
+    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(aSearch.mAlbumArt, theProfiles, aSearch.mTargets);
     const bool fHasAlbumArt = *theAlbumArt.mURI != '\0';
     if (!fHasAlbumArt || !CDS::HasListedProfile(theAlbumArt, theProfiles))
     {
-        CDS::Resources theResources(mPackedData);
-        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, theTargets);
+        CDS::Resources theResources(aSearch.mResourceInfo);
+        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, aSearch.mTargets);
         if (theIndex >= 0)
         {
             const char* theProfile = theResources.GetProfile(static_cast<uint32>(theIndex));
             if (aProfileID) { *aProfileID = theProfile ? theProfile : ""; }
-            return GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
+            return CDS::GetText(aSearch.mResourceInfo, static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
         }
     }
     const bool fTakesAlbumArt = fHasAlbumArt && CDS::HasListedFamily(theAlbumArt, theProfiles);
     if (aProfileID) { *aProfileID = fTakesAlbumArt ? theAlbumArt.mProfile : ""; }
     return fTakesAlbumArt ? theAlbumArt.mURI : "";
+}
+
+zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
+                                          uint32* aTargetIPAddresses, uint32 aTargetIPCount)
+{
+    return FindAlbumArtURI(
+        { mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, { aTargetIPAddresses, aTargetIPCount } }, aProfileID);
+}
+
+zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
+                                           uint32* aTargetIPAddresses, uint32 aTargetIPCount)
+{
+    return FindThumbnailURI(
+        { mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, { aTargetIPAddresses, aTargetIPCount } }, aProfileID);
+}
+
+// @return what aFind finds, as new texts.
+static char* FetchURI(zoCString (*aFind)(const PictureSearch&, zoCString*), const zoPackedData_t* aResourceInfo,
+                      const zoPackedData_t* anEntryInfo, const char* aProfiles, CDS::Targets aTargets,
+                      char** aProfileID)
+{
+    zoArray_t* theAlbumArt = NewAlbumArt(anEntryInfo);
+    zoCString theProfile;
+    const zoCString theURI = aFind({ aResourceInfo, theAlbumArt, aProfiles, aTargets }, &theProfile);
+    zoArray_Delete(theAlbumArt);
+    if (aProfileID) { *aProfileID = zoStrdup(theProfile.c_str()); }
+    return zoStrdup(theURI.c_str());
+}
+
+char* CDSResourceInfo_FetchAlbumArtURI(const zoPackedData_t* anEntryInfo, const char* aPreferedProfileIDList,
+                                       const uint32* aTargetIPAddresses, uint32 aTargetIPCount, char** aProfileID)
+{
+    return FetchURI(FindAlbumArtURI, nullptr, anEntryInfo, aPreferedProfileIDList,
+                    { aTargetIPAddresses, aTargetIPCount }, aProfileID);
+}
+
+char* CDSResourceInfo_FetchThumbnailURI(const zoPackedData_t* aResourceInfo, const zoPackedData_t* anEntryInfo,
+                                        const char* aPreferedProfileIDList, const uint32* aTargetIPAddresses,
+                                        uint32 aTargetIPCount, char** aProfileID)
+{
+    return FetchURI(FindThumbnailURI, aResourceInfo, anEntryInfo, aPreferedProfileIDList,
+                    { aTargetIPAddresses, aTargetIPCount }, aProfileID);
 }

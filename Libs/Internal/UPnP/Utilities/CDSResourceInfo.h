@@ -1,28 +1,9 @@
 #pragma once
 
-#include <UPnP/Utilities/Export.h>
-#include <UPnP/Utilities/UPnPConst.h>
-#include <zo/CString.h>
-#include <zoOS/zoTypes.h>
-#include <zoltTools/zoArray.h>
-#include <zoltTools/zoDLNAProtocolInfoList.h>
-#include <zoltTools/zoPackedData.h>
-
-/* A resource whose protocol info has this parameter is a subtitle; its extra info "subtitleLabel" and "subtitleType"
- * describe it. */
-#define kSubtitleMarker "ZOLT.COM_SUB"
-
-/**
- * A view of the resources (res elements) of one content-directory object (UPnPConst.h), and the choice among them: the
- * resource that suits a renderer best, the thumbnail, the album art. Made from what UPnPDIDL_ParseElements returns:
- *
- *     CDSEntryInfo theEntry(zoPackedData_NewData(theData));
- *     CDSResourceInfo theResources(theRes, theEntry.mPackedData);
- *     int theIndex = theResources.GetBestResourceIndex(theSinkList, &theConfidence, "", nullptr, 0);
- *
- * Resources are counted from 0 in document order. An absent value, also of an absent resource, reads as "" or 0. Texts
- * are returned as copies. Only ReduceSize changes an object; nobody else may use the object then. Clones are
- * independent of each other.
+/* Views of the resources (res elements) of one content-directory object (UPnPConst.h), and the choice among them: the
+ * resource that suits a renderer best, the thumbnail, the album art. For C as functions over the resource record; for
+ * C++ also as a class that owns it. Resources are counted from 0 in document order. An absent value, also of an absent
+ * resource, reads as "" or 0.
  *
  * Arguments that the choosing operations have in common:
  * - A confidence is one of kRendererPlayConfidence_*.
@@ -31,7 +12,177 @@
  *   that shares the first three, two or one octets with a target is nearer. May be NULL when the count is 0.
  *
  * A choice takes time linear in the resources, and for each up to the length of a list of at most 2048 elements or the
- * number of targets.
+ * number of targets. */
+
+#include <UPnP/Utilities/Export.h>
+#include <UPnP/Utilities/UPnPConst.h>
+#include <zoOS/zoTypes.h>
+#include <zoltTools/zoDLNAProtocolInfoList.h>
+#include <zoltTools/zoPackedData.h>
+
+#ifdef __cplusplus
+#include <zo/CString.h>
+#include <zoltTools/zoArray.h>
+#endif
+
+/* A resource whose protocol info has this parameter is a subtitle; its extra info "subtitleLabel" and "subtitleType"
+ * describe it. */
+#define kSubtitleMarker "ZOLT.COM_SUB"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Functions over a resource record, made by zoPackedData_NewData of what UPnPDIDL_ParseElements gives out; it stays the
+ * caller's, and only CDSResourceInfo_ReduceSize changes it. NULL counts as a record without resources.
+ *
+ *     zoPackedData_t* theResources = zoPackedData_NewData(theRes);
+ *     int theBest = CDSResourceInfo_ChooseResource(theResources, theSinkList, kCDSResourceChoice_Default, "*", NULL, 0,
+ *                                                  &theConfidence);
+ *     if (theBest >= 0) { puts(CDSResourceInfo_GetInfoAsStr(theResources, (uint32)theBest, kCDSResourceInfo_URI)); }
+ *     zoPackedData_Free(theResources);
+ *
+ * A text that a function with Get in its name returns is borrowed: it is in the record, until that changes or is
+ * released. It is "" when it has no NUL in the record, which can be so in a block that a stranger made; the class gives
+ * that one, too. A text that a function with Fetch in its name gives out is new and released with free. Neither is ever
+ * NULL. */
+
+/* ---- Fields and extra info ---- */
+
+/** @return the number of resources, subtitles and thumbnails among them. */
+UPNPUTILITIES_API uint32 CDSResourceInfo_GetResourceCount(const zoPackedData_t* aResourceInfo);
+/** @param aResourceInfoID  the kCDSResourceInfo_* tag of a text. */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetInfoAsStr(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                                           uint16 aResourceInfoID);
+/** @param aResourceInfoID  the kCDSResourceInfo_* tag of a number. @return its lower 32 bits. */
+UPNPUTILITIES_API uint32 CDSResourceInfo_GetInfoAsUInt32(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                                         uint16 aResourceInfoID);
+/** @param aResourceInfoID  the kCDSResourceInfo_* tag of a number. */
+UPNPUTILITIES_API uint64 CDSResourceInfo_GetInfoAsUInt64(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex,
+                                                         uint16 aResourceInfoID);
+/** @return the third field of the resource's protocol info, a new text; "" when that is "*". */
+UPNPUTILITIES_API char* CDSResourceInfo_FetchMimeType(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex);
+/** @return the fourth field of the resource's protocol info: what follows its third ":". */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetAdditionalInfo(const zoPackedData_t* aResourceInfo,
+                                                                uint32 aResourceIndex);
+/** @return the index of the first resource of exactly that URI; -1 when there is none, and for NULL. */
+UPNPUTILITIES_API int CDSResourceInfo_GetResourceIndexOfURI(const zoPackedData_t* aResourceInfo, const char* anURI);
+
+/** @return the number of pairs of extra info: half the number of its tags. Takes logarithmic time. */
+UPNPUTILITIES_API uint16 CDSResourceInfo_GetExtraInfoCount(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex);
+/**
+ * @param anExtraInfoIndex  from 0, pairs being counted by their tags, which is the order of the attributes; outside 0
+ * to CDSResourceInfo_GetExtraInfoCount() - 1 the text is "".
+ * @return the qualified name of the pair's attribute ("pv:subtitleFileUri"). Takes no longer than the count and a
+ *         look-up.
+ */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetExtraInfoName(const zoPackedData_t* aResourceInfo,
+                                                               uint32 aResourceIndex, int anExtraInfoIndex);
+/** As CDSResourceInfo_GetExtraInfoName. @return the attribute's value. */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetExtraInfoData(const zoPackedData_t* aResourceInfo,
+                                                               uint32 aResourceIndex, int anExtraInfoIndex);
+/** @return the value of the first pair, counted by tags, of exactly that name; "" when there is none, and for NULL.
+ *          Takes time linear in the number of pairs. */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetExtraInfoDataByName(const zoPackedData_t* aResourceInfo,
+                                                                     uint32 aResourceIndex, const char* aName);
+
+/**
+ * Drops resources so that the record shrinks towards a size, as CDSResourceInfo::ReduceSize says below.
+ * @param aResourceInfo     taken over; NULL gives NULL.
+ * @param aTargetSize       bytes, as zoPackedData_GetMemoryUsage counts.
+ * @param anURIToKeep       NULL for none.
+ * @param afKeepThumbnails  1 to keep resources of the DLNA profiles JPEG_TN and PNG_TN.
+ * @return the record, or a smaller one, released with zoPackedData_Free.
+ */
+UPNPUTILITIES_API zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aResourceInfo, size_t aTargetSize,
+                                                             const char* anURIToKeep, int afKeepThumbnails);
+
+/* ---- Subtitles ---- */
+
+/** @return the number of resources that are subtitles. The first question about subtitles takes time linear in the
+ *          number of resources, further ones take constant time. */
+UPNPUTILITIES_API uint32 CDSResourceInfo_GetSubtitleCount(const zoPackedData_t* aResourceInfo);
+/** @return 1 if the resource is a subtitle: its protocol info contains kSubtitleMarker; else 0. */
+UPNPUTILITIES_API int CDSResourceInfo_IsSubtitle(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex);
+/** @return the resource index of a subtitle, counted from 0 among the subtitles; -1 when there is none. */
+UPNPUTILITIES_API int CDSResourceInfo_GetResourceIndexForSubtitle(const zoPackedData_t* aResourceInfo,
+                                                                  uint32 aSubtitleIndex);
+/** @param aResourceIndex  a resource index, not a subtitle index. @return the text for the user ("English"). */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetSubtitleLabel(const zoPackedData_t* aResourceInfo,
+                                                               uint32 aResourceIndex);
+/** As CDSResourceInfo_GetSubtitleLabel. @return the format ("srt"). The URI is the resource's. */
+UPNPUTILITIES_API const char* CDSResourceInfo_GetSubtitleType(const zoPackedData_t* aResourceInfo,
+                                                              uint32 aResourceIndex);
+
+/* ---- The choice ---- */
+
+/* What a choice is to heed; a bit mask. */
+enum
+{
+    kCDSResourceChoice_Default = 0x00,
+    kCDSResourceChoice_PreferOriginals = 0x01, /* converted resources are left out while another may be played */
+    kCDSResourceChoice_WithThumbnails = 0x02   /* thumbnails are considered, too */
+};
+
+/**
+ * Chooses the resource that suits a renderer best, as CDSResourceInfo::GetBestResourceIndex says below.
+ * @param aSinkProtocolInfoList  what the renderer plays; NULL when that is unknown: everything matches then.
+ * @param aFlags                 kCDSResourceChoice_* bits. With PreferOriginals the choice is made among the resources
+ *                               that are not converted; if the renderer may not play what that gives (its confidence is
+ *                               below May), all are looked at, and a better confidence wins.
+ * @param aPreferredSchemeOrder  transport protocols separated by commas, best first; "*", "" and NULL take any.
+ * @param aTargetIPAddresses     IPv4 addresses, in network byte order, of the devices that will fetch the resource; may
+ *                               be NULL.
+ * @param aTargetIPCount         their number; ignored without addresses.
+ * @param aConfidence out, may be NULL: one of kRendererPlayConfidence_*.
+ * @return its index; -1 when there is none.
+ */
+UPNPUTILITIES_API int CDSResourceInfo_ChooseResource(const zoPackedData_t* aResourceInfo,
+                                                     const zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int aFlags,
+                                                     const char* aPreferredSchemeOrder,
+                                                     const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
+                                                     int* aConfidence);
+
+/* ---- Pictures ---- */
+
+/** @param aThumbnailType  a DLNA profile ("JPEG_TN"). @return the index of the best resource over HTTP that has this
+ * profile, else of one without protocol info, else of one of its MIME type without a profile; -1 when there is none,
+ * and for NULL. */
+UPNPUTILITIES_API int CDSResourceInfo_GetResourceIndexForThumbnail(const zoPackedData_t* aResourceInfo,
+                                                                   const char* aThumbnailType,
+                                                                   const uint32* aTargetIPAddresses,
+                                                                   uint32 aTargetIPCount);
+/**
+ * Chooses the picture that is shown for the object, as CDSResourceInfo::GetThumbnailURI says below.
+ * @param anEntryInfo             the object's entry record, for its album art; NULL: no album art.
+ * @param aPreferedProfileIDList  DLNA profiles separated by commas, best first; NULL and "" mean "JPEG_TN,PNG_TN".
+ * @param aProfileID out, may be NULL: the picture's profile, a new text, "" when it has none.
+ * @return its URI, a new text; "" when there is none.
+ */
+UPNPUTILITIES_API char* CDSResourceInfo_FetchThumbnailURI(const zoPackedData_t* aResourceInfo,
+                                                          const zoPackedData_t* anEntryInfo,
+                                                          const char* aPreferedProfileIDList,
+                                                          const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
+                                                          char** aProfileID);
+/** Chooses among the album art only, as CDSResourceInfo::GetAlbumArtURI says below. Arguments and result are those of
+ *  CDSResourceInfo_FetchThumbnailURI. */
+UPNPUTILITIES_API char* CDSResourceInfo_FetchAlbumArtURI(const zoPackedData_t* anEntryInfo,
+                                                         const char* aPreferedProfileIDList,
+                                                         const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
+                                                         char** aProfileID);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/**
+ * A resource record and its view. Made from what UPnPDIDL_ParseElements returns:
+ *
+ *     CDSEntryInfo theEntry(zoPackedData_NewData(theData));
+ *     CDSResourceInfo theResources(theRes, theEntry.mPackedData);
+ *     int theIndex = theResources.GetBestResourceIndex(theSinkList, &theConfidence, "", nullptr, 0);
+ *
+ * Texts are returned as copies. Only ReduceSize changes an object; nobody else may use the object then. Clones are
+ * independent of each other.
  */
 class UPNPUTILITIES_API CDSResourceInfo
 {
@@ -194,3 +345,4 @@ protected:
 
     zoArray_t* mAlbumArtURIArray; // owned texts: for each album art its URI and its DLNA profile or ""; may be NULL
 };
+#endif

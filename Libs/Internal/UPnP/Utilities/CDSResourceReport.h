@@ -3,8 +3,8 @@
 /* The choice of a resource explained: for each resource of an object how well it suits a renderer, and why it was
  * chosen or not. It is the choice that CDSResourceInfo.h describes, made by the same functions. */
 
+#include <UPnP/Utilities/CDSResourceInfo.h>
 #include <UPnP/Utilities/Export.h>
-#include <UPnP/Utilities/UPnPConst.h>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 #include <zoltTools/zoPackedData.h>
@@ -12,14 +12,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-/* What a choice is to heed; a bit mask. */
-enum
-{
-    kCDSResourceChoice_Default = 0x00,
-    kCDSResourceChoice_PreferOriginals = 0x01, /* converted resources are left out while another may be played */
-    kCDSResourceChoice_WithThumbnails = 0x02   /* thumbnails are considered, too */
-};
 
 /* The stages of matching, from the closest on. The earliest stage at which a resource matches decides. */
 enum
@@ -65,27 +57,8 @@ typedef struct CDSResourceReport_t
 } CDSResourceReport_t;
 
 /**
- * Chooses the resource that suits a renderer best, as CDSResourceInfo::GetBestResourceIndex does, with flags.
- * @param aResourceInfo          the resource record, which is only read; NULL has no resources.
- * @param aSinkProtocolInfoList  what the renderer plays; NULL when that is unknown: everything matches then.
- * @param aFlags                 kCDSResourceChoice_* bits. With PreferOriginals the choice is made among the resources
- *                               that are not converted; if the renderer may not play what that gives (its confidence is
- *                               below May), all are looked at, and a better confidence wins.
- * @param aPreferredSchemeOrder  transport protocols separated by commas, best first; "*", "" and NULL take any.
- * @param aTargetIPAddresses     IPv4 addresses, in network byte order, of the devices that will fetch the resource; may
- *                               be NULL.
- * @param aTargetIPCount         their number; ignored without addresses.
- * @param aConfidence out, may be NULL: one of kRendererPlayConfidence_*.
- * @return its index; -1 when there is none.
- */
-UPNPUTILITIES_API int CDSResourceInfo_ChooseResource(const zoPackedData_t* aResourceInfo,
-                                                     const zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int aFlags,
-                                                     const char* aPreferredSchemeOrder,
-                                                     const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
-                                                     int* aConfidence);
-/**
- * Makes the same choice and tells how it came about. Takes time as the choice does, and no memory but the result and
- * what the choice takes. Arguments are those of CDSResourceInfo_ChooseResource.
+ * Makes the choice of CDSResourceInfo_ChooseResource and tells how it came about. Takes time as the choice does, and no
+ * memory but the result and what the choice takes. Arguments are those of that function.
  * @param aCount out, may be NULL: the number of resources.
  * @return a report for each resource, in their order, released with free; NULL when there are no resources. One has the
  *         reason Chosen, unless there is no choice.

@@ -1,23 +1,36 @@
 #include <UPnP/Utilities/CDS/Record.h>
 
 #include <Shared/Text.h>
+#include <algorithm>
 
 namespace CDS
 {
 
-static const uint32 kMaxTag = 0xFFFF;
-
-std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+// The bytes of a text, its NUL and what follows that included; NULL when it is absent.
+static const char* FindBytes(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag, size_t* aSize)
 {
-    size_t theSize = 0;
-    const char* theText = zoPackedData_GetData(aRecord, anEntry, aTag, &theSize);
+    *aSize = 0;
+    return aTag < kNoTag ? zoPackedData_GetData(aRecord, anEntry, static_cast<uint16>(aTag), aSize) : nullptr;
+}
+
+std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
+{
+    size_t theSize;
+    const char* theText = FindBytes(aRecord, anEntry, aTag, &theSize);
     return Shared::TextOf(theText, theSize);
 }
 
-zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
 {
     const std::string_view theText = FindText(aRecord, anEntry, aTag);
     return zoCString(theText.data() ? theText.data() : "", theText.size());
+}
+
+const char* GetStr(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag)
+{
+    size_t theSize;
+    const char* theText = FindBytes(aRecord, anEntry, aTag, &theSize);
+    return theText && memchr(theText, '\0', theSize) ? theText : "";
 }
 
 bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::string_view aText)
@@ -31,12 +44,10 @@ uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTa
     return static_cast<uint16>(zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag) / 2);
 }
 
-bool FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag)
+uint32 FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
 {
-    if (anIndex < 0 || anIndex >= CountPairs(aRecord, anEntry, aFirstTag)) { return false; }
-    const uint32 theTag = aFirstTag + 2 * static_cast<uint32>(anIndex);
-    *aNameTag = static_cast<uint16>(theTag);
-    return theTag <= kMaxTag;
+    const uint32 theIndex = static_cast<uint32>(anIndex);
+    return theIndex < CountPairs(aRecord, anEntry, aFirstTag) ? aFirstTag + 2 * theIndex : kNoTag;
 }
 
 // True if the entry's last aCount tags are below aFirstTag. They are different, so there are no more than aFirstTag.
@@ -50,33 +61,37 @@ static bool EndsInLowTags(const zoPackedData_t* aRecord, uint32 anEntry, uint16 
     return true;
 }
 
-bool FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag)
+uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
 {
     const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
     const uint32 theExtraCount = zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag);
-    if (anIndex < 0 || static_cast<uint32>(anIndex) >= theExtraCount / 2) { return false; }
+    if (static_cast<uint32>(anIndex) >= theExtraCount / 2) { return kNoTag; }
     const uint32 thePosition = 2 * static_cast<uint32>(anIndex);
     if (EndsInLowTags(aRecord, anEntry, aFirstTag, theTagCount - theExtraCount))
     {
-        *aNameTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition));
-        return true;
+        return zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition));
     }
 
     int theIndex = 0;
     for (uint32 i = 0; i < theTagCount; ++i)
     {
-        *aNameTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i));
-        if (*aNameTag < aFirstTag) { continue; }
-        if (theIndex == anIndex) { return true; }
+        const uint32 theTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i));
+        if (theTag < aFirstTag) { continue; }
+        if (theIndex == anIndex) { return theTag; }
         ++theIndex;
         ++i; // past the value
     }
-    return false;
+    return kNoTag;
 }
 
-zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aNameTag)
+uint32 FindPairNamed(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, std::string_view aName)
 {
-    return aNameTag < kMaxTag ? GetText(aRecord, anEntry, static_cast<uint16>(aNameTag + 1)) : zoCString();
+    const uint32 theEnd = std::min<uint32>(aFirstTag + 2u * CountPairs(aRecord, anEntry, aFirstTag), kNoTag);
+    for (uint32 theTag = aFirstTag; theTag < theEnd; theTag += 2)
+    {
+        if (FindText(aRecord, anEntry, theTag) == aName) { return theTag; }
+    }
+    return kNoTag;
 }
 
 } // namespace CDS

@@ -14,23 +14,29 @@
 namespace CDS
 {
 
+/** A tag above all tags, of a pair that is not there: its text, and that of the tag after it, is absent. */
+inline constexpr uint32 kNoTag = 0x10000;
+
 /** @return the text, borrowed; without data when it is absent. */
-std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
+std::string_view FindText(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag);
 /** @return a copy of the text; "" when it is absent. */
-zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
+zoCString GetText(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag);
+/** @return the text with its NUL, borrowed; "" when it is absent or has none. */
+const char* GetStr(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aTag);
 /** True if the text is present and equals aText. */
 bool HasText(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag, std::string_view aText);
 
 /** @return the number of pairs. */
 uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag);
 
-/** Finds the tag of a pair's name, pairs being counted by their tags.
- *  @return false for an index outside 0 to CountPairs() - 1, and when the tag would be above 65535. */
-bool FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
-/** As FindPair, pairs being counted in the order of storage: an extra tag is a name's, and the value next to it is
- *  passed over. Takes logarithmic time when extra tags are stored first, as the parser does, else linear time. */
-bool FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex, uint16* aNameTag);
-/** @return the value of a pair whose name has the tag. */
-zoCString GetPairValue(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aNameTag);
+/* Each gives the tag of a pair's name, after which comes that of its value; kNoTag when there is no such pair. */
+
+/** Pairs are counted by their tags. A negative index is above all others. */
+uint32 FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
+/** Pairs are counted in the order of storage: an extra tag is a name's, and the value next to it is passed over. Takes
+ *  logarithmic time when extra tags are stored first, as the parser does, else linear time. */
+uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
+/** The first pair, counted by tags, of exactly that name. Takes linear time. */
+uint32 FindPairNamed(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, std::string_view aName);
 
 } // namespace CDS
