@@ -20,10 +20,10 @@ static int Compare(const ILibXMLAttribute* anAttribute, std::string_view aPrefix
     return theResult != 0 ? theResult : Compare(Shared::Prefix(anAttribute), aPrefix);
 }
 
-void IndexAttributes(Memory* aMemory, StartTag* aTag, size_t aCount)
+void IndexAttributes(Document* aDocument, StartTag* aTag, size_t aCount)
 {
     AttributeIndex* theIndex =
-        static_cast<AttributeIndex*>(aMemory->AllocateBlock(sizeof(AttributeIndex) + aCount * sizeof(void*)));
+        reinterpret_cast<AttributeIndex*>(AllocateBlock(aDocument, sizeof(AttributeIndex) + aCount * sizeof(void*)));
     ILibXMLAttribute** theSorted = SortedAttributes(theIndex);
     *theIndex = { aTag->mAttributes, aCount };
     for (ILibXMLAttribute* theAttribute = aTag->mAttributes; theAttribute; theAttribute = theAttribute->Next)

@@ -12,7 +12,7 @@ namespace XML
 constexpr size_t kMaxUnindexed = 32;
 
 /** Makes the index of a start tag of aCount attributes. */
-void IndexAttributes(Memory* aMemory, StartTag* aTag, size_t aCount);
+void IndexAttributes(Document* aDocument, StartTag* aTag, size_t aCount);
 
 /** @return the first attribute of a start tag with this prefix, "" for none, and name; NULL without one. */
 ILibXMLAttribute* FindAttribute(const StartTag* aTag, std::string_view aPrefix, std::string_view aName);

@@ -20,8 +20,10 @@ struct Block
 
 struct Document
 {
-    Block* mBlocks; // all but the one that the document is in
-    long mError;    // a kILibProcessXML_*; where there is one, reading stopped
+    ILibXMLNode* mFirst; // NULL while there is none
+    Block* mBlocks;
+    size_t mSize; // of all its memory
+    long mError;  // a kILibProcessXML_*; where there is one, reading stopped
 };
 
 /** The attributes of a start tag that has many; pointers to them follow, in the order of their names. */
@@ -69,13 +71,22 @@ inline Document* DocumentOf(ILibXMLNode* aFirst) { return reinterpret_cast<Docum
 
 inline void Delete(Document* aDocument)
 {
-    for (Block* theBlock = aDocument->mBlocks; theBlock;)
+    for (Block* theBlock = aDocument->mBlocks; theBlock;) // the document is in the last one
     {
         Block* theNext = theBlock->mNext;
         free(theBlock);
         theBlock = theNext;
     }
-    free(aDocument);
+}
+
+/** @return memory of this size, released with the document. */
+inline char* AllocateBlock(Document* aDocument, size_t aSize)
+{
+    Block* theBlock = static_cast<Block*>(zoMalloc(sizeof(Block) + aSize));
+    theBlock->mNext = aDocument->mBlocks;
+    aDocument->mBlocks = theBlock;
+    aDocument->mSize += sizeof(Block) + aSize;
+    return reinterpret_cast<char*>(theBlock + 1);
 }
 
 /** Allocates the records of a document while it is read. */
@@ -86,15 +97,15 @@ public:
     explicit Memory(size_t aTextLength)
     {
         const size_t theExpectedSize = aTextLength / 16 * 5 * sizeof(void*);
-        mSize = std::clamp(theExpectedSize, kMinBlockSize, kMaxFirstBlockSize);
-        char* theMemory = static_cast<char*>(zoMalloc(mSize));
-        mDocument = reinterpret_cast<Document*>(theMemory);
-        *mDocument = { nullptr, kILibProcessXML_NoError };
-        mFree = theMemory + sizeof(Document);
-        mFreeEnd = theMemory + mSize;
+        const size_t theSize = std::clamp(theExpectedSize, kMinBlockSize, kMaxFirstBlockSize) - sizeof(Block);
+        Document theDocument = { nullptr, nullptr, 0, kILibProcessXML_NoError };
+        mFree = AllocateBlock(&theDocument, theSize);
+        mFreeEnd = mFree + theSize;
+        mDocument = Allocate<Document>();
+        *mDocument = theDocument;
     }
 
-    Document* GetDocument() { return mDocument; }
+    Document* GetDocument() const { return mDocument; }
 
     /** @return memory for a record, not initialized. */
     template <typename Record>
@@ -107,31 +118,20 @@ public:
         return reinterpret_cast<Record*>(theMemory);
     }
 
-    /** @return memory of this size, released with the document. */
-    void* AllocateBlock(size_t aSize)
-    {
-        Block* theBlock = static_cast<Block*>(zoMalloc(sizeof(Block) + aSize));
-        theBlock->mNext = mDocument->mBlocks;
-        mDocument->mBlocks = theBlock;
-        mSize += sizeof(Block) + aSize;
-        return theBlock + 1;
-    }
-
 private:
     static constexpr size_t kMinBlockSize = 1008; // the largest that malloc keeps at hand, with its own header
     static constexpr size_t kMaxFirstBlockSize = 16 * kMinBlockSize;
 
-    __attribute__((noinline)) void AddBlock()
+    void AddBlock()
     {
-        const size_t theSize = std::max(mSize / 8, kMinBlockSize) - sizeof(Block);
-        mFree = static_cast<char*>(AllocateBlock(theSize));
+        const size_t theSize = std::max(mDocument->mSize / 8, kMinBlockSize) - sizeof(Block);
+        mFree = AllocateBlock(mDocument, theSize);
         mFreeEnd = mFree + theSize;
     }
 
     Document* mDocument;
     char* mFree; // mFree to mFreeEnd: the rest of the newest block
     char* mFreeEnd;
-    size_t mSize; // of all blocks
 };
 
 static_assert(sizeof(Document) % sizeof(void*) == 0 && sizeof(Block) % sizeof(void*) == 0,

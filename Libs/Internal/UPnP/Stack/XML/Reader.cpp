@@ -1,5 +1,6 @@
 #include <UPnP/Stack/XML/Reader.h>
 
+#include <Shared/QualifiedName.h>
 #include <UPnP/Stack/XML/AttributeIndex.h>
 #include <UPnP/Stack/XML/Bytes.h>
 #include <UPnP/Stack/XML/Document.h>
@@ -13,15 +14,16 @@ namespace
 
 /* Nodes are linked as they are read: what is found out about a tag is used at once. Functions that read get the
  * position where they begin and return the one after what they read, or NULL for what is not well-formed. The last byte
- * of the text is a ">", where names and blanks end without a count. */
+ * of the text is a ">", where names and blanks end without a count. Every function that is given the reader is inlined
+ * into Read, so that the compiler keeps its fields in registers. */
 struct Reader
 {
     Memory mMemory;
     const char* mEnd;
-    ILibXMLNode* mFirst;
     ILibXMLNode** mNext;    // where the next node is to be linked
     ILibXMLNode* mParent;   // the innermost element that is open; NULL at the top
     ILibXMLNode* mPrevious; // the last element before with the same parent; NULL when there is none
+    char* mMisplaced;       // the name of an end tag that is not that of mParent; NULL when there is none
 };
 
 struct QName
@@ -33,10 +35,9 @@ struct QName
 
 } // namespace
 
-// A prefix counts when there is something on both sides of the first colon.
+// At the byte that begins the name. A prefix counts when there is something on both sides of the first colon.
 static char* ReadName(char* aPosition, QName* aName)
 {
-    if (!Is(*aPosition, kStartsName)) { return nullptr; }
     char* theEnd = SkipAll(aPosition, kInName);
     char* theColon = nullptr;
     if (*theEnd == ':')
@@ -81,7 +82,7 @@ static StartTag* OpenElement(Reader* aReader, const QName& aName)
 }
 
 // Appends the end tag of the innermost open element, whose name begins aDistance bytes after that of the start tag.
-static void CloseElement(Reader* aReader, ptrdiff_t aDistance)
+static inline void CloseElement(Reader* aReader, ptrdiff_t aDistance)
 {
     ILibXMLNode* theStartTag = aReader->mParent;
     aReader->mParent = theStartTag->Parent;
@@ -101,7 +102,6 @@ static char* ReadAttribute(Reader* aReader, char* aPosition, ILibXMLNode* aNode,
 {
     QName theName;
     char* thePosition = ReadName(aPosition, &theName);
-    if (!thePosition) { return nullptr; }
     if (*thePosition != '=') { thePosition = SkipAll(thePosition, kBlank); }
     if (*thePosition != '=') { return nullptr; }
     ++thePosition;
@@ -124,7 +124,7 @@ static char* ReadAttribute(Reader* aReader, char* aPosition, ILibXMLNode* aNode,
     return theQuote + 1;
 }
 
-// From the name or the quote before it on. @return the position of the ">" or "/" after the last attribute.
+// @return the position after the last attribute and the blanks that follow it.
 static char* ReadAttributes(Reader* aReader, char* aPosition, StartTag* aTag)
 {
     ILibXMLAttribute** theNext = &aTag->mAttributes;
@@ -134,20 +134,20 @@ static char* ReadAttributes(Reader* aReader, char* aPosition, StartTag* aTag)
     {
         if (*thePosition == ' ') { ++thePosition; } // mostly there is one, and a name after it
         if (!Is(*thePosition, kStartsName)) { thePosition = SkipAll(thePosition, kBlank); }
-        if (*thePosition == '>' || *thePosition == '/') { break; }
+        if (!Is(*thePosition, kStartsName)) { break; }
         thePosition = ReadAttribute(aReader, thePosition, &aTag->mNode, &theNext);
         ++theCount;
     }
     *theNext = nullptr;
-    if (theCount > kMaxUnindexed && thePosition) { IndexAttributes(&aReader->mMemory, aTag, theCount); }
+    if (theCount > kMaxUnindexed && thePosition) { IndexAttributes(aReader->mMemory.GetDocument(), aTag, theCount); }
     return thePosition;
 }
 
 static char* ReadStartTag(Reader* aReader, char* aPosition)
 {
+    if (!Is(aPosition[1], kStartsName)) { return nullptr; }
     QName theName;
     char* thePosition = ReadName(aPosition + 1, &theName);
-    if (!thePosition) { return nullptr; }
     StartTag* theTag = OpenElement(aReader, theName);
     thePosition = ReadAttributes(aReader, thePosition, theTag);
     if (!thePosition) { return nullptr; }
@@ -164,31 +164,27 @@ static char* ReadStartTag(Reader* aReader, char* aPosition)
     return thePosition;
 }
 
-// An end tag out of place is the last node of the list, without a start tag of its own.
-__attribute__((noinline)) static char* Refuse(Reader* aReader, char* aName)
+// @return NULL when there is another name.
+static char* SkipNameAndBlanks(char* aPosition, const char* anEnd, std::string_view aName)
 {
-    QName theName;
-    char* thePosition = ReadName(aName, &theName);
-    if (!thePosition || *SkipAll(thePosition, kBlank) != '>') { return nullptr; }
-    Document* theDocument = aReader->mMemory.GetDocument();
-    theDocument->mError = aReader->mParent ? kILibProcessXML_IllegalCloseTagOrder : kILibProcessXML_IllegalCloseTag;
-    AppendNode(aReader, &aReader->mMemory.Allocate<StartTag>()->mNode, theName, 0);
-    return nullptr;
+    const bool fFits = static_cast<size_t>(anEnd - aPosition) > aName.size();
+    if (!fFits || memcmp(aPosition, aName.data(), aName.size()) != 0) { return nullptr; }
+    return SkipAll(aPosition + aName.size(), kBlank);
 }
 
 // The name of an end tag is that of the innermost open element, so it is compared, not read.
 static char* ReadEndTag(Reader* aReader, char* aPosition)
 {
-    const ILibXMLNode* theParent = aReader->mParent;
     char* theName = aPosition + 2;
-    if (!theParent) { return Refuse(aReader, theName); }
-    const char* theParentName = theParent->NSTag ? theParent->NSTag : theParent->Name;
-    const size_t theLength = static_cast<size_t>(theParent->Name + theParent->NameLength - theParentName);
-    const bool fFits = static_cast<size_t>(aReader->mEnd - theName) > theLength;
-    if (!fFits || memcmp(theName, theParentName, theLength) != 0) { return Refuse(aReader, theName); }
-    char* thePosition = SkipAll(theName + theLength, kBlank);
-    if (*thePosition != '>') { return Refuse(aReader, theName); }
-    CloseElement(aReader, theName - theParentName);
+    const ILibXMLNode* theParent = aReader->mParent;
+    char* thePosition =
+        theParent ? SkipNameAndBlanks(theName, aReader->mEnd, Shared::QualifiedName(theParent)) : nullptr;
+    if (!thePosition || *thePosition != '>')
+    {
+        aReader->mMisplaced = theName;
+        return nullptr;
+    }
+    CloseElement(aReader, theName - Shared::QualifiedName(theParent).data());
     return thePosition + 1;
 }
 
@@ -216,7 +212,7 @@ static char* SkipDeclaration(char* aPosition, const char* anEnd)
     return nullptr;
 }
 
-// A comment, a CDATA section, a processing instruction or a declaration; no node stands for them.
+// A comment, a CDATA section, a processing instruction or a declaration; they give no node.
 __attribute__((noinline)) static char* SkipMarkup(char* aPosition, const char* anEnd)
 {
     if (aPosition[1] == '?') { return FindPast(aPosition + 2, anEnd, "?>"); }
@@ -255,20 +251,40 @@ static bool ReadText(Reader* aReader, char* aText, size_t aLength)
     return ReadTags(aReader, aText) && !fIsCut && !aReader->mParent;
 }
 
+static bool IsEndTag(char* aName, QName* aQName)
+{
+    return Is(*aName, kStartsName) && *SkipAll(ReadName(aName, aQName), kBlank) == '>';
+}
+
+// An end tag out of place is the last node of the list, without a start tag of its own; a list without another node has
+// one without a name.
+static void Refuse(Reader* aReader, char* aText)
+{
+    Document* theDocument = aReader->mMemory.GetDocument();
+    QName theName;
+    const bool fIsMisplaced = aReader->mMisplaced && IsEndTag(aReader->mMisplaced, &theName);
+    if (!fIsMisplaced)
+    {
+        theDocument->mError = kILibProcessXML_IncompleteXML;
+        theName = { aText, nullptr, aText };
+    }
+    else if (aReader->mParent) { theDocument->mError = kILibProcessXML_IllegalCloseTagOrder; }
+    else { theDocument->mError = kILibProcessXML_IllegalCloseTag; }
+    if (fIsMisplaced || !theDocument->mFirst)
+    {
+        AppendNode(aReader, &aReader->mMemory.Allocate<StartTag>()->mNode, theName, 0);
+    }
+}
+
 ILibXMLNode* Read(char* aText, size_t aLength)
 {
     Reader theReader = { Memory(aLength), aText, nullptr, nullptr, nullptr, nullptr };
-    theReader.mNext = &theReader.mFirst;
     Document* theDocument = theReader.mMemory.GetDocument();
-    const bool fIsRead = ReadText(&theReader, aText, aLength);
-    if (!fIsRead && theDocument->mError == kILibProcessXML_NoError)
-    {
-        theDocument->mError = kILibProcessXML_IncompleteXML;
-    }
-    if (theReader.mFirst) { return theReader.mFirst; }
-    if (fIsRead) { Delete(theDocument); }
-    else { AppendNode(&theReader, &theReader.mMemory.Allocate<StartTag>()->mNode, { aText, nullptr, aText }, 0); }
-    return theReader.mFirst;
+    theReader.mNext = &theDocument->mFirst;
+    if (!ReadText(&theReader, aText, aLength)) { Refuse(&theReader, aText); }
+    ILibXMLNode* theFirst = theDocument->mFirst;
+    if (!theFirst) { Delete(theDocument); }
+    return theFirst;
 }
 
 } // namespace XML
