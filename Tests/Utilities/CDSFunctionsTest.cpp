@@ -129,7 +129,7 @@ TEST(CDSFunctionsTest, TakeNULLAndTextsWithoutTheirNUL)
     zoPackedData_AddData(theRecord, kCDSResourceInfo_Count, "name", 5);
     zoPackedData_AddData(theRecord, kCDSResourceInfo_Count + 1, "value", 5);
     EXPECT_STREQ("", CDSResourceInfo_GetAdditionalInfo(theRecord, 0));
-    EXPECT_EQ("c", Taken(CDSResourceInfo_FetchMimeType(theRecord, 0)));
+    EXPECT_EQ("", Taken(CDSResourceInfo_FetchMimeType(theRecord, 0)));
     EXPECT_STREQ("", CDSResourceInfo_GetExtraInfoDataByName(theRecord, 0, "name"));
 
     EXPECT_STREQ("", CDSEntryInfo_GetInfoAsStr(nullptr, kCDSEntryInfo_Title));

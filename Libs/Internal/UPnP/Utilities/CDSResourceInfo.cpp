@@ -250,40 +250,43 @@ static bool IsThumbnail(const zoPackedData_t* aRecord, uint32 aResource)
 }
 
 // @return what follows a number of colons; "" when there are fewer.
-static std::string_view AfterColons(std::string_view aText, int aCount)
+static const char* AfterColons(const char* aText, int aCount)
 {
-    for (; aCount > 0; --aCount)
+    for (; aCount > 0 && aText; --aCount)
     {
-        const size_t theColon = aText.find(':');
-        aText.remove_prefix(theColon == aText.npos ? aText.size() : theColon + 1);
+        aText = strchr(aText, ':');
+        if (aText) { ++aText; }
     }
-    return aText;
+    return aText ? aText : "";
+}
+
+static char* NewMimeType(const char* aProtocolInfo)
+{
+    const char* theType = AfterColons(aProtocolInfo, 2);
+    const size_t theLength = strcspn(theType, ":");
+    return zoStrndup(theType, theLength == 1 && *theType == '*' ? 0 : theLength);
 }
 
 char* CDSResourceInfo_FetchMimeType(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
 {
-    std::string_view theType =
-        AfterColons(CDS::FindText(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo), 2);
-    theType = theType.substr(0, theType.find(':'));
-    return theType.empty() || theType == "*" ? zoStrdup("") : zoStrndup(theType.data(), theType.size());
+    return NewMimeType(CDS::GetStr(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo));
 }
 
 zoCString CDSResourceInfo::GetMimeTypeForResourceIndex(uint32 aResourceIndex)
 {
     zoCString theType;
-    theType.FromAllocatedString(CDSResourceInfo_FetchMimeType(mPackedData, aResourceIndex));
+    theType.FromAllocatedString(NewMimeType(GetInfoAsCString(aResourceIndex, kCDSResourceInfo_ProtocolInfo).c_str()));
     return theType;
 }
 
 const char* CDSResourceInfo_GetAdditionalInfo(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex)
 {
-    return AfterColons(CDS::GetStr(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo), 3).data();
+    return AfterColons(CDS::GetStr(aResourceInfo, aResourceIndex, kCDSResourceInfo_ProtocolInfo), 3);
 }
 
 zoCString CDSResourceInfo::GetProtocolInfoForResourceIndex(uint32 aResourceIndex)
 {
-    const zoCString theInfo = GetInfoAsCString(aResourceIndex, kCDSResourceInfo_ProtocolInfo);
-    return AfterColons({ theInfo.c_str(), theInfo.length() }, 3).data();
+    return AfterColons(GetInfoAsCString(aResourceIndex, kCDSResourceInfo_ProtocolInfo).c_str(), 3);
 }
 
 int CDSResourceInfo_GetResourceIndexOfURI(const zoPackedData_t* aResourceInfo, const char* anURI)
@@ -439,82 +442,88 @@ int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, ui
                                                         aTargetIPCount);
 }
 
-// An object's pictures, and what is asked of them.
-struct PictureSearch
+static char* NewTexts(const char* anURI, const char* aProfile, char** aProfileID)
 {
-    const zoPackedData_t* mResourceInfo;
-    const zoArray_t* mAlbumArt; // URI and profile in turn; may be NULL
-    const zoCString& mProfiles;
-    CDS::Targets mTargets;
-};
-
-static zoCString FindAlbumArtURI(const PictureSearch& aSearch, zoCString* aProfileID)
-{
-    const CDS::AlbumArt theAlbumArt =
-        CDS::ChooseAlbumArt(aSearch.mAlbumArt, CDS::ProfilesOrDefault(aSearch.mProfiles), aSearch.mTargets);
-    if (aProfileID) { *aProfileID = theAlbumArt.mProfile; }
-    return theAlbumArt.mURI;
+    *aProfileID = zoStrdup(aProfile ? aProfile : "");
+    return zoStrdup(anURI);
 }
 
-static zoCString FindThumbnailURI(const PictureSearch& aSearch, zoCString* aProfileID)
+// Chooses among an object's pictures. @return the URI and the profile, "" when there is none; both are new.
+static char* FetchPicture(bool afWithThumbnails, const zoPackedData_t* aResourceInfo, const zoArray_t* anAlbumArt,
+                          const char* aProfileList, CDS::Targets aTargets, char** aProfileID)
 {
-    const std::string_view theProfiles = CDS::ProfilesOrDefault(aSearch.mProfiles);
-    const CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(aSearch.mAlbumArt, theProfiles, aSearch.mTargets);
+    const std::string_view theProfiles = CDS::ProfilesOrDefault(aProfileList);
+    CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(anAlbumArt, theProfiles, aTargets);
+    if (!afWithThumbnails) { return NewTexts(theAlbumArt.mURI, theAlbumArt.mProfile, aProfileID); }
+
     const bool fHasAlbumArt = *theAlbumArt.mURI != '\0';
     if (!fHasAlbumArt || !CDS::HasListedProfile(theAlbumArt, theProfiles))
     {
-        CDS::Resources theResources(aSearch.mResourceInfo);
-        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, aSearch.mTargets);
+        CDS::Resources theResources(aResourceInfo);
+        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, aTargets);
         if (theIndex >= 0)
         {
-            const char* theProfile = theResources.GetProfile(static_cast<uint32>(theIndex));
-            if (aProfileID) { *aProfileID = theProfile ? theProfile : ""; }
-            return CDS::GetText(aSearch.mResourceInfo, static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
+            const uint32 theResource = static_cast<uint32>(theIndex);
+            const zoCString theURI = CDS::GetText(aResourceInfo, theResource, kCDSResourceInfo_URI);
+            return NewTexts(theURI.c_str(), theResources.GetProfile(theResource), aProfileID);
         }
     }
-    const bool fTakesAlbumArt = fHasAlbumArt && CDS::HasListedFamily(theAlbumArt, theProfiles);
-    if (aProfileID) { *aProfileID = fTakesAlbumArt ? theAlbumArt.mProfile : ""; }
-    return fTakesAlbumArt ? theAlbumArt.mURI : "";
+    if (!fHasAlbumArt || !CDS::HasListedFamily(theAlbumArt, theProfiles)) { theAlbumArt = { "", "" }; }
+    return NewTexts(theAlbumArt.mURI, theAlbumArt.mProfile, aProfileID);
+}
+
+static zoCString GetPicture(bool afWithThumbnails, const zoPackedData_t* aResourceInfo, const zoArray_t* anAlbumArt,
+                            const zoCString& aProfileList, const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
+                            zoCString* aProfileID)
+{
+    char* theProfileText;
+    zoCString theURI, theProfile;
+    theURI.FromAllocatedString(FetchPicture(afWithThumbnails, aResourceInfo, anAlbumArt, aProfileList.c_str(),
+                                            { aTargetIPAddresses, aTargetIPCount }, &theProfileText));
+    (aProfileID ? aProfileID : &theProfile)->FromAllocatedString(theProfileText);
+    return theURI;
 }
 
 zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                           uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    return FindAlbumArtURI(
-        { mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, { aTargetIPAddresses, aTargetIPCount } }, aProfileID);
+    return GetPicture(false, mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
+                      aProfileID);
 }
 
 zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                            uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    return FindThumbnailURI(
-        { mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, { aTargetIPAddresses, aTargetIPCount } }, aProfileID);
+    return GetPicture(true, mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
+                      aProfileID);
 }
 
-// @return what aFind finds, as new texts.
-static char* FetchURI(zoCString (*aFind)(const PictureSearch&, zoCString*), const zoPackedData_t* aResourceInfo,
-                      const zoPackedData_t* anEntryInfo, const char* aProfiles, CDS::Targets aTargets,
-                      char** aProfileID)
+// As FetchPicture, with the album art of an entry record. @param aProfileID  may be NULL.
+static char* FetchPictureOf(bool afWithThumbnails, const zoPackedData_t* aResourceInfo,
+                            const zoPackedData_t* anEntryInfo, const char* aProfileList,
+                            const uint32* aTargetIPAddresses, uint32 aTargetIPCount, char** aProfileID)
 {
+    char* theProfile;
     zoArray_t* theAlbumArt = NewAlbumArt(anEntryInfo);
-    zoCString theProfile;
-    const zoCString theURI = aFind({ aResourceInfo, theAlbumArt, aProfiles, aTargets }, &theProfile);
+    char* theURI = FetchPicture(afWithThumbnails, aResourceInfo, theAlbumArt, aProfileList,
+                                { aTargetIPAddresses, aTargetIPCount }, &theProfile);
     zoArray_Delete(theAlbumArt);
-    if (aProfileID) { *aProfileID = zoStrdup(theProfile.c_str()); }
-    return zoStrdup(theURI.c_str());
+    if (aProfileID) { *aProfileID = theProfile; }
+    else { free(theProfile); }
+    return theURI;
 }
 
 char* CDSResourceInfo_FetchAlbumArtURI(const zoPackedData_t* anEntryInfo, const char* aPreferedProfileIDList,
                                        const uint32* aTargetIPAddresses, uint32 aTargetIPCount, char** aProfileID)
 {
-    return FetchURI(FindAlbumArtURI, nullptr, anEntryInfo, aPreferedProfileIDList,
-                    { aTargetIPAddresses, aTargetIPCount }, aProfileID);
+    return FetchPictureOf(false, nullptr, anEntryInfo, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
+                          aProfileID);
 }
 
 char* CDSResourceInfo_FetchThumbnailURI(const zoPackedData_t* aResourceInfo, const zoPackedData_t* anEntryInfo,
                                         const char* aPreferedProfileIDList, const uint32* aTargetIPAddresses,
                                         uint32 aTargetIPCount, char** aProfileID)
 {
-    return FetchURI(FindThumbnailURI, aResourceInfo, anEntryInfo, aPreferedProfileIDList,
-                    { aTargetIPAddresses, aTargetIPCount }, aProfileID);
+    return FetchPictureOf(true, aResourceInfo, anEntryInfo, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
+                          aProfileID);
 }

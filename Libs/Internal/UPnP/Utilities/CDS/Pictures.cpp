@@ -9,6 +9,7 @@
 #include <iterator>
 #include <stdlib.h>
 #include <string.h>
+#include <zo/CString.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
 
 namespace CDS
@@ -26,9 +27,9 @@ static bool NextProfile(string_view* aProfiles, string_view* aProfile)
     return false;
 }
 
-string_view ProfilesOrDefault(const zoCString& aProfiles)
+string_view ProfilesOrDefault(const char* aProfiles)
 {
-    return aProfiles.IsEmpty() ? string_view("JPEG_TN,PNG_TN") : string_view(aProfiles.c_str(), aProfiles.length());
+    return aProfiles && *aProfiles != '\0' ? aProfiles : "JPEG_TN,PNG_TN";
 }
 
 // ---- Album art ----

@@ -5,7 +5,6 @@
 
 #include <UPnP/Utilities/CDS/Resources.h>
 #include <string_view>
-#include <zo/CString.h>
 #include <zoltTools/zoArray.h>
 
 namespace CDS
@@ -17,8 +16,8 @@ struct AlbumArt
     const char* mProfile;
 };
 
-/** @return the profiles, or "JPEG_TN,PNG_TN" in place of "". */
-std::string_view ProfilesOrDefault(const zoCString& aProfiles);
+/** @return the profiles, or "JPEG_TN,PNG_TN" in place of "" and NULL. */
+std::string_view ProfilesOrDefault(const char* aProfiles);
 
 /** @param aPairs  URI and profile in turn; may be NULL. @return the best one, borrowed from aPairs. */
 AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, std::string_view aProfiles, Targets aTargets);
