@@ -17,7 +17,7 @@ case ${1-} in
 esac
 
 for preset in "${presets[@]}"; do
-    packages=(cmake ninja-build g++ ccache libcli11-dev googletest pkg-config)
+    packages=(cmake ninja-build g++ ccache libcli11-dev rapidjson-dev googletest pkg-config)
     case $preset in
     dev | release-tests | platform | asan | tsan) ;;
     asan-clang) packages+=(clang libclang-rt-14-dev) ;;

@@ -52,4 +52,5 @@ if(UPNP_BUILD_TOOL)
     install(FILES ${PROJECT_BINARY_DIR}/upnputil.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
     install(FILES Tools/upnputil/completion/upnputil DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
         COMPONENT tool)
+    install(FILES Docs/upnputil.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/upnputil COMPONENT tool)
 endif()

@@ -27,7 +27,7 @@ case ${1-} in
     exit 2
     ;;
 esac
-require cmake ninja-build g++ ccache libcli11-dev
+require cmake ninja-build g++ ccache libcli11-dev rapidjson-dev
 bare=$root/build/exports
 shipped=$root/build/release
 build release "$bare" UPnPUtilities -DUPNP_SYMBOL_VERSIONS=OFF

@@ -23,7 +23,7 @@ fill() {
     rm "$1.in"
 }
 
-require cmake ninja-build g++ libcli11-dev debhelper
+require cmake ninja-build g++ libcli11-dev rapidjson-dev debhelper
 if ! contact=$(contact); then
     echo "$0: without commits, DEBFULLNAME and DEBEMAIL have to say who answers for the packages" >&2
     exit 2

@@ -14,7 +14,7 @@ install_copy() {
     quietly cmake --install "$1/build/release" --prefix "$1.tree"
 }
 
-require cmake ninja-build g++ libcli11-dev
+require cmake ninja-build g++ libcli11-dev rapidjson-dev
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 install_copy "$folder/one"

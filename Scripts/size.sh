@@ -42,7 +42,7 @@ case ${1-} in
     exit 2
     ;;
 esac
-require cmake ninja-build g++ g++-arm-linux-gnueabihf googletest libcli11-dev ccache
+require cmake ninja-build g++ g++-arm-linux-gnueabihf googletest libcli11-dev rapidjson-dev ccache
 status=0
 if [ "$(uname -m)" = x86_64 ]; then measure release "" 132 64 || status=1; fi
 measure armhf arm-linux-gnueabihf- 96 || status=1

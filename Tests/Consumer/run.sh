@@ -138,7 +138,7 @@ expect_help() {
     [ -n "$section" ] || fail "the manual page lacks $*"
     for option in $options; do
         case $option in
-        --help | --json) ;;
+        --help | --json | --json-lines) ;;
         *) echo "$section" | grep -q -e "$option\b" || fail "the manual page lacks $option of $*" ;;
         esac
     done

@@ -88,8 +88,8 @@ TEST(ToolTest, RefusesInOneLine)
         { { "show", "-" }, "in line 1 or later", "<R><Result>&lt;item></Result></R>" },
         { { "select", "-", "--sink", "x" }, "no object", "", 1 },
         { { "select", "-", "--sink", "x" }, "\"itm\" in line 1", "<item></itm>" },
-        { { "select", "-", "--sink", "x" }, "more than one object", "<DIDL-Lite><item/><item/></DIDL-Lite>" },
-        { { "select", "-", "--sink", "x" }, "neither true nor false", "<item restricted='maybe'/>" },
+        { { "select", "-", "--sink", "x", "--object", "1" }, "no object 1", "<item id='1'/>", 1 },
+        { { "select", "-", "--sink", "x", "--object", "b" }, "no object b", "<item id='a'/>", 1 },
     });
     const int theFull = open("/dev/full", O_WRONLY);
     EXPECT_NE(std::string::npos, RunTool({ "show", "--help" }, "", theFull).mError.find("standard output: No space"));
@@ -140,6 +140,9 @@ TEST(ToolTest, ValuesStayInTheirLines)
         { "\x9B \xC3", "\\x9B \\xC3" },                            // no UTF-8
         { "\xC0\x8A \xE0\x80\x8A", "\\xC0\\x8A \\xE0\\x80\\x8A" }, // line ends, too long
         { "\xED\xA0\x80 \xF4\x90\x80\x80", "\\xED\\xA0\\x80 \\xF4\\x90\\x80\\x80" },
+        { "\u200B\u202A\u202E \u2066\u2069", // invisible, or what changes the direction of what follows
+          "\\xE2\\x80\\x8B\\xE2\\x80\\xAA\\xE2\\x80\\xAE \\xE2\\x81\\xA6\\xE2\\x81\\xA9" },
+        { "\u200A\u200E\u2027\u202F\u2065\u206A", "\u200A\u200E\u2027\u202F\u2065\u206A" },
         { "\xF0\x9F\x8E\xB5\xC3\xA9", "\xF0\x9F\x8E\xB5\xC3\xA9" },
     };
     for (const auto& [theTitle, theShown] : kCases)
@@ -184,6 +187,35 @@ TEST(ToolTest, SelectsForARenderer)
                         "unlocked uri: http://h:1/a?x=1&lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D"));
 }
 
+TEST(ToolTest, SelectsAmongObjects)
+{
+    const std::string theObjects = "<DIDL-Lite><item id='1'><res protocolInfo='http-get:*:a/b:*'>u</res></item>"
+                                   "<container id='c'/><item id='0' searchable='x'/></DIDL-Lite>";
+    static const struct
+    {
+        Words mOptions;
+        Words mFacts;
+        size_t mLineCount;
+        int mStatus;
+    } kCases[] = {
+        { {}, { "object 0 choice: 0", "object 1 choice: none", "object 2 kind: item" }, 15, 2 },
+        { { "--object", "0" }, { "choice: 0", "id: 1" }, 9, 0 },
+        { { "--object", "id=1" }, { "choice: 0", "id: 1" }, 9, 0 },
+        { { "--object", "c" }, { "kind: container", "choice: none", "confidence: will not (0)" }, 5, 0 },
+        { { "--object", "2" }, { "invalid: \"restricted\" or \"searchable\" is neither true nor false" }, 2, 2 },
+    };
+    for (const auto& theCase : kCases)
+    {
+        const Result theResult =
+            RunTool(Joined({ "select", "-", "--sink", "http-get:*:a/b:*" }, theCase.mOptions), theObjects);
+        ExpectLines(theCase.mFacts, theResult);
+        EXPECT_EQ(theCase.mLineCount, Lines(theResult.mOutput).size()) << theResult.mOutput;
+        EXPECT_EQ(theCase.mStatus, theResult.mStatus);
+        EXPECT_EQ(theCase.mStatus == 2, theResult.mError.find("object 2 is invalid") != std::string::npos);
+    }
+    EXPECT_EQ(2, RunTool({ "show", "-" }, theObjects).mStatus);
+}
+
 TEST(ToolTest, ShowFindsTheObjects)
 {
     static const std::pair<const char*, Words> kCases[] = {
@@ -195,9 +227,9 @@ TEST(ToolTest, ShowFindsTheObjects)
         { "<e:Envelope><e:Body><u:BrowseResponse><Result>&lt;DIDL-Lite xmlns:a=\"b,c\">&lt;item id=\"&amp;lt;\"/>"
           "&lt;/DIDL-Lite></Result><TotalMatches>1</TotalMatches></u:BrowseResponse></e:Body></e:Envelope>",
           { "object 0 id: <", "object 0 namespace 0: xmlns:a=\"b,c\"", "objects: 1" } },
-        { "<item restricted='maybe'/><ITEM restricted='0'/>",
-          { "object 0 invalid: \"restricted\" or \"searchable\" is neither true nor false",
-            "object 1 flags: none (0)" } },
+        { "<item restricted='maybe'><item id='1'/></item><ITEM restricted='0'/>",
+          { "object 0 invalid: \"restricted\" or \"searchable\" is neither true nor false", "object 1 id: 1",
+            "object 2 flags: none (0)" } },
         { "<item><res duration='100:00:01' bitrate='536870911' dlna:lifetime='0:01:00'>u/v</res></item>",
           { "object 0 resource 0 duration: 01:00:01.000 (360001 s)", "object 0 resource 0 bit rate: 4294967288",
             "object 0 resource 0 lifetime: 00:00:15.000 (15 s)", "object 0 resource 0 uri: http://h/d/u/v" } },

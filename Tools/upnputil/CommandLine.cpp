@@ -13,6 +13,7 @@
 static const char kHelpOption[] = "--help";
 static const char kVersionOption[] = "--version";
 static const char kJSONOption[] = "--json";
+static const char kJSONLinesOption[] = "--json-lines";
 
 // ---- Messages ----
 
@@ -88,7 +89,11 @@ static void PrintUsage(const Usage& aUsage, const std::string& aPath, Output& an
         const std::string theValue = theOption.mValue ? std::string(" ") + theOption.mValue : "";
         anOutput.Row(theOption.mName + theValue, theOption.mHelp);
     }
-    if (aUsage.mfPrintsFacts) { anOutput.Row(kJSONOption, "print the facts as one JSON object"); }
+    if (aUsage.mfPrintsFacts)
+    {
+        anOutput.Row(kJSONOption, "print the facts as one JSON object");
+        anOutput.Row(kJSONLinesOption, "the same in one line, or in a line for each object of a document");
+    }
     anOutput.Row(kHelpOption, "print this text (-h for short)");
 }
 
@@ -142,7 +147,9 @@ static void Declare(CLI::App& anApp, const Usage& aUsage)
                                                     : anApp.add_flag(theOption.mName)->disable_flag_override();
         theDeclared->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
-    if (aUsage.mfPrintsFacts) { anApp.add_flag(kJSONOption)->disable_flag_override(); }
+    if (!aUsage.mfPrintsFacts) { return; }
+    anApp.add_flag(kJSONOption)->disable_flag_override();
+    anApp.add_flag(kJSONLinesOption)->disable_flag_override();
 }
 
 // Words that nothing takes are kept, for a message in our own words.
@@ -311,7 +318,8 @@ static int RefuseFamily(const Reading& aReading)
 static int Run(const Reading& aReading, Output& anOutput)
 {
     const Usage& theUsage = *aReading.mSubcommand->mUsage;
-    if (theUsage.mfPrintsFacts && aReading.mApp->count(kJSONOption) > 0) { anOutput.UseJSON(); }
+    const bool fInLines = theUsage.mfPrintsFacts && aReading.mApp->count(kJSONLinesOption) > 0;
+    if (fInLines || (theUsage.mfPrintsFacts && aReading.mApp->count(kJSONOption) > 0)) { anOutput.UseJSON(fInLines); }
     return aReading.mSubcommand->mFunction(Arguments(theUsage, *aReading.mApp), anOutput);
 }
 

@@ -7,6 +7,7 @@
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -158,6 +159,42 @@ static const Usage kUsage = {
 
 // ---- Where values come from ----
 
+static const char kFromKey[] = "key";
+static const char kFromDefault[] = "default";
+
+namespace
+{
+
+struct Origin
+{
+    const char* mWord;
+    const char* mKey = nullptr; // the one with kFromKey
+
+    std::string Text() const { return mKey ? mWord + (std::string(" ") + mKey) : mWord; }
+};
+
+// What is printed about a field.
+struct FieldFacts
+{
+    enum Form
+    {
+        kForm_None,
+        kForm_Text,
+        kForm_Number,
+        kForm_Word // of a fixed list
+    };
+
+    Form mForm;
+    std::string mText;
+    uint64 mNumber; // of a number, and of a word
+    Origin mOrigin;
+    std::optional<Origin> mVersionOrigin = std::nullopt; // of the DLNA version in a user agent
+    std::optional<uint64> mStackDefault = std::nullopt;  // which the stack takes for a 0
+    const ILibConfigBounds_t* mHeldWithin = nullptr;     // where the key's value is not
+};
+
+} // namespace
+
 static const ILibConfigBounds_t* FindBounds(const RecordKind& aKind, const UPnPConfigField_t& aField)
 {
     const ILibConfigBounds_t* theBounds = aKind.mGetBounds ? aKind.mGetBounds() : nullptr;
@@ -181,62 +218,103 @@ static bool IsReadable(const UPnPConfigField_t& aField, const Section& aSection)
 }
 
 // Returns where the number of a field comes from, and notes that its key is known.
-static std::string OriginOfNumber(const UPnPConfigField_t& aField, Section& aSection)
+static Origin OriginOfNumber(const UPnPConfigField_t& aField, Section& aSection)
 {
     aSection.mKeysRead.insert(aField.mKey);
-    if (IsReadable(aField, aSection)) { return std::string("key ") + aField.mKey; }
+    if (IsReadable(aField, aSection)) { return { kFromKey, aField.mKey }; }
     const char* theValue = aSection.Get(aField.mKey);
     const bool fIsEmptyAddress = aField.mValue == kUPnPConfigValue_Address && zoStrEmpty(theValue);
     if (theValue && !fIsEmptyAddress)
     {
         aSection.mWarnings.Add(std::string(aField.mKey) + "=" + theValue + " can't be read, the default is taken");
     }
-    return "default";
+    return { kFromDefault };
 }
 
-static std::string OriginOfText(const char* aKey, Section& aSection, bool afEmptyCounts)
+static Origin OriginOfText(const char* aKey, Section& aSection, bool afEmptyCounts)
 {
     aSection.mKeysRead.insert(aKey);
     const char* theValue = aSection.Get(aKey);
-    return theValue && (afEmptyCounts || *theValue) ? std::string("key ") + aKey : "default";
+    const bool fIsGiven = theValue && (afEmptyCounts || *theValue);
+    return fIsGiven ? Origin{ kFromKey, aKey } : Origin{ kFromDefault };
 }
 
-static std::string OriginOfUserAgent(const UPnPConfigField_t& aField, Section& aSection)
-{
-    std::string theOrigin = OriginOfText(aField.mKey, aSection, false);
-    if (!aField.mVersionKey) { return theOrigin; }
-    return theOrigin + ", DLNA version: " + OriginOfText(aField.mVersionKey, aSection, true);
-}
-
-static std::string OriginOfField(const UPnPConfigField_t& aField, Section& aSection)
+static Origin OriginOfField(const UPnPConfigField_t& aField, Section& aSection)
 {
     switch (aField.mValue)
     {
-    case kUPnPConfigValue_None: return "not read";
-    case kUPnPConfigValue_UserAgent: return OriginOfUserAgent(aField, aSection);
-    case kUPnPConfigValue_Policy: return kPolicyName;
-    case kUPnPConfigValue_Argument: return "argument";
+    case kUPnPConfigValue_None: return { "not read" };
+    case kUPnPConfigValue_UserAgent: return OriginOfText(aField.mKey, aSection, false);
+    case kUPnPConfigValue_Policy: return { kPolicyName };
+    case kUPnPConfigValue_Argument: return { "argument" };
     default: return OriginOfNumber(aField, aSection);
     }
 }
 
 // ---- Printing ----
 
-static void PrintFact(const std::string& aName, const std::string& aValue, const std::string& anOrigin,
-                      Output& anOutput)
+static std::string OriginText(const FieldFacts& aFacts)
 {
-    anOutput.Fact(aName, aValue);
-    anOutput.Fact(aName + " from", anOrigin);
+    std::string theText = aFacts.mOrigin.Text();
+    if (aFacts.mVersionOrigin) { theText += ", DLNA version: " + aFacts.mVersionOrigin->Text(); }
+    if (aFacts.mStackDefault) { theText += ", the stack takes " + std::to_string(*aFacts.mStackDefault); }
+    if (!aFacts.mHeldWithin) { return theText; }
+    return theText + ", held within " + std::to_string(aFacts.mHeldWithin->mMin) + " to " +
+           std::to_string(aFacts.mHeldWithin->mMax);
 }
 
-static const char* PolicyText(const Section& aSection)
+static void PrintOriginInJSON(const std::string& aName, const std::string& aKeyName, const Origin& anOrigin,
+                              Output& anOutput)
 {
-    switch (zoSocketPolicy_GetMode(aSection.mPolicy))
+    anOutput.InJSON(aName, anOrigin.mWord);
+    if (anOrigin.mKey) { anOutput.InJSON(aKeyName, anOrigin.mKey); }
+}
+
+static JSONValue JSONOf(const FieldFacts& aFacts)
+{
+    switch (aFacts.mForm)
+    {
+    case FieldFacts::kForm_None: return nullptr;
+    case FieldFacts::kForm_Number: return aFacts.mNumber;
+    default: return aFacts.mText;
+    }
+}
+
+// In JSON, a field is an object with its value and where that comes from.
+static void PrintField(const std::string& aName, const std::string& aKey, const FieldFacts& aFacts, Output& anOutput)
+{
+    anOutput.InText(aName, aFacts.mText);
+    anOutput.InText(aName + " from", OriginText(aFacts));
+    const Output::Part thePart(anOutput, "", aKey);
+    anOutput.InJSON("value", JSONOf(aFacts));
+    if (aFacts.mForm == FieldFacts::kForm_Word) { anOutput.InJSON("value number", aFacts.mNumber); }
+    PrintOriginInJSON("from", "key", aFacts.mOrigin, anOutput);
+    if (aFacts.mVersionOrigin) { PrintOriginInJSON("version from", "version key", *aFacts.mVersionOrigin, anOutput); }
+    if (aFacts.mStackDefault) { anOutput.InJSON("stack default", *aFacts.mStackDefault); }
+    if (!aFacts.mHeldWithin) { return; }
+    anOutput.InJSON("min", aFacts.mHeldWithin->mMin);
+    anOutput.InJSON("max", aFacts.mHeldWithin->mMax);
+}
+
+static const char* PolicyText(int aMode)
+{
+    switch (aMode)
     {
     case kzoSocketPolicy_IP_LocalHostOnly: return "local host only";
     case kzoSocketPolicy_IP_AllExceptLocalHost: return "all but the local host";
     default: return "all addresses";
     }
+}
+
+static FieldFacts PolicyFacts(const Section& aSection, const Origin& anOrigin)
+{
+    const int theMode = zoSocketPolicy_GetMode(aSection.mPolicy);
+    return { FieldFacts::kForm_Word, PolicyText(theMode), static_cast<uint64>(theMode), anOrigin };
+}
+
+static FieldFacts NumberFacts(uint64 aNumber, const Origin& anOrigin)
+{
+    return { FieldFacts::kForm_Number, std::to_string(aNumber), aNumber, anOrigin };
 }
 
 static uint32 ReadOption(zoConfigFile* aFile, const char* aSection, const char* aKey, uint32 aDefault)
@@ -246,18 +324,23 @@ static uint32 ReadOption(zoConfigFile* aFile, const char* aSection, const char* 
 
 static void PrintPolicy(Section& aSection, Output& anOutput)
 {
+    const Output::Part thePart(anOutput, kPolicyName, kPolicyName);
     UPnPConfigField_t theMode = {};
     theMode.mKey = kKey_Stack_UPnPLocal;
     theMode.mRead = UPnPConfig_GetUInt32;
     UPnPConfigField_t theQOS = {};
     theQOS.mKey = kKey_SocketPolicy_QOSDisabled;
     theQOS.mRead = ReadOption;
-    PrintFact("mode", PolicyText(aSection), OriginOfNumber(theMode, aSection), anOutput);
-    PrintFact("QOS disabled", std::to_string(zoSocketPolicy_IsQOSDisabled(aSection.mPolicy)),
-              OriginOfNumber(theQOS, aSection), anOutput);
     const char* theExcluded = aSection.Get(kKey_SocketPolicy_ExcludeIF);
-    PrintFact("excluded interfaces", theExcluded ? theExcluded : "",
-              OriginOfText(kKey_SocketPolicy_ExcludeIF, aSection, true), anOutput);
+    PrintField("mode", "mode", PolicyFacts(aSection, OriginOfNumber(theMode, aSection)), anOutput);
+    PrintField("QOS disabled", "qosDisabled",
+               NumberFacts(static_cast<uint64>(zoSocketPolicy_IsQOSDisabled(aSection.mPolicy)),
+                           OriginOfNumber(theQOS, aSection)),
+               anOutput);
+    PrintField("excluded interfaces", "excludedInterfaces",
+               { FieldFacts::kForm_Text, theExcluded ? theExcluded : "", 0,
+                 OriginOfText(kKey_SocketPolicy_ExcludeIF, aSection, true) },
+               anOutput);
 }
 
 template <typename Value>
@@ -279,33 +362,44 @@ static uint64 LoadNumber(const UPnPConfigField_t& aField, const void* aValue)
     }
 }
 
-static std::string ValueText(const UPnPConfigField_t& aField, const void* aValue, const Section& aSection)
+static FieldFacts UserAgentFacts(const UPnPConfigField_t& aField, const void* aValue, const Origin& anOrigin,
+                                 Section& aSection)
 {
+    FieldFacts theFacts = { FieldFacts::kForm_Text, Load<const char*>(aValue), 0, anOrigin };
+    if (aField.mVersionKey) { theFacts.mVersionOrigin = OriginOfText(aField.mVersionKey, aSection, true); }
+    return theFacts;
+}
+
+static FieldFacts FactsOf(const UPnPConfigField_t& aField, const void* aValue, Section& aSection)
+{
+    const Origin theOrigin = OriginOfField(aField, aSection);
     switch (aField.mValue)
     {
     case kUPnPConfigValue_Address:
     {
         char theText[sizeof("255.255.255.255")];
         zo_snprintf(theText, sizeof(theText), "%u.%u.%u.%u", UPnPUtil_IPPrintf(Load<uint32>(aValue)));
-        return theText;
+        return { FieldFacts::kForm_Text, theText, 0, theOrigin };
     }
-    case kUPnPConfigValue_UserAgent: return Load<const char*>(aValue);
-    case kUPnPConfigValue_Policy: return PolicyText(aSection);
-    case kUPnPConfigValue_Argument: return "none";
-    default: return std::to_string(LoadNumber(aField, aValue));
+    case kUPnPConfigValue_UserAgent: return UserAgentFacts(aField, aValue, theOrigin, aSection);
+    case kUPnPConfigValue_Policy: return PolicyFacts(aSection, theOrigin);
+    case kUPnPConfigValue_Argument: return { FieldFacts::kForm_None, "none", 0, theOrigin };
+    default: return NumberFacts(LoadNumber(aField, aValue), theOrigin);
     }
 }
 
-// Says what the stack makes of a number: its own default of 0, the nearer bound of one outside the bounds.
-static std::string BoundsText(const RecordKind& aKind, const UPnPConfigField_t& aField, const void* aValue,
-                              const Section& aSection)
+// Adds what the stack makes of a number: its own default of 0, the nearer bound of one outside the bounds.
+static void AddBounds(const RecordKind& aKind, const UPnPConfigField_t& aField, const void* aValue,
+                      const Section& aSection, FieldFacts& aFacts)
 {
     const ILibConfigBounds_t* theBounds = FindBounds(aKind, aField);
-    if (!theBounds) { return ""; }
+    if (!theBounds) { return; }
     const uint64 theValue = LoadNumber(aField, aValue);
-    if (theValue == 0) { return ", the stack takes " + std::to_string(theBounds->mDefault); }
-    if (theValue == UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, aField.mDefault)) { return ""; }
-    return ", held within " + std::to_string(theBounds->mMin) + " to " + std::to_string(theBounds->mMax);
+    if (theValue == 0) { aFacts.mStackDefault = theBounds->mDefault; }
+    else if (theValue != UPnPConfig_ReadNumber(&aField, aSection.mFile, aSection.mName, aField.mDefault))
+    {
+        aFacts.mHeldWithin = theBounds;
+    }
 }
 
 static void PrintRecord(const RecordKind& aKind, const void* aRecord, const std::string& aPrefix, Section& aSection,
@@ -319,13 +413,13 @@ static void PrintRecord(const RecordKind& aKind, const void* aRecord, const std:
         const std::string theName = aPrefix + theField.mName;
         if (theField.mValue == kUPnPConfigValue_Record)
         {
+            const Output::Part thePart(anOutput, "", theField.mName);
             PrintRecord(kRecordKinds[theField.mRecord], theValue, theName + ".", aSection, anOutput);
+            continue;
         }
-        else
-        {
-            PrintFact(theName, ValueText(theField, theValue, aSection),
-                      OriginOfField(theField, aSection) + BoundsText(aKind, theField, theValue, aSection), anOutput);
-        }
+        FieldFacts theFacts = FactsOf(theField, theValue, aSection);
+        AddBounds(aKind, theField, theValue, aSection, theFacts);
+        PrintField(theName, theField.mName, theFacts, anOutput);
     }
 }
 
@@ -375,13 +469,13 @@ static int ShowConfig(const Arguments& anArguments, Output& anOutput)
     }
 
     const std::vector<const char*> theNames = anArguments.GetAll("--record");
-    anOutput.SetSubject(std::string(kPolicyName) + " ");
+    const Output::Part theRecords(anOutput, "", "records");
     if (IsWanted(theNames, kPolicyName)) { PrintPolicy(theSection, anOutput); }
     for (const RecordKind& theKind : kRecordKinds)
     {
         const char* theName = theKind.Description().mName;
         if (!IsWanted(theNames, theName)) { continue; }
-        anOutput.SetSubject(std::string(theName) + " ");
+        const Output::Part thePart(anOutput, theName, theName);
         PrintRecord(theKind, theKind.mFetch(theSection).get(), "", theSection, anOutput);
     }
     WarnOfUnreadKeys(theSection);

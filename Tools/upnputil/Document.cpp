@@ -1,25 +1,43 @@
 #include "Document.h"
 
+#include "Subcommand.h"
+
 #include <Shared/ASCII.h>
 #include <algorithm>
 #include <string.h>
 #include <string_view>
+#include <utility>
 
 // Of a name in a message.
 static const size_t kMaxNameLength = 64;
 
-static bool IsCalled(const ILibXMLNode* aNode, std::string_view aName)
+static const char kInvalidObject[] = "\"restricted\" or \"searchable\" is neither true nor false";
+
+// ---- Objects ----
+
+void InvalidObjects::PrintHead(const DocumentObject& anObject, Output& anOutput)
 {
-    return Shared::EqualsIgnoringCase({ aNode->Name, static_cast<size_t>(aNode->NameLength) }, aName);
+    anOutput.InJSON("index", anObject.mIndex);
+    anOutput.Word("kind", anObject.IsContainer() ? "container" : "item", static_cast<uint64>(anObject.mType));
+    if (anObject.mRecords) { return; }
+    anOutput.Fact("invalid", kInvalidObject);
+    if (mCount++ == 0) { mFirst = anObject.mIndex; }
 }
 
-Document::Document(std::vector<char> aText) : mText(std::move(aText))
+int InvalidObjects::Report(const std::string& aName, int aStatus) const
 {
-    Parse();
-    if (mFault.empty() && mObjects.empty() && TakeResult()) { Parse(); }
+    if (mCount == 0) { return aStatus; }
+    const std::string theOthers = mCount == 1 ? "" : "; so are " + std::to_string(mCount - 1) + " more";
+    return Fail(aName + ": object " + std::to_string(mFirst) + " is invalid: " + kInvalidObject + theOthers);
 }
 
-Document::~Document() { ILibDestructXMLNodeList(mNodes); }
+// ---- Documents ----
+
+Document::Document(std::vector<char> aText, const char* aBaseURL)
+    : mText(std::move(aText)), mBaseURL(aBaseURL), mDocument(nullptr, &UPnPDIDLDocument_Delete)
+{
+    if (Open() && !HasNext() && TakeResult()) { Open(); }
+}
 
 // What is wrong, and in which line. Only end tags before the fault know their start tags.
 static std::string DescribeFault(const ILibXMLNode* aNodes, int aResult, const std::vector<char>& aText)
@@ -36,107 +54,64 @@ static std::string DescribeFault(const ILibXMLNode* aNodes, int aResult, const s
     return "not well-formed: the end tag of \"" + theName + "\" in line " + theLine + " has no start tag to end";
 }
 
-void Document::Parse()
+static std::string FindFault(std::vector<char>& aText)
 {
-    ILibDestructXMLNodeList(mNodes);
-    mNodes = ILibParseXML(mText.data(), 0, mText.size() - 1);
-    const int theResult = ILibProcessXMLNodeList(mNodes);
-    if (theResult != kILibProcessXML_NoError) { mFault = DescribeFault(mNodes, theResult, mText); }
-    else { FindObjects(); }
+    ILibXMLNode* theNodes = ILibParseXML(aText.data(), 0, aText.size() - 1);
+    const std::string theFault = DescribeFault(theNodes, ILibProcessXMLNodeList(theNodes), aText);
+    ILibDestructXMLNodeList(theNodes);
+    return theFault;
 }
 
-bool Document::TakeResult()
+// Returns false, and notes what is wrong, when the text is not well-formed.
+bool Document::Open()
 {
-    for (ILibXMLNode* theNode = mNodes; theNode; theNode = theNode->Next)
+    mDocument.reset(UPnPDIDLDocument_New(mText.data(), mBaseURL));
+    if (mDocument) { ReadNext(); }
+    else { mFault = FindFault(mText); }
+    return mFault.empty();
+}
+
+void Document::ReadNext()
+{
+    char *theEntry = nullptr, *theResources = nullptr;
+    const int theResult = UPnPDIDLDocument_NextObject(mDocument.get(), &theEntry, &theResources, &mNext.mType);
+    const bool fHasRecords = HasNext() && theResult == kUPnPError_None;
+    mNext.mRecords = fHasRecords ? std::make_unique<MediaObject>(theEntry, theResources) : nullptr;
+}
+
+DocumentObject Document::TakeNext()
+{
+    DocumentObject theObject = std::move(mNext);
+    mNext.mIndex = theObject.mIndex + 1;
+    ReadNext();
+    return theObject;
+}
+
+static ILibXMLNode* FindResult(ILibXMLNode* aNodes)
+{
+    for (ILibXMLNode* theNode = aNodes; theNode; theNode = theNode->Next)
     {
         const bool fIsTextOnly = theNode->StartTag && theNode->Next == theNode->ClosingTag;
-        if (!fIsTextOnly || !IsCalled(theNode, "Result")) { continue; }
-        char* theStart = nullptr;
-        const int theLength = ILibReadInnerXML(theNode, &theStart);
-        std::vector<char> theText(theStart, theStart + theLength);
-        theText.push_back('\0');
-        theText.resize(static_cast<size_t>(ILibInPlaceXmlUnEscape(theText.data())) + 1);
-        mText.swap(theText);
-        return true;
+        const std::string_view theName(theNode->Name, static_cast<size_t>(theNode->NameLength));
+        if (fIsTextOnly && Shared::EqualsIgnoringCase(theName, "Result")) { return theNode; }
     }
-    return false;
+    return nullptr;
 }
 
-namespace
+// Goes on with the text in the Result element, if there is one; it takes the place of the whole text.
+bool Document::TakeResult()
 {
-
-// What holds between the tags of an open element.
-struct Surroundings
-{
-    ILibXMLNode* mDIDL;
-    bool mfHoldsObjects;
-    bool mfInObject;
-    bool mfIsObject;
-};
-
-// Gives each piece of a document's text to the innermost object around it.
-class TextDivider
-{
-public:
-    TextDivider(const char* aText, std::vector<DocumentObject>& aObjects) : mBegin(aText), mObjects(aObjects) {}
-
-    void Open(const char* aStartTag, DocumentObject aObject)
-    {
-        GiveTo(aStartTag);
-        mOpen.push_back(mObjects.size());
-        mObjects.push_back(std::move(aObject));
-    }
-    void Close(const char* aEndOfTag)
-    {
-        GiveTo(aEndOfTag);
-        mOpen.pop_back();
-    }
-
-private:
-    void GiveTo(const char* aEnd)
-    {
-        if (!mOpen.empty()) { mObjects[mOpen.back()].mText.append(mBegin, aEnd); }
-        mBegin = aEnd;
-    }
-
-    const char* mBegin; // of what nobody has yet
-    std::vector<DocumentObject>& mObjects;
-    std::vector<size_t> mOpen; // indices, the innermost last
-};
-
-} // namespace
-
-static const char* BeginOf(const ILibXMLNode* aTag) { return (aTag->NSTag ? aTag->NSTag : aTag->Name) - 1; }
-
-static const char* EndOf(const ILibXMLNode* anEndTag)
-{
-    if (!anEndTag->EmptyTag) { return strchr(anEndTag->Name + anEndTag->NameLength, '>') + 1; }
-    char* theEnd = nullptr;
-    ILibReadInnerXML(anEndTag->StartingTag, &theEnd);
-    return theEnd;
-}
-
-void Document::FindObjects()
-{
-    std::vector<Surroundings> theOpen = { { nullptr, true, false, false } };
-    TextDivider theDivider(mText.data(), mObjects);
-    for (ILibXMLNode* theNode = mNodes; theNode; theNode = theNode->Next)
-    {
-        const Surroundings theOuter = theOpen.back();
-        if (!theNode->StartTag)
-        {
-            if (theOuter.mfIsObject) { theDivider.Close(EndOf(theNode)); }
-            theOpen.pop_back();
-            continue;
-        }
-        Surroundings theInner = { theOuter.mDIDL, false, theOuter.mfInObject, false };
-        const bool fIsContainer = IsCalled(theNode, "container");
-        if (theOuter.mfHoldsObjects && (fIsContainer || IsCalled(theNode, "item")))
-        {
-            theDivider.Open(BeginOf(theNode), { "", theOuter.mDIDL, !fIsContainer });
-            theInner = { theOuter.mDIDL, fIsContainer, true, true };
-        }
-        else if (!theOuter.mfInObject && IsCalled(theNode, "DIDL-Lite")) { theInner = { theNode, true, false, false }; }
-        theOpen.push_back(theInner);
-    }
+    mDocument.reset();
+    ILibXMLNode* theNodes = ILibParseXML(mText.data(), 0, mText.size() - 1);
+    ILibProcessXMLNodeList(theNodes);
+    ILibXMLNode* theResult = FindResult(theNodes);
+    char* theStart = nullptr;
+    const int theLength = ILibReadInnerXML(theResult, &theStart);
+    ILibDestructXMLNodeList(theNodes);
+    if (!theStart) { return false; }
+    theStart[theLength] = '\0';
+    const int theNewLength = ILibInPlaceXmlUnEscape(theStart);
+    mText.erase(mText.begin(), mText.begin() + (theStart - mText.data()));
+    mText.resize(static_cast<size_t>(theNewLength) + 1);
+    return true;
 }

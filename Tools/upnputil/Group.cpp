@@ -72,18 +72,28 @@ static int FindRoot(std::vector<char>& aText, const char** aRoots, bool* afWellF
     return theRoot;
 }
 
-static void PrintMember(const std::string& aSubject, const char* aFriendlyName, const char* aUDN,
-                        const zoCustomHashTable* aMetaData, Output& anOutput)
+static void PrintMember(const char* aFriendlyName, const char* aUDN, const zoCustomHashTable* aMetaData,
+                        Output& anOutput)
 {
-    anOutput.SetSubject(aSubject);
     anOutput.Fact("friendly name", aFriendlyName);
     anOutput.Fact("udn", aUDN);
+    Output::List thePairs(anOutput, "metadata", "metadata");
     for (size_t i = 0; i < zoCustomHashTable_GetTupleCount(aMetaData); ++i)
     {
         const char* theName = zoCustomHashTable_GetKeyAtIndex(aMetaData, i);
-        anOutput.Fact("metadata " + std::to_string(i) + " " + theName, zoCustomHashTable_Get(aMetaData, theName));
+        thePairs.AddPair(theName, zoCustomHashTable_Get(aMetaData, theName));
     }
-    anOutput.SetSubject("");
+}
+
+static void PrintSlaves(UPnPGroupInfo* aGroup, Output& anOutput)
+{
+    Output::List theSlaves(anOutput, "slave", "slaves");
+    for (size_t i = 0; i < UPnPGroupInfo_GetSlaveCount(aGroup); ++i)
+    {
+        const UPnPGroupSlave* theSlave = UPnPGroupInfo_GetSlaveAt(aGroup, i);
+        theSlaves.Next();
+        PrintMember(theSlave->mGroupedFriendlyName, theSlave->mGroupedUDN, theSlave->mMetaData, anOutput);
+    }
 }
 
 static int PrintGroup(const char* aText, const std::string& anInput, Output& anOutput)
@@ -91,40 +101,43 @@ static int PrintGroup(const char* aText, const std::string& anInput, Output& anO
     const Reason theReason;
     const Group theGroup(UPnPGroupInfo_New("", aText), UPnPGroupInfo_Delete);
     if (!theGroup) { return theReason.Fail(anInput, "no group"); }
-    PrintMember("", theGroup->mGroupFriendlyName, theGroup->mGroupUDN, theGroup->mGroupMetaData, anOutput);
-    PrintMember("master ", theGroup->mMasterGroupedFriendlyName, theGroup->mMasterGroupedUDN, theGroup->mMasterMetaData,
-                anOutput);
-    const size_t theCount = UPnPGroupInfo_GetSlaveCount(theGroup.get());
-    for (size_t i = 0; i < theCount; ++i)
+    PrintMember(theGroup->mGroupFriendlyName, theGroup->mGroupUDN, theGroup->mGroupMetaData, anOutput);
     {
-        const UPnPGroupSlave* theSlave = UPnPGroupInfo_GetSlaveAt(theGroup.get(), i);
-        PrintMember("slave " + std::to_string(i) + " ", theSlave->mGroupedFriendlyName, theSlave->mGroupedUDN,
-                    theSlave->mMetaData, anOutput);
+        const Output::Part theMaster(anOutput, "master");
+        PrintMember(theGroup->mMasterGroupedFriendlyName, theGroup->mMasterGroupedUDN, theGroup->mMasterMetaData,
+                    anOutput);
     }
-    anOutput.Fact("slaves", std::to_string(theCount));
-    anOutput.Fact("valid", UPnPGroupInfo_IsValid(theGroup.get()) ? "yes" : "no");
+    PrintSlaves(theGroup.get(), anOutput);
+    anOutput.InText("slaves", std::to_string(UPnPGroupInfo_GetSlaveCount(theGroup.get())));
+    anOutput.YesOrNo("valid", UPnPGroupInfo_IsValid(theGroup.get()) != 0);
     return kExit_Done;
+}
+
+static void PrintCapability(const UPnPGroupCapability& aCapability, Output& anOutput)
+{
+    static const char* const kModes[] = { "none", "slave", "master" };
+    anOutput.Fact("name", aCapability.mName);
+    anOutput.Fact("grouped udn", aCapability.mGroupedUDN);
+    anOutput.Word("mode", kModes[aCapability.mMode], static_cast<uint64>(aCapability.mMode));
 }
 
 static int PrintCapabilities(const char* aText, const std::string& anInput, Output& anOutput)
 {
-    static const char* const kModes[] = { "none", "slave", "master" };
     const Reason theReason;
     const Capabilities theSet(UPnPGroupCapabilities_New(aText), UPnPGroupCapabilities_Delete);
     const size_t theCount = UPnPGroupCapabilities_GetCount(theSet.get());
     if (theCount == 0 && !theReason.IsKnown()) { return FailToFind(anInput + ": no groupCapability"); }
     if (theCount == 0) { return theReason.Fail(anInput, ""); }
-    for (size_t i = 0; i < theCount; ++i)
     {
-        const UPnPGroupCapability* theCapability = UPnPGroupCapabilities_GetAt(theSet.get(), i);
-        anOutput.SetSubject("capability " + std::to_string(i) + " ");
-        anOutput.Fact("name", theCapability->mName);
-        anOutput.Fact("grouped udn", theCapability->mGroupedUDN);
-        anOutput.Fact("mode", kModes[theCapability->mMode]);
+        Output::List theCapabilities(anOutput, "capability", "capabilities");
+        for (size_t i = 0; i < theCount; ++i)
+        {
+            theCapabilities.Next();
+            PrintCapability(*UPnPGroupCapabilities_GetAt(theSet.get(), i), anOutput);
+        }
     }
-    anOutput.SetSubject("");
     anOutput.FactIfAny("active", UPnPGroupCapabilities_GetActive(theSet.get()));
-    anOutput.Fact("capabilities", std::to_string(theCount));
+    anOutput.InText("capabilities", std::to_string(theCount));
     return kExit_Done;
 }
 
@@ -188,8 +201,10 @@ static int StoreGroup(const Arguments& anArguments, Output& anOutput)
     UPnPGroupInfo_Store(theGroup.get(), theConfig.get());
     if (!zoConfigFile_Save(theConfig.get())) { return theReason.Fail(thePath, "can't be written"); }
     anOutput.Fact("section", theSection);
-    anOutput.Fact("slaves", std::to_string(UPnPGroupInfo_GetSlaveCount(theGroup.get())));
-    anOutput.Fact("keys removed", std::to_string(theRemovedCount));
+    const size_t theSlaveCount = UPnPGroupInfo_GetSlaveCount(theGroup.get());
+    anOutput.InText("slaves", std::to_string(theSlaveCount));
+    anOutput.InJSON("slave count", theSlaveCount);
+    anOutput.Number("keys removed", theRemovedCount);
     return kExit_Done;
 }
 

@@ -55,25 +55,38 @@ static Texts GivenOr(const Arguments& anArguments, const char* anOption, const T
     return theTexts.empty() ? aDefault : theTexts;
 }
 
-static const char* YesOrNo(int afAnswer) { return afAnswer ? "yes" : "no"; }
-
 // Names the fact that there is for each of several texts.
 static std::string FactName(const char* aKind, const char* aText) { return std::string(aKind) + " \"" + aText + "\""; }
 
 // Asks a question about one text, a user agent for instance, that is answered by a flag.
-static const char* Ask(UPnPHook* aHook, int aHookID, const char* aText)
+static bool Ask(UPnPHook* aHook, int aHookID, const char* aText)
 {
     int fAnswer = 0;
     UPnPHook_Hook(aHook, aHookID, AsInput(aText), &fAnswer);
-    return YesOrNo(fAnswer);
+    return fAnswer != 0;
 }
 
 // As Ask, for an answer in a byte.
-static const char* AskByte(UPnPHook* aHook, int aHookID, const char* aText)
+static bool AskByte(UPnPHook* aHook, int aHookID, const char* aText)
 {
     char fAnswer = 0;
     UPnPHook_Hook(aHook, aHookID, AsInput(aText), &fAnswer);
-    return YesOrNo(fAnswer);
+    return fAnswer != 0;
+}
+
+// Prints the answers to a question about each of several texts.
+static void PrintFlags(const char* aKind, const char* aKey, const Texts& aTexts, UPnPHook* aHook, int aHookID,
+                       bool (*aAsk)(UPnPHook*, int, const char*), Output& anOutput)
+{
+    Output::List theList(anOutput, "", aKey);
+    for (const char* theText : aTexts)
+    {
+        theList.Next();
+        anOutput.InJSON("name", theText);
+        const bool fAnswer = aAsk(aHook, aHookID, theText);
+        anOutput.InText(FactName(aKind, theText), fAnswer ? "yes" : "no");
+        anOutput.InJSON("supported", fAnswer);
+    }
 }
 
 static void PrintClient(UPnPHook* aHook, const char* aUserAgent, Output& anOutput)
@@ -90,7 +103,7 @@ static void PrintClient(UPnPHook* aHook, const char* aUserAgent, Output& anOutpu
         { kUPnPHook_CheckHTTPChunk, "chunked transfer" },
     };
     for (const auto& theQuestion : kQuestions)
-        anOutput.Fact(theQuestion.mName, Ask(aHook, theQuestion.mHookID, aUserAgent));
+        anOutput.YesOrNo(theQuestion.mName, Ask(aHook, theQuestion.mHookID, aUserAgent));
     char* theDescription = nullptr;
     UPnPHook_Hook(aHook, kUPnPHook_GetInfoDescription, AsInput(aUserAgent), &theDescription);
     anOutput.Fact("info description", theDescription);
@@ -101,15 +114,16 @@ static void PrintDevice(UPnPHook* aHook, const char* aManufacturer, Output& anOu
 {
     int fSortSpec = 0;
     UPnPHook_Hook(aHook, kUPnPHook_GetSupportSortSpec, &fSortSpec);
-    anOutput.Fact("SortSpec", YesOrNo(fSortSpec));
-    anOutput.Fact("extra resource info", Ask(aHook, kUPnPHook_SetResExtraInfoInMetadata, aManufacturer));
+    anOutput.YesOrNo("SortSpec", fSortSpec != 0);
+    anOutput.YesOrNo("extra resource info", Ask(aHook, kUPnPHook_SetResExtraInfoInMetadata, aManufacturer));
 }
 
 static void PrintCount(UPnPHook* aHook, const char* aUserAgent, uint32 aCount, Output& anOutput)
 {
     unsigned int theCount = aCount;
     UPnPHook_Hook(aHook, kUPnPHook_GetRequestedCount, AsInput(aUserAgent), &theCount, AsInput("0"));
-    anOutput.Fact("objects at once", theCount == 0 ? "no limit" : std::to_string(theCount));
+    if (theCount == 0) { anOutput.Fact("objects at once", "no limit", nullptr); }
+    else { anOutput.Number("objects at once", theCount); }
 }
 
 static void PrintObjectID(UPnPHook* aHook, const char* aUserAgent, const char* anObjectID, const char* aFilter,
@@ -119,8 +133,14 @@ static void PrintObjectID(UPnPHook* aHook, const char* aUserAgent, const char* a
     char* theFilter = AsInput(aFilter);
     UPnPHook_Hook(aHook, kUPnPHook_ConvertObjectID, AsInput(aUserAgent), &theObjectID, &theFilter);
     const std::string theName = FactName("object id", anObjectID);
-    anOutput.Fact(theName, theObjectID);
-    if (aFilter) { anOutput.Fact(theName + " filter", theFilter); }
+    anOutput.InText(theName, theObjectID);
+    anOutput.InJSON("id", anObjectID);
+    anOutput.InJSON("converted", theObjectID);
+    if (aFilter)
+    {
+        anOutput.InText(theName + " filter", theFilter);
+        anOutput.InJSON("filter", theFilter);
+    }
     free(theObjectID);
     free(theFilter);
 }
@@ -129,7 +149,29 @@ static void PrintClass(UPnPHook* aHook, const char* aUserAgent, const char* aCla
 {
     char* theClass = nullptr;
     UPnPHook_Hook(aHook, kUPnPHook_AdjustMediaClassName, AsInput(aUserAgent), AsInput(aClass), &theClass);
-    anOutput.Fact(FactName("class", aClass), theClass ? theClass : aClass);
+    anOutput.InText(FactName("class", aClass), theClass ? theClass : aClass);
+    anOutput.InJSON("class", aClass);
+    anOutput.InJSON("adjusted", theClass ? theClass : aClass);
+}
+
+static void PrintObjectIDs(UPnPHook* aHook, const char* aUserAgent, const Arguments& anArguments, Output& anOutput)
+{
+    Output::List theList(anOutput, "", "objectIds");
+    for (const char* theID : GivenOr(anArguments, "--object-id", kObjectIDs))
+    {
+        theList.Next();
+        PrintObjectID(aHook, aUserAgent, theID, anArguments.Get("--filter"), anOutput);
+    }
+}
+
+static void PrintClasses(UPnPHook* aHook, const char* aUserAgent, const Texts& aClasses, Output& anOutput)
+{
+    Output::List theList(anOutput, "", "classes");
+    for (const char* theClass : aClasses)
+    {
+        theList.Next();
+        PrintClass(aHook, aUserAgent, theClass, anOutput);
+    }
 }
 
 static void PrintAnswers(UPnPHook* aHook, const Arguments& anArguments, uint32 aCount, Output& anOutput)
@@ -138,16 +180,14 @@ static void PrintAnswers(UPnPHook* aHook, const Arguments& anArguments, uint32 a
     PrintClient(aHook, theUserAgent, anOutput);
     PrintDevice(aHook, anArguments.Get("--manufacturer"), anOutput);
     PrintCount(aHook, theUserAgent, aCount, anOutput);
-    for (const char* theID : GivenOr(anArguments, "--object-id", kObjectIDs))
-        PrintObjectID(aHook, theUserAgent, theID, anArguments.Get("--filter"), anOutput);
-    for (const char* theClass : GivenOr(anArguments, "--class", kClasses))
-        PrintClass(aHook, theUserAgent, theClass, anOutput);
-    for (const char* theMode : GivenOr(anArguments, "--play-mode", kPlayModes))
-        anOutput.Fact(FactName("play mode", theMode), AskByte(aHook, kUPnPHook_CheckPlayMode, theMode));
-    for (const char* theMode : GivenOr(anArguments, "--seek-mode", SeekModes()))
-        anOutput.Fact(FactName("seek mode", theMode), AskByte(aHook, kUPnPHook_CheckSeekMode, theMode));
-    for (const char* theEvent : GivenOr(anArguments, "--event", Events()))
-        anOutput.Fact(FactName("event", theEvent), Ask(aHook, kUPnPHook_GetSupportEvent, theEvent));
+    PrintObjectIDs(aHook, theUserAgent, anArguments, anOutput);
+    PrintClasses(aHook, theUserAgent, GivenOr(anArguments, "--class", kClasses), anOutput);
+    PrintFlags("play mode", "playModes", GivenOr(anArguments, "--play-mode", kPlayModes), aHook,
+               kUPnPHook_CheckPlayMode, AskByte, anOutput);
+    PrintFlags("seek mode", "seekModes", GivenOr(anArguments, "--seek-mode", SeekModes()), aHook,
+               kUPnPHook_CheckSeekMode, AskByte, anOutput);
+    PrintFlags("event", "events", GivenOr(anArguments, "--event", Events()), aHook, kUPnPHook_GetSupportEvent, Ask,
+               anOutput);
 }
 
 static int Hook(const Arguments& anArguments, Output& anOutput)

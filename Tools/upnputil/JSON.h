@@ -1,41 +1,50 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <variant>
+#include <zoOS/zoTypes.h>
 
-/* Facts as one JSON object. A name like "object 0 resource 1 uri" is the path to a member: a word with a number is an
- * element of an array, so that this one is {"object": [{"resource": [ ..., {"uri": ...}]}]}. A fact whose name ends in
- * a number is a text of its array; a name that comes twice has an array of its texts. */
-class JSONFacts
+/* A value of a fact in JSON. */
+typedef std::variant<std::nullptr_t, bool, uint64, std::string_view> JSONValue;
+
+/* Writes JSON piece by piece, by RapidJSON: nothing of it is kept. Outermost objects follow each other, each with a
+ * line end. */
+class JSONWriter
 {
 public:
-    void Add(std::string_view aName, std::string_view aValue);
-    /** @return the object and a line end. Bytes that are not UTF-8 are written as U+FFFD. */
-    std::string Text() const;
+    /** @param aTarget what is written is appended to it.
+     *  @param afLines whether each outermost object is one line; otherwise its members have lines of their own. */
+    JSONWriter(std::string& aTarget, bool afLines);
+    ~JSONWriter();
+
+    /** @return whether each outermost object is one line. */
+    bool IsInLines() const { return mfLines; }
+    /** @return how many objects and arrays are open. */
+    size_t GetDepth() const { return mDepth; }
+
+    /** Begins a member of the innermost object, or of a new outermost one, with the key that a fact's name makes. */
+    void Name(std::string_view aName);
+    /** Begins a member with this key. */
+    void Key(std::string_view aKey);
+    /** Writes the value of a member, or an element. Each byte of a text that is not UTF-8 becomes U+FFFD. */
+    void Value(const JSONValue& aValue);
+    void BeginObject();
+    void EndObject();
+    void BeginArray();
+    void EndArray();
 
 private:
-    enum class Kind
-    {
-        Text,
-        Array,
-        Object
-    };
-    // The members and elements of a node follow its own number, so that its number alone identifies a node.
-    struct Node
-    {
-        Kind mKind = Kind::Object;
-        std::string mName; // in an object
-        std::string mText;
-        std::vector<size_t> mChildren;
-    };
+    struct Writers;
+    template <typename Call>
+    void Write(Call aCall);
 
-    size_t NewChild(size_t aParent, Kind aKind, std::string_view aName);
-    size_t Member(size_t anObject, std::string_view aName) const;
-    size_t ArrayOf(size_t anObject, std::string_view aName);
-    size_t ObjectAt(size_t anArray, size_t anIndex);
-    void AddText(size_t anObject, std::string_view aName, std::string_view aValue);
-    void AppendOpening(std::string& aText, size_t aNode) const;
-
-    std::vector<Node> mNodes = std::vector<Node>(1); // the first is the outermost object
+    std::string& mTarget;
+    const bool mfLines;
+    size_t mDepth = 0;
+    std::unique_ptr<Writers> mWriters;
 };
+
+/** @return the key that a fact's name makes: of "parent id" it is "parentId". */
+std::string JSONKey(std::string_view aName);

@@ -11,8 +11,6 @@ struct MediaObject
         : mEntry(zoPackedData_NewData(anEntry)), mResources(aResources, mEntry.mPackedData)
     {}
 
-    const char* GetKind() { return mEntry.IsContainer() ? "container" : "item"; }
-
     CDSEntryInfo mEntry;
     CDSResourceInfo mResources;
 };

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <signal.h>
 #include <time.h>
 #include <unistd.h>
@@ -17,7 +18,7 @@ static const Usage kUsage = {
     "[--config FILE --section NAME] [--once]",
     nullptr,
     "Prints the host's IP addresses, and then a line with the time for each change of them, until it is interrupted\n"
-    "(Ctrl-C). It looks every 4 seconds. With --json everything is printed at the end.\n",
+    "(Ctrl-C). It looks every 4 seconds. With --json-lines the addresses are one line, and each change is one.\n",
     {
         { "--config", "FILE", false, "a configuration file that says which addresses count; \"-\" is standard input" },
         { "--section", "NAME", false, "its section with the keys \"UPnPLocal\" and \"exclude-if\"" },
@@ -40,8 +41,8 @@ struct Watch
     Output& mOutput;
     const zoSocketPolicy* mPolicy;
     ILibBaseChain* mChain;
-    Texts mAddresses; // sorted
-    int mChangeCount;
+    Texts mAddresses;                     // sorted
+    std::optional<Output::List> mChanges; // once the addresses are printed
 };
 
 // Lets Ctrl-C and a request to terminate stop a chain, for as long as it lives.
@@ -132,11 +133,17 @@ static bool ReadAddresses(const zoSocketPolicy* aPolicy, Texts& anAddresses)
     return true;
 }
 
+static void PrintList(const char* aName, const char* aKey, const Texts& aTexts, Output& anOutput)
+{
+    Output::List theList(anOutput, aName, aKey);
+    for (const std::string& theText : aTexts)
+        theList.Add(theText);
+}
+
 static void PrintAddresses(const Texts& anAddresses, Output& anOutput)
 {
-    for (size_t i = 0; i < anAddresses.size(); ++i)
-        anOutput.Fact("address " + std::to_string(i), anAddresses[i]);
-    anOutput.Fact("addresses", std::to_string(anAddresses.size()));
+    PrintList("address", "addresses", anAddresses, anOutput);
+    anOutput.InText("addresses", std::to_string(anAddresses.size()));
 }
 
 static std::string TimeNow()
@@ -149,15 +156,33 @@ static std::string TimeNow()
     return theText;
 }
 
-// Lists what is in one set of addresses and not in the other.
-static std::string Difference(const char* aWord, const Texts& aWith, const Texts& aWithout)
+// What is in one set of addresses and not in the other.
+static Texts Difference(const Texts& aWith, const Texts& aWithout)
 {
     Texts theAddresses;
     std::set_difference(aWith.begin(), aWith.end(), aWithout.begin(), aWithout.end(), std::back_inserter(theAddresses));
+    return theAddresses;
+}
+
+static std::string TextOf(const char* aWord, const Texts& anAddresses)
+{
     std::string theText;
-    for (const std::string& theAddress : theAddresses)
+    for (const std::string& theAddress : anAddresses)
         theText += std::string(", ") + aWord + " " + theAddress;
     return theText;
+}
+
+static void PrintDifference(Watch& aWatch, const Texts& anAdded, const Texts& aRemoved)
+{
+    Output& theOutput = aWatch.mOutput;
+    const std::string theTime = TimeNow();
+    theOutput.InText("change " + std::to_string(aWatch.mChanges->GetCount()),
+                     theTime + TextOf("added", anAdded) + TextOf("removed", aRemoved));
+    aWatch.mChanges->Next();
+    theOutput.InJSON("time", theTime);
+    PrintList("", "added", anAdded, theOutput);
+    PrintList("", "removed", aRemoved, theOutput);
+    aWatch.mChanges->End();
 }
 
 static void FlushOrStop(Watch& aWatch)
@@ -176,9 +201,8 @@ static void PrintChange(void* aWatch)
     }
     // A change right after the monitor has looked, now or at the start, may be printed already.
     if (theAddresses == theWatch.mAddresses) { return; }
-    theWatch.mOutput.Fact("change " + std::to_string(theWatch.mChangeCount++),
-                          TimeNow() + Difference("added", theAddresses, theWatch.mAddresses) +
-                              Difference("removed", theWatch.mAddresses, theAddresses));
+    PrintDifference(theWatch, Difference(theAddresses, theWatch.mAddresses),
+                    Difference(theWatch.mAddresses, theAddresses));
     theWatch.mAddresses = std::move(theAddresses);
     FlushOrStop(theWatch);
 }
@@ -188,11 +212,12 @@ static int Watching(zoSocketPolicy* aPolicy, Output& anOutput)
     const Chain theChain(ILibChain_New(), &ILibChain_Delete);
     if (!theChain) { return Fail("no event chain can be made: too many open files"); }
     const Interruption theInterruption(theChain.get());
-    Watch theWatch = { anOutput, aPolicy, theChain.get(), {}, 0 };
+    Watch theWatch = { anOutput, aPolicy, theChain.get(), {}, std::nullopt };
     // The monitor looks before the list is read, so that no change is missed between the two.
     UPnPIPAddressMonitor_Create(theChain.get(), PrintChange, &theWatch, aPolicy);
     if (!ReadAddresses(aPolicy, theWatch.mAddresses)) { return Fail("the host's addresses can't be read"); }
     PrintAddresses(theWatch.mAddresses, anOutput);
+    theWatch.mChanges.emplace(anOutput, "", "changes", Output::List::kForm_Lines);
     FlushOrStop(theWatch);
     AddReaderWatch(theChain.get());
     ILibChain_Run(theChain.get());

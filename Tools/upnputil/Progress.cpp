@@ -6,11 +6,8 @@
 static const std::chrono::seconds kInterval(1);
 static const size_t kStepsPerLook = 64; // at the clock
 
-Progress::Progress(size_t aTotal, const char* aThings)
-    : mTotal(aTotal),
-      mThings(aThings),
-      mfTerminal(isatty(STDERR_FILENO) != 0),
-      mNext(std::chrono::steady_clock::now() + kInterval)
+Progress::Progress(const char* aThings)
+    : mThings(aThings), mfTerminal(isatty(STDERR_FILENO) != 0), mNext(std::chrono::steady_clock::now() + kInterval)
 {}
 
 Progress::~Progress()
@@ -27,8 +24,7 @@ void Progress::Step()
 
 void Progress::Print()
 {
-    fprintf(stderr, "%supnputil: %zu of %zu %s%s", mfTerminal ? "\r" : "", mDone, mTotal, mThings,
-            mfTerminal ? "" : "\n");
+    fprintf(stderr, "%supnputil: %zu %s%s", mfTerminal ? "\r" : "", mDone, mThings, mfTerminal ? "" : "\n");
     fflush(stderr);
     mfPrinted = true;
 }

@@ -8,9 +8,8 @@
 class Progress
 {
 public:
-    /** @param aTotal  how many steps there are.
-     *  @param aThings what they are called. */
-    Progress(size_t aTotal, const char* aThings);
+    /** @param aThings what is done in each step. */
+    explicit Progress(const char* aThings);
     /** Ends the terminal's line, if there is one. */
     ~Progress();
     Progress(const Progress&) = delete;
@@ -22,7 +21,6 @@ public:
 private:
     void Print();
 
-    const size_t mTotal;
     const char* const mThings;
     size_t mDone = 0;
     bool mfPrinted = false;

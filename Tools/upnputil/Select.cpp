@@ -1,8 +1,9 @@
 #include "Document.h"
 #include "Input.h"
-#include "MediaObject.h"
+#include "Progress.h"
 #include "Subcommand.h"
 
+#include <UPnP/Utilities/CDSResourceReport.h>
 #include <UPnP/Utilities/UPnPCPUtility.h>
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <memory>
@@ -14,8 +15,10 @@ static const Usage kUsage = {
     "(--sink TEXT | --sink-file FILE) [OPTION...]",
     "FILE",
     "Chooses the resource of an object that a renderer plays best, and prints what is to be known before it is played.\n"
-    "FILE holds DIDL-Lite with one object; \"-\" is standard input.\n",
+    "FILE holds DIDL-Lite, or the response to a Browse action; \"-\" is standard input. Of several objects each is looked\n"
+    "at. A container without resources gives its metadata.\n",
     {
+        { "--object", "N|ID", false, "only this object: its number, from 0 on, or its ID (id=5: the ID \"5\")" },
         { "--sink", "TEXT", false, "the renderer's protocol infos, separated by commas" },
         { "--sink-file", "FILE", false, "a file with them; line ends separate them, too" },
         { "--scheme", "ORDER", false, "transports separated by commas, best first (default: *, any)" },
@@ -30,8 +33,10 @@ namespace
 
 struct Request
 {
-    std::string mSink;
-    zoCString mScheme;
+    std::unique_ptr<zoDLNAProtocolInfoList_t, decltype(&zoDLNAProtocolInfoList_Delete)> mSinks{
+        nullptr, zoDLNAProtocolInfoList_Delete
+    };
+    const char* mScheme;
     std::vector<uint32> mTargets;
     zoCString mProfiles;
     const char* mPin;
@@ -80,35 +85,14 @@ static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aS
         return false;
     }
     if (!ReadTargets(anArguments, aRequest.mTargets, aStatus)) { return false; }
-    aRequest.mScheme = anArguments.Get("--scheme") ? anArguments.Get("--scheme") : "*";
+    aRequest.mScheme = anArguments.Get("--scheme");
     aRequest.mProfiles = anArguments.Get("--profiles");
     aRequest.mPin = anArguments.Get("--pin");
     *aStatus = kExit_Bad;
-    if (theSink) { aRequest.mSink = theSink; }
-    return theSink || ReadSinkFile(theSinkFile, aRequest.mSink);
-}
-
-static int FailToParse(const std::string& aName, Document& aDocument, int aResult, int aType)
-{
-    if (aResult == kUPnPError_InvalidXML) { return Fail(aName + ": " + aDocument.GetFault()); }
-    if (aType != kDIDLItemType_None) { return Fail(aName + ": more than one object; upnputil show prints them all"); }
-    if (aDocument.GetObjects().empty()) { return FailToFind(aName + ": no object"); }
-    return Fail(aName + ": \"restricted\" or \"searchable\" is neither true nor false");
-}
-
-static std::unique_ptr<MediaObject> ReadObject(const std::string& aPath, int* aStatus)
-{
-    std::vector<char> theText;
-    *aStatus = kExit_Bad;
-    if (!ReadInput(aPath, theText)) { return nullptr; }
-    Document theDocument(std::move(theText));
-    char* theEntry = nullptr;
-    char* theResources = nullptr;
-    int theType = kDIDLItemType_None;
-    const int theResult = UPnPDIDL_ParseElements(theDocument.GetText(), &theEntry, &theResources, &theType);
-    if (theResult == kUPnPError_None) { return std::make_unique<MediaObject>(theEntry, theResources); }
-    *aStatus = FailToParse(InputName(aPath), theDocument, theResult, theType);
-    return nullptr;
+    std::string theText = theSink ? theSink : "";
+    if (theSinkFile && !ReadSinkFile(theSinkFile, theText)) { return false; }
+    aRequest.mSinks.reset(zoDLNAProtocolInfoList_New(theText.c_str(), 0));
+    return true;
 }
 
 static void PrintPictures(MediaObject& anObject, Request& aRequest, Output& anOutput)
@@ -126,22 +110,21 @@ static void PrintPictures(MediaObject& anObject, Request& aRequest, Output& anOu
 
 static void PrintSubtitles(CDSResourceInfo& aResources, Output& anOutput)
 {
-    int theSubtitle = 0;
+    Output::List theSubtitles(anOutput, "subtitle", "subtitles");
     const int theCount = static_cast<int>(aResources.GetResourceCount());
     for (int i = 0; i < theCount; ++i)
     {
         if (!aResources.IsSubtitle(i)) { continue; }
-        anOutput.SetSubject("subtitle " + std::to_string(theSubtitle++) + " ");
+        theSubtitles.Next();
         anOutput.FactIfAny("label", aResources.GetSubtitleLabel(i).c_str());
         anOutput.FactIfAny("type", aResources.GetSubtitleType(i).c_str());
         anOutput.FactIfAny("uri", aResources.GetSubtitleURI(i).c_str());
     }
-    anOutput.SetSubject("");
 }
 
 static void PrintLock(const zoCString& aURI, const char* aPin, Output& anOutput)
 {
-    anOutput.Fact("parental lock", UPnPCPUtility::IsURIParentalLocked(aURI) ? "yes" : "no");
+    anOutput.YesOrNo("parental lock", UPnPCPUtility::IsURIParentalLocked(aURI));
     if (!aPin) { return; }
     const zoCString theUnlocked = UPnPCPUtility::GetURIUnlocked(aURI, aPin);
     if (theUnlocked != aURI) { anOutput.Fact("unlocked uri", theUnlocked.c_str()); }
@@ -150,8 +133,11 @@ static void PrintLock(const zoCString& aURI, const char* aPin, Output& anOutput)
 static void PrintChoice(CDSResourceInfo& aResources, int aChoice, int aConfidence, Output& anOutput)
 {
     static const char* const kConfidences[] = { "will not", "should not", "may", "should" };
-    anOutput.Fact("choice", aChoice < 0 ? "none" : std::to_string(aChoice));
-    anOutput.Fact("confidence", std::string(kConfidences[aConfidence]) + " (" + std::to_string(aConfidence) + ")");
+    if (aChoice < 0) { anOutput.Fact("choice", "none", nullptr); }
+    else { anOutput.Number("choice", static_cast<uint64>(aChoice)); }
+    const char* theWord = kConfidences[aConfidence];
+    anOutput.Word("confidence", theWord + (" (" + std::to_string(aConfidence) + ")"), theWord,
+                  static_cast<uint64>(aConfidence));
     if (aChoice < 0) { return; }
     const uint32 theIndex = static_cast<uint32>(aChoice);
     anOutput.FactIfAny("uri", aResources.GetInfoAsCString(theIndex, kCDSResourceInfo_URI).c_str());
@@ -166,26 +152,74 @@ static void PrintMetadata(MediaObject& anObject, const zoCString& aURI, Output& 
     free(theText);
 }
 
-static int PrintSelection(MediaObject& anObject, Request& aRequest, Output& anOutput)
+// Returns whether something can be done with the object: a resource can be played, or a container browsed.
+static bool PrintSelection(const DocumentObject& anObject, Request& aRequest, Output& anOutput)
 {
-    anOutput.Fact("kind", anObject.GetKind());
-    anOutput.FactIfAny("id", anObject.mEntry.GetInfoAsCString(kCDSEntryInfo_ItemID).c_str());
-    anOutput.FactIfAny("class", anObject.mEntry.GetInfoAsCString(kCDSEntryInfo_ItemClassName).c_str());
-    anOutput.FactIfAny("title", anObject.mEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
+    MediaObject& theRecords = *anObject.mRecords;
+    anOutput.FactIfAny("id", theRecords.mEntry.GetInfoAsCString(kCDSEntryInfo_ItemID).c_str());
+    anOutput.FactIfAny("class", theRecords.mEntry.GetInfoAsCString(kCDSEntryInfo_ItemClassName).c_str());
+    anOutput.FactIfAny("title", theRecords.mEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
 
     int theConfidence = kRendererPlayConfidence_WillNot;
-    const int theChoice =
-        anObject.mResources.GetBestResourceIndexFromStr(aRequest.mSink.c_str(), &theConfidence, aRequest.mScheme,
-                                                        aRequest.mTargets.data(), aRequest.TargetCount(), false);
-    PrintChoice(anObject.mResources, theChoice, theConfidence, anOutput);
-    PrintPictures(anObject, aRequest, anOutput);
-    PrintSubtitles(anObject.mResources, anOutput);
-    if (theChoice < 0) { return kExit_NotFound; }
+    const int theChoice = CDSResourceInfo_ChooseResource(
+        theRecords.mResources.mPackedData, aRequest.mSinks.get(), kCDSResourceChoice_Default, aRequest.mScheme,
+        aRequest.mTargets.data(), aRequest.TargetCount(), &theConfidence);
+    PrintChoice(theRecords.mResources, theChoice, theConfidence, anOutput);
+    PrintPictures(theRecords, aRequest, anOutput);
+    PrintSubtitles(theRecords.mResources, anOutput);
+    if (theChoice >= 0)
+    {
+        const zoCString theURI =
+            theRecords.mResources.GetInfoAsCString(static_cast<uint32>(theChoice), kCDSResourceInfo_URI);
+        PrintLock(theURI, aRequest.mPin, anOutput);
+        PrintMetadata(theRecords, theURI, anOutput);
+        return true;
+    }
+    const bool fHasMetadataOnly = anObject.IsContainer() && theRecords.mResources.GetResourceCount() == 0;
+    if (fHasMetadataOnly) { PrintMetadata(theRecords, "", anOutput); }
+    return fHasMetadataOnly;
+}
 
-    const zoCString theURI = anObject.mResources.GetInfoAsCString(static_cast<uint32>(theChoice), kCDSResourceInfo_URI);
-    PrintLock(theURI, aRequest.mPin, anOutput);
-    PrintMetadata(anObject, theURI, anOutput);
-    return kExit_Done;
+// True if an option asks for the object: by its number in the document, or else by its ID.
+static bool IsWanted(const DocumentObject& anObject, const std::string& aWanted)
+{
+    static const std::string kIDPrefix = "id=";
+    const bool fIsNumber = !aWanted.empty() && aWanted.find_first_not_of("0123456789") == std::string::npos;
+    if (fIsNumber) { return std::to_string(anObject.mIndex) == aWanted; }
+    const bool fHasPrefix = aWanted.compare(0, kIDPrefix.size(), kIDPrefix) == 0;
+    return anObject.mRecords && anObject.mRecords->mEntry.GetInfoAsCString(kCDSEntryInfo_ItemID) ==
+                                    aWanted.c_str() + (fHasPrefix ? kIDPrefix.size() : 0);
+}
+
+// Prints the objects that are asked for, all without aWanted.
+static int PrintObjects(Document& aDocument, const char* aWanted, const std::string& aName, Request& aRequest,
+                        Output& anOutput)
+{
+    Progress theProgress("objects");
+    InvalidObjects theInvalid;
+    bool fIsOneUseful = false;
+    DocumentObject theObject = {};
+    if (aDocument.HasNext()) { theObject = aDocument.TakeNext(); }
+    const bool fIsOne = aWanted || !aDocument.HasNext();
+    Output::List theObjects(anOutput, fIsOne ? "" : "object", "objects", Output::List::kForm_Lines);
+    while (theObject.mType != kDIDLItemType_None)
+    {
+        const bool fIsWanted = !aWanted || IsWanted(theObject, aWanted);
+        if (fIsWanted)
+        {
+            theObjects.Next();
+            theInvalid.PrintHead(theObject, anOutput);
+            fIsOneUseful |= theObject.mRecords && PrintSelection(theObject, aRequest, anOutput);
+        }
+        if (!aDocument.HasNext() || (aWanted && fIsWanted)) { break; }
+        theObject = aDocument.TakeNext();
+        theProgress.Step();
+    }
+    if (theObjects.GetCount() == 0)
+    {
+        return FailToFind(aName + ": no object" + (aWanted ? std::string(" ") + aWanted : ""));
+    }
+    return theInvalid.Report(aName, fIsOneUseful ? kExit_Done : kExit_NotFound);
 }
 
 static int Select(const Arguments& anArguments, Output& anOutput)
@@ -193,8 +227,12 @@ static int Select(const Arguments& anArguments, Output& anOutput)
     Request theRequest;
     int theStatus = kExit_Done;
     if (!ReadRequest(anArguments, theRequest, &theStatus)) { return theStatus; }
-    const std::unique_ptr<MediaObject> theObject = ReadObject(anArguments.Operand(), &theStatus);
-    return theObject ? PrintSelection(*theObject, theRequest, anOutput) : theStatus;
+    std::vector<char> theText;
+    if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
+    Document theDocument(std::move(theText), nullptr);
+    const std::string theName = InputName(anArguments.Operand());
+    if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
+    return PrintObjects(theDocument, anArguments.Get("--object"), theName, theRequest, anOutput);
 }
 
 const Subcommand kSelect = { "select", "choose the resource of an object that a renderer plays best", &kUsage, Select };

@@ -97,11 +97,13 @@ static const Flag kManagedFlags[] = {
     { kDLNAManaged_ChangeMetaData, "change metadata" },
 };
 
-static std::string TimeText(uint32 aSeconds)
+static void PrintTime(const char* aName, uint32 aSeconds, Output& anOutput)
 {
     char theText[sizeof(kUPnP_UnknownTimeString)];
     UPnPUtil_SetTimeString(theText, aSeconds);
-    return theText + (aSeconds == kUPnP_UnknownTime ? "" : " (" + std::to_string(aSeconds) + " s)");
+    const bool fIsKnown = aSeconds != kUPnP_UnknownTime;
+    anOutput.Fact(aName, theText + (fIsKnown ? " (" + std::to_string(aSeconds) + " s)" : ""), theText);
+    if (fIsKnown) { anOutput.InJSON(aName + std::string(" seconds"), aSeconds); }
 }
 
 static bool IsSet(FieldKind aKind, uint64 aValue)
@@ -120,8 +122,8 @@ static void PrintField(const Field& aField, const zoPackedData_t* aRecord, uint3
     }
     const uint64 theValue = zoPackedData_GetDataAsUInt64(aRecord, anEntry, aField.mTag);
     if (!IsSet(aField.mKind, theValue)) { return; }
-    anOutput.Fact(aField.mName,
-                  aField.mKind == kTime ? TimeText(static_cast<uint32>(theValue)) : std::to_string(theValue));
+    if (aField.mKind == kTime) { PrintTime(aField.mName, static_cast<uint32>(theValue), anOutput); }
+    else { anOutput.Number(aField.mName, theValue); }
 }
 
 template <size_t kSize>
@@ -135,15 +137,29 @@ static std::string FlagWords(const Flag (&aTable)[kSize], uint32 aFlags)
     return theWords.empty() ? "none" : theWords;
 }
 
+// In JSON, flags are an object with a member for each, and their number.
+template <size_t kSize>
+static void PrintFlagsOf(const char* aName, const Flag (&aTable)[kSize], uint32 aFlags, const std::string& aNumberText,
+                         Output& anOutput)
+{
+    anOutput.InText(aName, FlagWords(aTable, aFlags) + " (" + aNumberText + ")");
+    {
+        const Output::Part thePart(anOutput, aName);
+        for (const Flag& theFlag : aTable)
+            anOutput.InJSON(theFlag.mName, (aFlags & theFlag.mBit) != 0);
+    }
+    anOutput.InJSON(aName + std::string(" number"), aFlags);
+}
+
 static void PrintFlags(CDSEntryInfo& anEntry, Output& anOutput)
 {
     const uint32 theFlags = static_cast<uint32>(anEntry.GetInfoAsULong(kCDSEntryInfo_Flags));
-    anOutput.Fact("flags", FlagWords(kFlags, theFlags) + " (" + std::to_string(theFlags) + ")");
+    PrintFlagsOf("flags", kFlags, theFlags, std::to_string(theFlags), anOutput);
     const uint32 theManaged = static_cast<uint32>(anEntry.GetInfoAsULong(kCDSEntryInfo_DLNAManaged));
     if (theManaged == 0) { return; }
-    char theNumber[sizeof(" (0x00000000)")];
-    snprintf(theNumber, sizeof theNumber, " (0x%08X)", static_cast<unsigned>(theManaged));
-    anOutput.Fact("dlna managed", FlagWords(kManagedFlags, theManaged) + theNumber);
+    char theNumber[sizeof("0x00000000")];
+    snprintf(theNumber, sizeof theNumber, "0x%08X", static_cast<unsigned>(theManaged));
+    PrintFlagsOf("dlna managed", kManagedFlags, theManaged, theNumber, anOutput);
 }
 
 static void PrintAlbumArt(CDSEntryInfo& anEntry, Output& anOutput)
@@ -151,11 +167,12 @@ static void PrintAlbumArt(CDSEntryInfo& anEntry, Output& anOutput)
     zoArray_t* thePairs =
         zoPackedData_GetDataArray(anEntry.mPackedData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
     zoArray_SetFreeFunc(thePairs, zoStringArray_FreeFunc);
+    Output::List theList(anOutput, "album art", "albumArts");
     for (size_t i = 0; i + 1 < zoArray_GetCount(thePairs); i += 2)
     {
-        const std::string theName = "album art " + std::to_string(i / 2);
-        anOutput.Fact(theName + " uri", static_cast<const char*>(zoArray_At(thePairs, i)));
-        anOutput.FactIfAny(theName + " profile", static_cast<const char*>(zoArray_At(thePairs, i + 1)));
+        theList.Next();
+        anOutput.Fact("uri", static_cast<const char*>(zoArray_At(thePairs, i)));
+        anOutput.FactIfAny("profile", static_cast<const char*>(zoArray_At(thePairs, i + 1)));
     }
     zoArray_Delete(thePairs);
 }
@@ -173,71 +190,52 @@ static std::string Declaration(std::string_view aText)
 
 static void PrintNamespaces(CDSEntryInfo& anEntry, Output& anOutput)
 {
-    const zoCString theList = anEntry.GetInfoAsCString(kCDSEntryInfo_XMLNS);
-    if (theList.IsEmpty()) { return; }
+    Output::List theList(anOutput, "namespace", "namespaces");
+    const zoCString theText = anEntry.GetInfoAsCString(kCDSEntryInfo_XMLNS);
+    if (theText.IsEmpty()) { return; }
     zoCStringParser_TokenList* theTokens =
-        zoCStringParser_TokenizeEscaped(theList.c_str(), 0, theList.length(), ",", 1, '\\');
-    size_t theIndex = 0;
+        zoCStringParser_TokenizeEscaped(theText.c_str(), 0, theText.length(), ",", 1, '\\');
     for (const zoCStringParser_Token* theToken = theTokens->mFirstToken; theToken; theToken = theToken->mNextToken)
-        anOutput.Fact("namespace " + std::to_string(theIndex++),
-                      Declaration({ theToken->mData, theToken->mDataLength }));
+        theList.Add(Declaration({ theToken->mData, theToken->mDataLength }));
     zoCStringParser_Delete(theTokens);
 }
 
-static std::string ExtraName(int anIndex, const zoCString& aName)
+static void PrintEntry(CDSEntryInfo& anEntry, Output& anOutput)
 {
-    return "extra " + std::to_string(anIndex) + " " + aName.c_str();
-}
-
-static void PrintEntry(MediaObject& anObject, Output& anOutput)
-{
-    CDSEntryInfo& theEntry = anObject.mEntry;
-    anOutput.Fact("kind", anObject.GetKind());
     for (const Field& theField : kEntryFields)
-        PrintField(theField, theEntry.mPackedData, 0, anOutput);
-    PrintFlags(theEntry, anOutput);
-    PrintAlbumArt(theEntry, anOutput);
-    PrintNamespaces(theEntry, anOutput);
-    const int theCount = theEntry.GetExtraInfoCount();
+        PrintField(theField, anEntry.mPackedData, 0, anOutput);
+    PrintFlags(anEntry, anOutput);
+    PrintAlbumArt(anEntry, anOutput);
+    PrintNamespaces(anEntry, anOutput);
+    Output::List thePairs(anOutput, "extra", "extras");
+    const int theCount = anEntry.GetExtraInfoCount();
     for (int i = 0; i < theCount; ++i)
-        anOutput.Fact(ExtraName(i, theEntry.GetExtraInfoName(i)), theEntry.GetExtraInfoData(i).c_str());
+        thePairs.AddPair(anEntry.GetExtraInfoName(i).c_str(), anEntry.GetExtraInfoData(i).c_str());
 }
 
 static void PrintResource(CDSResourceInfo& aResources, uint32 anIndex, Output& anOutput)
 {
     for (const Field& theField : kResourceFields)
         PrintField(theField, aResources.mPackedData, anIndex, anOutput);
+    Output::List thePairs(anOutput, "extra", "extras");
     const int theCount = aResources.GetExtraInfoCount(anIndex);
     for (int i = 0; i < theCount; ++i)
     {
-        anOutput.Fact(ExtraName(i, aResources.GetExtraInfoName(anIndex, i)),
-                      aResources.GetExtraInfoData(anIndex, i).c_str());
+        thePairs.AddPair(aResources.GetExtraInfoName(anIndex, i).c_str(),
+                         aResources.GetExtraInfoData(anIndex, i).c_str());
     }
 }
 
-static void PrintObject(DocumentObject& anObject, size_t anIndex, const char* aBaseURL, Output& anOutput)
+static void PrintRecords(MediaObject& anObject, Output& anOutput)
 {
-    char* theEntry = nullptr;
-    char* theResources = nullptr;
-    ILibXMLNode* theNodes = ILibParseXML(anObject.mText.data(), 0, anObject.mText.size());
-    ILibProcessXMLNodeList(theNodes);
-    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNodes);
-    const int theResult =
-        UPnPDIDL_Parse(aBaseURL, anObject.mDIDL, theNodes, theAttributes, anObject.mfIsItem, &theEntry, &theResources);
-    ILibDestructXMLAttributeList(theAttributes);
-    ILibDestructXMLNodeList(theNodes);
-
-    MediaObject theObject(theEntry, theResources);
-    const std::string theSubject = "object " + std::to_string(anIndex) + " ";
-    anOutput.SetSubject(theSubject);
-    PrintEntry(theObject, anOutput);
-    if (!theResult) { anOutput.Fact("invalid", "\"restricted\" or \"searchable\" is neither true nor false"); }
-    const uint32 theCount = theObject.mResources.GetResourceCount();
-    anOutput.Fact("resources", std::to_string(theCount));
+    PrintEntry(anObject.mEntry, anOutput);
+    const uint32 theCount = anObject.mResources.GetResourceCount();
+    anOutput.InText("resources", std::to_string(theCount));
+    Output::List theResources(anOutput, "resource", "resources");
     for (uint32 i = 0; i < theCount; ++i)
     {
-        anOutput.SetSubject(theSubject + "resource " + std::to_string(i) + " ");
-        PrintResource(theObject.mResources, i, anOutput);
+        theResources.Next();
+        PrintResource(anObject.mResources, i, anOutput);
     }
 }
 
@@ -256,20 +254,27 @@ static int Show(const Arguments& anArguments, Output& anOutput)
 
     std::vector<char> theText;
     if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
-    Document theDocument(std::move(theText));
+    Document theDocument(std::move(theText), theBaseURL);
     const std::string theName = InputName(anArguments.Operand());
     if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
-    std::vector<DocumentObject>& theObjects = theDocument.GetObjects();
-    if (theObjects.empty()) { return FailToFind(theName + ": no object"); }
-    Progress theProgress(theObjects.size(), "objects");
-    for (size_t i = 0; i < theObjects.size(); ++i)
+    Progress theProgress("objects");
+    InvalidObjects theInvalid;
+    size_t theCount = 0;
     {
-        PrintObject(theObjects[i], i, theBaseURL, anOutput);
-        theProgress.Step();
+        Output::List theObjects(anOutput, "object", "objects", Output::List::kForm_Lines);
+        while (theDocument.HasNext())
+        {
+            const DocumentObject theObject = theDocument.TakeNext();
+            theObjects.Next();
+            theInvalid.PrintHead(theObject, anOutput);
+            if (theObject.mRecords) { PrintRecords(*theObject.mRecords, anOutput); }
+            theProgress.Step();
+        }
+        theCount = theObjects.GetCount();
     }
-    anOutput.SetSubject("");
-    anOutput.Fact("objects", std::to_string(theObjects.size()));
-    return kExit_Done;
+    if (theCount == 0) { return FailToFind(theName + ": no object"); }
+    anOutput.InText("objects", std::to_string(theCount));
+    return theInvalid.Report(theName, kExit_Done);
 }
 
 const Subcommand kShow = { "show", "print every field of every object of a DIDL-Lite document", &kUsage, Show };
