@@ -198,7 +198,7 @@ TEST(ToolTest, SelectsAmongObjects)
         size_t mLineCount;
         int mStatus;
     } kCases[] = {
-        { {}, { "object 0 choice: 0", "object 1 choice: none", "object 2 kind: item" }, 15, 2 },
+        { {}, { "object 0 choice: 0", "object 1 choice: none", "object 2 kind: item" }, 16, 2 },
         { { "--object", "0" }, { "choice: 0", "id: 1" }, 9, 0 },
         { { "--object", "id=1" }, { "choice: 0", "id: 1" }, 9, 0 },
         { { "--object", "c" }, { "kind: container", "choice: none", "confidence: will not (0)" }, 5, 0 },
