@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""The Python module against the built library: upnputilities_test.py, with UPNPUTILITIES_LIBRARY set. Exits with 77 where
+this Python can't load it, being of another word size."""
+
+import gc
+import re
+import struct
+import sys
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "Examples/Python"))
+sys.dont_write_bytecode = True
+try:
+    import upnputilities as upnp
+except OSError as failure:
+    if "wrong ELF class" not in str(failure):
+        raise
+    print(f"skipped: this Python has {8 * struct.calcsize('P')} bits: {failure}")
+    sys.exit(77)
+
+BROWSE = (ROOT / "Tests/Data/didl-multi/minidlna-generic-photo.xml").read_bytes()
+SINKS = (ROOT / "Tests/Data/sinks/handmade-dlna-tv.txt").read_text()
+VIDEO = b"""<DIDL-Lite><item id="7" parentID="5" restricted="1"><dc:title>A \xff film</dc:title>
+<res protocolInfo="http-get:*:video/mp4:*" size="5000000000" duration="1:00:01" bitrate="100"
+pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res><sec:CaptionInfoEx>http://h/b.srt
+</sec:CaptionInfoEx></item><item restricted="maybe"/><container id="8" childCount="0"/></DIDL-Lite>"""
+
+
+class ModuleTest(unittest.TestCase):
+    def test_reads_and_chooses(self) -> None:
+        sinks = upnp.SinkList(SINKS)
+        objects = list(upnp.browse(BROWSE))
+        self.assertEqual(["67", "71", "72", "76", "77"], [Path(media.resources[0].uri).stem for media in objects])
+        first = objects[0]
+        del objects
+        gc.collect()  # the object lives on without the others
+        self.assertEqual("grand 4000x3000 'été'", first.title)
+        choice = first.choose(sinks, "10.77.0.9")
+        assert choice
+        self.assertEqual(("http://10.77.0.2:8200/MediaItems/67.jpg", upnp.Confidence.Should, "image/jpeg"),
+                         (choice.resource.uri, choice.confidence, choice.resource.mime_type))
+        self.assertEqual(choice, first.choose(SINKS, prefer_originals=True))
+        self.assertIsNone(first.choose("rtsp-rtp-udp:*:image/jpeg:*"))
+        again = next(upnp.browse(first.metadata(choice.resource)))
+        self.assertEqual((first.title, choice.resource.uri), (again.title, again.resources[0].uri))
+        self.assertEqual(("", "http://10.77.0.2:8200/Resized/67.jpg?width=160,height=117"),
+                         (first.album_art("JPEG_TN", "10.77.0.9"), first.thumbnail()))
+
+    def test_reads_what_is_odd(self) -> None:
+        film, folder = upnp.browse(VIDEO, "http://h:80/")
+        self.assertEqual("A \ufffd film", film.title)
+        self.assertEqual((5000000000, 3601, 800, None), (film.resources[0].size, film.resources[0].duration,
+                                                         film.resources[0].bit_rate, film.resources[0].audio_channels))
+        self.assertEqual("http://h:80/film.mp4", film.resources[0].uri)
+        self.assertEqual([("/a.srt", ""), ("http://h/b.srt", "text/srt")], [(s.uri, s.format) for s in film.subtitles])
+        self.assertEqual((True, 0, "8"), (folder.is_container, folder.number(upnp.EntryTag.ChildCount), folder.id))
+        self.assertIsNone(folder.choose(None))
+        self.assertEqual([], list(upnp.browse("")))
+        with self.assertRaises(upnp.DIDLError):
+            list(upnp.browse("<DIDL-Lite><item></DIDL-Lite>"))
+
+    def test_agrees_with_the_headers(self) -> None:
+        header = (ROOT / "Libs/Internal/UPnP/Utilities/UPnPConst.h").read_text()
+        for prefix, names in (("kCDSEntryInfo_", upnp.EntryTag), ("kCDSResourceInfo_", upnp.ResourceTag),
+                              ("kRendererPlayConfidence_", upnp.Confidence)):
+            for name in names:
+                self.assertRegex(header, rf"\b{prefix}{name.name} = {name.value}\b")
+        self.assertEqual(upnp.LIBRARY.partition(".so.")[2], upnp.__version__.rpartition(".")[0])
+        self.assertLess(len((ROOT / "Examples/Python/upnputilities.py").read_text().splitlines()), 300)
+
+
+if __name__ == "__main__":
+    unittest.main()
