@@ -349,8 +349,8 @@ void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKee
 
 static int ChooseFor(const CDS::Renderer& aRenderer, const zoPackedData_t* aResourceInfo, int* aConfidence)
 {
-    CDS::Resources theResources(aResourceInfo);
-    const CDS::Choice theChoice = CDS::Choose(&theResources, aRenderer);
+    const CDS::Resources theResources(aResourceInfo);
+    const CDS::Choice theChoice = CDS::Choose(theResources, aRenderer);
     if (aConfidence) { *aConfidence = theChoice.mConfidence; }
     return theChoice.mResource;
 }

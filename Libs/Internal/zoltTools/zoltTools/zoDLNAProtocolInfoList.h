@@ -65,6 +65,14 @@ ZOLTTOOLS_API void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList
  */
 ZOLTTOOLS_API int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList,
                                                const zoDLNAProtocolInfo_t* anInfo, int aFlags);
+/**
+ * Tries several ways of comparing one after the other; what they have in common is done once.
+ * @param aFlags  aCount masks of kzoDLNAProtocolInfoMatch_* bits.
+ * @return the position of the first mask for which zoDLNAProtocolInfoList_Match returns 1; aCount when there is none.
+ */
+ZOLTTOOLS_API size_t zoDLNAProtocolInfoList_FindMatch(const zoDLNAProtocolInfoList_t* aList,
+                                                      const zoDLNAProtocolInfo_t* anInfo, const int* aFlags,
+                                                      size_t aCount);
 /** @return what zoDLNAProtocolInfoList_Match returns for a list of anElement alone; 0 when it is NULL. */
 ZOLTTOOLS_API int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo,
                                            int aFlags);

@@ -12,6 +12,7 @@
 
 using ProtocolInfo::CountOf;
 using ProtocolInfo::IsAny;
+using ProtocolInfo::IsSame;
 using ProtocolInfo::SlotAt;
 using std::string_view;
 
@@ -63,6 +64,23 @@ struct ParameterSet
     }
 };
 
+// Finds the first element of each hash in an array that is sorted by it. The slots are at most half full.
+struct HashTable
+{
+    uint32* mSlots; // positions; kNone is free
+    uint32 mMask;
+
+    // aHashAt tells the hash at a position. @return a position; kNone when no element has the hash.
+    template <typename HashAt>
+    uint32 Find(uint32 aHash, HashAt aHashAt) const
+    {
+        uint32 theSlot = aHash & mMask;
+        while (mSlots[theSlot] != kNone && aHashAt(mSlots[theSlot]) != aHash)
+            theSlot = (theSlot + 1) & mMask;
+        return mSlots[theSlot];
+    }
+};
+
 } // namespace
 
 // The elements of a list in two orders of their hashes, and the parameters of their MIME types numbered in the order of
@@ -72,8 +90,10 @@ struct ProtocolInfo::MatchIndex
     uint64 mKey;
     Entry* mEntries; // in the order of MIME types and profiles
     uint32 mCount;
-    uint32* mByProfile; // positions in mEntries
-    uint32* mWildCards; // positions of the elements whose MIME type is a wild card
+    HashTable mMimeTypes;
+    uint32* mByProfile;  // positions in mEntries
+    HashTable mProfiles; // of positions in mByProfile
+    uint32* mWildCards;  // positions of the elements whose MIME type is a wild card
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
@@ -87,9 +107,15 @@ using ProtocolInfo::MatchIndex;
 
 // ---- Comparing texts ----
 
-static bool IsSame(string_view aLeft, string_view aRight)
+static bool IsSameView(string_view aLeft, string_view aRight)
 {
-    return Shared::Equals(aLeft, aRight) || Shared::EqualsIgnoringCase(aLeft, aRight);
+    return aLeft.data() == aRight.data() && aLeft.size() == aRight.size();
+}
+
+// True if both are the most common transport, which is a view of a constant.
+static bool HaveCommonTransport(const zoDLNAProtocolInfo_t* aLeft, const zoDLNAProtocolInfo_t* aRight)
+{
+    return IsSameView(aLeft->mProtocol, aRight->mProtocol) && IsSameView(aLeft->mNetwork, aRight->mNetwork);
 }
 
 static bool IsSameOrAny(string_view anElement, string_view aField)
@@ -99,7 +125,8 @@ static bool IsSameOrAny(string_view anElement, string_view aField)
 
 static bool TransportMatches(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo)
 {
-    return IsSameOrAny(anElement->mProtocol, anInfo->mProtocol) && IsSameOrAny(anElement->mNetwork, anInfo->mNetwork);
+    return HaveCommonTransport(anElement, anInfo) ||
+           (IsSameOrAny(anElement->mProtocol, anInfo->mProtocol) && IsSameOrAny(anElement->mNetwork, anInfo->mNetwork));
 }
 
 static bool IsWildCard(string_view aMimeType)
@@ -155,15 +182,19 @@ static bool NextParameter(string_view* aRest, string_view* aParameter)
 
 // ---- Making the index ----
 
+template <bool afIsExact = false>
 static uint32 HashOf(uint64 aKey, string_view aText)
 {
-    const uint32 theHash = static_cast<uint32>(KeyedHash::Hash(aKey, aText));
+    const uint32 theHash = static_cast<uint32>(KeyedHash::Hash<afIsExact>(aKey, aText));
     return theHash != 0 ? theHash : 1;
 }
 
 static uint32 HashOfField(uint64 aKey, string_view aField) { return IsAny(aField) ? 0 : HashOf(aKey, aField); }
 
-static uint32 HashOfProfile(uint64 aKey, string_view aProfile) { return aProfile.empty() ? 0 : HashOf(aKey, aProfile); }
+static uint32 HashOfProfile(uint64 aKey, string_view aProfile)
+{
+    return aProfile.empty() ? 0 : HashOf<true>(aKey, aProfile);
+}
 
 static uint32 CountParameters(string_view aParameters)
 {
@@ -286,6 +317,36 @@ static void SortEntries(MatchIndex* anIndex)
               { return theEntries[aLeft].mProfile < theEntries[aRight].mProfile; });
 }
 
+static auto MimeTypeAt(const MatchIndex* anIndex)
+{
+    return [theEntries = anIndex->mEntries](uint32 aPosition) { return theEntries[aPosition].mMimeType; };
+}
+
+static auto ProfileAt(const MatchIndex* anIndex)
+{
+    return [theEntries = anIndex->mEntries, theOrder = anIndex->mByProfile](uint32 aPosition)
+    { return theEntries[theOrder[aPosition]].mProfile; };
+}
+
+template <typename HashAt>
+static HashTable NewHashTable(uint32 aCount, HashAt aHashAt)
+{
+    uint32 theSize = 2;
+    while (theSize < 2 * aCount)
+        theSize *= 2;
+    const HashTable theTable = { Shared::NewArray<uint32>(theSize), theSize - 1 };
+    std::fill_n(theTable.mSlots, theSize, kNone);
+    for (uint32 i = 0; i < aCount; ++i)
+    {
+        if (i > 0 && aHashAt(i) == aHashAt(i - 1)) { continue; }
+        uint32 theSlot = aHashAt(i) & theTable.mMask;
+        while (theTable.mSlots[theSlot] != kNone)
+            theSlot = (theSlot + 1) & theTable.mMask;
+        theTable.mSlots[theSlot] = i;
+    }
+    return theTable;
+}
+
 static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
 {
     MatchIndex* theIndex = Shared::NewZeroedArray<MatchIndex>(1);
@@ -295,6 +356,8 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
     for (uint32 i = 0; i < theIndex->mCount; ++i)
         theIndex->mEntries[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
     SortEntries(theIndex);
+    theIndex->mMimeTypes = NewHashTable(theIndex->mCount, MimeTypeAt(theIndex));
+    theIndex->mProfiles = NewHashTable(theIndex->mCount, ProfileAt(theIndex));
     AddParameterSets(theIndex);
     const zoDLNAProtocolInfo_t* theFirst = theIndex->mEntries[0].mInfo;
     theIndex->mfHasOneTransport = std::all_of(theIndex->mEntries, theIndex->mEntries + theIndex->mCount,
@@ -310,7 +373,9 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
 {
     if (!anIndex) { return; }
     free(anIndex->mEntries);
+    free(anIndex->mMimeTypes.mSlots);
     free(anIndex->mByProfile);
+    free(anIndex->mProfiles.mSlots);
     free(anIndex->mWildCards);
     free(anIndex->mParameterHashes);
     free(anIndex->mSets);
@@ -346,61 +411,65 @@ static const MatchIndex* FindMatchIndex(const zoDLNAProtocolInfoList_t* aList)
 namespace
 {
 
-// A protocol info that is compared with the elements of an index. What is asked of it for few elements is made at the
-// first question.
+// A protocol info that is compared with the elements of an index, in several ways one after the other. What is asked of
+// it for few elements is made at the first question.
 class Query
 {
 public:
-    Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
-        : mIndex(anIndex), mInfo(anInfo), mFlags(aFlags)
-    {}
+    Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo) : mIndex(anIndex), mInfo(anInfo) {}
     ~Query() { free(mAllocatedNumbers); }
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
 
-    bool MatchesAny();
+    bool MatchesTransport() const;
+    bool MatchesAny(int aFlags);
 
 private:
     bool Matches(const Entry& anEntry);
     bool ProfileMayMatch(const Entry& anEntry);
     bool TransportMayMatch(const Entry& anEntry);
     bool HasParametersOf(const Entry& anEntry);
+    uint32 GetProfile();
     bool MatchesProfiles();
-    bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
-    bool MatchesMimeTypes();
+    bool MatchesAmong(bool afAnyProfile, uint32 aProfile);
+    bool MatchesMimeType();
+    bool MatchesWildCards();
 
     const MatchIndex* mIndex;
     const zoDLNAProtocolInfo_t* mInfo;
-    int mFlags;
+    int mFlags = 0;
 
-    bool mfHasProfile = false;
-    bool mfHasTransport = false;
-    bool mfHasSet = false;
+    int mMismatchFlags = -1; // those for which no element of the MIME type matches, without WildCardMimeTypeCheck
+    uint32 mMimeType = 0;    // hashes; 0 until they are asked for
     uint32 mProfile = 0;
+    bool mfHasTransport = false;
     uint32 mProtocol = 0;
     uint32 mNetwork = 0;
-    ParameterSet mSet = {};
+    bool mfHasSet = false;
+    ParameterSet mSet;
     uint32 mFewNumbers[16];
     uint32* mAllocatedNumbers = nullptr;
 };
 
 } // namespace
 
+// @return the hash of the protocol info's profile; 0 without one.
+uint32 Query::GetProfile()
+{
+    if (mProfile == 0) { mProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile); }
+    return mProfile;
+}
+
 bool Query::ProfileMayMatch(const Entry& anEntry)
 {
     if (mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck) { return true; }
-    if (!mfHasProfile)
-    {
-        mfHasProfile = true;
-        mProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
-    }
-    if (anEntry.mProfile != 0 && mProfile != 0) { return anEntry.mProfile == mProfile; }
+    if (anEntry.mProfile != 0 && GetProfile() != 0) { return anEntry.mProfile == mProfile; }
     return ProfileMatches(anEntry.mInfo->mProfile, mInfo->mProfile, mFlags);
 }
 
 bool Query::TransportMayMatch(const Entry& anEntry)
 {
-    if (mIndex->mfHasOneTransport) { return true; } // was compared before
+    if (mIndex->mfHasOneTransport || HaveCommonTransport(anEntry.mInfo, mInfo)) { return true; }
     if (!mfHasTransport)
     {
         mfHasTransport = true;
@@ -435,32 +504,30 @@ bool Query::Matches(const Entry& anEntry)
 // Looks at the elements of the protocol info's profile, or at those without one.
 bool Query::MatchesProfiles()
 {
-    const uint32 theProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
+    const uint32 theProfile = GetProfile();
     const Entry* theEntries = mIndex->mEntries;
-    const uint32* theBegin = mIndex->mByProfile;
-    const uint32* theEnd = theBegin + mIndex->mCount;
-    const uint32* thePosition = std::lower_bound(theBegin, theEnd, theProfile,
-                                                 [theEntries](uint32 aPosition, uint32 aProfile)
-                                                 { return theEntries[aPosition].mProfile < aProfile; });
-    mfHasProfile = true;
-    mProfile = theProfile;
-    for (; thePosition < theEnd && theEntries[*thePosition].mProfile == theProfile; ++thePosition)
+    const uint32 theFirst = mIndex->mProfiles.Find(theProfile, ProfileAt(mIndex));
+    for (uint32 i = theFirst; i < mIndex->mCount && theEntries[mIndex->mByProfile[i]].mProfile == theProfile; ++i)
     {
-        if (Matches(theEntries[*thePosition])) { return true; }
+        if (Matches(theEntries[mIndex->mByProfile[i]])) { return true; }
     }
     return false;
 }
 
-// Looks at the elements of a MIME type: at all of them or at those of one profile, of 0 at those without one.
-bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
+// Looks at the elements of the MIME type: at all of them or at those of one profile, of 0 at those without one.
+bool Query::MatchesAmong(bool afAnyProfile, uint32 aProfile)
 {
-    const Entry* theBegin = mIndex->mEntries;
-    const Entry* theEnd = theBegin + mIndex->mCount;
-    const Entry* theEntry = std::lower_bound(theBegin, theEnd, afAnyProfile ? 0 : aProfile,
-                                             [aMimeType](const Entry& anEntry, uint32 aLeast) {
-        return anEntry.mMimeType != aMimeType ? anEntry.mMimeType < aMimeType : anEntry.mProfile < aLeast;
-    });
-    for (; theEntry < theEnd && theEntry->mMimeType == aMimeType; ++theEntry)
+    const uint32 theFirst = mIndex->mMimeTypes.Find(mMimeType, MimeTypeAt(mIndex));
+    if (theFirst == kNone) { return false; }
+    const Entry* theEnd = mIndex->mEntries + mIndex->mCount;
+    const Entry* theEntry = mIndex->mEntries + theFirst;
+    if (!afAnyProfile && aProfile != theEntry->mProfile)
+    {
+        theEntry = std::lower_bound(theEntry, theEnd, aProfile,
+                                    [theMimeType = mMimeType](const Entry& anEntry, uint32 aLeast)
+                                    { return anEntry.mMimeType == theMimeType && anEntry.mProfile < aLeast; });
+    }
+    for (; theEntry < theEnd && theEntry->mMimeType == mMimeType; ++theEntry)
     {
         if (!afAnyProfile && theEntry->mProfile != aProfile) { return false; }
         if (Matches(*theEntry)) { return true; }
@@ -468,61 +535,101 @@ bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
     return false;
 }
 
-// Looks at the elements of the protocol info's MIME type, and at those whose MIME type is a wild card.
-bool Query::MatchesMimeTypes()
+bool Query::MatchesMimeType()
 {
-    const uint32 theMimeType = HashOf(mIndex->mKey, mInfo->mMimeType);
-    const bool fChecksProfile = !(mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck);
-    if (fChecksProfile && !mInfo->mProfile.empty())
-    {
-        const uint32 theProfile = HashOfProfile(mIndex->mKey, mInfo->mProfile);
-        mfHasProfile = true;
-        mProfile = theProfile;
-        const bool fTakesNone = (mFlags & kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
-        if (MatchesAmong(theMimeType, false, theProfile)) { return true; }
-        if (fTakesNone && MatchesAmong(theMimeType, false, 0)) { return true; }
-    }
-    else if (MatchesAmong(theMimeType, true, 0)) { return true; }
-    if (!(mFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck)) { return false; }
+    const int theFlags = mFlags & ~kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck;
+    if (theFlags == mMismatchFlags) { return false; }
+    if (mMimeType == 0) { mMimeType = HashOf(mIndex->mKey, mInfo->mMimeType); }
+    const bool fLooksAtAll = mInfo->mProfile.empty() || (mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck);
+    const bool fMatches = fLooksAtAll ? MatchesAmong(true, 0)
+                                      : MatchesAmong(false, GetProfile()) ||
+                                            ((mFlags & kzoDLNAProtocolInfoMatch_AnyProfile) && MatchesAmong(false, 0));
+    if (!fMatches) { mMismatchFlags = theFlags; }
+    return fMatches;
+}
+
+bool Query::MatchesWildCards()
+{
     return std::any_of(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
                        [this](uint32 aPosition) { return Matches(mIndex->mEntries[aPosition]); });
 }
 
-bool Query::MatchesAny()
+// True if the transport of all elements, when they have one, is that of the protocol info.
+bool Query::MatchesTransport() const
 {
-    if (mIndex->mfHasOneTransport && !TransportMatches(mIndex->mEntries[0].mInfo, mInfo)) { return false; }
-    if (!(mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return MatchesMimeTypes(); }
-    const int kProfileFlags = kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile |
-                              kzoDLNAProtocolInfoMatch_ProfileNotNULL;
-    const int theProfileFlags = mFlags & kProfileFlags;
-    if (theProfileFlags == kzoDLNAProtocolInfoMatch_ProfileNotNULL)
+    return !mIndex->mfHasOneTransport || TransportMatches(mIndex->mEntries[0].mInfo, mInfo);
+}
+
+static int FlagsOfProfile(int aFlags)
+{
+    return aFlags & (kzoDLNAProtocolInfoMatch_NoProfileCheck | kzoDLNAProtocolInfoMatch_AnyProfile |
+                     kzoDLNAProtocolInfoMatch_ProfileNotNULL);
+}
+
+// True if an element matches, the transport of all elements, when they have one, aside.
+bool Query::MatchesAny(int aFlags)
+{
+    const int kNoCheck = kzoDLNAProtocolInfoMatch_NoProfileCheck;
+    const bool fTakesAnyProfile =
+        mInfo->mProfile.empty() && FlagsOfProfile(aFlags) == kzoDLNAProtocolInfoMatch_AnyProfile;
+    mFlags = fTakesAnyProfile ? (aFlags & ~kzoDLNAProtocolInfoMatch_AnyProfile) | kNoCheck : aFlags;
+    if (!(aFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck))
+    {
+        return MatchesMimeType() || ((aFlags & kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck) && MatchesWildCards());
+    }
+    if (FlagsOfProfile(aFlags) == kzoDLNAProtocolInfoMatch_ProfileNotNULL)
     {
         return !mInfo->mProfile.empty() && MatchesProfiles();
     }
-    return theProfileFlags == 0 ? MatchesProfiles()
-                                : std::any_of(mIndex->mEntries, mIndex->mEntries + mIndex->mCount,
-                                              [this](const Entry& anEntry) { return Matches(anEntry); });
+    return FlagsOfProfile(aFlags) == 0 ? MatchesProfiles()
+                                       : std::any_of(mIndex->mEntries, mIndex->mEntries + mIndex->mCount,
+                                                     [this](const Entry& anEntry) { return Matches(anEntry); });
 }
 
 // ---- Matching ----
 
+// Compares all but the parameters of the MIME types.
+static bool MatchesElement(const zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+{
+    return FormatMatches(anElement, anInfo, aFlags) && TransportMatches(anElement, anInfo);
+}
+
+static bool MatchesOneByOne(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
+{
+    for (size_t i = 0; i < CountOf(aList); ++i)
+    {
+        if (MatchesElement(SlotAt(aList, i)->mInfo, anInfo, aFlags)) { return true; }
+    }
+    return false;
+}
+
+size_t zoDLNAProtocolInfoList_FindMatch(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo,
+                                        const int* aFlags, size_t aCount)
+{
+    if (CountOf(aList) == 0 || !anInfo) { return aCount; }
+    const MatchIndex* theIndex = FindMatchIndex(aList);
+    const int* theEnd = aFlags + aCount;
+    if (!theIndex)
+    {
+        return static_cast<size_t>(
+            std::find_if(aFlags, theEnd, [=](int theFlags) { return MatchesOneByOne(aList, anInfo, theFlags); }) -
+            aFlags);
+    }
+    Query theQuery(theIndex, anInfo);
+    if (!theQuery.MatchesTransport()) { return aCount; }
+    return static_cast<size_t>(
+        std::find_if(aFlags, theEnd, [&theQuery](int theFlags) { return theQuery.MatchesAny(theFlags); }) - aFlags);
+}
+
 int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    const size_t theCount = CountOf(aList);
-    if (theCount == 0 || !anInfo) { return 0; }
-    const MatchIndex* theIndex = FindMatchIndex(aList);
-    if (theIndex) { return Query(theIndex, anInfo, aFlags).MatchesAny(); }
-    for (size_t i = 0; i < theCount; ++i)
-    {
-        const zoDLNAProtocolInfo_t* theElement = SlotAt(aList, i)->mInfo;
-        if (FormatMatches(theElement, anInfo, aFlags) && TransportMatches(theElement, anInfo)) { return 1; }
-    }
-    return 0;
+    return zoDLNAProtocolInfoList_FindMatch(aList, anInfo, &aFlags, 1) == 0;
 }
 
 int zoDLNAProtocolInfo_Match(zoDLNAProtocolInfo_t* anElement, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
 {
-    if (!anElement) { return 0; }
+    if (!anElement || !anInfo) { return 0; }
+    if (!anElement->mMimeParameters.data()) { return MatchesElement(anElement, anInfo, aFlags); }
     ProtocolInfo::Slot theSlot = { anElement, 0 };
     zoDLNAProtocolInfoList_t theList = {};
     theList.mSlots = &theSlot;

@@ -16,6 +16,7 @@
 using ProtocolInfo::CountOf;
 using ProtocolInfo::Cursor;
 using ProtocolInfo::IsAny;
+using ProtocolInfo::IsSame;
 using ProtocolInfo::Slot;
 using ProtocolInfo::SlotAt;
 using std::string_view;
@@ -46,11 +47,6 @@ struct RankedInfo
 } // namespace
 
 // ---- The transport protocols of the list ----
-
-static bool IsSame(string_view aLeft, string_view aRight)
-{
-    return Shared::Equals(aLeft, aRight) || Shared::EqualsIgnoringCase(aLeft, aRight);
-}
 
 static string_view ProtocolAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
 {
@@ -253,13 +249,17 @@ static size_t RankByWord(string_view anItem, string_view aSupported, zoDLNAProto
 {
     const string_view theItem = Shared::Trim(anItem, Shared::IsSpace);
     const string_view theSupported = Shared::Trim(aSupported, Shared::IsSpace);
-    if (IsAny(theItem) && IsAny(theSupported)) { return aCount; }
+    if (theItem.empty()) { return 0; }
+    const bool fIsAnySupported = theSupported.empty() || IsAny(theSupported);
+    const bool fMayBeFirstPart = theItem.find('-') == theItem.npos;
     const auto fIsLeftOut = [=](const zoDLNAProtocolInfo_t* anInfo)
     {
-        const bool fTakesPart = theSupported.empty() || IsAny(theSupported) || IsSame(theSupported, anInfo->mProtocol);
-        return !fTakesPart || theItem.empty() ||
-               (!IsAny(theItem) && !IsSame(theItem, anInfo->mProtocol) &&
-                !IsSame(theItem, FirstPartOf(anInfo->mProtocol)));
+        const string_view theProtocol = anInfo->mProtocol;
+        const bool fIsCovered =
+            IsAny(theItem) || IsSame(theItem, theProtocol) ||
+            (fMayBeFirstPart && theProtocol.size() > theItem.size() && theProtocol[theItem.size()] == '-' &&
+             IsSame(theItem, theProtocol.substr(0, theItem.size())));
+        return !fIsCovered || !(fIsAnySupported || IsSame(theSupported, theProtocol));
     };
     return static_cast<size_t>(std::remove_if(anInfos, anInfos + aCount, fIsLeftOut) - anInfos);
 }
@@ -289,11 +289,10 @@ size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSink
                                            const char* aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
 {
     const string_view theOrder(anOrder ? anOrder : "");
-    const char* theOnlySupported = aSupported;
-    if (!aSupported && (CountOf(aSinkList) == 0 || HaveProtocolOfFirst(aSinkList, anInfos, aCount)))
-    {
-        theOnlySupported = "*";
-    }
+    const bool fAllTakePart =
+        !aSupported && (CountOf(aSinkList) == 0 || HaveProtocolOfFirst(aSinkList, anInfos, aCount));
+    if (fAllTakePart && IsAny(theOrder)) { return aCount; }
+    const char* theOnlySupported = fAllTakePart ? "*" : aSupported;
     if (theOnlySupported && IsOneWord(theOrder) && IsOneWord(theOnlySupported))
     {
         return RankByWord(theOrder, theOnlySupported, anInfos, aCount);

@@ -2,42 +2,33 @@
 
 /* The heaviest of several resources. */
 
-#include <zoOS/zoTypes.h>
+#include <UPnP/Utilities/CDS/Resources.h>
 
 namespace CDS
 {
 
-/** Keeps of the resources that are added the first one that no other outweighs. Only one of several is weighed. */
-template <typename Weigher>
+/** Keeps of the resources that are added the first one that no other outweighs: by its first weight, then by its host,
+ *  then by its last weight. Hosts are weighed only where they differ and nothing else decides. */
 class Best
 {
 public:
-    /** @param aWeigher  gives the weight of the resource with an index. */
-    explicit Best(Weigher aWeigher) : mWeigher(aWeigher) {}
+    Best(const Resources& aResources, Targets aTargets) : mResources(aResources), mTargets(aTargets) {}
 
     /** @return the resource's index; -1 when none was added. */
     int GetIndex() const { return mIndex; }
-
-    void Add(uint32 anIndex)
-    {
-        if (mIndex < 0)
-        {
-            mIndex = static_cast<int>(anIndex);
-            return;
-        }
-        if (!mfIsWeighed) { mWeight = mWeigher(static_cast<uint32>(mIndex)); }
-        mfIsWeighed = true;
-        const uint32 theWeight = mWeigher(anIndex);
-        if (theWeight <= mWeight) { return; }
-        mIndex = static_cast<int>(anIndex);
-        mWeight = theWeight;
-    }
+    void Add(uint32 anIndex, uint32 aFirstWeight, uint32 aLastWeight);
+    void Clear() { mIndex = -1; }
 
 private:
-    Weigher mWeigher;
+    int CompareHost(uint32 anIndex);
+
+    const Resources& mResources;
+    Targets mTargets;
     int mIndex = -1;
-    bool mfIsWeighed = false;
-    uint32 mWeight = 0;
+    uint32 mFirstWeight = 0;
+    uint32 mLastWeight = 0;
+    uint32 mHostWeight = 0;
+    bool mfHasHostWeight = false;
 };
 
 } // namespace CDS

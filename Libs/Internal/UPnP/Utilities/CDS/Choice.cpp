@@ -7,27 +7,27 @@
 namespace CDS
 {
 
-const Stage kStages[kStageCount] = {
-    { true, kzoDLNAProtocolInfoMatch_NoMimeTypeCheck | kzoDLNAProtocolInfoMatch_ProfileNotNULL,
-      kRendererPlayConfidence_Should },
-    { true, kzoDLNAProtocolInfoMatch_AnyProfile, kRendererPlayConfidence_May },
-    { true, kzoDLNAProtocolInfoMatch_AnyProfile | kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck,
-      kRendererPlayConfidence_May },
-    { true, kzoDLNAProtocolInfoMatch_NoProfileCheck, kRendererPlayConfidence_ShouldNot },
-    { false, kzoDLNAProtocolInfoMatch_Default, kRendererPlayConfidence_ShouldNot },
+static const int kMatchFlags[kLastStage] = {
+    kzoDLNAProtocolInfoMatch_NoMimeTypeCheck | kzoDLNAProtocolInfoMatch_ProfileNotNULL,
+    kzoDLNAProtocolInfoMatch_AnyProfile,
+    kzoDLNAProtocolInfoMatch_AnyProfile | kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck,
+    kzoDLNAProtocolInfoMatch_NoProfileCheck,
 };
 
+const int kConfidences[] = { kRendererPlayConfidence_Should, kRendererPlayConfidence_May, kRendererPlayConfidence_May,
+                             kRendererPlayConfidence_ShouldNot, kRendererPlayConfidence_ShouldNot };
+
 // A resource without protocol info matches everything, and everything matches without a list.
-bool Matches(const Stage& aStage, const Resource& aResource, const Renderer& aRenderer)
+uint32 FindStage(const Resource& aResource, const Renderer& aRenderer, uint32 aLimit)
 {
-    return !aResource.mfHasProtocolInfo || !aStage.mfUsesSinkList || !aRenderer.mSinkList ||
-           zoDLNAProtocolInfoList_Match(aRenderer.mSinkList, aResource.mInfo, aStage.mMatchFlags) != 0;
+    if (!aResource.mfHasProtocolInfo || !aRenderer.mSinkList) { return 0; }
+    return static_cast<uint32>(
+        zoDLNAProtocolInfoList_FindMatch(aRenderer.mSinkList, aResource.mInfo, kMatchFlags, aLimit));
 }
 
-uint32 Weigh(const Stage& aStage, const Resources& aResources, uint32 anIndex, Targets aTargets)
+bool HasProfileWeight(uint32 aStage, const Resources& aResources, uint32 anIndex)
 {
-    const bool fHasProfile = aStage.mConfidence == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
-    return (fHasProfile ? kHasProfileWeight : 0) + aResources.WeighHost(anIndex, aTargets);
+    return kConfidences[aStage] == kRendererPlayConfidence_Should && aResources.GetProfile(anIndex);
 }
 
 bool IsConsidered(const Resource& aResource, const Renderer& aRenderer)
@@ -37,9 +37,9 @@ bool IsConsidered(const Resource& aResource, const Renderer& aRenderer)
     return aRenderer.mfSearchingThumbnail || !zoDLNAProtocolInfo_IsThumbnail(aResource.mInfo);
 }
 
-bool PutsUnconvertedFirst(const Stage& aStage, const Renderer& aRenderer)
+bool PutsUnconvertedFirst(uint32 aStage, const Renderer& aRenderer)
 {
-    return aStage.mfUsesSinkList && zoDLNAProtocolInfoList_GetCount(aRenderer.mSinkList) > 0;
+    return aStage < kLastStage && zoDLNAProtocolInfoList_GetCount(aRenderer.mSinkList) > 0;
 }
 
 size_t RankByTransport(const Renderer& aRenderer, zoDLNAProtocolInfo_t** anInfos, size_t aCount)
@@ -50,12 +50,12 @@ size_t RankByTransport(const Renderer& aRenderer, zoDLNAProtocolInfo_t** anInfos
                                                aRenderer.mSupportedProtocols, anInfos, aCount);
 }
 
-// Puts the resources whose transport protocol suits in an array, the best transport protocol first, and of equally good
+// Puts the resources whose transport protocol suits in the room, the best transport protocol first, and of equally good
 // ones, if asked for, what is not converted. @return their number.
-static size_t PutResourceIndexInArray(const Resources& aResources, const Renderer& aRenderer, bool afUnconvertedFirst,
-                                      zoDLNAProtocolInfo_t** anArray)
+static size_t PutResourceIndexInArray(const Resources& aResources, const Renderer& aRenderer, bool afUnconvertedFirst)
 {
-    zoDLNAProtocolInfo_t** const theEnd = anArray + aResources.GetCount();
+    zoDLNAProtocolInfo_t** const theArray = aResources.GetRoom();
+    zoDLNAProtocolInfo_t** const theEnd = theArray + aResources.GetCount();
     zoDLNAProtocolInfo_t** theLast = theEnd; // from here on, last first, what is converted
     size_t theCount = 0;
     for (uint32 i = 0; i < aResources.GetCount(); ++i)
@@ -63,47 +63,61 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
         const Resource& theResource = aResources.At(i);
         if (!IsConsidered(theResource, aRenderer)) { continue; }
         const bool fComesLast = afUnconvertedFirst && theResource.IsConverted();
-        *(fComesLast ? --theLast : anArray + theCount++) = theResource.mInfo;
+        *(fComesLast ? --theLast : theArray + theCount++) = theResource.mInfo;
     }
     std::reverse(theLast, theEnd);
-    if (theLast != anArray + theCount) { std::copy(theLast, theEnd, anArray + theCount); }
+    if (theLast != theArray + theCount) { std::copy(theLast, theEnd, theArray + theCount); }
     theCount += static_cast<size_t>(theEnd - theLast);
-    return theCount > 0 ? RankByTransport(aRenderer, anArray, theCount) : 0;
+    return theCount > 0 ? RankByTransport(aRenderer, theArray, theCount) : 0;
 }
 
-// @return the index of the first of the ranked resources that match in a stage and that no other outweighs; -1 when
-//         none matches.
-static int ChooseInStage(const Stage& aStage, const Resources& aResources, const Renderer& aRenderer,
-                         zoDLNAProtocolInfo_t* const* aRanked, size_t aCount)
+static uint32 IndexOf(const zoDLNAProtocolInfo_t* anInfo)
 {
-    Best theBest([&](uint32 anIndex) { return Weigh(aStage, aResources, anIndex, aRenderer.mTargets); });
+    return static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(anInfo));
+}
+
+// @return the earliest stage at which one of the ranked resources matches.
+// @param aBest out: the first one of those that match at that stage that no other outweighs.
+static uint32 FindBest(const Resources& aResources, const Renderer& aRenderer, size_t aCount, Best* aBest)
+{
+    zoDLNAProtocolInfo_t* const* theRanked = aResources.GetRoom();
+    uint32 theEarliest = kLastStage;
     for (size_t i = 0; i < aCount; ++i)
     {
-        const uint32 theIndex = static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(aRanked[i]));
-        if (Matches(aStage, aResources.At(theIndex), aRenderer)) { theBest.Add(theIndex); }
+        const uint32 theIndex = IndexOf(theRanked[i]);
+        const uint32 theStage = FindStage(aResources.At(theIndex), aRenderer, std::min(theEarliest + 1, kLastStage));
+        if (theStage > theEarliest) { continue; }
+        if (theStage < theEarliest) { aBest->Clear(); }
+        theEarliest = theStage;
+        aBest->Add(theIndex, HasProfileWeight(theStage, aResources, theIndex), 0);
     }
-    return theBest.GetIndex();
+    return theEarliest;
 }
 
-Choice Choose(Resources* aResources, const Renderer& aRenderer)
+// Finds the best one of all, in document order.
+static void FindBestOfAll(const Resources& aResources, const Renderer& aRenderer, Best* aBest)
 {
-    zoDLNAProtocolInfo_t** theRanked = aResources->GetRoom();
-    bool fUnconvertedFirst = PutsUnconvertedFirst(kStages[0], aRenderer);
-    size_t theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
-    for (const Stage& theStage : kStages)
-    {
-        if (fUnconvertedFirst && !PutsUnconvertedFirst(theStage, aRenderer))
-        {
-            fUnconvertedFirst = false;
-            theCount = PutResourceIndexInArray(*aResources, aRenderer, fUnconvertedFirst, theRanked);
-        }
-        const int theBest = ChooseInStage(theStage, *aResources, aRenderer, theRanked, theCount);
-        if (theBest >= 0) { return { theBest, theStage.mConfidence }; }
-    }
-    return { -1, kRendererPlayConfidence_WillNot };
+    const size_t theCount = PutResourceIndexInArray(aResources, aRenderer, false);
+    aBest->Clear();
+    for (size_t i = 0; i < theCount; ++i)
+        aBest->Add(IndexOf(aResources.GetRoom()[i]), 0, 0);
 }
 
-Choice ChooseOriginal(Resources* aResources, Renderer* aRenderer)
+Choice Choose(const Resources& aResources, const Renderer& aRenderer)
+{
+    const bool fUnconvertedFirst = PutsUnconvertedFirst(0, aRenderer);
+    const size_t theCount = PutResourceIndexInArray(aResources, aRenderer, fUnconvertedFirst);
+    if (theCount == 0) { return { -1, kRendererPlayConfidence_WillNot }; }
+    Best theBest(aResources, aRenderer.mTargets);
+    const uint32 theStage = FindBest(aResources, aRenderer, theCount, &theBest);
+    if (fUnconvertedFirst && !PutsUnconvertedFirst(theStage, aRenderer))
+    {
+        FindBestOfAll(aResources, aRenderer, &theBest);
+    }
+    return { theBest.GetIndex(), kConfidences[theStage] };
+}
+
+Choice ChooseOriginal(const Resources& aResources, Renderer* aRenderer)
 {
     aRenderer->mfLeavingOutConverted = true;
     const Choice theOriginal = Choose(aResources, *aRenderer);

@@ -26,39 +26,30 @@ struct Choice
 };
 
 /** @return the choice of the first stage that makes one. */
-Choice Choose(Resources* aResources, const Renderer& aRenderer);
+Choice Choose(const Resources& aResources, const Renderer& aRenderer);
 /** Chooses among what is not converted, and if the renderer may not play that, among all: a better confidence wins.
  *  @param aRenderer out: mfLeavingOutConverted tells which of the two choices it is. */
-Choice ChooseOriginal(Resources* aResources, Renderer* aRenderer);
+Choice ChooseOriginal(const Resources& aResources, Renderer* aRenderer);
 
 // ---- What a choice is made of ----
 
-/** How close a match has to be. */
-struct Stage
-{
-    bool mfUsesSinkList;
-    int mMatchFlags;
-    int mConfidence;
-};
+/** The stages of matching from the closest on, counted from 0: those that ask the sink list, and a last one that takes
+ *  everything. */
+inline constexpr uint32 kLastStage = 4;
+/** The confidence that each stage gives. */
+extern const int kConfidences[kLastStage + 1];
 
-inline constexpr uint32 kStageCount = 5;
-/** From the closest on; the last one takes everything. */
-extern const Stage kStages[kStageCount];
+/** @return the first stage at which a resource that is considered matches, of those before aLimit; aLimit when it
+ *          matches at none of them.
+ *  @param aLimit  at most kLastStage. */
+uint32 FindStage(const Resource& aResource, const Renderer& aRenderer, uint32 aLimit);
 
-/** The weight of a resource in a stage, a number:
- *
- *      bit 15    it has a DLNA profile that the renderer plays
- *      bit 4     its host is an IPv4 address (kIsAddressWeight)
- *      bits 0-1  the highest locality of its host, 0 to 3 */
-inline constexpr uint32 kHasProfileWeight = 0x8000;
-
-/** True if a resource that is considered matches in a stage. */
-bool Matches(const Stage& aStage, const Resource& aResource, const Renderer& aRenderer);
-uint32 Weigh(const Stage& aStage, const Resources& aResources, uint32 anIndex, Targets aTargets);
+/** True if, in a stage, a resource outweighs those without a DLNA profile. */
+bool HasProfileWeight(uint32 aStage, const Resources& aResources, uint32 anIndex);
 /** True if the resource can be chosen at all, as far as it does not depend on its transport protocol. */
 bool IsConsidered(const Resource& aResource, const Renderer& aRenderer);
 /** True if, in a stage, what is not converted comes before the rest. */
-bool PutsUnconvertedFirst(const Stage& aStage, const Renderer& aRenderer);
+bool PutsUnconvertedFirst(uint32 aStage, const Renderer& aRenderer);
 /** Puts those whose transport protocol suits to the front, the best one's first; equally good ones keep their order.
  *  @return their number. */
 size_t RankByTransport(const Renderer& aRenderer, zoDLNAProtocolInfo_t** anInfos, size_t aCount);

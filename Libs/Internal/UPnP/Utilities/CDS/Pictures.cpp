@@ -165,9 +165,10 @@ private:
 
     int IndexAt(uint32 aPosition) const { return zoDLNAProtocolInfo_GetUserData(mInfos[aPosition]); }
     string_view ProfileAt(uint32 aPosition) const;
+    bool HasProfile(uint32 aPosition, string_view aProfile) const; // exactly
     bool IsWithoutInfo(uint32 aPosition) const;
 
-    uint32 Weigh(uint32 anIndex) const;
+    void AddTo(Best* aBest, uint32 aPosition) const;
     template <typename Predicate>
     int FindBest(Predicate afIsMeant) const;
     int FindOfProfile(string_view aProfile);
@@ -180,7 +181,7 @@ private:
     zoDLNAProtocolInfo_t** mInfos; // in the order of the resources
     uint32 mCount;
     uint32* mByProfile = nullptr; // positions in mInfos in the order of their profiles; NULL until they are asked for
-    int mWithoutInfo = kUnknown;
+    int mWithoutInfo = -1;
     int mOfMimeType[2][2] = { { kUnknown, kUnknown }, { kUnknown, kUnknown } };
 };
 
@@ -191,10 +192,13 @@ ThumbnailSearch::ThumbnailSearch(Resources* aResources, Targets aTargets)
 {
     for (uint32 i = 0; i < aResources->GetCount(); ++i)
     {
-        if (aResources->At(i).mInfo) { mInfos[mCount++] = aResources->At(i).mInfo; }
+        const Resource& theResource = aResources->At(i);
+        if (!theResource.mInfo) { continue; }
+        mInfos[mCount++] = theResource.mInfo;
+        if (!theResource.mfHasProtocolInfo) { mWithoutInfo = kUnknown; }
     }
     if (mCount == 0) { return; }
-    mCount = static_cast<uint32>(zoDLNAProtocolInfoList_RankByScheme(nullptr, "http", "http-get", mInfos, mCount));
+    mCount = static_cast<uint32>(zoDLNAProtocolInfoList_RankByScheme(nullptr, "http-get", "", mInfos, mCount));
 }
 
 string_view ThumbnailSearch::ProfileAt(uint32 aPosition) const
@@ -203,24 +207,31 @@ string_view ThumbnailSearch::ProfileAt(uint32 aPosition) const
     return theProfile ? string_view(theProfile) : string_view();
 }
 
+bool ThumbnailSearch::HasProfile(uint32 aPosition, string_view aProfile) const
+{
+    const char* theProfile = zoDLNAProtocolInfo_GetProfile(mInfos[aPosition]);
+    return theProfile && strncmp(theProfile, aProfile.data(), aProfile.size()) == 0 &&
+           theProfile[aProfile.size()] == '\0';
+}
+
 bool ThumbnailSearch::IsWithoutInfo(uint32 aPosition) const
 {
     return !mResources.At(static_cast<uint32>(IndexAt(aPosition))).mfHasProtocolInfo;
 }
 
-uint32 ThumbnailSearch::Weigh(uint32 anIndex) const
+void ThumbnailSearch::AddTo(Best* aBest, uint32 aPosition) const
 {
-    const bool fIsConverted = zoDLNAProtocolInfo_GetConversionIndicator(mResources.At(anIndex).mInfo) != 0;
-    return 2 * mResources.WeighHost(anIndex, mTargets) + (fIsConverted ? 0 : 1);
+    const uint32 theIndex = static_cast<uint32>(IndexAt(aPosition));
+    aBest->Add(theIndex, 0, !mResources.At(theIndex).IsConverted());
 }
 
 template <typename Predicate>
 int ThumbnailSearch::FindBest(Predicate afIsMeant) const
 {
-    Best theBest([this](uint32 anIndex) { return Weigh(anIndex); });
+    Best theBest(mResources, mTargets);
     for (uint32 i = 0; i < mCount; ++i)
     {
-        if (afIsMeant(i)) { theBest.Add(static_cast<uint32>(IndexAt(i))); }
+        if (afIsMeant(i)) { AddTo(&theBest, i); }
     }
     return theBest.GetIndex();
 }
@@ -243,16 +254,16 @@ int ThumbnailSearch::FindOfProfile(string_view aProfile)
 {
     if (mCount <= kFew)
     {
-        return FindBest([=](uint32 aPosition) { return ProfileAt(aPosition) == aProfile; });
+        return FindBest([=](uint32 aPosition) { return HasProfile(aPosition, aProfile); });
     }
     if (!mByProfile) { SortByProfile(); }
     const uint32* theEnd = mByProfile + mCount;
     const uint32* thePosition =
         std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
                          [this](uint32 aLeft, string_view aRight) { return ProfileAt(aLeft) < aRight; });
-    Best theBest([this](uint32 anIndex) { return Weigh(anIndex); });
+    Best theBest(mResources, mTargets);
     for (; thePosition < theEnd && ProfileAt(*thePosition) == aProfile; ++thePosition)
-        theBest.Add(static_cast<uint32>(IndexAt(*thePosition)));
+        AddTo(&theBest, *thePosition);
     return theBest.GetIndex();
 }
 
@@ -275,7 +286,7 @@ int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
     *theFound = FindBest(
         [&](uint32 aPosition)
         {
-        if (!afWithAnyProfile && !ProfileAt(aPosition).empty()) { return false; }
+        if (!afWithAnyProfile && zoDLNAProtocolInfo_GetProfile(mInfos[aPosition])) { return false; }
         if (!theSink)
         {
             theSink = zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());

@@ -9,9 +9,8 @@
 using CDS::Renderer;
 using CDS::Resource;
 using CDS::Resources;
-using CDS::Stage;
 
-static_assert(kCDSResourceStage_Count == CDS::kStageCount + 1, "stages are counted from 1");
+static_assert(kCDSResourceStage_Any == CDS::kLastStage + 1, "stages are counted from 1 here");
 
 namespace
 {
@@ -19,22 +18,12 @@ namespace
 // A choice that was made.
 struct Decision
 {
-    Resources* mResources;
+    const Resources* mResources;
     Renderer mRenderer; // of the choice that counts
     int mChosen;        // -1: nothing was
 };
 
 } // namespace
-
-static const Stage& StageOf(int aStage) { return CDS::kStages[aStage - 1]; }
-
-static int FindStage(const Resource& aResource, const Renderer& aRenderer)
-{
-    int theStage = kCDSResourceStage_Profile;
-    while (!CDS::Matches(StageOf(theStage), aResource, aRenderer))
-        ++theStage; // the last one matches
-    return theStage;
-}
 
 // ---- Resources that do not take part ----
 
@@ -85,32 +74,28 @@ static size_t Rank(const Decision& aDecision, const char* aSchemeOrder)
 
 // ---- Resources that lost ----
 
-static uint32 WeighFor(const Decision& aDecision, int aStage, uint32 anIndex)
-{
-    return CDS::Weigh(StageOf(aStage), *aDecision.mResources, anIndex, aDecision.mRenderer.mTargets);
-}
-
-// @return the reason for the highest bit in which two weights differ.
-static int WhyLighter(uint32 aWeight, uint32 aChosenWeight)
-{
-    const uint32 theDifference = aWeight ^ aChosenWeight;
-    if (theDifference >= CDS::kHasProfileWeight) { return kCDSResourceReason_NoProfile; }
-    return theDifference >= CDS::kIsAddressWeight ? kCDSResourceReason_HostName : kCDSResourceReason_HostFarther;
-}
-
 // Compares a resource with the chosen one, as the choice did.
-static int WhyNot(const Decision& aDecision, uint32 anIndex, uint32 aChosenWeight, bool afIsTransportWorse,
+static int WhyNot(const Decision& aDecision, uint32 anIndex, bool afIsTransportWorse,
                   const CDSResourceReport_t* aReports)
 {
+    const uint32 theChosenIndex = static_cast<uint32>(aDecision.mChosen);
     const CDSResourceReport_t& theReport = aReports[anIndex];
-    const CDSResourceReport_t& theChosen = aReports[aDecision.mChosen];
-    if (&theReport == &theChosen) { return kCDSResourceReason_Chosen; }
+    const CDSResourceReport_t& theChosen = aReports[theChosenIndex];
+    if (anIndex == theChosenIndex) { return kCDSResourceReason_Chosen; }
     if (theReport.mStage > theChosen.mStage) { return kCDSResourceReason_LaterStage; }
-    const uint32 theWeight = WeighFor(aDecision, theChosen.mStage, anIndex);
-    if (theWeight < aChosenWeight) { return WhyLighter(theWeight, aChosenWeight); }
+    const uint32 theStage = static_cast<uint32>(theChosen.mStage - 1);
+    if (CDS::HasProfileWeight(theStage, *aDecision.mResources, theChosenIndex) &&
+        !CDS::HasProfileWeight(theStage, *aDecision.mResources, anIndex))
+    {
+        return kCDSResourceReason_NoProfile;
+    }
+    if (theReport.mLocality < theChosen.mLocality)
+    {
+        return theReport.mLocality < 0 ? kCDSResourceReason_HostName : kCDSResourceReason_HostFarther;
+    }
     if (afIsTransportWorse) { return kCDSResourceReason_TransportWorse; }
-    const bool fIsConverted = theReport.mfIsConverted && !theChosen.mfIsConverted &&
-                              CDS::PutsUnconvertedFirst(StageOf(theChosen.mStage), aDecision.mRenderer);
+    const bool fIsConverted =
+        theReport.mfIsConverted && !theChosen.mfIsConverted && CDS::PutsUnconvertedFirst(theStage, aDecision.mRenderer);
     return fIsConverted ? kCDSResourceReason_Converted : kCDSResourceReason_LaterInDocument;
 }
 
@@ -126,18 +111,17 @@ static void Compare(const Decision& aDecision, size_t aCount, CDSResourceReport_
     for (size_t i = 0; i < aCount; ++i)
     {
         const uint32 theIndex = IndexOf(theRanked[i]);
-        const int theStage = FindStage(aDecision.mResources->At(theIndex), aDecision.mRenderer);
-        aReports[theIndex].mStage = theStage;
-        aReports[theIndex].mConfidence = StageOf(theStage).mConfidence;
+        const uint32 theStage =
+            CDS::FindStage(aDecision.mResources->At(theIndex), aDecision.mRenderer, CDS::kLastStage);
+        aReports[theIndex].mStage = static_cast<int>(theStage) + 1;
+        aReports[theIndex].mConfidence = CDS::kConfidences[theStage];
     }
-    const uint32 theChosen = static_cast<uint32>(aDecision.mChosen);
-    const uint32 theChosenWeight = aCount > 0 ? WeighFor(aDecision, aReports[theChosen].mStage, theChosen) : 0;
     bool fIsTransportWorse = false; // after the chosen one, which is the last of its transport protocol's rank
     for (size_t i = 0; i < aCount; ++i)
     {
         const uint32 theIndex = IndexOf(theRanked[i]);
-        aReports[theIndex].mReason = WhyNot(aDecision, theIndex, theChosenWeight, fIsTransportWorse, aReports);
-        if (theIndex == theChosen) { fIsTransportWorse = true; }
+        aReports[theIndex].mReason = WhyNot(aDecision, theIndex, fIsTransportWorse, aReports);
+        if (static_cast<int>(theIndex) == aDecision.mChosen) { fIsTransportWorse = true; }
     }
 }
 
@@ -167,7 +151,7 @@ static Renderer RendererOf(const zoDLNAProtocolInfoList_t* aSinkProtocolInfoList
              false };
 }
 
-static CDS::Choice ChooseBy(int aFlags, Resources* aResources, Renderer* aRenderer)
+static CDS::Choice ChooseBy(int aFlags, const Resources& aResources, Renderer* aRenderer)
 {
     return aFlags & kCDSResourceChoice_PreferOriginals ? CDS::ChooseOriginal(aResources, aRenderer)
                                                        : CDS::Choose(aResources, *aRenderer);
@@ -181,7 +165,7 @@ int CDSResourceInfo_ChooseResource(const zoPackedData_t* aResourceInfo,
     Renderer theRenderer =
         RendererOf(aSinkProtocolInfoList, aFlags, aPreferredSchemeOrder, { aTargetIPAddresses, aTargetIPCount });
     Resources theResources(aResourceInfo);
-    const CDS::Choice theChoice = ChooseBy(aFlags, &theResources, &theRenderer);
+    const CDS::Choice theChoice = ChooseBy(aFlags, theResources, &theRenderer);
     if (aConfidence) { *aConfidence = theChoice.mConfidence; }
     return theChoice.mResource;
 }
@@ -196,7 +180,7 @@ CDSResourceReport_t* CDSResourceInfo_NewReport(const zoPackedData_t* aResourceIn
     Resources theResources(aResourceInfo);
     if (aCount) { *aCount = theResources.GetCount(); }
     if (theResources.GetCount() == 0) { return nullptr; }
-    const CDS::Choice theChoice = ChooseBy(aFlags, &theResources, &theRenderer);
+    const CDS::Choice theChoice = ChooseBy(aFlags, theResources, &theRenderer);
     return NewReports({ &theResources, theRenderer, theChoice.mResource });
 }
 

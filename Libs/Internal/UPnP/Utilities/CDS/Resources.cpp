@@ -53,16 +53,27 @@ const char* Resources::GetProfile(uint32 anIndex) const
     return mResources[anIndex].mfHasProtocolInfo ? zoDLNAProtocolInfo_GetProfile(mResources[anIndex].mInfo) : nullptr;
 }
 
-uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
+// The URI's bytes; the text may end before them.
+std::string_view Resources::GetURI(uint32 anIndex) const
 {
     size_t theSize = 0;
     const char* theURI = zoPackedData_GetData(mRecord, anIndex, kCDSResourceInfo_URI, &theSize);
-    const uint32 theAddress = FindHostAddress({ theURI, theSize });
+    return { theURI, theSize };
+}
+
+uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
+{
+    const uint32 theAddress = FindHostAddress(GetURI(anIndex));
     if (theAddress == kNoAddress) { return 0; }
     uint32 theNearest = 0;
     for (uint32 i = 0; i < aTargets.mCount; ++i)
         theNearest = std::max(theNearest, GetLocality(theAddress, aTargets.mAddresses[i]));
     return kIsAddressWeight + theNearest;
+}
+
+bool Resources::HaveSameHost(uint32 anIndex, uint32 anotherIndex) const
+{
+    return CDS::HaveSameHost(GetURI(anIndex), GetURI(anotherIndex));
 }
 
 } // namespace CDS

@@ -3,6 +3,7 @@
 /* The resources of a record during one choice. */
 
 #include <UPnP/Utilities/CDS/Hosts.h>
+#include <string_view>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoPackedData.h>
@@ -36,14 +37,18 @@ public:
     uint32 GetCount() const { return mCount; }
     const Resource& At(uint32 anIndex) const { return mResources[anIndex]; }
     /** @return room for GetCount() protocol infos, for the caller's use. */
-    zoDLNAProtocolInfo_t** GetRoom() { return mRoom; }
+    zoDLNAProtocolInfo_t** GetRoom() const { return mRoom; }
 
     /** @return the DLNA profile of the resource's protocol info, borrowed; NULL without one. */
     const char* GetProfile(uint32 anIndex) const;
     /** @return the weight of the resource's host: 0 for a name, else kIsAddressWeight and the highest locality. */
     uint32 WeighHost(uint32 anIndex, Targets aTargets) const;
+    /** True if two resources' URIs say so at once; false if they may have different hosts. */
+    bool HaveSameHost(uint32 anIndex, uint32 anotherIndex) const;
 
 private:
+    std::string_view GetURI(uint32 anIndex) const;
+
     static const uint32 kFew = 8;
 
     const zoPackedData_t* mRecord;

@@ -88,6 +88,17 @@ zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* /*aMemory*/, size_t /*
 }
 #endif
 
+#ifdef UPNP_LACKS_zoDLNAProtocolInfoList_FindMatch
+size_t zoDLNAProtocolInfoList_FindMatch(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo,
+                                        const int* aFlags, size_t aCount)
+{
+    size_t thePosition = 0;
+    while (thePosition < aCount && !zoDLNAProtocolInfoList_Match(aList, anInfo, aFlags[thePosition]))
+        ++thePosition;
+    return thePosition;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoDLNAProtocolInfoList_RankByScheme
 // Drains a list of copies.
 size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,

@@ -44,6 +44,11 @@ int zoDLNAProtocolInfo_MatchText(const char* aText, size_t aLength, const char* 
 zoDLNAProtocolInfo_t* zoDLNAProtocolInfo_NewInPlace(void* aMemory, size_t aSize, const char* aText, size_t aLength);
 #endif
 
+#ifdef UPNP_LACKS_zoDLNAProtocolInfoList_FindMatch
+size_t zoDLNAProtocolInfoList_FindMatch(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo,
+                                        const int* aFlags, size_t aCount);
+#endif
+
 #ifdef UPNP_LACKS_zoDLNAProtocolInfoList_RankByScheme
 size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSinkList, const char* anOrder,
                                            const char* aSupported, zoDLNAProtocolInfo_t** anInfos, size_t aCount);

@@ -2,12 +2,13 @@
 
 /* The record behind zoDLNAProtocolInfo.h. */
 
+#include <Shared/ASCII.h>
 #include <string_view>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
 /* A protocol info as views of its normalised text, which is one of three things: the rest of the object's own block,
- * a part of its list's block, or the caller's text. */
+ * a part of its list's block, or the caller's text. The most common transport is a view of a constant. */
 struct zoDLNAProtocolInfo_t
 {
     std::string_view mText; /* with a NUL in place of the ";" after the profile when mfIsCut is set */
@@ -34,6 +35,13 @@ void Init(zoDLNAProtocolInfo_t* anInfo, char* aText, size_t aLength, bool afMayH
 
 /** @param aFields  the four fields. @return a new object, released with zoDLNAProtocolInfo_Delete. */
 zoDLNAProtocolInfo_t* NewFromFields(const std::string_view* aFields);
+
+/** Compares two fields ignoring case. Equal ones most often are the same view or the same bytes. */
+inline bool IsSame(std::string_view aLeft, std::string_view aRight)
+{
+    if (aLeft.size() != aRight.size()) { return false; }
+    return aLeft.data() == aRight.data() || Shared::Equals(aLeft, aRight) || Shared::EqualsIgnoringCase(aLeft, aRight);
+}
 
 /** True for "*". */
 inline bool IsAny(std::string_view aField) { return aField.size() == 1 && aField[0] == '*'; }

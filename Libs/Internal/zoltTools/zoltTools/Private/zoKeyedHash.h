@@ -26,7 +26,7 @@ inline uint64 Reduce(uint64 aValue)
 
 __extension__ typedef unsigned __int128 Product;
 
-/** @return the product of two elements of the field. */
+/** @return the product of two numbers, of which the first is below 2^62 and the second in the field. */
 inline uint64 Multiply(uint64 aLeft, uint64 aRight)
 {
     const Product theProduct = static_cast<Product>(aLeft) * aRight;
@@ -35,7 +35,7 @@ inline uint64 Multiply(uint64 aLeft, uint64 aRight)
 
 #else
 
-/** @return the product of two elements of the field, from products of their halves: 2^64 is 8 there. */
+/** The same from products of their halves: 2^64 is 8 in the field. */
 inline uint64 Multiply(uint64 aLeft, uint64 aRight)
 {
     const uint64 theHigh = (aLeft >> 32) * (aRight >> 32);
@@ -66,6 +66,22 @@ inline uint64 ToLower(uint64 aBytes)
     return aBytes | ((theFromA & ~theAboveZ & ~aBytes & (0x80 * kOnes)) >> 2);
 }
 
+// Seven bytes at a time, so that each word is below the prime.
+inline constexpr size_t kWordSize = 7;
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+inline constexpr bool kIsLittleEndian = true;
+#else
+inline constexpr bool kIsLittleEndian = false;
+#endif
+
+/** @return the first seven of eight bytes. */
+inline uint64 LoadWord(const char* aBytes)
+{
+    uint64 theWord;
+    memcpy(&theWord, aBytes, sizeof(theWord));
+    return kIsLittleEndian ? theWord << 8 >> 8 : theWord >> 8;
+}
+
 inline uint32 Load32(const char* aBytes)
 {
     uint32 theWord;
@@ -73,33 +89,31 @@ inline uint32 Load32(const char* aBytes)
     return theWord;
 }
 
-/** @return one to seven bytes as one word, some of them twice; words of as many bytes are equal when their bytes are.
- */
+/** @return one to seven bytes as one word of at most seven, some of them twice; words of as many bytes are equal when
+ *          their bytes are. */
 inline uint64 LoadTail(const char* aBytes, size_t aCount)
 {
-    if (aCount >= sizeof(uint32)) { return static_cast<uint64>(Load32(aBytes)) << 32 | Load32(aBytes + aCount - 4); }
+    if (aCount >= sizeof(uint32))
+    {
+        const uint32 theLast = Load32(aBytes + aCount - 4);
+        const uint32 theLastThree = kIsLittleEndian ? theLast >> 8 : theLast & 0xFFFFFF;
+        return static_cast<uint64>(theLastThree) << 32 | Load32(aBytes);
+    }
     const auto theByteAt = [aBytes](size_t aPosition)
     { return static_cast<uint64>(static_cast<uint8>(aBytes[aPosition])); };
     return theByteAt(0) << 16 | theByteAt(aCount / 2) << 8 | theByteAt(aCount - 1);
 }
 
-/** @return the hash of the text with its letters in lower case, below 2^61. */
+/** @return the hash of the text, below 2^61; with its letters in lower case unless afIsExact is true. */
+template <bool afIsExact = false>
 inline uint64 Hash(uint64 aKey, std::string_view aText)
 {
     uint64 theHash = aText.size() + 1;
-    const auto theAdd = [&](uint64 aWord)
-    {
-        theHash = Multiply(theHash, aKey) + static_cast<uint32>(aWord);
-        theHash = Multiply(Reduce(theHash), aKey) + (aWord >> 32);
-    };
-    for (; aText.size() >= sizeof(uint64); aText.remove_prefix(sizeof(uint64)))
-    {
-        uint64 theWord;
-        memcpy(&theWord, aText.data(), sizeof(theWord));
-        theAdd(ToLower(theWord));
-    }
-    if (!aText.empty()) { theAdd(ToLower(LoadTail(aText.data(), aText.size()))); }
-    return Reduce(Multiply(Reduce(theHash), aKey));
+    const auto theAdd = [&](uint64 aWord) { theHash = Multiply(theHash, aKey) + (afIsExact ? aWord : ToLower(aWord)); };
+    for (; aText.size() > kWordSize; aText.remove_prefix(kWordSize))
+        theAdd(LoadWord(aText.data()));
+    if (!aText.empty()) { theAdd(LoadTail(aText.data(), aText.size())); }
+    return Multiply(theHash, aKey);
 }
 
 } // namespace KeyedHash
