@@ -1,6 +1,7 @@
 #include "Shapes.h"
 
 #include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/CDSResourceReport.h>
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -74,6 +75,25 @@ void Choose(const Choice& aChoice, size_t aSize, Meter& aMeter)
         zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(theList.c_str(), 0);
         int theConfidence;
         CDSResourceInfo::GetBestResourceIndex(theSink, theRecord, &theConfidence, theOrder, nullptr, 0);
+        zoDLNAProtocolInfoList_Delete(theSink);
+        CDSResourceInfo::GetBestResourceIndexFromStr(theList.c_str(), theRecord, &theConfidence, theOrder, nullptr, 0,
+                                                     true);
+    });
+    zoPackedData_Free(theRecord);
+}
+
+// The same choice, explained for each resource.
+void Explain(const Choice& aChoice, size_t aSize, Meter& aMeter)
+{
+    size_t theBytes;
+    zoPackedData_t* theRecord = NewRecord(aChoice.mResource, aSize / 2, &theBytes);
+    const std::string theList = aChoice.mList(aSize / 2);
+    aMeter.Run(theBytes + theList.size(),
+               [&]
+               {
+        zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(theList.c_str(), 0);
+        free(CDSResourceInfo_NewReport(theRecord, theSink, kCDSResourceChoice_PreferOriginals,
+                                       aChoice.mSchemeOrder.c_str(), nullptr, 0, nullptr));
         zoDLNAProtocolInfoList_Delete(theSink);
     });
     zoPackedData_Free(theRecord);
@@ -189,6 +209,17 @@ void AddChoiceShapes(Shapes& aShapes)
                                Repeat(theElement + ":*"),
                                "" });
     }
+    for (const char* theParameters : { ";p#=1", ";p=#", ";p=#;q=1", ";q=1;p#=1;r=2" })
+    {
+        for (const char* theOther : { ";p=x", ";p1=1;q=1;r=2", ";P#=1" })
+        {
+            theChoices.push_back(
+                { std::string("list of one MIME type with") + theParameters + ", resources with" + theOther,
+                  { "u#", std::string("http-get:*:a/b") + theOther + ":*" },
+                  Repeat(std::string("http-get:*:a/b") + theParameters + ":*"),
+                  "" });
+        }
+    }
     theChoices.push_back({ "similar MIME types",
                            { "u#", "http-get:*:a/" + std::string(100, 'x') + "^~^~^~^~^~^:*" },
                            [](size_t aSize) { return SimilarTypes(std::min<size_t>(2048, aSize / 130)); },
@@ -206,7 +237,11 @@ void AddChoiceShapes(Shapes& aShapes)
     theChoices.push_back(
         { "escaped commas", { "u#", "http-get:*:a/b:*" }, [](size_t aSize) { return Fill("\\,", aSize); }, "" });
     for (const Choice& theChoice : theChoices)
+    {
         Add(aShapes, theChoice.mName, [theChoice](size_t aSize, Meter& aMeter) { Choose(theChoice, aSize, aMeter); });
+        Add(aShapes, theChoice.mName + ", explained",
+            [theChoice](size_t aSize, Meter& aMeter) { Explain(theChoice, aSize, aMeter); });
+    }
 
     const Resource kThumbnail = { "http://192.0.2.1/#", "http-get:*:image/jpeg:DLNA.ORG_PN=P#" };
     for (const char* theProfile : { "Q#", "Q_#", "P#", "JPEG_TN", "P", "" })

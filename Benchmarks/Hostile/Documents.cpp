@@ -55,6 +55,30 @@ void ParseObjects(std::string aText, const std::string& aBaseURL, Meter& aMeter)
         free(theBlock);
 }
 
+// Reads the objects of a document one by one, as ParseObjects does, also those that are inside each other.
+void ReadDocument(const std::string& aText, const std::string& aBaseURL, Meter& aMeter)
+{
+    std::vector<char*> theBlocks;
+    theBlocks.reserve(aText.size() / 2);
+    aMeter.Run(aText.size() + aBaseURL.size(),
+               [&]
+               {
+        UPnPDIDLDocument* theDocument =
+            UPnPDIDLDocument_New(aText.c_str(), aBaseURL.empty() ? nullptr : aBaseURL.c_str());
+        for (int theType = kDIDLItemType_Item; theType != kDIDLItemType_None;)
+        {
+            char* theData = nullptr;
+            char* theRes = nullptr;
+            UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
+            theBlocks.push_back(theData);
+            theBlocks.push_back(theRes);
+        }
+        UPnPDIDLDocument_Delete(theDocument);
+    });
+    for (char* theBlock : theBlocks)
+        free(theBlock);
+}
+
 std::string Item(const std::string& aContent) { return "<item>" + aContent + "</item>"; }
 
 std::string Nested(const std::string& aStart, const std::string& anEnd, size_t aSize)
@@ -82,6 +106,23 @@ void AddBrowse(Shapes& aShapes, const std::string& aName,
                         {
         const auto [theText, theBaseURL] = aMake(aSize);
         ParseObjects(theText, theBaseURL, aMeter);
+                       } });
+}
+
+// A document of objects inside each other, each with the content, with a base URL and declarations of the root.
+void AddDocument(Shapes& aShapes, const std::string& aContent, const std::string& anEnd, size_t aBaseLength,
+                 const char* aDeclaration)
+{
+    const std::string theName = "document: <container>" + aContent + anEnd + " inside each other" +
+                                (aBaseLength ? ", base URL of " + std::to_string(aBaseLength) + " bytes" : "") +
+                                (*aDeclaration ? ", root of" + std::string(aDeclaration) : "");
+    aShapes.push_back({ theName, kMaxPeakOfBrowseResult, kMaxKeptOfBrowseResult,
+                        [=](size_t aSize, Meter& aMeter)
+                        {
+        const std::string theStart = "<DIDL-Lite" + (*aDeclaration ? Fill(aDeclaration, aSize / 2) : "") + ">";
+        const std::string theText =
+            theStart + Nested("<container>" + aContent, anEnd + "</container>", aSize - theStart.size()) + kRootEnd;
+        ReadDocument(theText, aBaseLength ? "http://h/" + Fill("b/", aBaseLength - 9) : "", aMeter);
                        } });
 }
 
@@ -185,6 +226,15 @@ void AddDocumentShapes(Shapes& aShapes)
         AddObject(aShapes, "protocol info of \"" + theText + "\"",
                   [theText](size_t aSize)
                   { return Item("<res protocolInfo=\"http-get:*:*:" + Fill(theText, aSize) + "\">a</res>"); });
+    }
+
+    for (const std::string theContent :
+         { "", "<res>a</res>", "<a:b/>", "<dc:title>a</dc:title>", "<item/>", "<a>", "<xmlns:a>u</xmlns:a>" })
+    {
+        const std::string theEnd = theContent == "<a>" ? "</a>" : "";
+        AddDocument(aShapes, theContent, theEnd, 0, "");
+        AddDocument(aShapes, theContent, theEnd, 0, " xmlns:a#='u'");
+        if (theContent == "<res>a</res>") { AddDocument(aShapes, theContent, theEnd, 1000, ""); }
     }
 
     AddBrowse(aShapes, "<item/> over and over",

@@ -73,6 +73,7 @@ void Consume(zoPackedData_t* anEntry, zoPackedData_t* aResources)
     theResources.GetResourceIndexOfURI("u");
     theResources.ReduceSize(theResources.GetMemoryUsage() / 2, "u", true);
     delete theResources.Clone();
+    delete theEntry.Clone();
 }
 
 // A record of like entries, each with like values under the tags from a first one on.
@@ -181,9 +182,63 @@ void AddRecordShapes(Shapes& aShapes)
             Use(aResources.GetMimeTypeForResourceIndex(i).c_str());
         }
     });
+    for (const char* theContent :
+         { "<res>u</res>", "<res a='&quot;'>u</res>", "<a:b>c</a:b>", "<upnp:createClass>a</upnp:createClass>",
+           "<upnp:albumArtURI>a</upnp:albumArtURI>", "<xmlns:a#>u</xmlns:a#>" })
+    {
+        AddLoop(aShapes, std::string("written and cloned: ") + theContent, "", theContent,
+                [](CDSEntryInfo& anEntry, CDSResourceInfo& aResources)
+                {
+            free(UPnPDIDL_Get(anEntry.mPackedData, aResources.mPackedData, 1, 1, "u"));
+            free(UPnPDIDL_GetForCreateObjectResponse(anEntry.mPackedData, "u", nullptr, nullptr, "1", "0", 0, 0));
+            delete anEntry.Clone();
+            delete aResources.Clone();
+        });
+    }
     AddLoop(aShapes, "reduced to half its size", "", "<res>u</res>",
             [](CDSEntryInfo&, CDSResourceInfo& aResources)
             { aResources.ReduceSize(aResources.GetMemoryUsage() / 2, "u", true); });
+    for (const bool fIsMixed : { false, true })
+    {
+        Add(aShapes, std::string("tags added ") + (fIsMixed ? "in any order" : "backward"),
+            [=](size_t aSize, Meter& aMeter)
+            {
+            const uint32 theCount = 8000; // tags of an entry
+            aMeter.Run(aSize,
+                       [&]
+                       {
+                zoPackedData_t* theRecord = zoPackedData_New(0);
+                for (size_t theLeft = aSize / 8; theLeft >= theCount; theLeft -= theCount)
+                {
+                    zoPackedData_AddNewEntry(theRecord);
+                    for (uint32 i = 0; i < theCount; ++i)
+                    {
+                        const uint32 theTag = fIsMixed ? i * 7919 % theCount : theCount - i;
+                        zoPackedData_AddData(theRecord, static_cast<uint16>(theTag), "abcdef", 6);
+                    }
+                }
+                for (uint32 i = 0; i < theCount; ++i)
+                    Use(zoPackedData_GetData(theRecord, 0, static_cast<uint16>(i), nullptr));
+                for (uint32 i = zoPackedData_GetEntryCount(theRecord); i > 0; --i)
+                    zoPackedData_CopyEntry(theRecord, i - 1, theRecord);
+                zoPackedData_Free(theRecord);
+            });
+        });
+    }
+    Add(aShapes, "entries searched for a text",
+        [](size_t aSize, Meter& aMeter)
+        {
+        zoPackedData_t* theRecord = NewRecord(aSize / 2 / 60, 1, 1, std::string(50, 'a'));
+        const std::string theText = Fill("a", 20) + "b";
+        const size_t theSize = zoPackedData_GetMemoryUsage(theRecord);
+        aMeter.Run(theSize,
+                   [&]
+                   {
+            for (uint32 i = 0; i < zoPackedData_GetEntryCount(theRecord); ++i)
+                zoPackedData_FindEntryWithText(theRecord, 1, theText.c_str(), i, nullptr);
+        });
+        zoPackedData_Free(theRecord);
+    });
     for (const size_t theTags : { size_t{ 0 }, size_t{ 1 }, size_t{ 15 }, size_t{ 40 } })
     {
         for (const uint32 theFirst : { 0u, 15u, 20u, 21u })
