@@ -11,10 +11,14 @@ namespace
 std::string Text(const char* aBegin, int aLength) { return { aBegin ? aBegin : "", static_cast<size_t>(aLength) }; }
 
 // One line for a document: its tags as they are linked, e.g. "a[x=1] (b:c) " for <a x="1"><b:c/></a>, or the error.
-std::string Outline(std::string_view aText)
+// The reader is given memory of this many pointers, 0 for none.
+std::string Outline(std::string_view aText, size_t aCount)
 {
     char* theText = strndup(aText.data(), aText.size());
-    ILibXMLNode* theNodes = ILibParseXML(theText, 0, aText.size());
+    std::vector<void*> theMemory(aCount);
+    ILibXMLNode* theNodes =
+        aCount > 0 ? ILibParseXMLWithMemory(theText, 0, aText.size(), theMemory.data(), aCount * sizeof(void*))
+                   : ILibParseXML(theText, 0, aText.size());
     const int theError = ILibProcessXMLNodeList(theNodes);
     std::string theOutline = theError ? "error " + std::to_string(theError) : "";
     for (ILibXMLNode* theNode = theError ? nullptr : theNodes; theNode; theNode = theNode->Next)
@@ -63,8 +67,12 @@ TEST(ILibXMLTest, ReadsWhatServersSend)
         { "<ab></ab><a/>", "(ab)(a)" },
         { "no tag", "" },
     };
+    const size_t kMemories[] = { 0, 1, 15, 40, 512 };
     for (const auto& [theText, theOutline] : kCases)
-        EXPECT_EQ(theOutline, Outline(theText)) << theText;
+    {
+        for (const size_t theCount : kMemories)
+            EXPECT_EQ(theOutline, Outline(theText, theCount)) << theText;
+    }
     static const std::pair<const char*, std::vector<const char*>> kErrors[] = {
         { "error -2", { "<a><b></a></b>", "<a></A>", "<a></aa>" } },
         { "error -1", { "</a>", "<a/></b>" } },
@@ -76,7 +84,10 @@ TEST(ILibXMLTest, ReadsWhatServersSend)
     for (const auto& [theError, theTexts] : kErrors)
     {
         for (const char* theText : theTexts)
-            EXPECT_EQ(theError, Outline(theText)) << theText;
+        {
+            for (const size_t theCount : kMemories)
+                EXPECT_EQ(theError, Outline(theText, theCount)) << theText;
+        }
     }
 }
 

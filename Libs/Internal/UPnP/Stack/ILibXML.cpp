@@ -6,7 +6,12 @@
 
 ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength)
 {
-    return aText && aLength > 0 ? XML::Read(aText + anOffset, aLength) : nullptr;
+    return ILibParseXMLWithMemory(aText, anOffset, aLength, nullptr, 0);
+}
+
+ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength, void* aMemory, size_t aSize)
+{
+    return aText && aLength > 0 ? XML::Read(aText + anOffset, aLength, aMemory, aSize) : nullptr;
 }
 
 int ILibProcessXMLNodeList(ILibXMLNode* aNodeList)

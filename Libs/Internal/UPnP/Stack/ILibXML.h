@@ -81,6 +81,12 @@ struct ILibXMLAttribute
  *         attributes each of them takes a pointer more.
  */
 UPNPSTACK_API struct ILibXMLNode* ILibParseXML(char* aText, size_t anOffset, size_t aLength);
+/** As ILibParseXML, but what fits of the nodes and attributes is put into memory of the caller, and only the rest is
+ *  allocated.
+ *  @param aMemory aSize bytes, aligned as a pointer is, not initialized; they must outlive the nodes, too. NULL with 0,
+ *                 and less than a tag takes, is as ILibParseXML. */
+UPNPSTACK_API struct ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength, void* aMemory,
+                                                         size_t aSize);
 /** Checks that every tag is well-formed, attributes included, and that start and end tags are in pairs.
  *  @return a kILibProcessXML_*, NoError for NULL; after an error the links are not complete and not to be used. */
 UPNPSTACK_API int ILibProcessXMLNodeList(struct ILibXMLNode* aNodeList);

@@ -248,7 +248,9 @@ int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, in
     if (zoStrEmpty(anElements)) { return kUPnPError_InvalidDIDL; }
 
     DocumentWalk theWalk = { nullptr, kDIDLItemType_None, nullptr, nullptr };
-    ILibXMLNode* theNodes = ILibParseXML(const_cast<char*>(anElements), 0, strlen(anElements));
+    void* theMemory[512]; // holds the nodes and attributes of 50 of the 51 documents that are measured
+    ILibXMLNode* theNodes =
+        ILibParseXMLWithMemory(const_cast<char*>(anElements), 0, strlen(anElements), theMemory, sizeof(theMemory));
     const bool fIsWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
     const int theResult = fIsWellFormed ? WalkDocument(&theWalk, theNodes) : kUPnPError_InvalidXML;
     ILibDestructXMLNodeList(theNodes);

@@ -1,7 +1,7 @@
 #pragma once
 
-/* The memory of a document: a few blocks from which nodes and attributes are cut. The first node is preceded by the
- * document itself, so that the list is all that a caller holds. */
+/* The memory of a document: the caller's, and a few blocks, from which nodes and attributes are cut. The first node is
+ * preceded by the document itself, so that the list is all that a caller holds. */
 
 #include <UPnP/Stack/ILibXML.h>
 #include <algorithm>
@@ -22,7 +22,7 @@ struct Document
 {
     ILibXMLNode* mFirst; // NULL while there is none
     Block* mBlocks;
-    size_t mSize; // of all its memory
+    size_t mSize; // of all its memory, the caller's included
     long mError;  // a kILibProcessXML_*; where there is one, reading stopped
 };
 
@@ -71,7 +71,7 @@ inline Document* DocumentOf(ILibXMLNode* aFirst) { return reinterpret_cast<Docum
 
 inline void Delete(Document* aDocument)
 {
-    for (Block* theBlock = aDocument->mBlocks; theBlock;) // the document is in the last one
+    for (Block* theBlock = aDocument->mBlocks; theBlock;) // the document may be in the last one
     {
         Block* theNext = theBlock->mNext;
         free(theBlock);
@@ -93,16 +93,17 @@ inline char* AllocateBlock(Document* aDocument, size_t aSize)
 class Memory
 {
 public:
-    /** The first block holds what most documents of one object need; all are an eighth larger than needed at most. */
-    explicit Memory(size_t aTextLength)
+    /** With aSize bytes of the caller to be used first. */
+    Memory(size_t aTextLength, void* aMemory, size_t aSize) : mTextLength(aTextLength)
     {
-        const size_t theExpectedSize = aTextLength / 16 * 5 * sizeof(void*);
-        const size_t theSize = std::clamp(theExpectedSize, kMinBlockSize, kMaxFirstBlockSize) - sizeof(Block);
-        Document theDocument = { nullptr, nullptr, 0, kILibProcessXML_NoError };
-        mFree = AllocateBlock(&theDocument, theSize);
-        mFreeEnd = mFree + theSize;
-        mDocument = Allocate<Document>();
-        *mDocument = theDocument;
+        Document theDocument = { nullptr, nullptr, aSize, kILibProcessXML_NoError };
+        mDocument = &theDocument;
+        mFree = static_cast<char*>(aMemory);
+        mFreeEnd = mFree + aSize;
+        Document* theMemory = &Allocate<Beginning>()->mDocument;
+        mFree -= sizeof(StartTag);
+        *theMemory = theDocument;
+        mDocument = theMemory;
     }
 
     Document* GetDocument() const { return mDocument; }
@@ -122,9 +123,24 @@ private:
     static constexpr size_t kMinBlockSize = 1008; // the largest that malloc keeps at hand, with its own header
     static constexpr size_t kMaxFirstBlockSize = 16 * kMinBlockSize;
 
+    struct Beginning
+    {
+        Document mDocument;
+        StartTag mFirst;
+    };
+
+    /** The first block holds what most documents of one object need; all are an eighth larger than needed at most. */
+    size_t NextBlockSize() const
+    {
+        if (mDocument->mBlocks) { return std::max(mDocument->mSize / 8, kMinBlockSize); }
+        const size_t theExpectedSize = mTextLength / 16 * 5 * sizeof(void*);
+        return std::clamp(theExpectedSize - std::min(theExpectedSize, mDocument->mSize), kMinBlockSize,
+                          kMaxFirstBlockSize);
+    }
+
     void AddBlock()
     {
-        const size_t theSize = std::max(mDocument->mSize / 8, kMinBlockSize) - sizeof(Block);
+        const size_t theSize = NextBlockSize() - sizeof(Block);
         mFree = AllocateBlock(mDocument, theSize);
         mFreeEnd = mFree + theSize;
     }
@@ -132,6 +148,7 @@ private:
     Document* mDocument;
     char* mFree; // mFree to mFreeEnd: the rest of the newest block
     char* mFreeEnd;
+    size_t mTextLength;
 };
 
 static_assert(sizeof(Document) % sizeof(void*) == 0 && sizeof(Block) % sizeof(void*) == 0,

@@ -276,9 +276,9 @@ static void Refuse(Reader* aReader, char* aText)
     }
 }
 
-ILibXMLNode* Read(char* aText, size_t aLength)
+ILibXMLNode* Read(char* aText, size_t aLength, void* aMemory, size_t aSize)
 {
-    Reader theReader = { Memory(aLength), aText, nullptr, nullptr, nullptr, nullptr };
+    Reader theReader = { Memory(aLength, aMemory, aSize), aText, nullptr, nullptr, nullptr, nullptr };
     Document* theDocument = theReader.mMemory.GetDocument();
     theReader.mNext = &theDocument->mFirst;
     if (!ReadText(&theReader, aText, aLength)) { Refuse(&theReader, aText); }

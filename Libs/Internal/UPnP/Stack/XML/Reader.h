@@ -7,7 +7,7 @@
 namespace XML
 {
 
-/** As ILibParseXML. */
-ILibXMLNode* Read(char* aText, size_t aLength);
+/** As ILibParseXMLWithMemory. */
+ILibXMLNode* Read(char* aText, size_t aLength, void* aMemory, size_t aSize);
 
 } // namespace XML

@@ -25,6 +25,13 @@ ILibXMLAttribute* ILibFindXMLAttribute(ILibXMLAttribute* aList, const char* aPre
 }
 #endif
 
+#ifdef UPNP_LACKS_ILibParseXMLWithMemory
+ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength, void* /*aMemory*/, size_t /*aSize*/)
+{
+    return ILibParseXML(aText, anOffset, aLength);
+}
+#endif
+
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 // What was appended stays allocated, so going back to mPos makes room. When there is too little, at least as much as
 // there is already is appended at once: a buffer that grows exactly is amortised O(1), too.

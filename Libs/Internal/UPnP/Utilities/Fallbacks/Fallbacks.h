@@ -24,6 +24,10 @@ struct ILibXMLAttribute* ILibFindXMLAttribute(struct ILibXMLAttribute* aList, co
                                               const char* aName, size_t aNameLength);
 #endif
 
+#ifdef UPNP_LACKS_ILibParseXMLWithMemory
+struct ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength, void* aMemory, size_t aSize);
+#endif
+
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 void zoBuffer_Reserve(zoBuffer* aBuffer, size_t aCount);
 #endif
