@@ -17,17 +17,11 @@
 static const char kSinks[] = "http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_LRG,http-get:*:image/jpeg:DLNA.ORG_PN=JPEG_SM,"
                              "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3,http-get:*:video/mpeg:DLNA.ORG_PN=MPEG_PS_PAL";
 
-static void PlayOn(zoDLNAProtocolInfoList_t* aSinks, ILibXMLNode* aDIDL, ILibXMLNode* anObject, bool afIsItem)
+static void PlayOn(zoDLNAProtocolInfoList_t* aSinks, char* anEntryBlock, char* aResourceBlock)
 {
-    char* theEntryBlock = nullptr;
-    char* theResourceBlock = nullptr;
-    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(anObject);
-    UPnPDIDL_Parse(nullptr, aDIDL, anObject, theAttributes, afIsItem, &theEntryBlock, &theResourceBlock);
-    ILibDestructXMLAttributeList(theAttributes);
-
-    zoPackedData_t* theEntryRecord = zoPackedData_NewData(theEntryBlock);
-    CDSResourceInfo theResources(theResourceBlock, theEntryRecord); // takes the resources over
-    CDSEntryInfo theEntry(theEntryRecord);                          // and this one the entry
+    zoPackedData_t* theEntryRecord = zoPackedData_NewData(anEntryBlock);
+    CDSResourceInfo theResources(aResourceBlock, theEntryRecord); // takes the resources over
+    CDSEntryInfo theEntry(theEntryRecord);                        // and this one the entry
     int theConfidence = 0;
     const int theIndex = theResources.GetBestResourceIndex(aSinks, &theConfidence, "*", nullptr, 0);
     std::printf("%s: ", theEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
@@ -52,16 +46,18 @@ int main(int argc, char** argv)
     }
     std::ifstream theFile(argv[1], std::ios::binary);
     std::string theText{ std::istreambuf_iterator<char>(theFile), {} };
-    ILibXMLNode* theNodes = ILibParseXML(theText.data(), 0, theText.size());
-    const bool fIsWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
     zoDLNAProtocolInfoList_t* theSinks = zoDLNAProtocolInfoList_New(kSinks, 0);
-    // The objects are the children of the document's one element.
-    for (ILibXMLNode* theNode = fIsWellFormed && theNodes ? theNodes->Next : nullptr; theNode; theNode = theNode->Peer)
+    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theText.data(), nullptr);
+    for (;;)
     {
-        const std::string theName(theNode->Name, static_cast<size_t>(theNode->NameLength));
-        if (theName == "item" || theName == "container") { PlayOn(theSinks, theNodes, theNode, theName == "item"); }
+        char *theEntryBlock, *theResourceBlock;
+        int theType;
+        const int theResult = UPnPDIDLDocument_NextObject(theDocument, &theEntryBlock, &theResourceBlock, &theType);
+        if (theType == kDIDLItemType_None) { break; }
+        if (theResult == kUPnPError_None) { PlayOn(theSinks, theEntryBlock, theResourceBlock); }
     }
+    const bool fIsWellFormed = theDocument != nullptr;
+    UPnPDIDLDocument_Delete(theDocument);
     zoDLNAProtocolInfoList_Delete(theSinks);
-    ILibDestructXMLNodeList(theNodes);
     return fIsWellFormed ? 0 : 1;
 }

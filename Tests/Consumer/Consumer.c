@@ -1,3 +1,5 @@
+#include <UPnP/Utilities/CDSEntryInfo.h>
+#include <UPnP/Utilities/CDSResourceInfo.h>
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <UPnP/Utilities/UPnPVersion.h>
@@ -20,8 +22,8 @@ int main(void)
     zoPackedData_t* theEntry = zoPackedData_NewData(theEntryBlock);
     zoPackedData_t* theResources = zoPackedData_NewData(theResourceBlock);
     char theTime[sizeof(kUPnP_UnknownTimeString)];
-    UPnPUtil_SetTimeString(theTime, zoPackedData_GetDataAsUInt32(theResources, 0, kCDSResourceInfo_Duration));
-    printf("%s: %s, %s\n", UPnPUtilities_GetVersion(), zoPackedData_GetData(theEntry, 0, kCDSEntryInfo_Title, NULL),
+    UPnPUtil_SetTimeString(theTime, CDSResourceInfo_GetInfoAsUInt32(theResources, 0, kCDSResourceInfo_Duration));
+    printf("%s: %s, %s\n", UPnPUtilities_GetVersion(), CDSEntryInfo_GetInfoAsStr(theEntry, kCDSEntryInfo_Title),
            theTime);
     zoPackedData_Free(theResources);
     zoPackedData_Free(theEntry);
