@@ -8,6 +8,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <string_view>
+#include <utility>
 #include <zoltTools/zoAssert.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoMemory.h>
@@ -442,88 +443,115 @@ int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, ui
                                                         aTargetIPCount);
 }
 
-static char* NewTexts(const char* anURI, const char* aProfile, char** aProfileID)
+namespace
 {
-    *aProfileID = zoStrdup(aProfile ? aProfile : "");
-    return zoStrdup(anURI);
-}
 
-// Chooses among an object's pictures. @return the URI and the profile, "" when there is none; both are new.
-static char* FetchPicture(bool afWithThumbnails, const zoPackedData_t* aResourceInfo, const zoArray_t* anAlbumArt,
-                          const char* aProfileList, CDS::Targets aTargets, char** aProfileID)
+// A picture that was chosen, borrowed; "" and NULL or "" when there is none.
+struct Picture
+{
+    std::string_view mURI;
+    const char* mProfile;
+};
+
+// Where a picture is looked for.
+struct Pictures
+{
+    const zoArray_t* mAlbumArt;
+    const zoPackedData_t* mResourceInfo;
+    bool mfWithThumbnails; // false: among the album art only
+};
+
+} // namespace
+
+// Chooses among an object's pictures. @param aTake  called with the result, and with aTarget.
+static void ChoosePicture(const Pictures& aPictures, const char* aProfileList, CDS::Targets aTargets,
+                          void (*aTake)(const Picture& aPicture, void* aTarget), void* aTarget)
 {
     const std::string_view theProfiles = CDS::ProfilesOrDefault(aProfileList);
-    CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(anAlbumArt, theProfiles, aTargets);
-    if (!afWithThumbnails) { return NewTexts(theAlbumArt.mURI, theAlbumArt.mProfile, aProfileID); }
+    CDS::AlbumArt theAlbumArt = CDS::ChooseAlbumArt(aPictures.mAlbumArt, theProfiles, aTargets);
+    if (!aPictures.mfWithThumbnails) { return aTake({ theAlbumArt.mURI, theAlbumArt.mProfile }, aTarget); }
 
     const bool fHasAlbumArt = *theAlbumArt.mURI != '\0';
     if (!fHasAlbumArt || !CDS::HasListedProfile(theAlbumArt, theProfiles))
     {
-        CDS::Resources theResources(aResourceInfo);
+        CDS::Resources theResources(aPictures.mResourceInfo);
         const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, aTargets);
         if (theIndex >= 0)
         {
             const uint32 theResource = static_cast<uint32>(theIndex);
-            const zoCString theURI = CDS::GetText(aResourceInfo, theResource, kCDSResourceInfo_URI);
-            return NewTexts(theURI.c_str(), theResources.GetProfile(theResource), aProfileID);
+            return aTake({ CDS::FindText(aPictures.mResourceInfo, theResource, kCDSResourceInfo_URI),
+                           theResources.GetProfile(theResource) },
+                         aTarget);
         }
     }
     if (!fHasAlbumArt || !CDS::HasListedFamily(theAlbumArt, theProfiles)) { theAlbumArt = { "", "" }; }
-    return NewTexts(theAlbumArt.mURI, theAlbumArt.mProfile, aProfileID);
+    aTake({ theAlbumArt.mURI, theAlbumArt.mProfile }, aTarget);
 }
 
-static zoCString GetPicture(bool afWithThumbnails, const zoPackedData_t* aResourceInfo, const zoArray_t* anAlbumArt,
-                            const zoCString& aProfileList, const uint32* aTargetIPAddresses, uint32 aTargetIPCount,
+static zoCString GetPicture(const Pictures& aPictures, const zoCString& aProfileList, CDS::Targets aTargets,
                             zoCString* aProfileID)
 {
-    char* theProfileText;
-    zoCString theURI, theProfile;
-    theURI.FromAllocatedString(FetchPicture(afWithThumbnails, aResourceInfo, anAlbumArt, aProfileList.c_str(),
-                                            { aTargetIPAddresses, aTargetIPCount }, &theProfileText));
-    (aProfileID ? aProfileID : &theProfile)->FromAllocatedString(theProfileText);
-    return theURI;
+    struct Texts
+    {
+        zoCString mURI;
+        zoCString* mProfile;
+    } theTexts = { zoCString(), aProfileID };
+    const auto theTake = [](const Picture& aPicture, void* aTarget)
+    {
+        Texts* theTarget = static_cast<Texts*>(aTarget);
+        if (!aPicture.mURI.empty()) { theTarget->mURI = zoCString(aPicture.mURI.data(), aPicture.mURI.size()); }
+        if (theTarget->mProfile) { *theTarget->mProfile = aPicture.mProfile; }
+    };
+    ChoosePicture(aPictures, aProfileList.c_str(), aTargets, theTake, &theTexts);
+    return std::move(theTexts.mURI); // a member is not moved by itself
 }
 
 zoCString CDSResourceInfo::GetAlbumArtURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                           uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    return GetPicture(false, mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
-                      aProfileID);
+    return GetPicture({ mAlbumArtURIArray, nullptr, false }, aPreferedProfileIDList,
+                      { aTargetIPAddresses, aTargetIPCount }, aProfileID);
 }
 
 zoCString CDSResourceInfo::GetThumbnailURI(const zoCString& aPreferedProfileIDList, zoCString* aProfileID,
                                            uint32* aTargetIPAddresses, uint32 aTargetIPCount)
 {
-    return GetPicture(true, mPackedData, mAlbumArtURIArray, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
-                      aProfileID);
+    return GetPicture({ mAlbumArtURIArray, mPackedData, true }, aPreferedProfileIDList,
+                      { aTargetIPAddresses, aTargetIPCount }, aProfileID);
 }
 
-// As FetchPicture, with the album art of an entry record. @param aProfileID  may be NULL.
-static char* FetchPictureOf(bool afWithThumbnails, const zoPackedData_t* aResourceInfo,
-                            const zoPackedData_t* anEntryInfo, const char* aProfileList,
-                            const uint32* aTargetIPAddresses, uint32 aTargetIPCount, char** aProfileID)
+// As GetPicture, with the album art of an entry record. The texts are new. @param aProfileID  may be NULL.
+static char* FetchPicture(bool afWithThumbnails, const zoPackedData_t* aResourceInfo, const zoPackedData_t* anEntryInfo,
+                          const char* aProfileList, CDS::Targets aTargets, char** aProfileID)
 {
-    char* theProfile;
+    struct Texts
+    {
+        char* mURI;
+        char** mProfile;
+    } theTexts = { nullptr, aProfileID };
+    const auto theTake = [](const Picture& aPicture, void* aTarget)
+    {
+        Texts* theTarget = static_cast<Texts*>(aTarget);
+        theTarget->mURI = zoStrndup(aPicture.mURI.data() ? aPicture.mURI.data() : "", aPicture.mURI.size());
+        if (theTarget->mProfile) { *theTarget->mProfile = zoStrdup(aPicture.mProfile ? aPicture.mProfile : ""); }
+    };
     zoArray_t* theAlbumArt = NewAlbumArt(anEntryInfo);
-    char* theURI = FetchPicture(afWithThumbnails, aResourceInfo, theAlbumArt, aProfileList,
-                                { aTargetIPAddresses, aTargetIPCount }, &theProfile);
+    ChoosePicture({ theAlbumArt, aResourceInfo, afWithThumbnails }, aProfileList, aTargets, theTake, &theTexts);
     zoArray_Delete(theAlbumArt);
-    if (aProfileID) { *aProfileID = theProfile; }
-    else { free(theProfile); }
-    return theURI;
+    return theTexts.mURI;
 }
 
 char* CDSResourceInfo_FetchAlbumArtURI(const zoPackedData_t* anEntryInfo, const char* aPreferedProfileIDList,
                                        const uint32* aTargetIPAddresses, uint32 aTargetIPCount, char** aProfileID)
 {
-    return FetchPictureOf(false, nullptr, anEntryInfo, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
-                          aProfileID);
+    return FetchPicture(false, nullptr, anEntryInfo, aPreferedProfileIDList, { aTargetIPAddresses, aTargetIPCount },
+                        aProfileID);
 }
 
 char* CDSResourceInfo_FetchThumbnailURI(const zoPackedData_t* aResourceInfo, const zoPackedData_t* anEntryInfo,
                                         const char* aPreferedProfileIDList, const uint32* aTargetIPAddresses,
                                         uint32 aTargetIPCount, char** aProfileID)
 {
-    return FetchPictureOf(true, aResourceInfo, anEntryInfo, aPreferedProfileIDList, aTargetIPAddresses, aTargetIPCount,
-                          aProfileID);
+    return FetchPicture(true, aResourceInfo, anEntryInfo, aPreferedProfileIDList,
+                        { aTargetIPAddresses, aTargetIPCount }, aProfileID);
 }

@@ -264,16 +264,21 @@ static size_t RankByWord(string_view anItem, string_view aSupported, zoDLNAProto
     return static_cast<size_t>(std::remove_if(anInfos, anInfos + aCount, fIsLeftOut) - anInfos);
 }
 
-static size_t RankByWords(const WordTable& anOrder, const WordTable& aSupported, zoDLNAProtocolInfo_t** anInfos,
-                          size_t aCount)
+// Ranks by several words. Rare: not inlined, its memory costs the others nothing.
+[[gnu::noinline]] static size_t RankByWords(string_view anOrder, const char* aSupported, zoDLNAProtocolInfo_t** anInfos,
+                                            size_t aCount)
 {
+    const WordTable theOrder = NewWordTable(anOrder);
+    const WordTable theSupported = NewWordTable(aSupported);
     RankedInfo* theRanked = Shared::NewArray<RankedInfo>(aCount);
     RankedInfo* theEnd = theRanked;
     for (size_t i = 0; i < aCount; ++i)
     {
-        const uint32 theRank = RankOf(anInfos[i]->mProtocol, anOrder, aSupported);
+        const uint32 theRank = RankOf(anInfos[i]->mProtocol, theOrder, theSupported);
         if (theRank != kNoRank) { *theEnd++ = { anInfos[i], theRank, static_cast<uint32>(i) }; }
     }
+    FreeWordTable(theOrder);
+    FreeWordTable(theSupported);
     std::sort(theRanked, theEnd,
               [](const RankedInfo& aLeft, const RankedInfo& aRight) {
         return aLeft.mRank != aRight.mRank ? aLeft.mRank < aRight.mRank : aLeft.mPosition < aRight.mPosition;
@@ -297,12 +302,9 @@ size_t zoDLNAProtocolInfoList_RankByScheme(const zoDLNAProtocolInfoList_t* aSink
     {
         return RankByWord(theOrder, theOnlySupported, anInfos, aCount);
     }
-    char* theSupported = aSupported ? zoStrdup(aSupported) : zoDLNAProtocolInfoList_GetSupportedProtocolList(aSinkList);
-    const WordTable theOrderTable = NewWordTable(theOrder);
-    const WordTable theSupportedTable = NewWordTable(theSupported);
-    const size_t theCount = RankByWords(theOrderTable, theSupportedTable, anInfos, aCount);
-    FreeWordTable(theOrderTable);
-    FreeWordTable(theSupportedTable);
+    if (aSupported) { return RankByWords(theOrder, aSupported, anInfos, aCount); }
+    char* theSupported = zoDLNAProtocolInfoList_GetSupportedProtocolList(aSinkList);
+    const size_t theCount = RankByWords(theOrder, theSupported, anInfos, aCount);
     free(theSupported);
     return theCount;
 }

@@ -280,7 +280,6 @@ int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
 {
     int* theFound = &mOfMimeType[afIsPNG][afWithAnyProfile];
     if (*theFound != kUnknown) { return *theFound; }
-    const string_view theText = afIsPNG ? "http-get:*:image/png:*" : "http-get:*:image/jpeg:*";
     alignas(void*) char theMemory[kInfoSize];
     zoDLNAProtocolInfo_t* theSink = nullptr; // most often not needed
     *theFound = FindBest(
@@ -289,6 +288,7 @@ int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
         if (!afWithAnyProfile && zoDLNAProtocolInfo_GetProfile(mInfos[aPosition])) { return false; }
         if (!theSink)
         {
+            const string_view theText = afIsPNG ? "http-get:*:image/png:*" : "http-get:*:image/jpeg:*";
             theSink = zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());
         }
         return zoDLNAProtocolInfo_Match(theSink, mInfos[aPosition], kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
@@ -312,7 +312,7 @@ int ThumbnailSearch::FindOfType(string_view aThumbnailType)
     const string_view theProfile = ProfileOfType(aThumbnailType);
     int theFound = theProfile.empty() ? -1 : FindOfProfile(theProfile);
     if (theFound < 0) { theFound = FindWithoutInfo(); }
-    const bool fIsPNG = aThumbnailType.substr(0, 4) == "PNG_";
+    const bool fIsPNG = aThumbnailType.size() >= 4 && memcmp(aThumbnailType.data(), "PNG_", 4) == 0;
     return theFound < 0 ? FindOfMimeType(fIsPNG, theProfile.empty()) : theFound;
 }
 
