@@ -27,7 +27,8 @@ CAPABILITIES = ('<groupCapabilities><groupCapability capability="a" groupedUDN="
                 '</groupCapabilities>')
 ODD = ('<DIDL-Lite xmlns:a="b"><item id="\xff\x01" restricted="maybe"/><container childCount="0" '
        'dlna:dlnaManaged="101"><upnp:albumArtURI>a</upnp:albumArtURI></container><item><res duration="1:00:00" '
-       'size="18446744073709551615" bitrate="1" dlna:lifetime="1" x="y">u?lock=</res></item></DIDL-Lite>')
+       'size="18446744073709551615" bitrate="1" dlna:lifetime="1" x="y" '
+       'pv:subtitleFileUri="c">http://10.0.0.2/u?lock=</res></item></DIDL-Lite>')
 
 jsonschema.Draft202012Validator.check_schema(SCHEMA)
 
@@ -82,10 +83,10 @@ def main():
     for document in DOCUMENTS:
         check("show", "shownObject", ["show", document])
         for sink in SINKS:
-            check("select", "selectedObject", ["select", document, "--sink-file", sink])
+            check("select", "selectedObject", ["select", document, "--all", "--sink-file", sink])
     shown = check("show", "shownObject", ["show", "-"], ODD)
     selected = check("select", "selectedObject",
-                     ["select", "-", "--pin", "1", "--sink", "http-get:*:*:*"], ODD)
+                     ["select", "-", "--pin", "1", "--sink", "http-get:*:*:*", "--all", "--target", "10.0.0.1"], ODD)
     check("unlock", "unlock", ["unlock", "http://h/p?lock=", "--pin", "1"])
     check("hook", "hook", ["hook", "--filter", "a"])
     check("hook", "hook", ["hook", "--count", "5"])

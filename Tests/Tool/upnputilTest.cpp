@@ -171,7 +171,15 @@ TEST(ToolTest, SelectsForARenderer)
         { { "x", "--profiles", "JPEG_TN" }, { "kind: item" } },
         { { "http-get:*:audio/mpeg:*", "--pin", "1234" },
           { "unlocked uri: http://10.0.0.5/a?lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D" } },
-        { { "x" }, { "subtitle 0 label: English", "subtitle 0 type: srt", "subtitle 0 uri: http://h/d.srt" } },
+        { { "x" },
+          { "subtitle 0 from: ZOLT.COM_SUB", "subtitle 0 label: English", "subtitle 0 type: srt",
+            "subtitle 0 resource: 3", "subtitle 0 uri: http://h/d.srt" } },
+        { { "http-get:*:audio/mpeg:*", "--all", "--target", "192.168.9.9" },
+          { "resource 0: matches by MIME type, may (2), original, far host; not chosen: host is farther",
+            "resource 1: matches by MIME type, may (2), original, near host (2 of 4 octets); chosen",
+            "resource 2: not chosen: thumbnail",
+            "resource 3: matches by anything, should not (1), original, host is a name; not chosen: matches at a later "
+            "stage" } },
     };
     for (const auto& [theSinkAndOptions, theFacts] : kCases)
     {
@@ -185,6 +193,39 @@ TEST(ToolTest, SelectsForARenderer)
     EXPECT_TRUE(HasLine(RunTool({ "select", "-", "--sink-file", theSinks.Path() }, theObject), "choice: 3"));
     EXPECT_TRUE(HasLine(RunTool({ "unlock", "--pin=1234", "http://h:1/a?x=1&lock=old" }),
                         "unlocked uri: http://h:1/a?x=1&lock=GBK0YxkR687Z7%2FnjnDQy%2BA%3D%3D"));
+}
+
+// The profile of what is converted is the renderer's, the original's only MIME type is.
+TEST(ToolTest, SelectsOriginals)
+{
+    const std::string theObject = Item("<res protocolInfo='http-get:*:audio/mpeg:DLNA.ORG_PN=MP3;DLNA.ORG_CI=1'>a</res>"
+                                       "<res protocolInfo='http-get:*:audio/flac:*'>b</res>");
+    const Words theCommand = { "select", "-", "--sink", "http-get:*:audio/mpeg:DLNA.ORG_PN=MP3,http-get:*:audio/flac:*",
+                               "--all" };
+    ExpectLines({ "choice: 0" }, RunTool(theCommand, theObject));
+    ExpectLines({ "choice: 1", "resource 0: not chosen: converted, originals are preferred" },
+                RunTool(Joined(theCommand, { "--prefer-original" }), theObject));
+}
+
+// What tells of one URI makes one subtitle.
+TEST(ToolTest, FindsSubtitlesThatDevicesWrite)
+{
+    const std::string theObject =
+        Item("<sec:CaptionInfoEx sec:type='srt'>a.srt</sec:CaptionInfoEx><sec:CaptionInfo>a.srt</sec:CaptionInfo>"
+             "<sec:CaptionInfo>b</sec:CaptionInfo><res protocolInfo='http-get:*:TEXT/srt:*'>a.srt</res>"
+             "<res pv:subtitleFileType='SMI' pv:subtitleFileUri='b'>c</res><res pv:subtitleFileType='SRT'>d</res>");
+    const Words theFacts = { "subtitle 0 from: TEXT/srt, sec:CaptionInfoEx, sec:CaptionInfo",
+                             "subtitle 0 resource: 0",
+                             "subtitle 0 type: srt",
+                             "subtitle 0 uri: a.srt",
+                             "subtitle 1 from: sec:CaptionInfo, pv:subtitleFileUri",
+                             "subtitle 1 type: SMI",
+                             "subtitle 1 uri: b" };
+    const Result theResult = RunTool({ "select", "-", "--sink", "x" }, theObject);
+    ExpectLines(theFacts, theResult);
+    EXPECT_EQ(std::string::npos, theResult.mOutput.find("subtitle 2"));
+    for (const std::string& theFact : theFacts)
+        ExpectLines({ "object 0 " + theFact }, RunTool({ "show", "-" }, theObject));
 }
 
 TEST(ToolTest, SelectsAmongObjects)

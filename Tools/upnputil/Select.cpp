@@ -2,6 +2,7 @@
 #include "Input.h"
 #include "Progress.h"
 #include "Subcommand.h"
+#include "Subtitles.h"
 
 #include <UPnP/Utilities/CDSResourceReport.h>
 #include <UPnP/Utilities/UPnPCPUtility.h>
@@ -24,6 +25,8 @@ static const Usage kUsage = {
         { "--scheme", "ORDER", false, "transports separated by commas, best first (default: *, any)" },
         { "--target", "IP", true, "IPv4 address of a device that fetches the resource; may repeat" },
         { "--profiles", "LIST", false, "profiles of thumbnails, best first (default: JPEG_TN,PNG_TN)" },
+        { "--prefer-original", nullptr, false, "converted resources only when the renderer may play no other" },
+        { "--all", nullptr, false, "tell of each resource how well it suits, and why it was not chosen" },
         { "--pin", "CODE", false, "parental code that unlocks the resource's URI" },
     },
 };
@@ -40,6 +43,8 @@ struct Request
     std::vector<uint32> mTargets;
     zoCString mProfiles;
     const char* mPin;
+    int mFlags; // kCDSResourceChoice_*
+    bool mfAll;
 
     uint32 TargetCount() const { return static_cast<uint32>(mTargets.size()); }
 };
@@ -88,6 +93,9 @@ static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aS
     aRequest.mScheme = anArguments.Get("--scheme");
     aRequest.mProfiles = anArguments.Get("--profiles");
     aRequest.mPin = anArguments.Get("--pin");
+    aRequest.mFlags =
+        anArguments.Get("--prefer-original") ? kCDSResourceChoice_PreferOriginals : kCDSResourceChoice_Default;
+    aRequest.mfAll = anArguments.Get("--all") != nullptr;
     *aStatus = kExit_Bad;
     std::string theText = theSink ? theSink : "";
     if (theSinkFile && !ReadSinkFile(theSinkFile, theText)) { return false; }
@@ -108,20 +116,6 @@ static void PrintPictures(MediaObject& anObject, Request& aRequest, Output& anOu
     anOutput.FactIfAny("album art profile", theProfile.c_str());
 }
 
-static void PrintSubtitles(CDSResourceInfo& aResources, Output& anOutput)
-{
-    Output::List theSubtitles(anOutput, "subtitle", "subtitles");
-    const int theCount = static_cast<int>(aResources.GetResourceCount());
-    for (int i = 0; i < theCount; ++i)
-    {
-        if (!aResources.IsSubtitle(i)) { continue; }
-        theSubtitles.Next();
-        anOutput.FactIfAny("label", aResources.GetSubtitleLabel(i).c_str());
-        anOutput.FactIfAny("type", aResources.GetSubtitleType(i).c_str());
-        anOutput.FactIfAny("uri", aResources.GetSubtitleURI(i).c_str());
-    }
-}
-
 static void PrintLock(const zoCString& aURI, const char* aPin, Output& anOutput)
 {
     anOutput.YesOrNo("parental lock", UPnPCPUtility::IsURIParentalLocked(aURI));
@@ -130,14 +124,20 @@ static void PrintLock(const zoCString& aURI, const char* aPin, Output& anOutput)
     if (theUnlocked != aURI) { anOutput.Fact("unlocked uri", theUnlocked.c_str()); }
 }
 
+static const char* ConfidenceText(int aConfidence)
+{
+    static const char* const kTexts[] = { "will not", "should not", "may", "should" };
+    return kTexts[aConfidence];
+}
+
+static std::string WithNumber(const char* aText, int aNumber) { return aText + (" (" + std::to_string(aNumber) + ")"); }
+
 static void PrintChoice(CDSResourceInfo& aResources, int aChoice, int aConfidence, Output& anOutput)
 {
-    static const char* const kConfidences[] = { "will not", "should not", "may", "should" };
     if (aChoice < 0) { anOutput.Fact("choice", "none", nullptr); }
     else { anOutput.Number("choice", static_cast<uint64>(aChoice)); }
-    const char* theWord = kConfidences[aConfidence];
-    anOutput.Word("confidence", theWord + (" (" + std::to_string(aConfidence) + ")"), theWord,
-                  static_cast<uint64>(aConfidence));
+    const char* theText = ConfidenceText(aConfidence);
+    anOutput.Word("confidence", WithNumber(theText, aConfidence), theText, static_cast<uint64>(aConfidence));
     if (aChoice < 0) { return; }
     const uint32 theIndex = static_cast<uint32>(aChoice);
     anOutput.FactIfAny("uri", aResources.GetInfoAsCString(theIndex, kCDSResourceInfo_URI).c_str());
@@ -152,6 +152,64 @@ static void PrintMetadata(MediaObject& anObject, const zoCString& aURI, Output& 
     free(theText);
 }
 
+static std::string HostText(const CDSResourceReport_t& aReport, bool afHasTargets)
+{
+    if (aReport.mLocality < 0) { return "host is a name"; }
+    if (!afHasTargets) { return "host is an address"; }
+    if (aReport.mLocality == 0) { return "far host"; }
+    return "near host (" + std::to_string(aReport.mLocality) + " of 4 octets)";
+}
+
+// All that is known about how a resource suits, in one line.
+static std::string ReportText(const CDSResourceReport_t& aReport, bool afHasTargets)
+{
+    const bool fIsChosen = aReport.mReason == kCDSResourceReason_Chosen;
+    const std::string theOutcome =
+        fIsChosen ? "chosen" : std::string("not chosen: ") + CDSResourceInfo_GetReasonText(aReport.mReason);
+    if (aReport.mStage == kCDSResourceStage_None) { return theOutcome; }
+    const std::string theStage = aReport.mfHasProtocolInfo
+                                     ? std::string("matches by ") + CDSResourceInfo_GetStageText(aReport.mStage)
+                                     : "has no protocol info";
+    return theStage + ", " + WithNumber(ConfidenceText(aReport.mConfidence), aReport.mConfidence) +
+           (aReport.mfIsConverted ? ", converted, " : ", original, ") + HostText(aReport, afHasTargets) + "; " +
+           theOutcome;
+}
+
+static void PrintReportInJSON(const CDSResourceReport_t& aReport, bool afHasTargets, Output& anOutput)
+{
+    anOutput.InJSON("reason", CDSResourceInfo_GetReasonText(aReport.mReason));
+    anOutput.InJSON("reason number", static_cast<uint64>(aReport.mReason));
+    anOutput.InJSON("stage", CDSResourceInfo_GetStageText(aReport.mStage));
+    anOutput.InJSON("stage number", static_cast<uint64>(aReport.mStage));
+    anOutput.InJSON("confidence", ConfidenceText(aReport.mConfidence));
+    anOutput.InJSON("confidence number", static_cast<uint64>(aReport.mConfidence));
+    anOutput.InJSON("converted", aReport.mfIsConverted != 0);
+    anOutput.InJSON("has protocol info", aReport.mfHasProtocolInfo != 0);
+    anOutput.InJSON("host is address", aReport.mLocality >= 0);
+    if (afHasTargets && aReport.mLocality >= 0)
+    {
+        anOutput.InJSON("octets shared", static_cast<uint64>(aReport.mLocality));
+    }
+}
+
+static void PrintReports(CDSResourceInfo& aResources, const Request& aRequest, Output& anOutput)
+{
+    uint32 theCount = 0;
+    const std::unique_ptr<CDSResourceReport_t, decltype(&free)> theReports(
+        CDSResourceInfo_NewReport(aResources.mPackedData, aRequest.mSinks.get(), aRequest.mFlags, aRequest.mScheme,
+                                  aRequest.mTargets.data(), aRequest.TargetCount(), &theCount),
+        free);
+    const bool fHasTargets = !aRequest.mTargets.empty();
+    Output::List theList(anOutput, "", "resources");
+    for (uint32 i = 0; i < theCount; ++i)
+    {
+        const CDSResourceReport_t& theReport = theReports.get()[i];
+        anOutput.InText("resource " + std::to_string(i), ReportText(theReport, fHasTargets));
+        theList.Next();
+        PrintReportInJSON(theReport, fHasTargets, anOutput);
+    }
+}
+
 // Returns whether something can be done with the object: a resource can be played, or a container browsed.
 static bool PrintSelection(const DocumentObject& anObject, Request& aRequest, Output& anOutput)
 {
@@ -161,12 +219,13 @@ static bool PrintSelection(const DocumentObject& anObject, Request& aRequest, Ou
     anOutput.FactIfAny("title", theRecords.mEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
 
     int theConfidence = kRendererPlayConfidence_WillNot;
-    const int theChoice = CDSResourceInfo_ChooseResource(
-        theRecords.mResources.mPackedData, aRequest.mSinks.get(), kCDSResourceChoice_Default, aRequest.mScheme,
-        aRequest.mTargets.data(), aRequest.TargetCount(), &theConfidence);
+    const int theChoice = CDSResourceInfo_ChooseResource(theRecords.mResources.mPackedData, aRequest.mSinks.get(),
+                                                         aRequest.mFlags, aRequest.mScheme, aRequest.mTargets.data(),
+                                                         aRequest.TargetCount(), &theConfidence);
     PrintChoice(theRecords.mResources, theChoice, theConfidence, anOutput);
+    if (aRequest.mfAll) { PrintReports(theRecords.mResources, aRequest, anOutput); }
     PrintPictures(theRecords, aRequest, anOutput);
-    PrintSubtitles(theRecords.mResources, anOutput);
+    PrintSubtitles(theRecords, anOutput);
     if (theChoice >= 0)
     {
         const zoCString theURI =

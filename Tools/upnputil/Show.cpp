@@ -3,6 +3,7 @@
 #include "MediaObject.h"
 #include "Progress.h"
 #include "Subcommand.h"
+#include "Subtitles.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <UPnP/Utilities/UPnPUtility.h>
@@ -226,17 +227,23 @@ static void PrintResource(CDSResourceInfo& aResources, uint32 anIndex, Output& a
     }
 }
 
-static void PrintRecords(MediaObject& anObject, Output& anOutput)
+static void PrintResources(CDSResourceInfo& aResources, Output& anOutput)
 {
-    PrintEntry(anObject.mEntry, anOutput);
-    const uint32 theCount = anObject.mResources.GetResourceCount();
+    const uint32 theCount = aResources.GetResourceCount();
     anOutput.InText("resources", std::to_string(theCount));
-    Output::List theResources(anOutput, "resource", "resources");
+    Output::List theList(anOutput, "resource", "resources");
     for (uint32 i = 0; i < theCount; ++i)
     {
-        theResources.Next();
-        PrintResource(anObject.mResources, i, anOutput);
+        theList.Next();
+        PrintResource(aResources, i, anOutput);
     }
+}
+
+static void PrintObject(MediaObject& anObject, Output& anOutput)
+{
+    PrintEntry(anObject.mEntry, anOutput);
+    PrintResources(anObject.mResources, anOutput);
+    PrintSubtitles(anObject, anOutput);
 }
 
 static bool IsAbsoluteURL(const char* aURL)
@@ -267,7 +274,7 @@ static int Show(const Arguments& anArguments, Output& anOutput)
             const DocumentObject theObject = theDocument.TakeNext();
             theObjects.Next();
             theInvalid.PrintHead(theObject, anOutput);
-            if (theObject.mRecords) { PrintRecords(*theObject.mRecords, anOutput); }
+            if (theObject.mRecords) { PrintObject(*theObject.mRecords, anOutput); }
             theProgress.Step();
         }
         theCount = theObjects.GetCount();
