@@ -28,25 +28,30 @@ struct Reader
 
 struct QName
 {
-    char* mBegin;
-    char* mColon; // NULL without a prefix
-    char* mEnd;
+    char* mLocal;
+    int mLength;
+    int mPrefixLength;
+    char* mPrefix; // NULL without one
 };
 
 } // namespace
 
 // At the byte that begins the name. A prefix counts when there is something on both sides of the first colon.
-static char* ReadName(char* aPosition, QName* aName)
+static inline char* ReadName(char* aPosition, QName* aName)
 {
-    char* theEnd = SkipAll(aPosition, kInName);
-    char* theColon = nullptr;
-    if (*theEnd == ':')
+    char* theColon = SkipAll(aPosition, kInName);
+    if (*theColon != ':')
     {
-        theColon = theEnd;
-        theEnd = SkipAll(theColon + 1, kInName | kColon);
-        if (theColon == aPosition || theColon + 1 == theEnd) { theColon = nullptr; }
+        *aName = { aPosition, static_cast<int>(theColon - aPosition), 0, nullptr };
+        return theColon;
     }
-    *aName = { aPosition, theColon, theEnd };
+    char* theEnd = SkipAll(theColon + 1, kInName | kColon);
+    if (theColon > aPosition && theColon + 1 < theEnd)
+    {
+        *aName = { theColon + 1, static_cast<int>(theEnd - theColon - 1), static_cast<int>(theColon - aPosition),
+                   aPosition };
+    }
+    else { *aName = { aPosition, static_cast<int>(theEnd - aPosition), 0, nullptr }; }
     return theEnd;
 }
 
@@ -60,10 +65,10 @@ static void Link(Reader* aReader, ILibXMLNode* aNode)
 
 static void AppendNode(Reader* aReader, ILibXMLNode* aNode, const QName& aName, int afStartTag)
 {
-    aNode->Name = aName.mColon ? aName.mColon + 1 : aName.mBegin;
-    aNode->NSTag = aName.mColon ? aName.mBegin : nullptr;
-    aNode->NameLength = static_cast<int>(aName.mEnd - aNode->Name);
-    aNode->NSLength = aName.mColon ? static_cast<int>(aName.mColon - aName.mBegin) : 0;
+    aNode->Name = aName.mLocal;
+    aNode->NameLength = aName.mLength;
+    aNode->NSTag = aName.mPrefix;
+    aNode->NSLength = aName.mPrefixLength;
     aNode->StartTag = afStartTag;
     aNode->EmptyTag = 0;
     aNode->Parent = aReader->mParent;
@@ -97,26 +102,33 @@ static inline void CloseElement(Reader* aReader, ptrdiff_t aDistance)
     Link(aReader, theEndTag);
 }
 
+// From the end of a name to the quote of the value; NULL without one.
+static char* FindQuote(char* aPosition)
+{
+    char* thePosition = SkipAll(aPosition, kBlank);
+    if (*thePosition != '=') { return nullptr; }
+    thePosition = SkipAll(thePosition + 1, kBlank);
+    return *thePosition == '"' || *thePosition == '\'' ? thePosition : nullptr;
+}
+
 // From the name to the closing quote.
 static char* ReadAttribute(Reader* aReader, char* aPosition, ILibXMLNode* aNode, ILibXMLAttribute*** aNext)
 {
     QName theName;
     char* thePosition = ReadName(aPosition, &theName);
-    if (*thePosition != '=') { thePosition = SkipAll(thePosition, kBlank); }
-    if (*thePosition != '=') { return nullptr; }
-    ++thePosition;
-    if (*thePosition != '"') { thePosition = SkipAll(thePosition, kBlank); }
-    if (*thePosition != '"' && *thePosition != '\'') { return nullptr; }
+    ILibXMLAttribute* theAttribute = aReader->mMemory.Allocate<ILibXMLAttribute>();
+    theAttribute->Name = theName.mLocal;
+    theAttribute->NameLength = theName.mLength;
+    theAttribute->Prefix = theName.mPrefix;
+    theAttribute->PrefixLength = theName.mPrefixLength;
+    theAttribute->Parent = aNode;
+
+    const bool fHasBlanks = thePosition[0] != '=' || thePosition[1] != '"';
+    thePosition = fHasBlanks ? FindQuote(thePosition) : thePosition + 1;
+    if (!thePosition) { return nullptr; }
     char* theValue = thePosition + 1;
     char* theQuote = Find(theValue, aReader->mEnd, *thePosition);
     if (!theQuote) { return nullptr; }
-
-    ILibXMLAttribute* theAttribute = aReader->mMemory.Allocate<ILibXMLAttribute>();
-    theAttribute->Name = theName.mColon ? theName.mColon + 1 : theName.mBegin;
-    theAttribute->Prefix = theName.mColon ? theName.mBegin : nullptr;
-    theAttribute->NameLength = static_cast<int>(theName.mEnd - theAttribute->Name);
-    theAttribute->PrefixLength = theName.mColon ? static_cast<int>(theName.mColon - theName.mBegin) : 0;
-    theAttribute->Parent = aNode;
     theAttribute->Value = theValue;
     theAttribute->ValueLength = static_cast<int>(theQuote - theValue);
     **aNext = theAttribute;
@@ -145,7 +157,6 @@ static char* ReadAttributes(Reader* aReader, char* aPosition, StartTag* aTag)
 
 static char* ReadStartTag(Reader* aReader, char* aPosition)
 {
-    if (!Is(aPosition[1], kStartsName)) { return nullptr; }
     QName theName;
     char* thePosition = ReadName(aPosition + 1, &theName);
     StartTag* theTag = OpenElement(aReader, theName);
@@ -221,6 +232,15 @@ __attribute__((noinline)) static char* SkipMarkup(char* aPosition, const char* a
     return SkipDeclaration(aPosition, anEnd);
 }
 
+// At a "<".
+static char* ReadMarkup(Reader* aReader, char* aPosition)
+{
+    const char theByte = aPosition[1]; // at the last ">" at the latest
+    if (theByte == '/') { return ReadEndTag(aReader, aPosition); }
+    if (Is(theByte, kStartsName)) { return ReadStartTag(aReader, aPosition); }
+    return theByte == '!' || theByte == '?' ? SkipMarkup(aPosition, aReader->mEnd) : nullptr;
+}
+
 static bool ReadTags(Reader* aReader, char* aPosition)
 {
     char* thePosition = aPosition;
@@ -228,13 +248,7 @@ static bool ReadTags(Reader* aReader, char* aPosition)
     {
         if (*thePosition != '<') { thePosition = Find(thePosition, aReader->mEnd, '<'); }
         if (!thePosition) { return true; }
-        switch (thePosition[1]) // at the last ">" at the latest
-        {
-        case '/': thePosition = ReadEndTag(aReader, thePosition); break;
-        case '!':
-        case '?': thePosition = SkipMarkup(thePosition, aReader->mEnd); break;
-        default: thePosition = ReadStartTag(aReader, thePosition); break;
-        }
+        thePosition = ReadMarkup(aReader, thePosition);
         if (!thePosition) { return false; }
     }
     return true;
@@ -266,7 +280,7 @@ static void Refuse(Reader* aReader, char* aText)
     if (!fIsMisplaced)
     {
         theDocument->mError = kILibProcessXML_IncompleteXML;
-        theName = { aText, nullptr, aText };
+        theName = { aText, 0, 0, nullptr };
     }
     else if (aReader->mParent) { theDocument->mError = kILibProcessXML_IllegalCloseTagOrder; }
     else { theDocument->mError = kILibProcessXML_IllegalCloseTag; }
