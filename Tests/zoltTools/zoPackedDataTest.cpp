@@ -99,6 +99,38 @@ TEST(zoPackedDataTest, ReadsWhatWasAddedInEveryForm)
     }
 }
 
+TEST(zoPackedDataTest, TakesWholeEntriesInTheCallersMemory)
+{
+    std::vector<PlainEntry> thePlain = Fill().mPlain;
+    thePlain.push_back({ { 7, std::string(70000, 'w') }, { 3, "" }, { 65535, "x" } });
+    alignas(max_align_t) char theMemory[2048];
+    for (const size_t theSize : { sizeof(theMemory), size_t{ 1024 }, size_t{ 100 } })
+    {
+        const PackedData theRecord = zoPackedData_NewInPlace(theMemory, theSize, 1);
+        EXPECT_EQ(theSize >= 1024, static_cast<void*>(theRecord.mRecord) == theMemory);
+        for (const PlainEntry& theEntry : thePlain)
+        {
+            Tags theTags;
+            std::vector<uint32> theEnds;
+            std::string theBytes;
+            for (const auto& [theTag, theValue] : theEntry)
+            {
+                theTags.push_back(theTag);
+                theBytes += theValue;
+                theEnds.push_back(static_cast<uint32>(theBytes.size()));
+            }
+            const uint32 theCount = static_cast<uint32>(theTags.size());
+            zoPackedData_AddEntry(theRecord, theTags.data(), theEnds.data(), theCount, theBytes.data());
+        }
+        ExpectSame(thePlain, theRecord);
+        zoPackedData_AddData(theRecord, 3, "ignored", 7);
+        ExpectSame(thePlain, PackedData(zoPackedData_NewData(zoPackedData_TakeData(theRecord))));
+        zoPackedData_AddEntry(theRecord, nullptr, nullptr, 0, nullptr);
+        ExpectSame({ {} }, theRecord);
+    }
+    zoPackedData_AddEntry(nullptr, nullptr, nullptr, 0, nullptr);
+}
+
 TEST(zoPackedDataTest, ReadsNumbersAtTheirWidth)
 {
     PackedData theRecord = zoPackedData_New(0);

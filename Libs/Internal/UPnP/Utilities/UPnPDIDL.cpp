@@ -175,7 +175,7 @@ static int ParseObject(const Object& anObject, char** aData, char** aRes)
     }
     theNamespaces->AddXMLNameSpaces(anObject.mAttributes);
     ParseElementsOf(&theParser);
-    FinishObject(&theParser, anObject.mfIsItem, aData, aRes);
+    FinishObject(&theParser, aData, aRes);
     return theResult;
 }
 

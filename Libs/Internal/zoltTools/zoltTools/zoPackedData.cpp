@@ -130,12 +130,16 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
 void PackedData::Clear(zoPackedData_t* aRecord)
 {
     Room* theRoom = aRecord->mRoom;
+    const size_t theRoomSize = aRecord->mRoomSize;
+    const bool fIsCallers = aRecord->mfIsCallers;
     *aRecord = {};
     aRecord->mUsed = sizeof(Header);
     if (!theRoom) { return; }
     aRecord->mRoom = theRoom;
+    aRecord->mRoomSize = theRoomSize;
+    aRecord->mfIsCallers = fIsCallers;
     aRecord->mBlock = theRoom->mBytes;
-    aRecord->mCapacity = kFirstBytes;
+    aRecord->mCapacity = theRoomSize - offsetof(Room, mBytes);
     aRecord->mEnds = theRoom->mEnds;
     aRecord->mTags = theRoom->mTags;
     aRecord->mRowCapacity = kSmallCount;
@@ -203,23 +207,40 @@ static bool HasRoom(const zoPackedData_t* aRecord, uint64 aSize)
     return aSize < kMaxBlockSize && BlockSize(aRecord) + theWidening + aSize <= kMaxBlockSize;
 }
 
-zoPackedData_t* zoPackedData_New(uint32 aCount)
+// A record in aSize bytes, which are its own or the caller's.
+static zoPackedData_t* NewIn(void* aMemory, size_t aSize, bool afIsCallers, uint32 aCount)
 {
     const uint32 kMostExpected = 0x10000; // a hint is no reason to run out of memory
-    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t) + sizeof(Room)));
+    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(aMemory);
     theRecord->mRoom = reinterpret_cast<Room*>(theRecord + 1);
+    theRecord->mRoomSize = aSize - sizeof(zoPackedData_t);
+    theRecord->mfIsCallers = afIsCallers;
     Clear(theRecord);
     ReserveEntries(theRecord, std::min(aCount, kMostExpected));
     return theRecord;
 }
 
+static const size_t kLeastSize = sizeof(zoPackedData_t) + sizeof(Room);
+static_assert(kLeastSize <= 1024, "the header says so");
+
+zoPackedData_t* zoPackedData_New(uint32 aCount) { return NewIn(zoMalloc(kLeastSize), kLeastSize, false, aCount); }
+
+zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount)
+{
+    return aMemory && aSize >= kLeastSize ? NewIn(aMemory, aSize, true, aCount) : zoPackedData_New(aCount);
+}
+
 // ---- Opening and closing an entry ----
+
+static bool IsFarFromFull(const zoPackedData_t* aRecord)
+{
+    return aRecord->mCapacity < kMaxBlockSize / 2 && aRecord->mEntryCount < kMaxBlockSize / 16;
+}
 
 // Values are added without further checks while they fit the arrays, in a block far below its greatest size.
 static void SetCountLimit(zoPackedData_t* aRecord)
 {
-    const bool fIsFarFromFull = aRecord->mCapacity < kMaxBlockSize / 2 && aRecord->mEntryCount < kMaxBlockSize / 16;
-    aRecord->mCountLimit = fIsFarFromFull ? std::min(aRecord->mRowCapacity, kSmallCount) : 0;
+    aRecord->mCountLimit = IsFarFromFull(aRecord) ? std::min(aRecord->mRowCapacity, kSmallCount) : 0;
 }
 
 // The table of a record over a serialized block becomes an array, so that more can be added.
@@ -268,15 +289,28 @@ static void NarrowEnds(const uint32* __restrict anEnds, uint32 aCount, char* __r
     }
 }
 
+// Writes narrow ends and tags. @return the position after them.
+static char* WriteRows(const uint32* anEnds, const uint16* aTags, uint32 aCount, char* aTarget)
+{
+    NarrowEnds(anEnds, aCount, aTarget);
+    const size_t theSize = size_t{ aCount } * sizeof(uint16);
+    if (aCount > 0) { memcpy(aTarget + theSize, aTags, theSize); }
+    return aTarget + 2 * theSize;
+}
+
 // Writes the ends, the tags, their order and their count.
 static void WriteDirectory(const zoPackedData_t* aRecord, char* aTarget, bool afWide)
 {
     const uint32 theCount = aRecord->mCount;
-    if (!afWide) { NarrowEnds(aRecord->mEnds, theCount, aTarget); }
-    else { memcpy(aTarget, aRecord->mEnds, size_t{ theCount } * sizeof(uint32)); }
-    aTarget += theCount * EndSize(afWide);
-    if (theCount > 0) { memcpy(aTarget, aRecord->mTags, size_t{ theCount } * sizeof(uint16)); }
-    aTarget += size_t{ theCount } * sizeof(uint16);
+    if (!afWide) { aTarget = WriteRows(aRecord->mEnds, aRecord->mTags, theCount, aTarget); }
+    else
+    {
+        const size_t theEndsSize = size_t{ theCount } * sizeof(uint32);
+        const size_t theTagsSize = size_t{ theCount } * sizeof(uint16);
+        memcpy(aTarget, aRecord->mEnds, theEndsSize);
+        memcpy(aTarget + theEndsSize, aRecord->mTags, theTagsSize);
+        aTarget += theEndsSize + theTagsSize;
+    }
     if (OrderSize(theCount) > 0) { WriteOrder(aRecord, aTarget); }
     const uint16 theStoredCount = static_cast<uint16>(theCount);
     memcpy(aTarget + OrderSize(theCount), &theStoredCount, sizeof(theStoredCount));
@@ -404,6 +438,42 @@ void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aDat
     }
     aRecord->mSeen |= uint64{ 1 } << aTag;
     AppendValue(aRecord, aTag, aData, aSize);
+}
+
+// Appends an entry of few values with narrow ends, closed.
+static void AddSmallEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
+                          const char* aValues)
+{
+    CloseEntry(aRecord);
+    const size_t theSize = aCount > 0 ? anEnds[aCount - 1] : 0;
+    ReserveEntries(aRecord, aRecord->mEntryCount + 1);
+    ReserveBytes(aRecord, theSize + DirectorySize(aCount, false));
+    char* theTarget = aRecord->mBlock + aRecord->mUsed;
+    if (theSize > 0) { memcpy(theTarget, aValues, theSize); }
+    theTarget = WriteRows(anEnds, aTags, aCount, theTarget + theSize);
+    const uint16 theCount = static_cast<uint16>(aCount);
+    memcpy(theTarget, &theCount, sizeof(theCount));
+    aRecord->mUsed += theSize + DirectorySize(aCount, false);
+    aRecord->mBlock[aRecord->mUsed] = 0;
+    aRecord->mEntryEnds[aRecord->mEntryCount++] = static_cast<uint32>(aRecord->mUsed);
+}
+
+void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
+                           const char* aValues)
+{
+    if (!aRecord) { return; }
+    const bool fIsSmall = aCount <= kSmallCount && (aCount == 0 || anEnds[aCount - 1] <= kMaxNarrowSize);
+    if (fIsSmall && !aRecord->mfSerialized && IsFarFromFull(aRecord))
+    {
+        AddSmallEntry(aRecord, aTags, anEnds, aCount, aValues);
+        return;
+    }
+    if (!AddNewEntry(aRecord)) { return; }
+    for (uint32 i = 0; i < aCount; ++i)
+    {
+        const uint32 theBegin = i > 0 ? anEnds[i - 1] : 0;
+        zoPackedData_AddData(aRecord, aTags[i], aValues + theBegin, anEnds[i] - theBegin);
+    }
 }
 
 void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,

@@ -41,6 +41,13 @@ typedef struct zoPackedData_t zoPackedData_t;
 
 /** @return a new record without entries, released with zoPackedData_Free; aCount: entries expected, a hint. */
 ZOLTTOOLS_API zoPackedData_t* zoPackedData_New(uint32 aCount);
+/**
+ * As zoPackedData_New, in memory of the caller's while that is enough, so that a record that is only made for its block
+ * costs no other memory from the heap.
+ * @param aMemory  aSize bytes, aligned for pointers and uint64; fewer than 1024 are not used. They must live as long as
+ *                 the record.
+ */
+ZOLTTOOLS_API zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
 /** Appends an empty entry; later values go into it. */
 ZOLTTOOLS_API void zoPackedData_AddNewEntry(zoPackedData_t* aRecord);
 /**
@@ -50,6 +57,15 @@ ZOLTTOOLS_API void zoPackedData_AddNewEntry(zoPackedData_t* aRecord);
  *               has no bytes.
  */
 ZOLTTOOLS_API void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize);
+/**
+ * Appends an entry with values that are known all at once, as zoPackedData_AddNewEntry and zoPackedData_AddData do one
+ * by one.
+ * @param aTags    aCount tags in the order of adding, no two of them the same.
+ * @param anEnds   where each value ends, counted from aValues; it begins where the one before it ends.
+ * @param aValues  the bytes of the values, which are not those of this record.
+ */
+ZOLTTOOLS_API void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds,
+                                         uint32 aCount, const char* aValues);
 /** Stores the flattened array in the last entry; the array stays the caller's. NULL counts as an empty array. */
 ZOLTTOOLS_API void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,
                                          zoArray_FlattenerFunc_t aFlattener);

@@ -161,5 +161,5 @@ void zoPackedData_Free(zoPackedData_t* aRecord)
     if (!aRecord) { return; }
     FreeArrays(aRecord);
     FreeArray(aRecord, aRecord->mBlock);
-    free(aRecord);
+    if (!aRecord->mfIsCallers) { free(aRecord); }
 }

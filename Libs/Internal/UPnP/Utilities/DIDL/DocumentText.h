@@ -7,7 +7,6 @@
 #include <Shared/QualifiedName.h>
 #include <UPnP/Stack/ILibXML.h>
 #include <string_view>
-#include <zoltTools/zoPackedData.h>
 
 namespace DIDL
 {
@@ -91,19 +90,6 @@ inline bool GetXMLAttribute(const ILibXMLAttribute* anAttributes, std::string_vi
         return true;
     }
     return false;
-}
-
-// Stores the text as it is, with a NUL.
-inline void AddText(zoPackedData_t* aRecord, uint16 aTag, std::string_view aText)
-{
-    const NulTerminated theText(aText);
-    zoPackedData_AddData(aRecord, aTag, theText.c_str(), aText.size() + 1);
-}
-
-template <typename Number>
-void AddNumber(zoPackedData_t* aRecord, uint16 aTag, Number aNumber)
-{
-    zoPackedData_AddData(aRecord, aTag, &aNumber, sizeof(aNumber));
 }
 
 } // namespace DIDL

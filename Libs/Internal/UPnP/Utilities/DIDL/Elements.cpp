@@ -30,7 +30,7 @@ static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILi
 static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
     aParser->mLast[kSingleText_BGMURI] = aNode;
-    GetXMLAttribute(anAttributes, "av", kDIDL_Attribute_DLNAProtocolInfo, &aParser->mBGMProtocolInfo);
+    GetXMLAttribute(anAttributes, "av", kDIDL_Attribute_DLNAProtocolInfo, &aParser->mFields.mBGMProtocolInfo);
 }
 
 // Only an element without child elements can be a number, so no text is read twice.
@@ -38,7 +38,7 @@ static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILib
 {
     if (aNode->Next != aNode->ClosingTag) { return; }
     const std::string_view theText = aParser->mResolver.Resolve(GetInnerXML(aNode));
-    zoConvert_strntouint32(theText.data(), theText.size(), &aParser->mChannelNr);
+    zoConvert_strntouint32(theText.data(), theText.size(), &aParser->mFields.mChannelNr);
 }
 
 static void AppendCopy(zoArray_t* anArray, std::string_view aText)
@@ -110,8 +110,8 @@ static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode, std::st
     std::string_view theText;
     if (aParser->mNextExtraTag + 1 > kLastExtraTag) { return; }
     if (!aParser->ReadText(aNode, kRepeatedText_ExtraInfo, &theText)) { return; }
-    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag), aName);
-    AddText(aParser->mEntry, static_cast<uint16>(aParser->mNextExtraTag + 1), theText);
+    aParser->mEntry.AddText(static_cast<uint16>(aParser->mNextExtraTag), aName);
+    aParser->mEntry.AddText(static_cast<uint16>(aParser->mNextExtraTag + 1), theText);
     aParser->mNextExtraTag += 2;
 }
 

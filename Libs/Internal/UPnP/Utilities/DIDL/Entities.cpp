@@ -40,9 +40,13 @@ void EntityResolver::SetObject(std::string_view anObject)
     }
 }
 
+size_t EntityResolver::ResolveInPlace(char* aText, size_t aLength)
+{
+    return HasMarkup({ aText, aLength }) ? static_cast<size_t>(ILibInPlaceXmlUnEscape(aText)) : aLength;
+}
+
 std::string_view EntityResolver::ResolveCopy(std::string_view aText)
 {
-    if (!HasMarkup(aText)) { return aText; }
     if (mCopySize <= aText.size())
     {
         mCopySize = Shared::GrowCapacity(mCopySize, aText.size() + 1, kInlineSize);
@@ -51,7 +55,7 @@ std::string_view EntityResolver::ResolveCopy(std::string_view aText)
     }
     memcpy(mCopy, aText.data(), aText.size());
     mCopy[aText.size()] = 0;
-    return { mCopy, static_cast<size_t>(ILibInPlaceXmlUnEscape(mCopy)) };
+    return { mCopy, ResolveInPlace(mCopy, aText.size()) };
 }
 
 } // namespace DIDL

@@ -37,10 +37,13 @@ public:
 
     // The text resolved: itself when nothing is to be resolved in it, else a copy, valid until the next call. The byte
     // after it is writable.
-    std::string_view Resolve(std::string_view aText)
-    {
-        return aText.empty() || mPlain.Contains(aText) ? aText : ResolveCopy(aText);
-    }
+    std::string_view Resolve(std::string_view aText) { return IsPlain(aText) ? aText : ResolveCopy(aText); }
+
+    // True if there is nothing to resolve, which is known without a look at the text.
+    bool IsPlain(std::string_view aText) const { return aText.empty() || mPlain.Contains(aText); }
+
+    // Resolves a copy of a text, which ends with a NUL. Returns its length then.
+    static size_t ResolveInPlace(char* aText, size_t aLength);
 
 private:
     std::string_view ResolveCopy(std::string_view aText);

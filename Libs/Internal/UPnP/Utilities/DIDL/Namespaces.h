@@ -28,8 +28,8 @@ class NamespaceList
 public:
     bool empty() const { return mText.empty(); }
 
-    // The list, which nothing is added to after this; the byte after it is writable.
-    std::string_view EndText() { return mText.EndText(); }
+    // The list, until more is added.
+    std::string_view Text() const { return mText.Text(); }
 
     bool Has(std::string_view aName) const { return mNames.Contains(aName); }
 

@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/Object.h>
 
 #include <algorithm>
+#include <stddef.h>
 #include <stdint.h>
 #include <string.h>
 #include <zoltTools/zoConvert.h>
@@ -9,6 +10,7 @@ namespace DIDL
 {
 
 static const size_t kMaxBaseURLLength = 1024;
+static const uint32 kUnknownChildCount = 0xFFFFFFFF;
 
 // What an object may store, as multiples of its text. A text that is stored once, or whose size is that of what it
 // replaces, never gets near; the least sizes are for objects of a few bytes.
@@ -54,10 +56,10 @@ void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* a
         const char* theBegin = Shared::QualifiedName(aNodes.mStartTag).data();
         aParser->mResolver.SetObject({ theBegin, static_cast<size_t>(theText.data() + theText.size() - theBegin) });
     }
-    if (!afIsItem) { aParser->mFlags |= kDIDL_Flags_Searchable; }
-    aParser->mEntry = zoPackedData_New(1);
-    zoPackedData_AddNewEntry(aParser->mEntry);
-    aParser->mResources = zoPackedData_New(0);
+    aParser->mFields.mIsContainer = !afIsItem;
+    aParser->mFields.mFlags = kDIDL_Flags_Restricted | (afIsItem ? 0 : kDIDL_Flags_Searchable);
+    aParser->mFields.mChildCount = kUnknownChildCount;
+    aParser->mResources = zoPackedData_NewInPlace(aParser->mResourceMemory, sizeof(aParser->mResourceMemory), 0);
 }
 
 size_t MaxInheritedSize(const ObjectParser& aParser)
@@ -67,71 +69,93 @@ size_t MaxInheritedSize(const ObjectParser& aParser)
 
 // ---- The object's fields ----
 
-// Stores the text of the last element of its kind, "" without one.
-static void AddLastText(ObjectParser* aParser, uint16 aTag, SingleText aKind)
+static bool IsDate(std::string_view aText)
 {
-    AddResolvedText(aParser, aParser->mEntry, aTag, GetInnerXML(aParser->mLast[aKind]));
-}
-
-// The same, but a value without bytes when there was no such element.
-static void AddLastTextIfAny(ObjectParser* aParser, uint16 aTag, SingleText aKind)
-{
-    if (aParser->mLast[aKind]) { AddLastText(aParser, aTag, aKind); }
-    else { zoPackedData_AddData(aParser->mEntry, aTag, nullptr, 0); }
-}
-
-static void AddDate(ObjectParser* aParser)
-{
-    ILibXMLNode* theNode = aParser->mLast[kSingleText_Date];
-    if (!theNode)
-    {
-        zoPackedData_AddData(aParser->mEntry, kCDSEntryInfo_Date, nullptr, 0);
-        return;
-    }
-    const std::string_view theDate = aParser->mResolver.Resolve(GetInnerXML(theNode));
     int32 theParts[kzoDLNADatePart_Count];
-    const bool fIsDate = zoConvert_dlnadatestrtodate(NulTerminated(theDate).c_str(), theParts) == 0;
-    AddText(aParser->mEntry, kCDSEntryInfo_Date, fIsDate ? theDate : std::string_view());
+    return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), theParts) == 0;
 }
 
-static void AddNamespaces(ObjectParser* aParser)
+// The texts of the last element of each kind, as written but for a date that is none.
+static void ReadLastTexts(ObjectParser* aParser)
 {
-    if (aParser->mNamespaces.empty()) { return; }
-    AddText(aParser->mEntry, kCDSEntryInfo_XMLNS, aParser->mNamespaces.EndText());
+    std::string_view* theTexts = aParser->mFields.mTexts;
+    for (size_t i = 0; i < kSingleText_Count; ++i)
+    {
+        if (aParser->mLast[i]) { theTexts[i] = GetInnerXML(aParser->mLast[i]); }
+    }
+    std::string_view* theDate = &theTexts[kSingleText_Date];
+    *theDate = aParser->mResolver.Resolve(*theDate);
+    if (!theDate->empty() && !IsDate(*theDate)) { *theDate = {}; }
 }
 
-static void AddFields(ObjectParser* aParser, int afIsItem)
+// What the values take at most.
+static uint64 SizeOf(const EntryFields& aFields)
 {
-    zoPackedData_t* theEntry = aParser->mEntry;
-    AddLastText(aParser, kCDSEntryInfo_Title, kSingleText_Title);
-    AddLastText(aParser, kCDSEntryInfo_Creator, kSingleText_Creator);
-    AddDate(aParser);
-    AddLastText(aParser, kCDSEntryInfo_Genre, kSingleText_Genre);
-    AddLastText(aParser, kCDSEntryInfo_Album, kSingleText_Album);
-    AddText(theEntry, kCDSEntryInfo_CreateClass, aParser->mCreateClass.EndText());
-    AddResolvedText(aParser, theEntry, kCDSEntryInfo_ParentID, aParser->mParentID);
-    AddNumber(theEntry, kCDSEntryInfo_IsContainer, static_cast<uint16>(!afIsItem));
-    AddNumber(theEntry, kCDSEntryInfo_UpdateID, uint32{ 0 });
-    AddNumber(theEntry, kCDSEntryInfo_ChildCount, aParser->mChildCount);
-    AddLastText(aParser, kCDSEntryInfo_ItemClassName, kSingleText_Class);
-    AddResolvedText(aParser, theEntry, kCDSEntryInfo_ItemID, aParser->mID);
-    AddNumber(theEntry, kCDSEntryInfo_ChannelNr, aParser->mChannelNr);
-    AddNumber(theEntry, kCDSEntryInfo_Flags, aParser->mFlags);
-    AddLastText(aParser, kCDSEntryInfo_BGMURI, kSingleText_BGMURI);
-    AddText(theEntry, kCDSEntryInfo_BGMURIProtocolInfo, aParser->mBGMProtocolInfo);
-    AddNumber(theEntry, kCDSEntryInfo_DLNAManaged, aParser->mManaged);
-    AddResolvedText(aParser, theEntry, kCDSEntryInfo_RefID, aParser->mRefID);
-    AddLastTextIfAny(aParser, kCDSEntryInfo_StorageMedium, kSingleText_StorageMedium);
-    AddNamespaces(aParser);
-    zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt, zoStringArray_FlattenerFunc);
+    uint64 theSize = kCDSEntryInfo_Count * sizeof(uint64); // numbers, and the NULs of texts
+    for (const std::string_view& theText : aFields.mTexts)
+        theSize += theText.size();
+    return theSize + aFields.mItemID.size() + aFields.mParentID.size() + aFields.mRefID.size() +
+           aFields.mBGMProtocolInfo.size() + aFields.mCreateClass.size() + aFields.mNamespaces.size();
 }
 
-void FinishObject(ObjectParser* aParser, int afIsItem, char** aData, char** aRes)
+static void AddFields(ObjectParser* aParser, EntryEnd* anEnd)
 {
-    AddFields(aParser, afIsItem);
-    *aData = zoPackedData_TakeData(aParser->mEntry);
+    const EntryFields& theFields = aParser->mFields;
+    const std::string_view* theTexts = theFields.mTexts;
+    const EntityResolver& theResolver = aParser->mResolver;
+    ILibXMLNode* const* theLast = aParser->mLast;
+
+    anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator], theResolver);
+    if (theLast[kSingleText_Date]) { anEnd->AddText(kCDSEntryInfo_Date, theTexts[kSingleText_Date]); }
+    else { anEnd->AddNoBytes(kCDSEntryInfo_Date); }
+    anEnd->AddMarkup(kCDSEntryInfo_Genre, theTexts[kSingleText_Genre], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_Album, theTexts[kSingleText_Album], theResolver);
+    anEnd->AddText(kCDSEntryInfo_CreateClass, theFields.mCreateClass);
+    anEnd->AddMarkup(kCDSEntryInfo_ParentID, theFields.mParentID, theResolver);
+    anEnd->AddNumber(kCDSEntryInfo_IsContainer, theFields.mIsContainer);
+    anEnd->AddNumber(kCDSEntryInfo_UpdateID, uint32{ 0 });
+    anEnd->AddNumber(kCDSEntryInfo_ChildCount, theFields.mChildCount);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, theTexts[kSingleText_Class], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemID, theFields.mItemID, theResolver);
+    anEnd->AddNumber(kCDSEntryInfo_ChannelNr, theFields.mChannelNr);
+    anEnd->AddNumber(kCDSEntryInfo_Flags, theFields.mFlags);
+    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, theTexts[kSingleText_BGMURI], theResolver);
+    anEnd->AddText(kCDSEntryInfo_BGMURIProtocolInfo, theFields.mBGMProtocolInfo);
+    anEnd->AddNumber(kCDSEntryInfo_DLNAManaged, theFields.mManaged);
+    anEnd->AddMarkup(kCDSEntryInfo_RefID, theFields.mRefID, theResolver);
+    if (theLast[kSingleText_StorageMedium])
+    {
+        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, theTexts[kSingleText_StorageMedium], theResolver);
+    }
+    else { anEnd->AddNoBytes(kCDSEntryInfo_StorageMedium); }
+    if (!theFields.mNamespaces.empty()) { anEnd->AddText(kCDSEntryInfo_XMLNS, theFields.mNamespaces); }
+    if (!aParser->mAlbumArt) { anEnd->AddNoBytes(kCDSEntryInfo_AlbumArtURI); }
+}
+
+static char* NewEntryBlock(ObjectParser* aParser)
+{
+    alignas(max_align_t) char theMemory[1536];
+    zoPackedData_t* theRecord = zoPackedData_NewInPlace(theMemory, sizeof(theMemory), 1);
+    ReadLastTexts(aParser);
+    aParser->mFields.mCreateClass = aParser->mCreateClass.Text();
+    aParser->mFields.mNamespaces = aParser->mNamespaces.Text();
+    aParser->mEntry.AddValues(kCDSEntryInfo_Count, SizeOf(aParser->mFields),
+                              [aParser](EntryEnd* anEnd) { AddFields(aParser, anEnd); });
+    aParser->mEntry.Store(theRecord);
+    if (aParser->mAlbumArt)
+    {
+        zoPackedData_AddArray(theRecord, kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt, zoStringArray_FlattenerFunc);
+    }
+    char* theBlock = zoPackedData_TakeData(theRecord);
+    zoPackedData_Free(theRecord);
+    return theBlock;
+}
+
+void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
+{
+    *aData = NewEntryBlock(aParser);
     *aRes = zoPackedData_TakeData(aParser->mResources);
-    zoPackedData_Free(aParser->mEntry);
     zoPackedData_Free(aParser->mResources);
 }
 

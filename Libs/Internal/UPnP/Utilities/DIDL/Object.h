@@ -12,6 +12,6 @@ void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* a
 size_t MaxInheritedSize(const ObjectParser& aParser);
 
 // Adds the object's fields to the entry record, after its pairs, and hands over both records in serialized form.
-void FinishObject(ObjectParser* aParser, int afIsItem, char** aData, char** aRes);
+void FinishObject(ObjectParser* aParser, char** aData, char** aRes);
 
 } // namespace DIDL

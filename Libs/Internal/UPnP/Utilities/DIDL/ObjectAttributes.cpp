@@ -108,13 +108,13 @@ static int ParseAttributes(const ILibXMLAttribute* anAttributes, const zoSOAPPar
 int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttributes)
 {
     zoSOAPParserValue theTargets[kDIDL_Attribute_Count];
-    theTargets[kDIDL_Attribute_ID_Index].mStr = &aParser->mID;
-    theTargets[kDIDL_Attribute_ParentID_Index].mStr = &aParser->mParentID;
-    theTargets[kDIDL_Attribute_RefID_Index].mStr = &aParser->mRefID;
-    theTargets[kDIDL_Attribute_ChildCount_Index].mUInt32 = &aParser->mChildCount;
-    theTargets[kDIDL_Attribute_Managed_Index].mUInt32 = &aParser->mManaged;
-    theTargets[kDIDL_Attribute_Flags1_Index].mBitField = &aParser->mFlags;
-    theTargets[kDIDL_Attribute_Flags2_Index].mBitField = &aParser->mFlags;
+    theTargets[kDIDL_Attribute_ID_Index].mStr = &aParser->mFields.mItemID;
+    theTargets[kDIDL_Attribute_ParentID_Index].mStr = &aParser->mFields.mParentID;
+    theTargets[kDIDL_Attribute_RefID_Index].mStr = &aParser->mFields.mRefID;
+    theTargets[kDIDL_Attribute_ChildCount_Index].mUInt32 = &aParser->mFields.mChildCount;
+    theTargets[kDIDL_Attribute_Managed_Index].mUInt32 = &aParser->mFields.mManaged;
+    theTargets[kDIDL_Attribute_Flags1_Index].mBitField = &aParser->mFields.mFlags;
+    theTargets[kDIDL_Attribute_Flags2_Index].mBitField = &aParser->mFields.mFlags;
     return ParseAttributes(anAttributes, theTargets, &aParser->mResolver);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <UPnP/Utilities/DIDL/Entities.h>
+#include <UPnP/Utilities/DIDL/EntryBuilder.h>
 #include <UPnP/Utilities/DIDL/Namespaces.h>
 #include <UPnP/Utilities/UPnPConst.h>
+#include <stddef.h>
 #include <zoltTools/zoArray.h>
 
 namespace DIDL
@@ -40,13 +42,29 @@ struct TextSizes
     size_t mRead = 0;
 };
 
+// Fields of the entry record. Texts are as written: their entities are resolved when they are stored.
+struct EntryFields
+{
+    std::string_view mTexts[kSingleText_Count];
+    std::string_view mItemID;
+    std::string_view mParentID;
+    std::string_view mRefID;
+    std::string_view mBGMProtocolInfo;
+    std::string_view mCreateClass;
+    std::string_view mNamespaces;
+    uint32 mChildCount;
+    uint32 mChannelNr;
+    uint32 mFlags;
+    uint32 mManaged;
+    uint16 mIsContainer;
+};
+
 // What is known of an object while its elements are walked.
 struct ObjectParser
 {
     ObjectNodes mNodes = { nullptr, false };
     const char* mBaseURL = nullptr; // NULL when URIs stay as they are
     size_t mTextLength = 0;         // of the object
-    zoPackedData_t* mEntry = nullptr;
     zoPackedData_t* mResources = nullptr;
     EntityResolver mResolver;
     NamespaceList mNamespaces;
@@ -59,19 +77,19 @@ struct ObjectParser
 
     ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL without such an element
     zoArray_t* mAlbumArt = nullptr;             // NULL without album art
-    std::string_view mBGMProtocolInfo;
     TextBuilder mCreateClass;
-    uint32 mChannelNr = 0;
+    EntryBuilder mEntry;
+    EntryBuilder mResource; // the one that is being read
     uint32 mNextExtraTag = kCDSEntryInfo_Count;
+    EntryFields mFields = {};
 
-    std::string_view mID;
-    std::string_view mParentID;
-    std::string_view mRefID;
-    uint32 mChildCount = 0xFFFFFFFF;
-    uint32 mManaged = kDLNAManaged_None;
-    uint32 mFlags = kDIDL_Flags_Restricted;
+    // The resource record, while it is small.
+    alignas(max_align_t) char mResourceMemory[2048];
 
+    ObjectParser() {} // leaves the memory as it is
     ~ObjectParser() { zoArray_Delete(mAlbumArt); }
+    ObjectParser(const ObjectParser&) = delete;
+    ObjectParser& operator=(const ObjectParser&) = delete;
 
     // Reads the text of an element, resolved. False when enough of its kind is stored.
     bool ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText);
@@ -79,11 +97,5 @@ struct ObjectParser
 
 // The last tag that a pair's value may have: a tag is 16 bits wide, and an entry holds 65535 values.
 inline constexpr uint32 kLastExtraTag = 0xFFFE;
-
-// Stores the text with its entities resolved.
-inline void AddResolvedText(ObjectParser* aParser, zoPackedData_t* aRecord, uint16 aTag, std::string_view aText)
-{
-    AddText(aRecord, aTag, aParser->mResolver.Resolve(aText));
-}
 
 } // namespace DIDL

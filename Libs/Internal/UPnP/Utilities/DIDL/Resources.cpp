@@ -15,24 +15,23 @@ namespace DIDL
 namespace
 {
 
-// A resource's fields as they come from its attributes.
+// A resource's fields. Texts are as written, without data when the attribute is missing.
 struct Resource
 {
     std::string_view mProtocolInfo;
     std::string_view mResolution;
+    std::string_view mIFOFileURI;
     std::string_view mImportURI;
     std::string_view mDTCPUploadInfo;
-    std::string_view mIFOFileURI;
+    uint64 mSize;
+    uint64 mUploadedSize;
     uint32 mDuration;
     uint32 mBitRate;
     uint32 mColorDepth;
-    uint32 mAudioChannelCount;
     uint32 mResumeUpload;
+    uint32 mAudioChannelCount;
     uint32 mTrackTotal;
     uint32 mLifeTime;
-    uint64 mSize;
-    uint64 mUploadedSize;
-    bool mfHasIFOFileURI;
 };
 
 typedef void (*ResourceReader_t)(std::string_view aValue, Resource* aResource);
@@ -50,12 +49,6 @@ template <std::string_view Resource::*Field>
 static void ReadText(std::string_view aValue, Resource* aResource)
 {
     aResource->*Field = aValue;
-}
-
-static void ReadIFOFileURI(std::string_view aValue, Resource* aResource)
-{
-    aResource->mIFOFileURI = aValue;
-    aResource->mfHasIFOFileURI = true;
 }
 
 template <uint32 Resource::*Field>
@@ -103,7 +96,7 @@ static constexpr ResourceAttribute kResourceAttributes[] = {
     { kDIDL_ResAttribute_UploadedSize, kDIDL_ResAttribute_UploadedSizePrefix, ReadUInt64<&Resource::mUploadedSize> },
     { kDIDL_ResAttribute_TrackTotal, kDIDL_ResAttribute_TrackTotalPrefix, ReadUInt32<&Resource::mTrackTotal> },
     { kDIDL_ResAttribute_Lifetime, kDIDL_ResAttribute_LifetimePrefix, ReadLifeTime },
-    { kDIDL_ResAttribute_IFOFileURI, kDIDL_ResAttribute_IFOFileURIPrefix, ReadIFOFileURI },
+    { kDIDL_ResAttribute_IFOFileURI, kDIDL_ResAttribute_IFOFileURIPrefix, ReadText<&Resource::mIFOFileURI> },
     { kDIDL_ResAttribute_ImportURI, "", ReadText<&Resource::mImportURI> },
     { kDIDL_ResAttribute_DTCPUploadInfo, kDIDL_ResAttribute_DTCPUploadInfoPrefix,
       ReadText<&Resource::mDTCPUploadInfo> },
@@ -132,8 +125,8 @@ static void ParseExtraAttribute(ObjectParser* aParser, const ILibXMLAttribute* a
         return;
     }
     if (*aNextTag + 1 > kLastExtraTag) { return; }
-    AddText(aParser->mResources, static_cast<uint16>(*aNextTag), theName);
-    AddText(aParser->mResources, static_cast<uint16>(*aNextTag + 1), theValue);
+    aParser->mResource.AddText(static_cast<uint16>(*aNextTag), theName);
+    aParser->mResource.AddText(static_cast<uint16>(*aNextTag + 1), theValue);
     *aNextTag += 2;
 }
 
@@ -177,48 +170,52 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
     std::string_view theURI;
     aParser->ReadText(aNode, kRepeatedText_URI, &theURI); // "" when enough is stored: each resource has an entry
     char* theAbsolute = NewAbsoluteURI(aParser, theURI);
-    AddText(aParser->mResources, kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
+    aParser->mResource.AddText(kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
     free(theAbsolute);
 }
 
 static void AddProtocolInfo(ObjectParser* aParser, std::string_view aProtocolInfo)
 {
     const std::string_view theText = aParser->mResolver.Resolve(aProtocolInfo);
-    if (zoDLNAProtocolInfo_IsNormal(theText.data(), theText.size()))
-    {
-        AddText(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theText);
-        return;
-    }
-    char* theTextForm = NewTextForm(theText.data(), theText.size());
-    AddText(aParser->mResources, kCDSResourceInfo_ProtocolInfo, theTextForm);
+    const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(theText.data(), theText.size());
+    char* theTextForm = fIsNormal ? nullptr : NewTextForm(theText.data(), theText.size());
+    aParser->mResource.AddText(kCDSResourceInfo_ProtocolInfo, fIsNormal ? theText : std::string_view(theTextForm));
     free(theTextForm);
+}
+
+// The fields after those.
+static void AddFields(const Resource& aResource, const EntityResolver& aResolver, EntryEnd* anEnd)
+{
+    anEnd->AddText(kCDSResourceInfo_Resolution, aResource.mResolution);
+    anEnd->AddNumber(kCDSResourceInfo_Duration, aResource.mDuration);
+    anEnd->AddNumber(kCDSResourceInfo_BitRate, aResource.mBitRate);
+    anEnd->AddNumber(kCDSResourceInfo_ColorDepth, aResource.mColorDepth);
+    anEnd->AddNumber(kCDSResourceInfo_Size, aResource.mSize);
+    anEnd->AddNumber(kCDSResourceInfo_ResumeUpload, aResource.mResumeUpload);
+    if (aResource.mIFOFileURI.data())
+    {
+        anEnd->AddMarkup(kCDSResourceInfo_IFOFileURI, aResource.mIFOFileURI, aResolver);
+    }
+    anEnd->AddMarkup(kCDSResourceInfo_ImportURI, aResource.mImportURI, aResolver);
+    anEnd->AddMarkup(kCDSResourceInfo_DTCPUploadInfo, aResource.mDTCPUploadInfo, aResolver);
+    anEnd->AddNumber(kCDSResourceInfo_UploadedSize, aResource.mUploadedSize);
+    anEnd->AddNumber(kCDSResourceInfo_AudioChannelCount, aResource.mAudioChannelCount);
+    if (aResource.mTrackTotal != 0) { anEnd->AddNumber(kCDSResourceInfo_TrackTotal, aResource.mTrackTotal); }
+    if (aResource.mLifeTime != 0) { anEnd->AddNumber(kCDSResourceInfo_LifeTime, aResource.mLifeTime); }
 }
 
 void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
-    zoPackedData_t* theRecord = aParser->mResources;
     Resource theResource = {};
-    zoPackedData_AddNewEntry(theRecord);
     ParseResourceAttributes(aParser, anAttributes, &theResource);
-
     AddURI(aParser, aNode);
     AddProtocolInfo(aParser, theResource.mProtocolInfo);
-    AddText(theRecord, kCDSResourceInfo_Resolution, theResource.mResolution);
-    AddNumber(theRecord, kCDSResourceInfo_Duration, theResource.mDuration);
-    AddNumber(theRecord, kCDSResourceInfo_BitRate, theResource.mBitRate);
-    AddNumber(theRecord, kCDSResourceInfo_ColorDepth, theResource.mColorDepth);
-    AddNumber(theRecord, kCDSResourceInfo_Size, theResource.mSize);
-    AddNumber(theRecord, kCDSResourceInfo_ResumeUpload, theResource.mResumeUpload);
-    if (theResource.mfHasIFOFileURI)
-    {
-        AddResolvedText(aParser, theRecord, kCDSResourceInfo_IFOFileURI, theResource.mIFOFileURI);
-    }
-    AddResolvedText(aParser, theRecord, kCDSResourceInfo_ImportURI, theResource.mImportURI);
-    AddResolvedText(aParser, theRecord, kCDSResourceInfo_DTCPUploadInfo, theResource.mDTCPUploadInfo);
-    AddNumber(theRecord, kCDSResourceInfo_UploadedSize, theResource.mUploadedSize);
-    AddNumber(theRecord, kCDSResourceInfo_AudioChannelCount, theResource.mAudioChannelCount);
-    if (theResource.mTrackTotal != 0) { AddNumber(theRecord, kCDSResourceInfo_TrackTotal, theResource.mTrackTotal); }
-    if (theResource.mLifeTime != 0) { AddNumber(theRecord, kCDSResourceInfo_LifeTime, theResource.mLifeTime); }
+    const uint64 theSize = kCDSResourceInfo_Count * sizeof(uint64) + // numbers, and the NULs of texts
+                           uint64{ theResource.mResolution.size() } + theResource.mIFOFileURI.size() +
+                           theResource.mImportURI.size() + theResource.mDTCPUploadInfo.size();
+    aParser->mResource.AddValues(kCDSResourceInfo_Count, theSize,
+                                 [&](EntryEnd* anEnd) { AddFields(theResource, aParser->mResolver, anEnd); });
+    aParser->mResource.Store(aParser->mResources);
 }
 
 } // namespace DIDL

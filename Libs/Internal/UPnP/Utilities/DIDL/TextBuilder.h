@@ -23,13 +23,8 @@ public:
     size_t size() const { return mLength; }
     bool empty() const { return mLength == 0; }
 
-    // The text, which nothing is appended to after this; the byte after it is writable.
-    std::string_view EndText()
-    {
-        const size_t theLength = mLength;
-        Extend(1);
-        return { mText, theLength };
-    }
+    // The text, until more is appended.
+    std::string_view Text() const { return { mText, mLength }; }
 
     // Makes room for aCount further bytes and returns where they go.
     char* Extend(size_t aCount)

@@ -147,6 +147,20 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* /*aRecord*/, const char* /*aFile*/, int /*aLine*/) {}
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_AddEntry
+void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
+                           const char* aValues)
+{
+    zoPackedData_AddNewEntry(aRecord);
+    for (uint32 i = 0; i < aCount; ++i)
+    {
+        const uint32 theBegin = i > 0 ? anEnds[i - 1] : 0;
+        const uint32 theSize = anEnds[i] - theBegin;
+        zoPackedData_AddData(aRecord, aTags[i], theSize > 0 ? aValues + theBegin : nullptr, theSize);
+    }
+}
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
 uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
@@ -191,6 +205,13 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
         theValue->mData = zoPackedData_GetData(aRecord, anEntry, theValue->mTag, &theValue->mSize);
     }
     return theCount;
+}
+#endif
+
+#ifdef UPNP_LACKS_zoPackedData_NewInPlace
+zoPackedData_t* zoPackedData_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, uint32 aCount)
+{
+    return zoPackedData_New(aCount);
 }
 #endif
 

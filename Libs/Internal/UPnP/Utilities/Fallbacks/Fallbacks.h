@@ -67,6 +67,11 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_AddEntry
+void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
+                           const char* aValues);
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
 uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
 #endif
@@ -85,6 +90,10 @@ typedef struct zoPackedData_Value
 } zoPackedData_Value;
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount);
+#endif
+
+#ifdef UPNP_LACKS_zoPackedData_NewInPlace
+zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
 #endif
 
 #ifdef UPNP_LACKS_zoURI_S_GetHostIP

@@ -29,7 +29,7 @@ const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxValuesPerEntry = 0xFFFF;
 const size_t kMaxNarrowSize = 0xFFFF; // of an entry's values whose ends take two bytes
 const uint16 kNoPosition = 0xFFFF;    // a position is below kMaxValuesPerEntry
-const size_t kFirstBytes = 512;       // with these and kSmallCount rows a record fits a fast malloc class
+const size_t kFirstBytes = 512;       // at least; with these a record fits a fast malloc class
 const uint32 kSmallCount = 48;        // up to this many tags are scanned about as fast as searched in order
 const uint16 kLowTags = 64;           // tags below have a bit in mSeen
 const uint32 kFirstEntries = 4;
@@ -43,13 +43,13 @@ inline uint32 MagicOf(size_t aSize, uint32 anEntryCount)
     return kMagic + static_cast<uint32>(aSize) * 0x9E3779B1u + anEntryCount * 0x85EBCA6Bu;
 }
 
-// What a new record begins with, in one allocation with it, so that a small one needs no other.
+// What a new record begins with, in one piece with it, so that a small one needs no other memory.
 struct Room
 {
     uint32 mEnds[kSmallCount];
     uint32 mEntryEnds[kFirstEntries];
     uint16 mTags[kSmallCount];
-    char mBytes[kFirstBytes];
+    char mBytes[kFirstBytes]; // and more in a large room
 };
 
 struct Selection;
@@ -71,8 +71,10 @@ struct Entry
 struct zoPackedData_t
 {
     PackedData::Room* mRoom; // follows the record; NULL in a record over a serialized block
-    char* mBlock;            // the room's bytes, or owned; NULL when the record is empty and has no room
-    size_t mUsed; // bytes of header, closed entries and the open entry's values; unless mfSerialized, a 0 follows
+    size_t mRoomSize;
+    bool mfIsCallers; // the memory of the record and its room
+    char* mBlock;     // the room's bytes, or owned; NULL when the record is empty and has no room
+    size_t mUsed;     // bytes of header, closed entries and the open entry's values; unless mfSerialized, a 0 follows
     size_t mCapacity;
     bool mfSerialized;  // the table of entries follows in the block
     uint32 mEntryCount; // the open entry included
@@ -195,7 +197,7 @@ template <typename Element>
 bool IsInRoom(const zoPackedData_t* aRecord, const Element* anArray)
 {
     const uintptr_t theRoom = reinterpret_cast<uintptr_t>(aRecord->mRoom);
-    return theRoom != 0 && reinterpret_cast<uintptr_t>(anArray) - theRoom < sizeof(Room);
+    return reinterpret_cast<uintptr_t>(anArray) - theRoom < aRecord->mRoomSize;
 }
 
 /* The array, aUsed elements of it, moved to where there is place for aCapacity elements. */

@@ -1,0 +1,118 @@
+#pragma once
+
+/* An entry of a record, which is collected value by value and then stored at once. */
+
+#include <UPnP/Utilities/DIDL/Entities.h>
+#include <string.h>
+#include <zoltTools/zoPackedData.h>
+
+namespace DIDL
+{
+
+// Copies the text with a NUL. Returns the position after that.
+[[gnu::noinline]] char* CopyText(char* aTarget, std::string_view aText);
+// The same, with the text's entities resolved.
+[[gnu::noinline]] char* CopyMarkup(char* aTarget, std::string_view aText, const EntityResolver& aResolver);
+
+// The end of an entry, where there is room for the values that are added. A local variable, so that the compiler keeps
+// it in registers.
+class EntryEnd
+{
+public:
+    EntryEnd(const char* aBegin, char* aValue, uint16* aTag, uint32* anEnd)
+        : mBegin(aBegin), mValue(aValue), mTag(aTag), mEnd(anEnd)
+    {}
+
+    void AddText(uint16 aTag, std::string_view aText)
+    {
+        if (aText.empty()) { *mValue++ = 0; }
+        else { mValue = CopyText(mValue, aText); }
+        AddRow(aTag);
+    }
+    void AddMarkup(uint16 aTag, std::string_view aText, const EntityResolver& aResolver)
+    {
+        if (aText.empty()) { *mValue++ = 0; }
+        else { mValue = CopyMarkup(mValue, aText, aResolver); }
+        AddRow(aTag);
+    }
+    template <typename Number>
+    void AddNumber(uint16 aTag, Number aNumber)
+    {
+        memcpy(mValue, &aNumber, sizeof(aNumber));
+        mValue += sizeof(aNumber);
+        AddRow(aTag);
+    }
+    void AddNoBytes(uint16 aTag) { AddRow(aTag); }
+
+    const char* GetValue() const { return mValue; }
+    const uint16* GetTag() const { return mTag; }
+
+private:
+    void AddRow(uint16 aTag)
+    {
+        *mTag++ = aTag;
+        *mEnd++ = static_cast<uint32>(mValue - mBegin);
+    }
+
+    const char* mBegin; // of the entry's values
+    char* mValue;
+    uint16* mTag;
+    uint32* mEnd;
+};
+
+class EntryBuilder
+{
+public:
+    EntryBuilder() {} // leaves the inline arrays as they are
+    ~EntryBuilder();
+    EntryBuilder(const EntryBuilder&) = delete;
+    EntryBuilder& operator=(const EntryBuilder&) = delete;
+
+    // Adds a text with a NUL, unless it would not fit a block.
+    void AddText(uint16 aTag, std::string_view aText);
+
+    // Makes room for further values, which aAdd(EntryEnd*) adds. What would not fit a block is not added.
+    // @param aSize  at least the bytes of the values.
+    template <typename Add>
+    void AddValues(size_t aCount, uint64 aSize, Add aAdd)
+    {
+        if (!Reserve(aCount, aSize)) { return; }
+        EntryEnd theEnd(mBytes, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount);
+        aAdd(&theEnd);
+        mByteCount = static_cast<size_t>(theEnd.GetValue() - mBytes);
+        mRowCount = static_cast<size_t>(theEnd.GetTag() - mTags);
+    }
+
+    // Stores what was added as a new entry, and begins anew.
+    void Store(zoPackedData_t* aRecord)
+    {
+        zoPackedData_AddEntry(aRecord, mTags, mEnds, static_cast<uint32>(mRowCount), mBytes);
+        mByteCount = 0;
+        mRowCount = 0;
+    }
+
+private:
+    bool Reserve(size_t aCount, uint64 aSize)
+    {
+        return (aSize <= mByteCapacity - mByteCount && aCount <= mRowCapacity - mRowCount) || Grow(aCount, aSize);
+    }
+    [[gnu::cold]] bool Grow(size_t aCount, uint64 aSize);
+
+    enum : size_t
+    {
+        kInlineBytes = 1024, // most entries fit
+        kInlineRows = 48
+    };
+    char* mBytes = mInlineBytes; // the values; mInlineBytes or owned, as the other two
+    uint16* mTags = mInlineTags;
+    uint32* mEnds = mInlineEnds;
+    size_t mByteCount = 0;
+    size_t mByteCapacity = kInlineBytes;
+    size_t mRowCount = 0;
+    size_t mRowCapacity = kInlineRows;
+    uint16 mInlineTags[kInlineRows];
+    uint32 mInlineEnds[kInlineRows];
+    char mInlineBytes[kInlineBytes];
+};
+
+} // namespace DIDL
