@@ -110,16 +110,31 @@ void AddEntry(zoPackedData_t* aRecord, Entries& anEntries)
 char* TakeCopiedBlock(zoPackedData_t* aRecord, const Entries& anEntries)
 {
     Require(Holds(aRecord, anEntries), "what was added is there");
-    Require(zoPackedData_GetMemoryUsage(aRecord) == BlockSize(anEntries), "sizes add up");
-    zoPackedData_t* theAgain = zoPackedData_NewData(zoPackedData_TakeData(aRecord));
+    const size_t theSize = BlockSize(anEntries);
+    Require(zoPackedData_GetMemoryUsage(aRecord) == theSize, "sizes add up");
+    char* theOwnBlock = zoPackedData_TakeData(aRecord);
+    const std::string theBytes(theOwnBlock, theSize);
+    zoPackedData_t* theAgain = zoPackedData_NewData(theOwnBlock);
     Require(zoPackedData_GetEntryCount(aRecord) == 0, "a record whose block was taken is empty");
     zoPackedData_Free(aRecord);
+    Require(Holds(theAgain, anEntries), "a block gives back what was added");
     zoPackedData_t* theCopy = zoPackedData_Duplicate(theAgain);
-    Require(Holds(theAgain, anEntries) && Holds(theCopy, anEntries), "a block gives back what was added");
     zoPackedData_Free(theAgain);
     char* theBlock = zoPackedData_TakeData(theCopy);
     zoPackedData_Free(theCopy);
+    Require(memcmp(theBlock, theBytes.data(), theSize) == 0, "a copy has the same block");
     return theBlock;
+}
+
+// An entry of many values is added to by a table as long as its largest tag: to fill it would be most of a run, so most
+// large tags are left out.
+const uint16 kMostlyBelow = 0x0400;
+
+bool HasLargeTags(const Entries& anEntries)
+{
+    return !anEntries.empty() &&
+           std::any_of(anEntries.back().begin(), anEntries.back().end(),
+                       [](const auto& aValue) { return aValue.first >= kMostlyBelow && aValue.first != 0xFFFF; });
 }
 
 // Reads a block of aSize bytes, which it takes over, and adds to it.
@@ -129,17 +144,16 @@ void CheckBlock(char* aBlock, size_t aSize)
     Entries theEntries = Read(theRecord);
     CheckReaders(theRecord, theEntries);
     Require(theEntries.empty() || BlockSize(theEntries) == aSize, "the values of a block fill it");
-    Add(theRecord, theEntries, 0x0101, "value");
+    if (!HasLargeTags(theEntries)) { Add(theRecord, theEntries, 0x0101, "value"); }
     AddEntry(theRecord, theEntries);
     Add(theRecord, theEntries, 0x0101, "");
     free(TakeCopiedBlock(theRecord, theEntries));
 }
 
-// Most tags are low: an entry's table of tags is as long as the largest, and filling it is most of a run.
 uint16 TagOf(const uint8_t* aBytes)
 {
-    const int theHighByte = aBytes[0] < 0xFC ? aBytes[0] % 4 : aBytes[0];
-    return static_cast<uint16>(theHighByte << 8 | aBytes[1]);
+    const uint16 theTag = static_cast<uint16>(aBytes[0] << 8 | aBytes[1]);
+    return theTag % 0x1000 == 0xFFF ? theTag : theTag % kMostlyBelow;
 }
 
 // Adds values, each a tag of two bytes and a size of one before its bytes; 0xFF as size begins an entry.
