@@ -52,7 +52,7 @@ UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t*
  */
 
 /* What UPnPDIDL_GetSendable changed. */
-typedef struct
+typedef struct UPnPDIDLRepairs_t
 {
     uint32 mReplaced;            /* the number of U+FFFD that replace something in the text */
     uint32 mPairsLeftOut;        /* of the object, and of the resources that are written */
