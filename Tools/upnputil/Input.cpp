@@ -6,6 +6,7 @@
 #include <limits.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/stat.h>
 
 static const size_t kPieceSize = 65536;
 
@@ -19,6 +20,11 @@ static bool Refuse(const std::string& aPath, const std::string& aReason)
 
 static bool ReadAll(const std::string& aPath, FILE* aFile, std::vector<char>& aText)
 {
+    struct stat theState;
+    if (fstat(fileno(aFile), &theState) == 0 && S_ISREG(theState.st_mode) && theState.st_size <= INT_MAX)
+    {
+        aText.reserve(static_cast<size_t>(theState.st_size) + kPieceSize);
+    }
     size_t theSize = 0;
     for (size_t theRead = 1; theRead > 0; theSize += theRead)
     {

@@ -24,7 +24,7 @@ void Progress::Step()
 
 void Progress::Print()
 {
-    fprintf(stderr, "%supnputil: %zu %s%s", mfTerminal ? "\r" : "", mDone, mThings, mfTerminal ? "" : "\n");
+    fprintf(stderr, "%supnputil: %zu %s so far%s", mfTerminal ? "\r" : "", mDone, mThings, mfTerminal ? "" : "\n");
     fflush(stderr);
     mfPrinted = true;
 }
