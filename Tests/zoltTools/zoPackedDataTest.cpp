@@ -121,6 +121,8 @@ TEST(zoPackedDataTest, TakesWholeEntriesInTheCallersMemory)
             }
             const uint32 theCount = static_cast<uint32>(theTags.size());
             zoPackedData_AddEntry(theRecord, theTags.data(), theEnds.data(), theCount, theBytes.data());
+            char* theBlock = zoPackedData_NewBlock(theTags.data(), theEnds.data(), theCount, theBytes.data());
+            ExpectSame({ theEntry }, PackedData(zoPackedData_NewData(theBlock)));
         }
         ExpectSame(thePlain, theRecord);
         zoPackedData_AddData(theRecord, 3, "ignored", 7);

@@ -440,32 +440,49 @@ void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aDat
     AppendValue(aRecord, aTag, aData, aSize);
 }
 
-// Appends an entry of few values with narrow ends, closed.
-static void AddSmallEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
-                          const char* aValues)
+namespace
 {
-    CloseEntry(aRecord);
-    const size_t theSize = aCount > 0 ? anEnds[aCount - 1] : 0;
-    ReserveEntries(aRecord, aRecord->mEntryCount + 1);
-    ReserveBytes(aRecord, theSize + DirectorySize(aCount, false));
-    char* theTarget = aRecord->mBlock + aRecord->mUsed;
-    if (theSize > 0) { memcpy(theTarget, aValues, theSize); }
-    theTarget = WriteRows(anEnds, aTags, aCount, theTarget + theSize);
-    const uint16 theCount = static_cast<uint16>(aCount);
-    memcpy(theTarget, &theCount, sizeof(theCount));
-    aRecord->mUsed += theSize + DirectorySize(aCount, false);
-    aRecord->mBlock[aRecord->mUsed] = 0;
-    aRecord->mEntryEnds[aRecord->mEntryCount++] = static_cast<uint32>(aRecord->mUsed);
-}
+
+// An entry of few values with narrow ends.
+struct SmallEntry
+{
+    const uint16* mTags;
+    const uint32* mEnds;
+    uint32 mCount;
+    const char* mValues;
+
+    size_t ValuesSize() const { return mCount > 0 ? mEnds[mCount - 1] : 0; }
+    size_t Size() const { return ValuesSize() + DirectorySize(mCount, false); }
+    bool IsSmall() const { return mCount <= kSmallCount && ValuesSize() <= kMaxNarrowSize; }
+
+    // Returns the position after the entry.
+    char* Write(char* aTarget) const
+    {
+        const size_t theSize = ValuesSize();
+        if (theSize > 0) { memcpy(aTarget, mValues, theSize); }
+        aTarget = WriteRows(mEnds, mTags, mCount, aTarget + theSize);
+        const uint16 theCount = static_cast<uint16>(mCount);
+        memcpy(aTarget, &theCount, sizeof(theCount));
+        return aTarget + sizeof(theCount);
+    }
+};
+
+} // namespace
 
 void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
                            const char* aValues)
 {
     if (!aRecord) { return; }
-    const bool fIsSmall = aCount <= kSmallCount && (aCount == 0 || anEnds[aCount - 1] <= kMaxNarrowSize);
-    if (fIsSmall && !aRecord->mfSerialized && IsFarFromFull(aRecord))
+    const SmallEntry theEntry = { aTags, anEnds, aCount, aValues };
+    if (theEntry.IsSmall() && !aRecord->mfSerialized && IsFarFromFull(aRecord))
     {
-        AddSmallEntry(aRecord, aTags, anEnds, aCount, aValues);
+        CloseEntry(aRecord);
+        ReserveEntries(aRecord, aRecord->mEntryCount + 1);
+        ReserveBytes(aRecord, theEntry.Size());
+        char* theEnd = theEntry.Write(aRecord->mBlock + aRecord->mUsed);
+        *theEnd = 0;
+        aRecord->mUsed = static_cast<size_t>(theEnd - aRecord->mBlock);
+        aRecord->mEntryEnds[aRecord->mEntryCount++] = static_cast<uint32>(aRecord->mUsed);
         return;
     }
     if (!AddNewEntry(aRecord)) { return; }
@@ -474,6 +491,27 @@ void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const u
         const uint32 theBegin = i > 0 ? anEnds[i - 1] : 0;
         zoPackedData_AddData(aRecord, aTags[i], aValues + theBegin, anEnds[i] - theBegin);
     }
+}
+
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues)
+{
+    const SmallEntry theEntry = { aTags, anEnds, aCount, aValues };
+    if (!theEntry.IsSmall())
+    {
+        zoPackedData_t* theRecord = zoPackedData_New(1);
+        zoPackedData_AddEntry(theRecord, aTags, anEnds, aCount, aValues);
+        char* theBlock = zoPackedData_TakeData(theRecord);
+        zoPackedData_Free(theRecord);
+        return theBlock;
+    }
+    const uint32 theEnd = static_cast<uint32>(sizeof(Header) + theEntry.Size());
+    const size_t theSize = theEnd + sizeof(theEnd) + kTrailerSize;
+    char* theBlock = static_cast<char*>(zoMalloc(theSize));
+    WriteHeader(theBlock, theSize, 1);
+    char* theTarget = theEntry.Write(theBlock + sizeof(Header));
+    memcpy(theTarget, &theEnd, sizeof(theEnd));
+    theTarget[sizeof(theEnd)] = 0;
+    return theBlock;
 }
 
 void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,

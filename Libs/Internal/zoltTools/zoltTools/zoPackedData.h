@@ -130,6 +130,12 @@ ZOLTTOOLS_API uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecor
 /** @return the serialized block of the record, which is empty afterwards; the caller releases the block with free, or
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);
+/**
+ * @return the serialized block of a record with one entry, whose values are known all at once: as from a record that
+ *         zoPackedData_AddEntry with these arguments was called with. The caller releases it with free.
+ */
+ZOLTTOOLS_API char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount,
+                                          const char* aValues);
 /** @return a new record over a block made by zoPackedData_TakeData in this process, at least as long as its header
  *          says. The record takes the block over and frees it; no value is copied. NULL, or a block that doesn't add
  *          up, gives a record without entries. */

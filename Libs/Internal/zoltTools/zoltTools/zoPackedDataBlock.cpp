@@ -27,10 +27,8 @@ char* zoPackedData_TakeData(zoPackedData_t* aRecord)
     {
         const size_t theSize = static_cast<size_t>(BlockSize(aRecord));
         const size_t theTableSize = size_t{ aRecord->mEntryCount } * sizeof(uint32);
-        const Header theHeader = { MagicOf(theSize, aRecord->mEntryCount), static_cast<uint32>(theSize),
-                                   aRecord->mEntryCount };
         theBlock = TakeBlock(aRecord, theSize);
-        memcpy(theBlock, &theHeader, sizeof(theHeader));
+        WriteHeader(theBlock, theSize, aRecord->mEntryCount);
         if (theTableSize > 0) { memcpy(theBlock + aRecord->mUsed, aRecord->mEntryEnds, theTableSize); }
         theBlock[theSize - kTrailerSize] = 0;
     }

@@ -40,9 +40,17 @@ void EntityResolver::SetObject(std::string_view anObject)
     }
 }
 
+// The text ends with a NUL. Returns its length then.
 size_t EntityResolver::ResolveInPlace(char* aText, size_t aLength)
 {
-    return HasMarkup({ aText, aLength }) ? static_cast<size_t>(ILibInPlaceXmlUnEscape(aText)) : aLength;
+    return DIDL::HasMarkup({ aText, aLength }) ? static_cast<size_t>(ILibInPlaceXmlUnEscape(aText)) : aLength;
+}
+
+char* EntityResolver::ResolveStored(std::string_view aText, char* anEnd) const
+{
+    if (IsPlain(aText)) { return anEnd; }
+    char* theCopy = anEnd - 1 - aText.size();
+    return theCopy + ResolveInPlace(theCopy, aText.size()) + 1;
 }
 
 std::string_view EntityResolver::ResolveCopy(std::string_view aText)

@@ -42,11 +42,15 @@ public:
     // True if there is nothing to resolve, which is known without a look at the text.
     bool IsPlain(std::string_view aText) const { return aText.empty() || mPlain.Contains(aText); }
 
-    // Resolves a copy of a text, which ends with a NUL. Returns its length then.
-    static size_t ResolveInPlace(char* aText, size_t aLength);
+    // True if it is known that there is nothing to resolve in the object.
+    bool IsObjectPlain() const { return mPlain.mBegin && mPlain.mFirst == mPlain.mEnd; }
+
+    // Resolves a copy of aText that ends with the NUL before anEnd. Returns the position after its NUL then.
+    char* ResolveStored(std::string_view aText, char* anEnd) const;
 
 private:
     std::string_view ResolveCopy(std::string_view aText);
+    static size_t ResolveInPlace(char* aText, size_t aLength);
 
     enum : size_t
     {

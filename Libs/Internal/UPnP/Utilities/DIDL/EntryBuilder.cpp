@@ -6,20 +6,6 @@
 namespace DIDL
 {
 
-char* CopyText(char* aTarget, std::string_view aText)
-{
-    memcpy(aTarget, aText.data(), aText.size());
-    char* theEnd = aTarget + aText.size();
-    *theEnd = 0;
-    return theEnd + 1;
-}
-
-char* CopyMarkup(char* aTarget, std::string_view aText, const EntityResolver& aResolver)
-{
-    char* theEnd = CopyText(aTarget, aText);
-    return aResolver.IsPlain(aText) ? theEnd : aTarget + EntityResolver::ResolveInPlace(aTarget, aText.size()) + 1;
-}
-
 EntryBuilder::~EntryBuilder()
 {
     if (mBytes != mInlineBytes) { free(mBytes); }
@@ -54,9 +40,28 @@ bool EntryBuilder::Grow(size_t aCount, uint64 aSize)
     return true;
 }
 
+// Copies at the end, so that nothing is to be kept beyond the call of memcpy.
+void EntryBuilder::AddBytes(uint16 aTag, const char* aBytes, size_t aSize)
+{
+    if (!Reserve(1, aSize)) { return; }
+    char* theTarget = mBytes + mByteCount;
+    mByteCount += aSize;
+    mTags[mRowCount] = aTag;
+    mEnds[mRowCount] = static_cast<uint32>(mByteCount);
+    ++mRowCount;
+    if (aSize > 0) { memcpy(theTarget, aBytes, aSize); }
+}
+
 void EntryBuilder::AddText(uint16 aTag, std::string_view aText)
 {
-    AddValues(1, uint64{ aText.size() } + 1, [=](EntryEnd* anEnd) { anEnd->AddText(aTag, aText); });
+    if (!Reserve(1, uint64{ aText.size() } + 1)) { return; }
+    char* theTarget = mBytes + mByteCount;
+    theTarget[aText.size()] = 0;
+    mByteCount += aText.size() + 1;
+    mTags[mRowCount] = aTag;
+    mEnds[mRowCount] = static_cast<uint32>(mByteCount);
+    ++mRowCount;
+    if (!aText.empty()) { memcpy(theTarget, aText.data(), aText.size()); }
 }
 
 } // namespace DIDL

@@ -9,30 +9,27 @@
 namespace DIDL
 {
 
-// Copies the text with a NUL. Returns the position after that.
-[[gnu::noinline]] char* CopyText(char* aTarget, std::string_view aText);
-// The same, with the text's entities resolved.
-[[gnu::noinline]] char* CopyMarkup(char* aTarget, std::string_view aText, const EntityResolver& aResolver);
-
 // The end of an entry, where there is room for the values that are added. A local variable, so that the compiler keeps
 // it in registers.
 class EntryEnd
 {
 public:
-    EntryEnd(const char* aBegin, char* aValue, uint16* aTag, uint32* anEnd)
-        : mBegin(aBegin), mValue(aValue), mTag(aTag), mEnd(anEnd)
+    // @param aResolver  NULL when there is nothing to resolve.
+    EntryEnd(const char* aBegin, char* aValue, uint16* aTag, uint32* anEnd, const EntityResolver* aResolver)
+        : mBegin(aBegin), mValue(aValue), mTag(aTag), mEnd(anEnd), mResolver(aResolver)
     {}
 
+    // Adds a text with a NUL.
     void AddText(uint16 aTag, std::string_view aText)
     {
-        if (aText.empty()) { *mValue++ = 0; }
-        else { mValue = CopyText(mValue, aText); }
+        AppendText(aText);
         AddRow(aTag);
     }
-    void AddMarkup(uint16 aTag, std::string_view aText, const EntityResolver& aResolver)
+    // The same, with the text's entities resolved.
+    void AddMarkup(uint16 aTag, std::string_view aText)
     {
-        if (aText.empty()) { *mValue++ = 0; }
-        else { mValue = CopyMarkup(mValue, aText, aResolver); }
+        AppendText(aText);
+        if (mResolver) { mValue = mResolver->ResolveStored(aText, mValue); }
         AddRow(aTag);
     }
     template <typename Number>
@@ -48,6 +45,12 @@ public:
     const uint16* GetTag() const { return mTag; }
 
 private:
+    void AppendText(std::string_view aText)
+    {
+        if (!aText.empty()) { memcpy(mValue, aText.data(), aText.size()); }
+        mValue += aText.size();
+        *mValue++ = 0;
+    }
     void AddRow(uint16 aTag)
     {
         *mTag++ = aTag;
@@ -58,6 +61,7 @@ private:
     char* mValue;
     uint16* mTag;
     uint32* mEnd;
+    const EntityResolver* mResolver;
 };
 
 class EntryBuilder
@@ -68,28 +72,33 @@ public:
     EntryBuilder(const EntryBuilder&) = delete;
     EntryBuilder& operator=(const EntryBuilder&) = delete;
 
-    // Adds a text with a NUL, unless it would not fit a block.
+    // Adds bytes, or a text with a NUL, unless they would not fit a block.
+    void AddBytes(uint16 aTag, const char* aBytes, size_t aSize);
     void AddText(uint16 aTag, std::string_view aText);
 
     // Makes room for further values, which aAdd(EntryEnd*) adds. What would not fit a block is not added.
-    // @param aSize  at least the bytes of the values.
+    // @param aSize      at least the bytes of the values.
+    // @param aResolver  NULL when there is nothing to resolve in them.
     template <typename Add>
-    void AddValues(size_t aCount, uint64 aSize, Add aAdd)
+    void AddValues(size_t aCount, uint64 aSize, const EntityResolver* aResolver, Add aAdd)
     {
         if (!Reserve(aCount, aSize)) { return; }
-        EntryEnd theEnd(mBytes, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount);
+        EntryEnd theEnd(mBytes, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount, aResolver);
         aAdd(&theEnd);
         mByteCount = static_cast<size_t>(theEnd.GetValue() - mBytes);
         mRowCount = static_cast<size_t>(theEnd.GetTag() - mTags);
     }
 
-    // Stores what was added as a new entry, and begins anew.
+    // Stores what was added as a new entry of a record, and begins anew.
     void Store(zoPackedData_t* aRecord)
     {
         zoPackedData_AddEntry(aRecord, mTags, mEnds, static_cast<uint32>(mRowCount), mBytes);
         mByteCount = 0;
         mRowCount = 0;
     }
+
+    // What was added as the block of a record with that entry alone.
+    char* NewBlock() const { return zoPackedData_NewBlock(mTags, mEnds, static_cast<uint32>(mRowCount), mBytes); }
 
 private:
     bool Reserve(size_t aCount, uint64 aSize)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stddef.h>
 #include <stdint.h>
+#include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoConvert.h>
 
@@ -102,59 +103,62 @@ static void AddFields(ObjectParser* aParser, EntryEnd* anEnd)
 {
     const EntryFields& theFields = aParser->mFields;
     const std::string_view* theTexts = theFields.mTexts;
-    const EntityResolver& theResolver = aParser->mResolver;
     ILibXMLNode* const* theLast = aParser->mLast;
 
-    anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title], theResolver);
-    anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title]);
+    anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator]);
     if (theLast[kSingleText_Date]) { anEnd->AddText(kCDSEntryInfo_Date, theTexts[kSingleText_Date]); }
     else { anEnd->AddNoBytes(kCDSEntryInfo_Date); }
-    anEnd->AddMarkup(kCDSEntryInfo_Genre, theTexts[kSingleText_Genre], theResolver);
-    anEnd->AddMarkup(kCDSEntryInfo_Album, theTexts[kSingleText_Album], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_Genre, theTexts[kSingleText_Genre]);
+    anEnd->AddMarkup(kCDSEntryInfo_Album, theTexts[kSingleText_Album]);
     anEnd->AddText(kCDSEntryInfo_CreateClass, theFields.mCreateClass);
-    anEnd->AddMarkup(kCDSEntryInfo_ParentID, theFields.mParentID, theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_ParentID, theFields.mParentID);
     anEnd->AddNumber(kCDSEntryInfo_IsContainer, theFields.mIsContainer);
     anEnd->AddNumber(kCDSEntryInfo_UpdateID, uint32{ 0 });
     anEnd->AddNumber(kCDSEntryInfo_ChildCount, theFields.mChildCount);
-    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, theTexts[kSingleText_Class], theResolver);
-    anEnd->AddMarkup(kCDSEntryInfo_ItemID, theFields.mItemID, theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, theTexts[kSingleText_Class]);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemID, theFields.mItemID);
     anEnd->AddNumber(kCDSEntryInfo_ChannelNr, theFields.mChannelNr);
     anEnd->AddNumber(kCDSEntryInfo_Flags, theFields.mFlags);
-    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, theTexts[kSingleText_BGMURI], theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, theTexts[kSingleText_BGMURI]);
     anEnd->AddText(kCDSEntryInfo_BGMURIProtocolInfo, theFields.mBGMProtocolInfo);
     anEnd->AddNumber(kCDSEntryInfo_DLNAManaged, theFields.mManaged);
-    anEnd->AddMarkup(kCDSEntryInfo_RefID, theFields.mRefID, theResolver);
+    anEnd->AddMarkup(kCDSEntryInfo_RefID, theFields.mRefID);
     if (theLast[kSingleText_StorageMedium])
     {
-        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, theTexts[kSingleText_StorageMedium], theResolver);
+        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, theTexts[kSingleText_StorageMedium]);
     }
     else { anEnd->AddNoBytes(kCDSEntryInfo_StorageMedium); }
     if (!theFields.mNamespaces.empty()) { anEnd->AddText(kCDSEntryInfo_XMLNS, theFields.mNamespaces); }
-    if (!aParser->mAlbumArt) { anEnd->AddNoBytes(kCDSEntryInfo_AlbumArtURI); }
 }
 
-static char* NewEntryBlock(ObjectParser* aParser)
+// NULL when there is nothing to resolve. The attributes need not be those of the object's start tag.
+static const EntityResolver* ResolverFor(const ObjectParser& aParser)
 {
-    alignas(max_align_t) char theMemory[1536];
-    zoPackedData_t* theRecord = zoPackedData_NewInPlace(theMemory, sizeof(theMemory), 1);
-    ReadLastTexts(aParser);
-    aParser->mFields.mCreateClass = aParser->mCreateClass.Text();
-    aParser->mFields.mNamespaces = aParser->mNamespaces.Text();
-    aParser->mEntry.AddValues(kCDSEntryInfo_Count, SizeOf(aParser->mFields),
-                              [aParser](EntryEnd* anEnd) { AddFields(aParser, anEnd); });
-    aParser->mEntry.Store(theRecord);
-    if (aParser->mAlbumArt)
-    {
-        zoPackedData_AddArray(theRecord, kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt, zoStringArray_FlattenerFunc);
-    }
-    char* theBlock = zoPackedData_TakeData(theRecord);
-    zoPackedData_Free(theRecord);
-    return theBlock;
+    const EntityResolver* theResolver = &aParser.mResolver;
+    const EntryFields& theFields = aParser.mFields;
+    const bool fIsPlain = theResolver->IsObjectPlain() && theResolver->IsPlain(theFields.mItemID) &&
+                          theResolver->IsPlain(theFields.mParentID) && theResolver->IsPlain(theFields.mRefID);
+    return fIsPlain ? nullptr : theResolver;
+}
+
+static void AddAlbumArt(ObjectParser* aParser)
+{
+    size_t theSize = 0;
+    char* theBytes = zoStringArray_FlattenerFunc(aParser->mAlbumArt, &theSize);
+    aParser->mEntry.AddBytes(kCDSEntryInfo_AlbumArtURI, theBytes, theSize);
+    free(theBytes);
 }
 
 void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
 {
-    *aData = NewEntryBlock(aParser);
+    ReadLastTexts(aParser);
+    aParser->mFields.mCreateClass = aParser->mCreateClass.Text();
+    aParser->mFields.mNamespaces = aParser->mNamespaces.Text();
+    aParser->mEntry.AddValues(kCDSEntryInfo_Count, SizeOf(aParser->mFields), ResolverFor(*aParser),
+                              [aParser](EntryEnd* anEnd) { AddFields(aParser, anEnd); });
+    AddAlbumArt(aParser);
+    *aData = aParser->mEntry.NewBlock();
     *aRes = zoPackedData_TakeData(aParser->mResources);
     zoPackedData_Free(aParser->mResources);
 }

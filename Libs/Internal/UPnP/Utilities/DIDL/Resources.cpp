@@ -184,7 +184,7 @@ static void AddProtocolInfo(ObjectParser* aParser, std::string_view aProtocolInf
 }
 
 // The fields after those.
-static void AddFields(const Resource& aResource, const EntityResolver& aResolver, EntryEnd* anEnd)
+static void AddFields(const Resource& aResource, EntryEnd* anEnd)
 {
     anEnd->AddText(kCDSResourceInfo_Resolution, aResource.mResolution);
     anEnd->AddNumber(kCDSResourceInfo_Duration, aResource.mDuration);
@@ -192,12 +192,9 @@ static void AddFields(const Resource& aResource, const EntityResolver& aResolver
     anEnd->AddNumber(kCDSResourceInfo_ColorDepth, aResource.mColorDepth);
     anEnd->AddNumber(kCDSResourceInfo_Size, aResource.mSize);
     anEnd->AddNumber(kCDSResourceInfo_ResumeUpload, aResource.mResumeUpload);
-    if (aResource.mIFOFileURI.data())
-    {
-        anEnd->AddMarkup(kCDSResourceInfo_IFOFileURI, aResource.mIFOFileURI, aResolver);
-    }
-    anEnd->AddMarkup(kCDSResourceInfo_ImportURI, aResource.mImportURI, aResolver);
-    anEnd->AddMarkup(kCDSResourceInfo_DTCPUploadInfo, aResource.mDTCPUploadInfo, aResolver);
+    if (aResource.mIFOFileURI.data()) { anEnd->AddMarkup(kCDSResourceInfo_IFOFileURI, aResource.mIFOFileURI); }
+    anEnd->AddMarkup(kCDSResourceInfo_ImportURI, aResource.mImportURI);
+    anEnd->AddMarkup(kCDSResourceInfo_DTCPUploadInfo, aResource.mDTCPUploadInfo);
     anEnd->AddNumber(kCDSResourceInfo_UploadedSize, aResource.mUploadedSize);
     anEnd->AddNumber(kCDSResourceInfo_AudioChannelCount, aResource.mAudioChannelCount);
     if (aResource.mTrackTotal != 0) { anEnd->AddNumber(kCDSResourceInfo_TrackTotal, aResource.mTrackTotal); }
@@ -210,11 +207,12 @@ void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttri
     ParseResourceAttributes(aParser, anAttributes, &theResource);
     AddURI(aParser, aNode);
     AddProtocolInfo(aParser, theResource.mProtocolInfo);
+    const EntityResolver* theResolver = aParser->mResolver.IsObjectPlain() ? nullptr : &aParser->mResolver;
     const uint64 theSize = kCDSResourceInfo_Count * sizeof(uint64) + // numbers, and the NULs of texts
                            uint64{ theResource.mResolution.size() } + theResource.mIFOFileURI.size() +
                            theResource.mImportURI.size() + theResource.mDTCPUploadInfo.size();
-    aParser->mResource.AddValues(kCDSResourceInfo_Count, theSize,
-                                 [&](EntryEnd* anEnd) { AddFields(theResource, aParser->mResolver, anEnd); });
+    aParser->mResource.AddValues(kCDSResourceInfo_Count, theSize, theResolver,
+                                 [&](EntryEnd* anEnd) { AddFields(theResource, anEnd); });
     aParser->mResource.Store(aParser->mResources);
 }
 

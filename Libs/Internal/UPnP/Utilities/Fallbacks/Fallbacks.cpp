@@ -208,6 +208,17 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
 }
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_NewBlock
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(1);
+    zoPackedData_AddEntry(theRecord, aTags, anEnds, aCount, aValues);
+    char* theBlock = zoPackedData_TakeData(theRecord);
+    zoPackedData_Free(theRecord);
+    return theBlock;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_NewInPlace
 zoPackedData_t* zoPackedData_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, uint32 aCount)
 {

@@ -92,6 +92,10 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
                               uint32 aMaxCount);
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_NewBlock
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues);
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_NewInPlace
 zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
 #endif

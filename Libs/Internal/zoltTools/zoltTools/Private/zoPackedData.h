@@ -43,6 +43,12 @@ inline uint32 MagicOf(size_t aSize, uint32 anEntryCount)
     return kMagic + static_cast<uint32>(aSize) * 0x9E3779B1u + anEntryCount * 0x85EBCA6Bu;
 }
 
+inline void WriteHeader(char* aBlock, size_t aSize, uint32 anEntryCount)
+{
+    const Header theHeader = { MagicOf(aSize, anEntryCount), static_cast<uint32>(aSize), anEntryCount };
+    memcpy(aBlock, &theHeader, sizeof(theHeader));
+}
+
 // What a new record begins with, in one piece with it, so that a small one needs no other memory.
 struct Room
 {
