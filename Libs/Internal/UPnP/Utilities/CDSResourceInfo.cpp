@@ -314,27 +314,19 @@ zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aResourceInfo, size_t
 {
     if (zoPackedData_GetMemoryUsage(aResourceInfo) <= aTargetSize) { return aResourceInfo; }
     const uint32 theCount = zoPackedData_GetEntryCount(aResourceInfo);
-    bool* theMustKeep = static_cast<bool*>(zoMallocZeroed(theCount));
     zoPackedData_t* theRecord = zoPackedData_New(0);
     size_t theSize = 0;
-    const auto theCopy = [&](uint32 aResource)
+    for (int fMustKeep = 1; fMustKeep >= 0; --fMustKeep) // first what must be kept, then the others
     {
-        zoPackedData_CopyEntry(aResourceInfo, aResource, theRecord);
-        theSize = zoPackedData_GetMemoryUsage(theRecord);
-    };
-
-    for (uint32 i = 0; i < theCount; ++i)
-    {
-        theMustKeep[i] = (anURIToKeep && CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURIToKeep)) ||
-                         (afKeepThumbnails && IsThumbnail(aResourceInfo, i));
-        if (theMustKeep[i]) { theCopy(i); }
+        for (uint32 i = 0; i < theCount && (fMustKeep || theSize < aTargetSize); ++i)
+        {
+            const bool fIsKept = (anURIToKeep && CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURIToKeep)) ||
+                                 (afKeepThumbnails && IsThumbnail(aResourceInfo, i));
+            if (fIsKept != (fMustKeep != 0)) { continue; }
+            zoPackedData_CopyEntry(aResourceInfo, i, theRecord);
+            theSize = zoPackedData_GetMemoryUsage(theRecord);
+        }
     }
-    for (uint32 i = 0; i < theCount && theSize < aTargetSize; ++i)
-    {
-        if (!theMustKeep[i]) { theCopy(i); }
-    }
-
-    free(theMustKeep);
     zoPackedData_Free(aResourceInfo);
     aResourceInfo = zoPackedData_NewData(zoPackedData_TakeData(theRecord)); // as a block it holds no more than it says
     zoPackedData_Free(theRecord);
