@@ -532,6 +532,23 @@ TEST(UPnPDIDLTest, InheritsDeclarationsWithinBounds)
         const std::string theStored = TextOf(ParsedMember(theText, nullptr).mEntry, 0, kCDSEntryInfo_XMLNS);
         EXPECT_EQ(theCase.mStored, theStored.substr(0, theCase.mStored.size())) << theCase.mRoot;
         EXPECT_LE(theStored.size(), 256u);
+
+        // Objects that are read one after the other inherit what they do alone, from their own root.
+        const std::string theItem = "<item>" + theCase.mItem + "<p>" + std::string(200, 't') + "</p></item>";
+        const std::string theRoot = "<DIDL-Lite" + theCase.mRoot + ">" + theItem;
+        const std::string theAlone =
+            TextOf(ParsedMember(theRoot + "</DIDL-Lite>", nullptr).mEntry, 0, kCDSEntryInfo_XMLNS);
+        const std::string theMany = "<DIDL-Lite o=''><item/></DIDL-Lite>" + theRoot + theItem + "</DIDL-Lite>";
+        UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theMany.c_str(), nullptr);
+        for (const std::string& theExpected : { std::string("o=\"\""), theAlone, theAlone })
+        {
+            char *theData, *theRes;
+            int theType;
+            EXPECT_EQ(kUPnPError_None, UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType));
+            EXPECT_EQ(theExpected, TextOf(PackedData(zoPackedData_NewData(theData)), 0, kCDSEntryInfo_XMLNS));
+            free(theRes);
+        }
+        UPnPDIDLDocument_Delete(theDocument);
     }
 
     // The only object of a document has all, each once.

@@ -8,6 +8,7 @@
 #include <UPnP/Utilities/DIDL/Resources.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <UPnP/Utilities/DIDL/UploadDocument.h>
+#include <new>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoAssert.h>
@@ -156,10 +157,20 @@ struct Object
     ILibXMLNode* mDIDLNode; // the DIDL-Lite element around it; NULL without one
     const char* mBaseURL;
     int mfIsItem;
-    bool mfIsOnlyOne; // in its document
+    bool mfIsOnlyOne;             // in its document
+    const NamespaceList* mShared; // what the objects of mDIDLNode inherit; NULL or empty when it is not known
 };
 
 } // namespace
+
+static void InheritNamespaces(NamespaceList* aNamespaces, const Object& anObject, size_t aMaxSize)
+{
+    const bool fIsShared = anObject.mShared && !anObject.mShared->empty() && aMaxSize >= NamespaceList::kMaxSharedSize;
+    if (!anObject.mDIDLNode) { return; }
+    if (anObject.mfIsOnlyOne) { aNamespaces->AddAllOfRoot(anObject.mDIDLNode); }
+    else if (fIsShared) { aNamespaces->AddShared(*anObject.mShared); }
+    else { aNamespaces->AddOfRoot(anObject.mDIDLNode, anObject.mNodes, anObject.mAttributes, aMaxSize); }
+}
 
 static int ParseObject(const Object& anObject, char** aData, char** aRes)
 {
@@ -167,12 +178,7 @@ static int ParseObject(const Object& anObject, char** aData, char** aRes)
     StartObject(&theParser, anObject.mNodes, anObject.mBaseURL, anObject.mfIsItem);
     NamespaceList* theNamespaces = &theParser.mNamespaces;
     const int theResult = ParseObjectAttributes(&theParser, anObject.mAttributes);
-    if (anObject.mDIDLNode && anObject.mfIsOnlyOne) { theNamespaces->AddAllOfRoot(anObject.mDIDLNode); }
-    else if (anObject.mDIDLNode)
-    {
-        theNamespaces->AddOfRoot(anObject.mDIDLNode, anObject.mNodes, anObject.mAttributes,
-                                 MaxInheritedSize(theParser));
-    }
+    InheritNamespaces(theNamespaces, anObject, MaxInheritedSize(theParser));
     theNamespaces->AddXMLNameSpaces(anObject.mAttributes);
     ParseElementsOf(&theParser);
     FinishObject(&theParser, aData, aRes);
@@ -182,7 +188,7 @@ static int ParseObject(const Object& anObject, char** aData, char** aRes)
 int UPnPDIDL_Parse(const char* aBaseURL, ILibXMLNode* aDIDLNode, ILibXMLNode* aNode, ILibXMLAttribute* anAttributes,
                    int afIsItem, char** aData, char** aRes)
 {
-    return ParseObject({ { aNode, false }, anAttributes, aDIDLNode, aBaseURL, afIsItem, false }, aData, aRes);
+    return ParseObject({ { aNode, false }, anAttributes, aDIDLNode, aBaseURL, afIsItem, false, nullptr }, aData, aRes);
 }
 
 // ---- Parsing: a document of one object ----
@@ -206,7 +212,7 @@ static int ParseOnlyObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLTyp
     if (aWalk->mDIDLType != kDIDLItemType_None) { return kUPnPError_InvalidDIDL; }
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aNode);
     const int fIsItem = aDIDLType == kDIDLItemType_Item;
-    const Object theObject = { { aNode, false }, theAttributes, aWalk->mDIDLNode, nullptr, fIsItem, true };
+    const Object theObject = { { aNode, false }, theAttributes, aWalk->mDIDLNode, nullptr, fIsItem, true, nullptr };
     const int fIsValid = ParseObject(theObject, &aWalk->mData, &aWalk->mRes);
     ILibDestructXMLAttributeList(theAttributes);
     if (!fIsValid) { return kUPnPError_InvalidDIDL; }
@@ -276,6 +282,7 @@ struct UPnPDIDLDocument
     ILibXMLNode* mNext;     // the next node of the walk, which enters roots and objects only; NULL at the end
     ILibXMLNode* mDIDLNode; // the DIDL-Lite element met last
     size_t mOpenObjects;    // around mNext
+    NamespaceList mShared;  // what the objects of mDIDLNode inherit; empty when it depends on the object
 };
 
 UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
@@ -286,15 +293,14 @@ UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
         ILibDestructXMLNodeList(theNodes);
         return nullptr;
     }
-    UPnPDIDLDocument* theDocument = static_cast<UPnPDIDLDocument*>(zoMalloc(sizeof(UPnPDIDLDocument)));
-    *theDocument = { aBaseURL, theNodes, theNodes, nullptr, 0 };
-    return theDocument;
+    return new (zoMalloc(sizeof(UPnPDIDLDocument))) UPnPDIDLDocument{ aBaseURL, theNodes, theNodes, nullptr, 0, {} };
 }
 
 void UPnPDIDLDocument_Delete(UPnPDIDLDocument* aDocument)
 {
     if (!aDocument) { return; }
     ILibDestructXMLNodeList(aDocument->mNodes);
+    aDocument->~UPnPDIDLDocument();
     free(aDocument);
 }
 
@@ -310,7 +316,11 @@ static ILibXMLNode* TakeObject(UPnPDIDLDocument* aDocument)
             ++aDocument->mOpenObjects;
             return theNode;
         }
-        else if (aDocument->mOpenObjects == 0 && IsNamed(theNode, "DIDL-Lite")) { aDocument->mDIDLNode = theNode; }
+        else if (aDocument->mOpenObjects == 0 && IsNamed(theNode, "DIDL-Lite"))
+        {
+            aDocument->mDIDLNode = theNode;
+            aDocument->mShared.CollectShared(theNode);
+        }
         else { aDocument->mNext = theNode->ClosingTag->Next; }
     }
     return nullptr;
@@ -330,7 +340,8 @@ int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char*
                                aDocument->mDIDLNode,
                                aDocument->mBaseURL,
                                *aDIDLType == kDIDLItemType_Item,
-                               false };
+                               false,
+                               &aDocument->mShared };
     const int fIsValid = ParseObject(theObject, aData, aRes);
     ILibDestructXMLAttributeList(theAttributes);
     if (fIsValid) { return kUPnPError_None; }

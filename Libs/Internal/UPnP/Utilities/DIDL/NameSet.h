@@ -31,6 +31,17 @@ public:
     }
     void Clear();
 
+    // True if a set can be made equal by AssignInline.
+    bool fIsInline() const { return !mTable; }
+
+    // Makes a set without names equal to one that is inline.
+    void AssignInline(const NameSet& aNames)
+    {
+        mCount = aNames.mCount;
+        for (size_t i = 0; i < mCount; ++i)
+            mInline[i] = aNames.mInline[i];
+    }
+
 private:
     bool IsInTable(std::string_view aName) const;
     void AddToTable(std::string_view aName);

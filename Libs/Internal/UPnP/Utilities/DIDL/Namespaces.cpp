@@ -161,6 +161,21 @@ bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* a
     return true;
 }
 
+void NamespaceList::Clear()
+{
+    mText.CutTo(0);
+    mNames.Clear();
+}
+
+void NamespaceList::CollectShared(ILibXMLNode* aRoot)
+{
+    Clear();
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aRoot);
+    const bool fFits = theAttributes && AddWhileAllFit(aRoot, theAttributes, kMaxSharedSize);
+    ILibDestructXMLAttributeList(theAttributes);
+    if (!fFits || !mNames.fIsInline()) { Clear(); }
+}
+
 void NamespaceList::AddAllOfRoot(ILibXMLNode* aRoot)
 {
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aRoot);
@@ -282,8 +297,7 @@ void NamespaceList::AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, c
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(aRoot);
     if (theAttributes && !AddWhileAllFit(aRoot, theAttributes, aMaxSize))
     {
-        mText.CutTo(0);
-        mNames.Clear();
+        Clear();
         AddNeededFirst(theAttributes, anObject, anAttributes, aMaxSize);
     }
     ILibDestructXMLAttributeList(theAttributes);

@@ -48,7 +48,24 @@ public:
     void AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
                    size_t aMaxSize);
 
+    // Replaces the list with that of a root, which AddOfRoot adds for each object that may inherit kMaxSharedSize;
+    // empty when it depends on the object.
+    void CollectShared(ILibXMLNode* aRoot);
+
+    // Adds such a list to an empty one.
+    void AddShared(const NamespaceList& aList)
+    {
+        mText.Append(aList.Text());
+        mNames.AssignInline(aList.mNames);
+    }
+
+    enum : size_t
+    {
+        kMaxSharedSize = 512 // of the declarations of nearly all roots
+    };
+
 private:
+    void Clear();
     void AppendEscaped(std::string_view aText, ValueSource aSource);
     bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
     [[gnu::cold]] void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
