@@ -39,14 +39,14 @@ struct QName
 // At the byte that begins the name. A prefix counts when there is something on both sides of the first colon.
 static inline char* ReadName(char* aPosition, QName* aName)
 {
-    char* theColon = SkipAll(aPosition, kInName);
+    char* theColon = SkipAll(aPosition + 1, kInName);
     if (*theColon != ':')
     {
         *aName = { aPosition, static_cast<int>(theColon - aPosition), 0, nullptr };
         return theColon;
     }
     char* theEnd = SkipAll(theColon + 1, kInName | kColon);
-    if (theColon > aPosition && theColon + 1 < theEnd)
+    if (*aPosition != ':' && theColon + 1 < theEnd)
     {
         *aName = { theColon + 1, static_cast<int>(theEnd - theColon - 1), static_cast<int>(theColon - aPosition),
                    aPosition };
@@ -160,7 +160,8 @@ static char* ReadStartTag(Reader* aReader, char* aPosition)
     QName theName;
     char* thePosition = ReadName(aPosition + 1, &theName);
     StartTag* theTag = OpenElement(aReader, theName);
-    thePosition = ReadAttributes(aReader, thePosition, theTag);
+    theTag->mAttributes = nullptr;
+    if (*thePosition != '>') { thePosition = ReadAttributes(aReader, thePosition, theTag); }
     if (!thePosition) { return nullptr; }
 
     const bool fIsEmpty = *thePosition == '/';
@@ -176,11 +177,11 @@ static char* ReadStartTag(Reader* aReader, char* aPosition)
 }
 
 // @return NULL when there is another name.
-static char* SkipNameAndBlanks(char* aPosition, const char* anEnd, std::string_view aName)
+static char* SkipName(char* aPosition, const char* anEnd, std::string_view aName)
 {
     const bool fFits = static_cast<size_t>(anEnd - aPosition) > aName.size();
     if (!fFits || memcmp(aPosition, aName.data(), aName.size()) != 0) { return nullptr; }
-    return SkipAll(aPosition + aName.size(), kBlank);
+    return aPosition + aName.size();
 }
 
 // The name of an end tag is that of the innermost open element, so it is compared, not read.
@@ -188,8 +189,8 @@ static char* ReadEndTag(Reader* aReader, char* aPosition)
 {
     char* theName = aPosition + 2;
     const ILibXMLNode* theParent = aReader->mParent;
-    char* thePosition =
-        theParent ? SkipNameAndBlanks(theName, aReader->mEnd, Shared::QualifiedName(theParent)) : nullptr;
+    char* thePosition = theParent ? SkipName(theName, aReader->mEnd, Shared::QualifiedName(theParent)) : nullptr;
+    if (thePosition && *thePosition != '>') { thePosition = SkipAll(thePosition, kBlank); }
     if (!thePosition || *thePosition != '>')
     {
         aReader->mMisplaced = theName;
