@@ -7,7 +7,8 @@
 #include <zoLog/Log.h>
 
 // The bytes are a document of one object; else the values of an entry record and a resource record, which no document
-// need have made. The records are then looked at in every way, written, and cut down.
+// need have made. After a first byte of 0xFE, three more damage a byte of the blocks. The records are then looked at in
+// every way, written, and cut down.
 
 namespace
 {
@@ -47,6 +48,31 @@ Records Read(const uint8_t* aBytes, size_t aSize)
     return theBlocks.mEntry ? theBlocks : FromValues(aBytes, aSize);
 }
 
+// Changes a byte of one of the blocks. aBytes: its position, and what it is changed by.
+void Damage(const uint8_t* aBytes, Records* aBlocks)
+{
+    char** const theBlock = aBytes[2] % 2 != 0 ? &aBlocks->mEntry : &aBlocks->mResources;
+    zoPackedData_t* theRecord = zoPackedData_NewData(*theBlock);
+    const size_t theSize = zoPackedData_GetMemoryUsage(theRecord);
+    *theBlock = zoPackedData_TakeData(theRecord);
+    zoPackedData_Free(theRecord);
+    (*theBlock)[static_cast<size_t>(aBytes[0] << 8 | aBytes[1]) % theSize] ^= static_cast<char>(aBytes[2]);
+}
+
+Records ReadBlocks(const uint8_t* aBytes, size_t aSize)
+{
+    if (aSize < 4 || aBytes[0] != 0xFE) { return Read(aBytes, aSize); }
+    Records theBlocks = Read(aBytes + 4, aSize - 4);
+    Damage(aBytes + 1, &theBlocks);
+    return theBlocks;
+}
+
+// A text of the functions for C is that of the class, but for one without a NUL, which they can't lend.
+void RequireSame(const char* aBorrowed, const zoCString& aText)
+{
+    Require(*aBorrowed == 0 || aText == aBorrowed, "functions and classes give the same");
+}
+
 void CheckEntry(CDSEntryInfo& anInfo)
 {
     zoCString theName, theData;
@@ -56,11 +82,16 @@ void CheckEntry(CDSEntryInfo& anInfo)
         Require(theName == anInfo.GetExtraInfoName(i) && theData == anInfo.GetExtraInfoData(i), "a pair is its parts");
         const bool fIsThere = i >= 0 && i < anInfo.GetExtraInfoCount();
         Require(fIsThere || (theName.IsEmpty() && theData.IsEmpty()), "past the last pair there is none");
+        RequireSame(CDSEntryInfo_GetExtraInfoName(anInfo.mPackedData, i), theName);
+        RequireSame(CDSEntryInfo_GetExtraInfoData(anInfo.mPackedData, i), theData);
     }
     Require(!anInfo.IsContainer() || anInfo.GetInfoAsULong(kCDSEntryInfo_IsContainer) != 0, "a container says so");
     CDSEntryInfo* theClone = anInfo.Clone();
     for (uint16 theTag = 0; theTag < kCDSEntryInfo_Count; ++theTag)
+    {
         Require(theClone->GetInfoAsCString(theTag) == anInfo.GetInfoAsCString(theTag), "a clone has the same texts");
+        RequireSame(CDSEntryInfo_GetInfoAsStr(anInfo.mPackedData, theTag), anInfo.GetInfoAsCString(theTag));
+    }
     delete theClone;
 }
 
@@ -76,7 +107,15 @@ void CheckResource(CDSResourceInfo& anInfo, uint32 aResource)
         const zoCString theData = anInfo.GetExtraInfoData(aResource, theFirst);
         Require(theName.IsEmpty() || anInfo.GetExtraInfoDataByName(aResource, theName.c_str()) == theData,
                 "a name stands for the first pair that has it");
+        RequireSame(CDSResourceInfo_GetExtraInfoDataByName(anInfo.mPackedData, aResource, theName.c_str()), theData);
     }
+    for (uint16 theTag = 0; theTag < kCDSResourceInfo_Count; ++theTag)
+    {
+        RequireSame(CDSResourceInfo_GetInfoAsStr(anInfo.mPackedData, aResource, theTag),
+                    anInfo.GetInfoAsCString(aResource, theTag));
+    }
+    RequireSame(CDSResourceInfo_GetAdditionalInfo(anInfo.mPackedData, aResource),
+                anInfo.GetProtocolInfoForResourceIndex(aResource));
     const zoCString theURI = anInfo.GetInfoAsCString(aResource, kCDSResourceInfo_URI);
     Require(theURI.IsEmpty() || anInfo.GetResourceIndexOfURI(theURI) <= static_cast<int>(aResource),
             "a URI is found where it comes first");
@@ -93,8 +132,10 @@ void CheckSubtitles(CDSResourceInfo& anInfo)
         Require(anInfo.GetSubtitleURI(theResource) ==
                     anInfo.GetInfoAsCString(static_cast<uint32>(theResource), kCDSResourceInfo_URI),
                 "a subtitle is at its resource's URI");
-        anInfo.GetSubtitleLabel(theResource);
-        anInfo.GetSubtitleType(theResource);
+        const uint32 theIndex = static_cast<uint32>(theResource);
+        RequireSame(CDSResourceInfo_GetSubtitleLabel(anInfo.mPackedData, theIndex),
+                    anInfo.GetSubtitleLabel(theResource));
+        RequireSame(CDSResourceInfo_GetSubtitleType(anInfo.mPackedData, theIndex), anInfo.GetSubtitleType(theResource));
         theLast = theResource;
     }
     Require(anInfo.GetResourceIndexForSubtitle(theCount) == -1, "past the last subtitle there is none");
@@ -127,6 +168,10 @@ void CheckPictures(CDSResourceInfo& anInfo, const CDSEntryInfo& anEntry)
     Require(theThumbnail.IsEmpty() || theThumbnail == anInfo.GetAlbumArtURI("JPEG_TN,PNG_TN", nullptr, theTargets, 1) ||
                 anInfo.GetResourceIndexOfURI(theThumbnail) >= 0,
             "a thumbnail is album art, or a resource");
+    char* theText =
+        CDSResourceInfo_FetchThumbnailURI(anInfo.mPackedData, anEntry.mPackedData, "", theTargets, 1, nullptr);
+    Require(theThumbnail == theText, "functions and classes choose the same picture");
+    free(theText);
 }
 
 void CheckReduction(CDSResourceInfo& anInfo)
@@ -185,7 +230,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
 {
     if (aSize > 4096) { return 0; } // pairs are looked for by name
     _zoLog_Level = ZOLOGLEVEL_NONE;
-    const Records theBlocks = Read(aBytes, aSize);
+    const Records theBlocks = ReadBlocks(aBytes, aSize);
     CDSEntryInfo theEntry(zoPackedData_NewData(theBlocks.mEntry));
     CDSResourceInfo theResources(theBlocks.mResources, theEntry.mPackedData);
     const size_t theSize = theEntry.GetMemoryUsage() + theResources.GetMemoryUsage();

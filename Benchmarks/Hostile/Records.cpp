@@ -65,6 +65,8 @@ void Consume(zoPackedData_t* anEntry, zoPackedData_t* aResources)
     for (int i = 0; i < theEntry.GetExtraInfoCount(); ++i)
         theEntry.GetExtraInfo(i, theName, theData);
     CDSResourceInfo theResources(zoPackedData_Duplicate(aResources), anEntry);
+    free(CDSResourceInfo_FetchThumbnailURI(aResources, anEntry, "", nullptr, 0, nullptr));
+    free(CDSResourceInfo_FetchAlbumArtURI(anEntry, "", nullptr, 0, nullptr));
     int theConfidence;
     theResources.GetBestResourceIndex(nullptr, &theConfidence, "", nullptr, 0);
     theResources.GetThumbnailURI("", &theName, nullptr, 0);
@@ -142,6 +144,29 @@ void AddRecordShapes(Shapes& aShapes)
         zoCString theName, theData;
         anEntry.GetExtraInfo(i, theName, theData);
         Use(theName.c_str());
+    });
+    AddLoop(aShapes, "pairs of an entry, by the functions for C", "", "<a:b>c</a:b>",
+            [](CDSEntryInfo& anEntry, CDSResourceInfo&)
+            {
+        for (int i = 0; i < CDSEntryInfo_GetExtraInfoCount(anEntry.mPackedData); ++i)
+        {
+            Use(CDSEntryInfo_GetExtraInfoName(anEntry.mPackedData, i));
+            Use(CDSEntryInfo_GetExtraInfoData(anEntry.mPackedData, i));
+        }
+    });
+    AddLoop(aShapes, "fields and subtitles of each resource, by the functions for C", "",
+            "<res size='1' protocolInfo='http-get:*:text/srt:ZOLT.COM_SUB=1'>u</res>",
+            [](CDSEntryInfo&, CDSResourceInfo& aResources)
+            {
+        zoPackedData_t* theRecord = aResources.mPackedData;
+        for (uint32 i = 0; i < CDSResourceInfo_GetResourceCount(theRecord); ++i)
+        {
+            Use(CDSResourceInfo_GetInfoAsStr(theRecord, i, kCDSResourceInfo_URI));
+            Use(CDSResourceInfo_GetAdditionalInfo(theRecord, i));
+            free(CDSResourceInfo_FetchMimeType(theRecord, i));
+            const int theSubtitle = CDSResourceInfo_GetResourceIndexForSubtitle(theRecord, i);
+            Use(CDSResourceInfo_GetSubtitleLabel(theRecord, static_cast<uint32>(theSubtitle)));
+        }
     });
     AddLoop(aShapes, "names of an entry's pairs", "", "<a:b>c</a:b>", kNames);
     AddLoop(aShapes, "pairs of an entry", "", "<a:b/>", kPairs);
