@@ -13,7 +13,6 @@ set style fill solid 0.9 noborder
 set boxwidth 0.7
 set xlabel "times pugixml's in-place parse of the same text"
 set grid xtics linecolor "#dddddd"
-set xrange [0:18]
 set yrange [11.6:0.2] # the first at the top
 unset key
 one = nanoseconds(file, "BM_PugixmlParse")
@@ -32,6 +31,8 @@ $Bars << EOD
 EOD
 ratio(name, fIsMany) = nanoseconds(file, name) / (fIsMany == 1 ? many : one)
 color(fIsOurs) = fIsOurs == 1 ? 0x2a6fbb : 0xb0b0b0
+larger(a, b) = a > b ? a : b
+set xrange [0:1.2 * larger(ratio("BM_Libxml2Parse", 0), ratio("BM_Libxml2ParseBrowse", 1))] # the longest, and its number
 plot $Bars using (0):1:(0):(ratio(strcol(3), $5)):($1 - 0.35):($1 + 0.35):(color($4)):ytic(2) with boxxyerror linecolor rgb variable, \
     $Bars using (ratio(strcol(3), $5)):1:(sprintf("  %.2f", ratio(strcol(3), $5))) with labels left
 
