@@ -38,13 +38,19 @@ private:
     char mSaved = 0;
 };
 
+// Not inline: few names have another case than they should.
+[[gnu::noinline]] inline bool IsSameButForCase(const char* aLeft, const char* aRight, size_t aLength)
+{
+    return Shared::EqualsIgnoringCase(aLeft, aRight, aLength);
+}
+
 // True if two names are the same, whatever their case. Nearly all are written as they should be, which memcmp tells
 // fastest.
 inline bool IsSameName(std::string_view aLeft, std::string_view aRight)
 {
     if (aLeft.size() != aRight.size()) { return false; }
     return memcmp(aLeft.data(), aRight.data(), aLeft.size()) == 0 ||
-           Shared::EqualsIgnoringCase(aLeft.data(), aRight.data(), aLeft.size());
+           IsSameButForCase(aLeft.data(), aRight.data(), aLeft.size());
 }
 
 // True if the local name of a node or an attribute is aName, whatever its prefix and case. Inline, so that a name known

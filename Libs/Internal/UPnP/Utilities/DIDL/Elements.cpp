@@ -27,14 +27,15 @@ static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILi
     aParser->mLast[Kind] = aNode;
 }
 
-static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
+[[gnu::cold]] static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
     aParser->mLast[kSingleText_BGMURI] = aNode;
     GetXMLAttribute(anAttributes, "av", kDIDL_Attribute_DLNAProtocolInfo, &aParser->mFields.mBGMProtocolInfo);
 }
 
 // Only an element without child elements can be a number, so no text is read twice.
-static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* /*anAttributes*/)
+[[gnu::cold]] static void ParseChannelNr(ObjectParser* aParser, ILibXMLNode* aNode,
+                                         const ILibXMLAttribute* /*anAttributes*/)
 {
     if (aNode->Next != aNode->ClosingTag) { return; }
     const std::string_view theText = aParser->mResolver.Resolve(GetInnerXML(aNode));
@@ -46,7 +47,8 @@ static void AppendCopy(zoArray_t* anArray, std::string_view aText)
     zoArray_Append(anArray, zoStrndup(aText.empty() ? "" : aText.data(), aText.size()));
 }
 
-static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
+[[gnu::cold]] static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode,
+                                           const ILibXMLAttribute* anAttributes)
 {
     std::string_view theURI;
     if (!aParser->ReadText(aNode, kRepeatedText_AlbumArt, &theURI) || theURI.empty()) { return; }
@@ -72,7 +74,8 @@ static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
     return false;
 }
 
-static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
+[[gnu::cold]] static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode,
+                                           const ILibXMLAttribute* anAttributes)
 {
     std::string_view theClass;
     if (!aParser->ReadText(aNode, kRepeatedText_CreateClass, &theClass) || theClass.empty()) { return; }
@@ -98,7 +101,7 @@ static constexpr Element kElements[] = {
 
 static constexpr NameIndex kElementIndex(kElements);
 
-static void ParseDeclaration(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
+[[gnu::cold]] static void ParseDeclaration(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
 {
     std::string_view theText;
     if (aParser->mNamespaces.Has(aName) || !aParser->ReadText(aNode, kRepeatedText_Namespace, &theText)) { return; }

@@ -9,6 +9,14 @@
 namespace DIDL
 {
 
+// Copies a text with a NUL. Returns the position after that. Not inline: an entry has many texts.
+[[gnu::noinline]] inline char* CopyText(char* aTarget, const char* aText, size_t aLength)
+{
+    memcpy(aTarget, aText, aLength);
+    aTarget[aLength] = 0;
+    return aTarget + aLength + 1;
+}
+
 // The end of an entry, where there is room for the values that are added. A local variable, so that the compiler keeps
 // it in registers.
 class EntryEnd
@@ -47,9 +55,8 @@ public:
 private:
     void AppendText(std::string_view aText)
     {
-        if (!aText.empty()) { memcpy(mValue, aText.data(), aText.size()); }
-        mValue += aText.size();
-        *mValue++ = 0;
+        if (aText.empty()) { *mValue++ = 0; }
+        else { mValue = CopyText(mValue, aText.data(), aText.size()); }
     }
     void AddRow(uint16 aTag)
     {

@@ -12,7 +12,7 @@ namespace DIDL
 static const size_t kReadPerByte = 4;
 static const size_t kReadPerAttribute = 32;
 
-static const std::string_view kXMLNS = "xmlns";
+static constexpr std::string_view kXMLNS = "xmlns";
 
 // ---- The list ----
 
@@ -56,25 +56,30 @@ bool NamespaceList::AppendXMLNS(std::string_view aName, std::string_view aValue,
     const size_t theLeastSize = theBefore + (theBefore > 0) + aName.size() + aValue.size() + 3; // with ="" around it
     if (theLeastSize > aMaxSize) { return false; }
     if (mNames.Contains(aName)) { return true; }
-    if (theBefore > 0) { mText.Append(','); }
     if (aSource == ValueSource::AttributeWithoutAny && IsWrittenAsStored(aName, aValue))
     {
-        mText.Append({ aName.data(), aName.size() + 2 + aValue.size() + 1 });
+        char* theTarget = mText.Extend(theLeastSize - theBefore);
+        if (theBefore > 0) { *theTarget++ = ','; }
+        memcpy(theTarget, aName.data(), aName.size() + 2 + aValue.size() + 1);
     }
-    else
-    {
-        AppendEscaped(aName, ValueSource::Attribute);
-        mText.Append("=\"");
-        AppendEscaped(aValue, aSource);
-        mText.Append('"');
-    }
-    if (mText.size() > aMaxSize)
-    {
-        mText.CutTo(theBefore);
-        return false;
-    }
+    else if (!AppendEscapedXMLNS(aName, aValue, aSource, aMaxSize)) { return false; }
     mNames.Add(aName);
     return true;
+}
+
+// Appends a declaration whose value has to be looked through. False, with nothing appended, when it does not fit.
+bool NamespaceList::AppendEscapedXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
+                                       size_t aMaxSize)
+{
+    const size_t theBefore = mText.size();
+    if (theBefore > 0) { mText.Append(','); }
+    AppendEscaped(aName, ValueSource::Attribute);
+    mText.Append("=\"");
+    AppendEscaped(aValue, aSource);
+    mText.Append('"');
+    if (mText.size() <= aMaxSize) { return true; }
+    mText.CutTo(theBefore);
+    return false;
 }
 
 static bool AppendAttribute(NamespaceList* aList, const ILibXMLAttribute* anAttribute, ValueSource aSource,
@@ -100,7 +105,8 @@ void NamespaceList::AddXMLNameSpaces(const ILibXMLAttribute* anAttributes)
 static bool IsDeclaration(const ILibXMLAttribute* anAttribute)
 {
     const std::string_view thePrefix = Shared::Prefix(anAttribute);
-    return Shared::Equals(kXMLNS.substr(0, thePrefix.size()), thePrefix);
+    if (thePrefix.size() == kXMLNS.size()) { return memcmp(thePrefix.data(), kXMLNS.data(), kXMLNS.size()) == 0; }
+    return thePrefix.empty() || Shared::Equals(kXMLNS.substr(0, thePrefix.size()), thePrefix);
 }
 
 // Tells of all attributes at once whether they can be copied as they are, when they are not much longer than aMaxSize.
@@ -146,10 +152,43 @@ private:
 
 } // namespace
 
+// Copies the attributes of most roots in one piece: all are declarations, of different names, in the form that the list
+// has, with one blank between each two. False, with nothing added, for any other root.
+bool NamespaceList::CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize)
+{
+    const char* theBegin = Shared::QualifiedName(aFirst).data();
+    const char* theEnd = theBegin;
+    size_t theCount = 0;
+    const ILibXMLAttribute* theAttribute = aFirst;
+    for (; theAttribute; theAttribute = theAttribute->Next)
+    {
+        const std::string_view theName = Shared::QualifiedName(theAttribute);
+        const std::string_view theValue = ValueAsWritten(theAttribute);
+        const bool fIsNext = theName.data() == theEnd + (theAttribute != aFirst) && IsDeclaration(theAttribute) &&
+                             IsWrittenAsStored(theName, theValue) && !Has(theName);
+        if (!fIsNext) { break; }
+        mNames.Add(theName);
+        theEnd = theValue.data() + theValue.size() + 1;
+        ++theCount;
+    }
+    const size_t theSize = static_cast<size_t>(theEnd - theBegin);
+    if (theAttribute || theSize > aMaxSize || (theSize + theCount * kReadPerAttribute) / kReadPerByte >= aMaxSize)
+    {
+        mNames.Clear();
+        return false;
+    }
+    char* theText = mText.Extend(theSize);
+    memcpy(theText, theBegin, theSize);
+    for (theAttribute = aFirst->Next; theAttribute; theAttribute = theAttribute->Next)
+        theText[Shared::QualifiedName(theAttribute).data() - 1 - theBegin] = ',';
+    return true;
+}
+
 // False when one did not fit, or when there is more than is read.
 bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
     const ValueSource theSource = SourceOf(aRoot, aFirst, aMaxSize);
+    if (theSource == ValueSource::AttributeWithoutAny && CopyAll(aFirst, aMaxSize)) { return true; }
     ReadBudget theBudget(aMaxSize);
     for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute; theAttribute = theAttribute->Next)
     {

@@ -35,7 +35,8 @@ public:
 
     // Adds a declaration, unless its name is declared already. False, with nothing added, when the list with it would
     // be longer than aMaxSize.
-    bool AppendXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource, size_t aMaxSize = SIZE_MAX);
+    [[gnu::cold]] bool AppendXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
+                                   size_t aMaxSize = SIZE_MAX);
 
     // Adds the xmlns: attributes of an element inside the object, or of the object itself.
     void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes);
@@ -66,7 +67,10 @@ public:
 
 private:
     void Clear();
-    void AppendEscaped(std::string_view aText, ValueSource aSource);
+    [[gnu::cold]] void AppendEscaped(std::string_view aText, ValueSource aSource);
+    [[gnu::cold]] bool AppendEscapedXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
+                                          size_t aMaxSize);
+    bool CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize);
     bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
     [[gnu::cold]] void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
                                       const ILibXMLAttribute* anAttributes, size_t aMaxSize);

@@ -150,7 +150,7 @@ static bool HasScheme(const char* aURI)
 }
 
 // The absolute form of a relative URI, new; NULL when the URI is stored as written.
-static char* NewAbsoluteURI(ObjectParser* aParser, std::string_view aURI)
+[[gnu::noinline]] static char* NewAbsoluteURI(ObjectParser* aParser, std::string_view aURI)
 {
     const NulTerminated theURI(aURI);
     if (!aParser->mBaseURL || aURI.empty() || HasScheme(theURI.c_str())) { return nullptr; }
