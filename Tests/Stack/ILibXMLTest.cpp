@@ -111,3 +111,69 @@ TEST(ILibXMLTest, ResolvesReferences)
         EXPECT_EQ(theResolved, Taken(theCopy));
     }
 }
+
+TEST(ILibXMLTest, TellsWhatIsWrongAndWhere)
+{
+    const std::string theLong(64, 'n');
+    static const struct
+    {
+        std::string mText;
+        size_t mOffset;
+        std::string mReason;
+    } kCases[] = {
+        { "<a></b>", 3, "end tag </b> where </a> was expected" },
+        { "<a/></a>", 4, "end tag </a> without a start tag" },
+        { "x<a><n:b>x</n:b><c>", 16, "the element <c> is not closed" },
+        { "<a>5 < 6</a>", 6, "a name was expected after \"<\"" },
+        { "<a></>", 5, "a name was expected after \"</\"" },
+        { "<a></a b>", 7, "\">\" was expected after \"</a\"" },
+        { "<a b></a>", 4, "\"=\" was expected after the attribute b" },
+        { "<a n:b=1></a>", 7, "the value of the attribute n:b is not in quotes" },
+        { "<a b='1></a>", 5, "the value of the attribute b has no closing quote" },
+        { "<a b='1' <c/></a>", 9, "an attribute, \">\" or \"/>\" was expected" },
+        { "<a / ></a>", 4, "\">\" was expected after \"/\"" },
+        { "<a/><!-- -- ->", 4, "a comment does not end" },
+        { "<?a><a/>", 0, "a processing instruction does not end" },
+        { "<a><![CDATA[>]]</a>", 3, "a CDATA section does not end" },
+        { "<!DOCTYPE a [<!ENTITY b '>'><a/>", 0, "a declaration does not end" },
+        { "<a></a", 3, "the text ends inside a tag" },
+        { "<" + theLong + "\xC3\xA9></a>", 68, "end tag </a> where </" + theLong + "> was expected" },
+        { "<" + theLong.substr(1) + "\xC3\xA9></a>", 67,
+          "end tag </a> where </" + theLong.substr(1) + "> was expected" },
+    };
+    for (const auto& [theText, theOffset, theReason] : kCases)
+    {
+        size_t theFound = 99;
+        EXPECT_EQ(theReason, Taken(ILibFindXMLError(theText.data(), theText.size(), &theFound))) << theText;
+        EXPECT_EQ(theOffset, theFound) << theText;
+    }
+}
+
+// The text with a byte at each place changed or cut off: the reader refuses what an error is found in, and nothing
+// else.
+TEST(ILibXMLTest, FindsAnErrorInWhatIsRefusedAlone)
+{
+    size_t theCounts[2] = {};
+    const auto theCheck = [&theCounts](const std::string& aText)
+    {
+        size_t theOffset = 0;
+        char* theReason = ILibFindXMLError(aText.data(), aText.size(), &theOffset);
+        const bool fIsRefused = Outline(aText, 0).substr(0, 5) == "error";
+        EXPECT_EQ(fIsRefused, theReason != nullptr) << aText;
+        EXPECT_LE(theOffset, aText.size());
+        ++theCounts[fIsRefused];
+        free(theReason);
+    };
+    const std::string theDocument =
+        "<?x y?><!DOCTYPE a [<!-- '> --><!ENTITY b \">\">]><a n:b = 'c' d=\">\"><!-- - --><e/>"
+        "<![CDATA[<]]></a >\n<:f g='' />";
+    for (size_t i = 0; i <= theDocument.size(); ++i)
+    {
+        theCheck(theDocument.substr(0, i));
+        theCheck(theDocument.substr(i));
+        for (const char theByte : std::string("<>/='\"!-]? a\x80"))
+            theCheck(std::string(theDocument).replace(i, 1, 1, theByte));
+    }
+    EXPECT_GT(theCounts[0], 500u);
+    EXPECT_GT(theCounts[1], 500u);
+}

@@ -162,3 +162,32 @@ TEST(UPnPUtilTest, TellsAddressesFromNames)
     snprintf(theText, sizeof(theText), "%u.%u.%u.%u", UPnPUtil_IPPrintf(theAddress));
     EXPECT_STREQ("192.168.1.255", theText);
 }
+
+TEST(UPnPUtilTest, CountsLinesAndColumnsOfAnXMLError)
+{
+    static const struct
+    {
+        const char* mText;
+        uint32 mLine;
+        uint32 mColumn;
+    } kCases[] = {
+        { "<a/></a>", 1, 5 },
+        { "\xEF\xBB\xBF</a>", 1, 1 },
+        { "<\xC3\xA9>\xE2\x82\xAC\t</a>", 1, 6 }, // characters, not bytes
+        { "<a/>\n\r\n\r\r x</a>", 5, 3 },         // each way of ending a line
+        { "<a/>", 0, 0 },
+    };
+    for (const auto& [theText, theLine, theColumn] : kCases)
+    {
+        uint32 thePlace[2] = { 99, 99 };
+        char* theReason = UPnPUtil_FindXMLError(theText, strlen(theText) + 5, &thePlace[0], &thePlace[1]);
+        EXPECT_EQ(theLine > 0, theReason != nullptr) << theText;
+        free(theReason);
+#ifndef UPNP_LACKS_ILibFindXMLError
+        EXPECT_EQ(theLine, thePlace[0]) << theText;
+        EXPECT_EQ(theColumn, thePlace[1]) << theText;
+#endif
+    }
+    uint32 thePlace[2];
+    EXPECT_EQ(nullptr, UPnPUtil_FindXMLError(nullptr, 3, &thePlace[0], &thePlace[1]));
+}

@@ -90,6 +90,14 @@ UPNPSTACK_API struct ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anO
 /** Checks that every tag is well-formed, attributes included, and that start and end tags are in pairs.
  *  @return a kILibProcessXML_*, NoError for NULL; after an error the links are not complete and not to be used. */
 UPNPSTACK_API int ILibProcessXMLNodeList(struct ILibXMLNode* aNodeList);
+/**
+ * Finds what is wrong with a text whose list has an error, for a message.
+ * @param aText     aLength bytes. They are only read. NULL has no error.
+ * @param anOffset  out: the byte where it is; 0 without an error.
+ * @return the reason in English, such as "end tag </b> where </a> was expected", with the first 64 bytes of the names
+ *         that it tells: a new text, released with free. NULL when ILibProcessXMLNodeList finds no error.
+ */
+UPNPSTACK_API char* ILibFindXMLError(const char* aText, size_t aLength, size_t* anOffset);
 /** Releases the list, given its first node; NULL is ignored. */
 UPNPSTACK_API void ILibDestructXMLNodeList(struct ILibXMLNode* aNodeList);
 

@@ -4,6 +4,7 @@
 #include <Shared/QualifiedName.h>
 #include <Shared/Split.h>
 #include <Shared/Text.h>
+#include <UPnP/Utilities/Private/UPnPPlace.h>
 #include <stdlib.h>
 #include <zoltTools/zoConvert.h>
 #include <zoltTools/zoMemory.h>
@@ -79,6 +80,16 @@ void UPnPUtil_Exit(int anExitCode)
 {
     if (sExitCallBack) { sExitCallBack(anExitCode); }
     exit(anExitCode);
+}
+
+char* UPnPUtil_FindXMLError(const char* aText, size_t aLength, uint32* aLine, uint32* aColumn)
+{
+    size_t theOffset;
+    char* theReason = ILibFindXMLError(aText, aText ? strnlen(aText, aLength) : 0, &theOffset);
+    *aLine = 0;
+    *aColumn = 0;
+    if (theReason) { UPnPPlace_Find(aText, theOffset, aLine, aColumn); }
+    return theReason;
 }
 
 // ---- The value of event XML ----

@@ -76,9 +76,9 @@ UPNPUTILITIES_API void UPnPUtil_Exit(int anExitCode) __attribute__((noreturn));
  * Finds what the XML reader refuses in a document: in DIDL-Lite, groupInfo, groupCapabilities, and any other XML that
  * this library reads. It is for messages, once a document has been refused; it takes about as long as reading.
  * @param aText           aLength bytes. They are only read; a NUL among them ends the text. NULL counts as "".
- * @param aLine, aColumn  out: where it is, each counted from 1; 0 without an error. A line ends at LF, CR LF or CR, and
- *                        a column is a character: a byte that is not UTF-8 counts as one, and so does a tab. A
- *                        byte-order mark at the beginning does not count.
+ * @param aLine, aColumn  out: where it is, each counted from 1; 0 without an error. A line ends at LF, CR LF or CR. A
+ *                        column is a character of UTF-8: bytes from 0x80 to 0xBF count with the one before them, and a
+ *                        tab is one column. A byte-order mark at the beginning does not count.
  * @return the reason in English, without a full stop, such as "end tag </b> where </a> was expected"; NULL when the
  *         reader refuses nothing. A new text that the caller releases with free. It has the first 64 bytes of the
  *         document's names as they are: a program that shows it looks out for control characters.

@@ -32,6 +32,23 @@ ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength
 }
 #endif
 
+#ifdef UPNP_LACKS_ILibFindXMLError
+// The list ends with the tag where the reader stopped, or with the one before it.
+char* ILibFindXMLError(const char* aText, size_t aLength, size_t* anOffset)
+{
+    *anOffset = 0;
+    if (!aText) { return nullptr; }
+    char* theText = zoStrndup(aText, aLength);
+    ILibXMLNode* theNodes = ILibParseXML(theText, 0, strlen(theText));
+    const bool fIsRefused = ILibProcessXMLNodeList(theNodes) != kILibProcessXML_NoError;
+    for (const ILibXMLNode* theNode = theNodes; fIsRefused && theNode; theNode = theNode->Next)
+        *anOffset = static_cast<size_t>(Shared::QualifiedName(theNode).data() - theText);
+    ILibDestructXMLNodeList(theNodes);
+    free(theText);
+    return fIsRefused ? zoStrdup("this tag, or the one after it, is not well-formed") : nullptr;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoBuffer_Reserve
 // What was appended stays allocated, so going back to mPos makes room. When there is too little, at least as much as
 // there is already is appended at once: a buffer that grows exactly is amortised O(1), too.

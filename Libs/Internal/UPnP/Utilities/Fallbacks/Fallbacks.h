@@ -19,6 +19,10 @@
 #pragma GCC visibility push(hidden)
 extern "C" {
 
+#ifdef UPNP_LACKS_ILibFindXMLError
+char* ILibFindXMLError(const char* aText, size_t aLength, size_t* anOffset);
+#endif
+
 #ifdef UPNP_LACKS_ILibFindXMLAttribute
 struct ILibXMLAttribute* ILibFindXMLAttribute(struct ILibXMLAttribute* aList, const char* aPrefix, size_t aPrefixLength,
                                               const char* aName, size_t aNameLength);
