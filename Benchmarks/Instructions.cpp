@@ -61,6 +61,16 @@ bool WriteFirst(const std::string& aDocument, bool afSelected)
     return fIsWritten;
 }
 
+bool WriteSendable(const std::string& aDocument)
+{
+    const Records theRecords(aDocument);
+    char* theText =
+        Counted([&] { return UPnPDIDL_GetSendable(theRecords.mEntry, theRecords.mResources, 1, 1, nullptr, nullptr); });
+    const bool fIsWritten = strstr(theText, "</DIDL-Lite>") != nullptr;
+    free(theText);
+    return fIsWritten;
+}
+
 bool Choose(const std::string& aDocument)
 {
     Records theRecords(aDocument);
@@ -112,6 +122,7 @@ const Stage kStages[] = {
           return Counted([&] { return Parsed(theText).mResult; }) == kUPnPError_None;
       } },
     { "write", [](const std::string& aDocument) { return WriteFirst(aDocument, false); } },
+    { "sendable", WriteSendable },
     { "selected", [](const std::string& aDocument) { return WriteFirst(aDocument, true); } },
     { "choose", Choose },
     { "thumbnail", ChooseThumbnail },

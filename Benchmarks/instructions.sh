@@ -7,7 +7,7 @@ root=$(cd "$(dirname "$0")/.." && pwd -P)
 . "$root/Scripts/dependencies.sh"
 . "$root/Scripts/build.sh"
 bounds=$root/Benchmarks/instructions.txt
-stages=(parse write selected choose thumbnail path list libxml2 pugixml-browse browse)
+stages=(parse write sendable selected choose thumbnail path list libxml2 pugixml-browse browse)
 
 # count STAGE: a line with its name and the instructions of one pass over all documents.
 count() {

@@ -1,4 +1,4 @@
-#include "FuzzSupport.h"
+#include "FuzzRecords.h"
 
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <UPnP/Utilities/CDSResourceInfo.h>
@@ -12,41 +12,6 @@
 
 namespace
 {
-
-struct Records
-{
-    char* mEntry = nullptr; // blocks, as they go from module to module
-    char* mResources = nullptr;
-};
-
-// Values, each a tag of a byte and a size of one before its bytes. The tag 0xFF begins a resource.
-Records FromValues(const uint8_t* aBytes, size_t aSize)
-{
-    zoPackedData_t* theRecords[] = { zoPackedData_New(1), zoPackedData_New(0) };
-    zoPackedData_AddNewEntry(theRecords[0]);
-    for (size_t i = 0; i + 2 <= aSize;)
-    {
-        const bool fIsInResource = zoPackedData_GetEntryCount(theRecords[1]) > 0;
-        const size_t theSize = std::min<size_t>(aBytes[i + 1], aSize - i - 2);
-        if (aBytes[i] == 0xFF) { zoPackedData_AddNewEntry(theRecords[1]); }
-        else { zoPackedData_AddData(theRecords[fIsInResource], aBytes[i], aBytes + i + 2, theSize); }
-        i += aBytes[i] == 0xFF ? 1 : 2 + theSize;
-    }
-    const Records theBlocks = { zoPackedData_TakeData(theRecords[0]), zoPackedData_TakeData(theRecords[1]) };
-    for (zoPackedData_t* theRecord : theRecords)
-        zoPackedData_Free(theRecord);
-    return theBlocks;
-}
-
-Records Read(const uint8_t* aBytes, size_t aSize)
-{
-    Records theBlocks;
-    int theType = 0;
-    char* theText = NewText(aBytes, aSize);
-    UPnPDIDL_ParseElements(theText, &theBlocks.mEntry, &theBlocks.mResources, &theType);
-    free(theText);
-    return theBlocks.mEntry ? theBlocks : FromValues(aBytes, aSize);
-}
 
 // Changes a byte of one of the blocks. aBytes: its position, and what it is changed by.
 void Damage(const uint8_t* aBytes, Records* aBlocks)

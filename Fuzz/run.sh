@@ -20,7 +20,7 @@ number_after() { sed -n "s/.*$1 *\([0-9][0-9]*\).*/\1/p" "$2" | tail -n 1; }
 seeds() {
     local folder
     case $1 in
-    ParseWriteFuzz | BrowseResultFuzz | RecordFuzz)
+    ParseWriteFuzz | BrowseResultFuzz | RecordFuzz | SendableFuzz)
         for folder in didl didl-odd didl-multi; do echo "$root/Tests/Data/$folder"; done
         ;;
     esac
@@ -54,7 +54,7 @@ for target in "$@"; do
     [ -e "$root/Fuzz/$target.cpp" ] || usage
 done
 
-require cmake ninja-build clang libclang-rt-14-dev ccache
+require cmake ninja-build clang libclang-rt-14-dev ccache libexpat1-dev libxml2-dev
 build fuzz "$root/build/fuzz" all
 export root seconds
 export -f run seeds number_after

@@ -22,6 +22,7 @@ has_package() {
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
     libbenchmark-dev) [ -e /usr/include/benchmark/benchmark.h ] ;;
     libpugixml-dev) [ -e /usr/include/pugixml.hpp ] ;;
+    libexpat1-dev) [ -e /usr/include/expat.h ] ;;
     libxml2-dev) [ -e /usr/include/libxml2/libxml/parser.h ] ;;
     clang) command -v clang && command -v clang++ ;;
     libclang-rt-14-dev) compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' ;;

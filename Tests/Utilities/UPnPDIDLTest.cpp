@@ -284,6 +284,33 @@ TEST(UPnPDIDLParseTest, JudgesDocuments)
 }
 
 // Attributes and elements of the object, one at a time: tag, and what it reads as (a number when the text is NULL).
+TEST(UPnPDIDLParseTest, TellsWhatADocumentMeansWrongly)
+{
+    static const char kNoObject[] = "there is no item and no container";
+    static const struct
+    {
+        const char* mText;
+        const char* mReason; // NULL: nothing is wrong
+        uint32 mLine;
+        uint32 mColumn;
+    } kCases[] = {
+        { "", kNoObject, 1, 1 },
+        { "<DIDL-Lite><x><item/></x></DIDL-Lite>", kNoObject, 1, 1 },
+        { "<item>\n<item restricted='1' x:Searchable='so'/></item>", "a flag is neither true nor false", 2, 36 },
+        { "<DIDL-Lite><item/><item restricted=''/></DIDL-Lite>", nullptr, 0, 0 },
+    };
+    for (const auto& [theText, theReason, theLine, theColumn] : kCases)
+    {
+        uint32 theFoundLine = 99;
+        uint32 theFoundColumn = 99;
+        char* theFound = UPnPDIDL_FindError(theText, strlen(theText), &theFoundLine, &theFoundColumn);
+        EXPECT_STREQ(theReason, theFound) << theText;
+        EXPECT_EQ(theLine, theFoundLine) << theText;
+        EXPECT_EQ(theColumn, theFoundColumn) << theText;
+        free(theFound);
+    }
+}
+
 TEST(UPnPDIDLParseTest, ReadsEntryFields)
 {
     static const std::tuple<const char*, const char*, uint16, const char*, uint32> kCases[] = {

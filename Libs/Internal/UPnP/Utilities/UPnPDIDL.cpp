@@ -5,9 +5,13 @@
 #include <UPnP/Utilities/DIDL/Object.h>
 #include <UPnP/Utilities/DIDL/ObjectAttributes.h>
 #include <UPnP/Utilities/DIDL/ObjectWriter.h>
+#include <UPnP/Utilities/DIDL/Repairer.h>
 #include <UPnP/Utilities/DIDL/Resources.h>
+#include <UPnP/Utilities/DIDL/StrictReader.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <UPnP/Utilities/DIDL/UploadDocument.h>
+#include <UPnP/Utilities/Private/UPnPPlace.h>
+#include <UPnP/Utilities/UPnPUtility.h>
 #include <new>
 #include <stdlib.h>
 #include <string.h>
@@ -29,36 +33,86 @@ static void LogNotAdded(uint32 aCount)
                        static_cast<unsigned long>(aCount));
 }
 
+namespace
+{
+
+// The object that UPnPDIDL_Get writes.
+struct WrittenObject
+{
+    zoPackedData_t* mMediaData;
+    zoPackedData_t* mResourceInfo;
+    int mfIncludeHeaderFooter;
+    int mfIncludeResExtraInfo;
+    const char* mSelectedURI;
+};
+
+} // namespace
+
+// The result is the number of resources that the limit leaves out.
+static uint32 WriteRecords(Output anOutput, const WrittenObject& anObject)
+{
+    const MediaValues theValues(anObject.mMediaData, 0);
+    const std::string_view theNamespaces = theValues.GetText(kCDSEntryInfo_XMLNS);
+    if (anOutput.mRepairer) { anOutput.mRepairer->AppendDeclarations(theNamespaces); }
+    else if (theNamespaces.data()) { AppendDeclarations(anOutput.mBuffer, theNamespaces); }
+    else { LogNoNamespaces(); }
+    AppendLiteral(anOutput.mBuffer, ">");
+    AppendMetadata(anOutput, anObject.mMediaData, theValues);
+    uint32 theLeftCount;
+    const bool fIsComplete = AppendResources(anOutput, anObject.mfIncludeResExtraInfo, anObject.mResourceInfo,
+                                             anObject.mSelectedURI, &theLeftCount);
+    return fIsComplete ? 0 : theLeftCount;
+}
+
+static void WriteEmptyItem(Output anOutput, int afIncludeHeaderFooter)
+{
+    if (anOutput.mRepairer) { anOutput.mRepairer->AppendDeclarations({}); }
+    if (anOutput.mRepairer || afIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, ">"); }
+    AppendLiteral(anOutput.mBuffer, kDIDL_Item_Start);
+}
+
+static uint32 WriteObject(Output anOutput, const WrittenObject& anObject)
+{
+    uint32 theLeftCount = 0;
+    if (anObject.mfIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kMiniDIDL_Header); }
+    if (anObject.mMediaData) { theLeftCount = WriteRecords(anOutput, anObject); }
+    else { WriteEmptyItem(anOutput, anObject.mfIncludeHeaderFooter); }
+    AppendLiteral(anOutput.mBuffer, kDIDL_Item_End);
+    if (anObject.mfIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kDIDL_Footer); }
+    return theLeftCount;
+}
+
 char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, int afIncludeHeaderFooter,
                    int afIncludeResExtraInfo, const char* aSelectedURI)
 {
     zoBuffer* theBuffer = zoBuffer_New(GuessTextSize(aMediaData, aResourceInfo));
-    if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, kMiniDIDL_Header); }
-    if (aMediaData)
-    {
-        const MediaValues theValues(aMediaData, 0);
-        if (theValues.HasBytes(kCDSEntryInfo_XMLNS))
-        {
-            AppendDeclarations(theBuffer, theValues.GetText(kCDSEntryInfo_XMLNS));
-        }
-        else { LogNoNamespaces(); }
-        AppendLiteral(theBuffer, ">");
-        AppendMetadata(theBuffer, aMediaData, theValues);
-        uint32 theLeftCount;
-        if (!AppendResources(theBuffer, afIncludeResExtraInfo, aResourceInfo, aSelectedURI, &theLeftCount))
-        {
-            LogNotAdded(theLeftCount);
-        }
-    }
-    else
-    {
-        if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, ">"); }
-        AppendLiteral(theBuffer, kDIDL_Item_Start);
-    }
-    AppendLiteral(theBuffer, kDIDL_Item_End);
-    if (afIncludeHeaderFooter) { AppendLiteral(theBuffer, kDIDL_Footer); }
+    const uint32 theLeftCount = WriteObject({ theBuffer, nullptr }, { aMediaData, aResourceInfo, afIncludeHeaderFooter,
+                                                                      afIncludeResExtraInfo, aSelectedURI });
+    if (theLeftCount > 0) { LogNotAdded(theLeftCount); }
     return Shared::TakeText(theBuffer);
 }
+
+char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, int afIncludeHeaderFooter,
+                           int afIncludeResExtraInfo, const char* aSelectedURI, UPnPDIDLRepairs_t* aRepairs)
+{
+    const WrittenObject theObject = { aMediaData, aResourceInfo, afIncludeHeaderFooter, afIncludeResExtraInfo,
+                                      aSelectedURI };
+    zoBuffer* theBuffer = zoBuffer_New(GuessTextSize(aMediaData, aResourceInfo));
+    uint32 theLeftCount;
+    uint32 theNeeded = 0;
+    for (uint32 theLacking = ~0u; theLacking != 0; theNeeded |= theLacking)
+    {
+        theBuffer->mPos = 0;
+        Repairer theRepairer(theBuffer, theNeeded);
+        theLeftCount = WriteObject({ theBuffer, &theRepairer }, theObject);
+        theLacking = theRepairer.FindLacking() & ~theNeeded;
+        if (aRepairs) { *aRepairs = theRepairer.GetRepairs(); }
+    }
+    if (theLeftCount > 0) { LogNotAdded(theLeftCount); }
+    return Shared::TakeText(theBuffer);
+}
+
+int UPnPDIDL_IsSendable(const char* aText, size_t aLength) { return aText && IsSendable({ aText, aLength }); }
 
 // Documents of uploads are rare beside the others: cold functions are compiled for size.
 
@@ -83,7 +137,7 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
     AppendCreatedObject(theBuffer, true, nullptr, aParentID, aDLNAManagedFlags);
     AppendTitleAndClass(theBuffer, TextOf(aTitle), TextOf(aClassName));
     AppendLiteral(theBuffer, kDIDL_Res_Start);
-    AppendProtocolInfo(theBuffer, TextOf(aDLNAInfo));
+    AppendProtocolInfo({ theBuffer, nullptr }, TextOf(aDLNAInfo));
     AppendLiteral(theBuffer, " dlna:resumeUpload=\"1\"");
     AppendFileLength(theBuffer, aFileLength);
     AppendDTCPUploadInfo(theBuffer, aDTCPUploadInfo);
@@ -350,4 +404,43 @@ int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char*
     *aData = nullptr;
     *aRes = nullptr;
     return kUPnPError_InvalidDIDL;
+}
+
+// ---- Errors ----
+
+// The reason why an object is invalid; it begins at the byte of the value that makes it so.
+static const char* FindInvalidObject(char* aText, const char** aPlace)
+{
+    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText, nullptr);
+    const char* theReason = "there is no item and no container";
+    *aPlace = aText;
+    while (ILibXMLNode* theNode = TakeObject(theDocument))
+    {
+        ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
+        const char* theValue = FindInvalidFlag(theAttributes);
+        ILibDestructXMLAttributeList(theAttributes);
+        theReason = nullptr;
+        if (!theValue) { continue; }
+        *aPlace = theValue;
+        theReason = "a flag is neither true nor false";
+        break;
+    }
+    UPnPDIDLDocument_Delete(theDocument);
+    return theReason;
+}
+
+[[gnu::cold]] char* UPnPDIDL_FindError(const char* aText, size_t aLength, uint32* aLine, uint32* aColumn)
+{
+    char* theReason = UPnPUtil_FindXMLError(aText, aLength, aLine, aColumn);
+    if (theReason) { return theReason; }
+    char* theCopy = zoStrndup(aText ? aText : "", aText ? aLength : 0);
+    const char* thePlace;
+    const char* theInvalid = FindInvalidObject(theCopy, &thePlace);
+    if (theInvalid)
+    {
+        theReason = zoStrdup(theInvalid);
+        UPnPPlace_Find(theCopy, static_cast<size_t>(thePlace - theCopy), aLine, aColumn);
+    }
+    free(theCopy);
+    return theReason;
 }

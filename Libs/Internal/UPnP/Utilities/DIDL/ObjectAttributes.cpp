@@ -118,4 +118,20 @@ int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttri
     return ParseAttributes(anAttributes, theTargets, &aParser->mResolver);
 }
 
+[[gnu::cold]] const char* FindInvalidFlag(const ILibXMLAttribute* anAttributes)
+{
+    EntityResolver theResolver;
+    for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
+    {
+        const DIDLParserInfo* theRow = kInfoIndex.Find(Shared::LocalName(theAttribute));
+        if (!theRow || theRow->mItemType != kSOAPType_BitField) { continue; }
+        uint32 theFlags = 0;
+        zoSOAPParserValue theTarget;
+        theTarget.mBitField = &theFlags;
+        const std::string_view theValue = RemoveQuotesFromAttributeValue(theAttribute);
+        if (!ParseAttribute(*theRow, theValue, theTarget, &theResolver)) { return theAttribute->Value; }
+    }
+    return nullptr;
+}
+
 } // namespace DIDL

@@ -9,4 +9,7 @@ namespace DIDL
 // attributes are read all the same.
 int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttributes);
 
+// The value of the first flag that is neither true nor false; NULL when there is none.
+const char* FindInvalidFlag(const ILibXMLAttribute* anAttributes);
+
 } // namespace DIDL

@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/ObjectWriter.h>
 
 #include <Shared/Sizes.h>
+#include <UPnP/Utilities/DIDL/Repairer.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <algorithm>
@@ -16,6 +17,22 @@ size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aRe
     const uint64 theSize =
         uint64{ zoPackedData_GetMemoryUsage(aMediaData) } + zoPackedData_GetMemoryUsage(aResourceInfo);
     return kFirstBufferSize + static_cast<size_t>(std::min<uint64>(theSize, 2 * kLimitResourceBufferSize));
+}
+
+// As AppendStrIfNotEmpty.
+[[gnu::always_inline]] static inline void AppendTextIfNotEmpty(Output anOutput, std::string_view aStartStr,
+                                                               std::string_view aStr, std::string_view anEndStr,
+                                                               int aMaxSize)
+{
+    if (aStr.empty()) { return; }
+    if (anOutput.mRepairer) { anOutput.mRepairer->AppendField(aStartStr, aStr, anEndStr, aMaxSize); }
+    else { AppendStrIfNotEmpty(anOutput.mBuffer, aStartStr, aStr, anEndStr, aMaxSize, 0); }
+}
+
+// The markup uses one of the writer's own namespaces.
+static void Use(Output anOutput, std::string_view aMarkup)
+{
+    if (anOutput.mRepairer) { anOutput.mRepairer->Use(aMarkup); }
 }
 
 // ---- The object ----
@@ -35,17 +52,18 @@ void AppendDeclarations(zoBuffer* aBuffer, std::string_view aList)
     Shared::Append(aBuffer, theRest);
 }
 
-static void AppendAlbumArtURI(zoBuffer* aBuffer, std::string_view aURI, std::string_view aProfile)
+static void AppendAlbumArtURI(Output anOutput, std::string_view aURI, std::string_view aProfile)
 {
     if (aURI.empty()) { return; }
-    AppendLiteral(aBuffer, kDIDL_Tag_AlbumArtURI_Start);
-    AppendStrIfNotEmpty(aBuffer, " dlna:profileID=\"", aProfile, kDIDL_Quote, kMaxSize_Text, 0);
-    AppendLiteral(aBuffer, ">");
-    AppendStr(aBuffer, aURI, 0, kMaxSize_URI);
-    AppendLiteral(aBuffer, kDIDL_Tag_AlbumArtURI_End);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Tag_AlbumArtURI_Start);
+    Use(anOutput, kDIDL_Tag_AlbumArtURI_Start);
+    AppendTextIfNotEmpty(anOutput, " dlna:profileID=\"", aProfile, kDIDL_Quote, kMaxSize_Text);
+    AppendLiteral(anOutput.mBuffer, ">");
+    AppendText(anOutput, aURI, kMaxSize_URI);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Tag_AlbumArtURI_End);
 }
 
-static void AppendAlbumArt(zoBuffer* aBuffer, const zoPackedData_t* aMediaData)
+static void AppendAlbumArt(Output anOutput, const zoPackedData_t* aMediaData)
 {
     zoArray_t* thePairs =
         zoPackedData_GetDataArray(aMediaData, 0, kCDSEntryInfo_AlbumArtURI, zoStringArray_UnFlattenerFunc);
@@ -53,107 +71,116 @@ static void AppendAlbumArt(zoBuffer* aBuffer, const zoPackedData_t* aMediaData)
     const size_t theCount = zoArray_GetCount(thePairs);
     for (size_t i = 0; i < theCount; i += 2)
     {
-        AppendAlbumArtURI(aBuffer, TextOf(static_cast<const char*>(zoArray_At(thePairs, i))),
+        AppendAlbumArtURI(anOutput, TextOf(static_cast<const char*>(zoArray_At(thePairs, i))),
                           TextOf(static_cast<const char*>(zoArray_At(thePairs, i + 1))));
     }
     zoArray_Delete(thePairs);
 }
 
-static void AppendBackgroundMusic(zoBuffer* aBuffer, const MediaValues& aValues)
+static void AppendChannelNr(Output anOutput, uint32 aNumber)
+{
+    if (aNumber == 0) { return; }
+    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_Tag_ChannelNr_Start, aNumber, kDIDL_Tag_ChannelNr_End);
+    Use(anOutput, kDIDL_Tag_ChannelNr_Start);
+}
+
+static void AppendBackgroundMusic(Output anOutput, const MediaValues& aValues)
 {
     const std::string_view theURI = aValues.GetBytes(kCDSEntryInfo_BGMURI);
     if (theURI.empty()) { return; }
-    AppendLiteral(aBuffer, kDIDL_Tag_BGMURI_Start);
-    AppendStrIfNotEmpty(aBuffer, " av:profileID=\"", aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
-                        kMaxSize_Text, 0);
-    AppendLiteral(aBuffer, ">");
-    AppendStr(aBuffer, theURI, 0, kMaxSize_URI);
-    AppendLiteral(aBuffer, kDIDL_Tag_BGMURI_End);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Tag_BGMURI_Start);
+    Use(anOutput, kDIDL_Tag_BGMURI_Start);
+    AppendTextIfNotEmpty(anOutput, " av:profileID=\"", aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
+                         kMaxSize_Text);
+    AppendLiteral(anOutput.mBuffer, ">");
+    AppendText(anOutput, theURI, kMaxSize_URI);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Tag_BGMURI_End);
 }
 
-static void AppendMediaExtraInfo(zoBuffer* aBuffer, const MediaValues& anEntry)
+static void AppendMediaExtraInfo(Output anOutput, const MediaValues& anEntry)
 {
     anEntry.ForEachPair(
-        [aBuffer](std::string_view aName, const std::string_view* aValue)
+        [anOutput](std::string_view aName, const std::string_view* aValue)
         {
-        AppendLiteral(aBuffer, "<");
-        Shared::Append(aBuffer, aName);
-        AppendLiteral(aBuffer, ">");
-        if (aValue) { AppendStr(aBuffer, *aValue, 0, kMaxSize_URI); }
-        AppendLiteral(aBuffer, "</");
-        Shared::Append(aBuffer, aName);
-        AppendLiteral(aBuffer, ">");
+        if (anOutput.mRepairer && !anOutput.mRepairer->CanWriteElement(aName)) { return; }
+        AppendLiteral(anOutput.mBuffer, "<");
+        Shared::Append(anOutput.mBuffer, aName);
+        AppendLiteral(anOutput.mBuffer, ">");
+        if (aValue) { AppendText(anOutput, *aValue, kMaxSize_URI); }
+        AppendLiteral(anOutput.mBuffer, "</");
+        Shared::Append(anOutput.mBuffer, aName);
+        AppendLiteral(anOutput.mBuffer, ">");
     });
 }
 
-void AppendMetadata(zoBuffer* aBuffer, const zoPackedData_t* aMediaData, const MediaValues& aValues)
+void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const MediaValues& aValues)
 {
-    AppendLiteral(aBuffer, kDIDL_Item_Start_Part);
-    AppendStrIfNotEmpty(aBuffer, " id=\"", aValues.GetBytes(kCDSEntryInfo_ItemID), kDIDL_Quote, kMaxSize_URI, 0);
-    AppendStrIfNotEmpty(aBuffer, " parentID=\"", aValues.GetBytes(kCDSEntryInfo_ParentID), kDIDL_Quote, kMaxSize_URI,
-                        0);
-    AppendLiteral(aBuffer, " restricted=\"1\">");
-    if (aValues.HasBytes(kCDSEntryInfo_AlbumArtURI)) { AppendAlbumArt(aBuffer, aMediaData); }
+    AppendLiteral(anOutput.mBuffer, kDIDL_Item_Start_Part);
+    AppendTextIfNotEmpty(anOutput, " id=\"", aValues.GetBytes(kCDSEntryInfo_ItemID), kDIDL_Quote, kMaxSize_URI);
+    AppendTextIfNotEmpty(anOutput, " parentID=\"", aValues.GetBytes(kCDSEntryInfo_ParentID), kDIDL_Quote, kMaxSize_URI);
+    AppendLiteral(anOutput.mBuffer, " restricted=\"1\">");
+    if (aValues.HasBytes(kCDSEntryInfo_AlbumArtURI)) { AppendAlbumArt(anOutput, aMediaData); }
     for (const auto& theElement : kDIDL_TextElements)
     {
-        AppendStrIfNotEmpty(aBuffer, theElement.mStart, aValues.GetBytes(theElement.mTag), theElement.mEnd,
-                            kMaxSize_Text, 0);
+        AppendTextIfNotEmpty(anOutput, theElement.mStart, aValues.GetBytes(theElement.mTag), theElement.mEnd,
+                             kMaxSize_Text);
     }
-    AppendValueIfNotZero(aBuffer, kDIDL_Tag_ChannelNr_Start, aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr),
-                         kDIDL_Tag_ChannelNr_End);
-    AppendBackgroundMusic(aBuffer, aValues);
-    AppendMediaExtraInfo(aBuffer, aValues);
+    AppendChannelNr(anOutput, aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr));
+    AppendBackgroundMusic(anOutput, aValues);
+    AppendMediaExtraInfo(anOutput, aValues);
 }
 
 // ---- Resources ----
 
-static void AppendResExtraInfo(zoBuffer* aBuffer, const ResourceValues& aResource)
+static void AppendResExtraInfo(Output anOutput, const ResourceValues& aResource)
 {
     aResource.ForEachPair(
-        [aBuffer](std::string_view aName, const std::string_view* aValue)
+        [anOutput](std::string_view aName, const std::string_view* aValue)
         {
         if (aName == "microsoft" || aName == "codec") { return; }
-        AppendLiteral(aBuffer, " ");
-        Shared::Append(aBuffer, aName);
+        if (anOutput.mRepairer && !anOutput.mRepairer->CanWriteAttribute(aName, aValue != nullptr)) { return; }
+        AppendLiteral(anOutput.mBuffer, " ");
+        Shared::Append(anOutput.mBuffer, aName);
         if (!aValue) { return; }
-        AppendLiteral(aBuffer, "=\"");
-        AppendStr(aBuffer, *aValue, 0, kMaxSize_Text);
-        AppendLiteral(aBuffer, kDIDL_Quote);
+        AppendLiteral(anOutput.mBuffer, "=\"");
+        AppendText(anOutput, *aValue, kMaxSize_Text);
+        AppendLiteral(anOutput.mBuffer, kDIDL_Quote);
     });
 }
 
-static void AppendDuration(zoBuffer* aBuffer, uint32 aDuration)
+static void AppendDuration(Output anOutput, uint32 aDuration)
 {
     if (aDuration == 0 || aDuration == kUPnP_UnknownTime) { return; }
-    AppendLiteral(aBuffer, kDIDL_ResAttribute_Duration_Start);
-    AppendTime(aBuffer, aDuration);
-    AppendLiteral(aBuffer, kDIDL_Quote);
+    AppendLiteral(anOutput.mBuffer, kDIDL_ResAttribute_Duration_Start);
+    AppendTime(anOutput.mBuffer, aDuration);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Quote);
 }
 
-static void AppendResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, const ResourceValues& aValues)
+static void AppendResource(Output anOutput, int afIncludeResExtraInfo, const ResourceValues& aValues)
 {
     const std::string_view theProtocolInfo = aValues.GetText(kCDSResourceInfo_ProtocolInfo);
     const uint32 theBitRate = aValues.GetNumber<uint32>(kCDSResourceInfo_BitRate);
 
-    AppendLiteral(aBuffer, kDIDL_Res_Start);
-    AppendProtocolInfo(aBuffer, theProtocolInfo.data() ? theProtocolInfo : "");
-    AppendValueIfNotZero(aBuffer, kDIDL_ResAttribute_BitRate_Start, theBitRate == kBitRate_NotSet ? 0 : theBitRate / 8,
-                         kDIDL_Quote);
-    AppendValueIfNotZero(aBuffer, kDIDL_ResAttribute_ColorDepth_Start,
+    AppendLiteral(anOutput.mBuffer, kDIDL_Res_Start);
+    if (anOutput.mRepairer) { anOutput.mRepairer->StartAttributes(); }
+    AppendProtocolInfo(anOutput, theProtocolInfo.data() ? theProtocolInfo : "");
+    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_BitRate_Start,
+                         theBitRate == kBitRate_NotSet ? 0 : theBitRate / 8, kDIDL_Quote);
+    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_ColorDepth_Start,
                          aValues.GetNumber<uint32>(kCDSResourceInfo_ColorDepth), kDIDL_Quote);
-    AppendDuration(aBuffer, aValues.GetNumber<uint32>(kCDSResourceInfo_Duration));
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_Resolution_Start, aValues.GetBytes(kCDSResourceInfo_Resolution),
-                        kDIDL_Quote, kMaxSize_Text, 0);
-    AppendValue64IfNotZero(aBuffer, kDIDL_ResAttribute_Size_Start, aValues.GetNumber<uint64>(kCDSResourceInfo_Size),
-                           kDIDL_Quote);
-    AppendValueIfNotZero(aBuffer, kDIDL_ResAttribute_AudioChannelCount_Start,
+    AppendDuration(anOutput, aValues.GetNumber<uint32>(kCDSResourceInfo_Duration));
+    AppendTextIfNotEmpty(anOutput, kDIDL_ResAttribute_Resolution_Start, aValues.GetBytes(kCDSResourceInfo_Resolution),
+                         kDIDL_Quote, kMaxSize_Text);
+    AppendValue64IfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_Size_Start,
+                           aValues.GetNumber<uint64>(kCDSResourceInfo_Size), kDIDL_Quote);
+    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_AudioChannelCount_Start,
                          aValues.GetNumber<uint32>(kCDSResourceInfo_AudioChannelCount), kDIDL_Quote);
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_IFOURI_Start, aValues.GetBytes(kCDSResourceInfo_IFOFileURI),
-                        kDIDL_Quote, kMaxSize_URI, 0);
-    if (afIncludeResExtraInfo) { AppendResExtraInfo(aBuffer, aValues); }
-    AppendLiteral(aBuffer, ">");
-    AppendStr(aBuffer, aValues.GetBytes(kCDSResourceInfo_URI), 0, kMaxSize_URI);
-    AppendLiteral(aBuffer, kDIDL_Res_End);
+    AppendTextIfNotEmpty(anOutput, kDIDL_ResAttribute_IFOURI_Start, aValues.GetBytes(kCDSResourceInfo_IFOFileURI),
+                         kDIDL_Quote, kMaxSize_URI);
+    if (afIncludeResExtraInfo) { AppendResExtraInfo(anOutput, aValues); }
+    AppendLiteral(anOutput.mBuffer, ">");
+    AppendText(anOutput, aValues.GetBytes(kCDSResourceInfo_URI), kMaxSize_URI);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Res_End);
 }
 
 // True if the resource has an URI, but not the one, not the profile, or not the conversion indicator of a pass. NULL
@@ -172,7 +199,7 @@ static bool IsPassedOver(const zoPackedData_t* aResourceInfo, uint32 anIndex, co
 
 // One pass over the resources that writes those which match and are not yet written. @return 1 when the text has passed
 // its limit: then no further resource is written.
-static int UPnPDIDL_BuildResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
+static int UPnPDIDL_BuildResource(Output anOutput, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
                                   uint32 aCount, const char* anURI_Match, const char* aDLNAPN_Match, int afDLNACI_Match,
                                   uint32* aResourcesAlreadyAdded)
 {
@@ -185,14 +212,14 @@ static int UPnPDIDL_BuildResource(zoBuffer* aBuffer, int afIncludeResExtraInfo, 
         if (!theValues.GetBytes(kCDSResourceInfo_URI).empty())
         {
             aResourcesAlreadyAdded[i] = 1;
-            AppendResource(aBuffer, afIncludeResExtraInfo, theValues);
+            AppendResource(anOutput, afIncludeResExtraInfo, theValues);
         }
-        if (aBuffer->mPos > kLimitResourceBufferSize) { return 1; }
+        if (anOutput.mBuffer->mPos > kLimitResourceBufferSize) { return 1; }
     }
     return 0;
 }
 
-bool AppendResources(zoBuffer* aBuffer, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
+bool AppendResources(Output anOutput, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
                      const char* aSelectedURI, uint32* aLeftCount)
 {
     const struct
@@ -212,7 +239,7 @@ bool AppendResources(zoBuffer* aBuffer, int afIncludeResExtraInfo, const zoPacke
     bool fIsComplete = true;
     for (const auto& thePass : kPasses)
     {
-        fIsComplete = UPnPDIDL_BuildResource(aBuffer, afIncludeResExtraInfo, aResourceInfo, theCount, thePass.mURI,
+        fIsComplete = UPnPDIDL_BuildResource(anOutput, afIncludeResExtraInfo, aResourceInfo, theCount, thePass.mURI,
                                              thePass.mProfile, thePass.mConversionIndicator, theAdded) == 0;
         *aLeftCount = static_cast<uint32>(std::count(theAdded, theAdded + theCount, 0u));
         if (!fIsComplete || *aLeftCount == 0) { break; }

@@ -2,6 +2,7 @@
 
 /* Writing one object from its records. */
 
+#include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <UPnP/Utilities/DIDL/Values.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <zoltTools/zoBuffer.h>
@@ -20,12 +21,12 @@ void AppendDeclarations(zoBuffer* aBuffer, std::string_view aList);
 
 /** Appends the object from its start tag to its last metadata element.
  *  @param aMediaData  the entry record, from which the album art is read; aValues: its values. */
-void AppendMetadata(zoBuffer* aBuffer, const zoPackedData_t* aMediaData, const MediaValues& aValues);
+void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const MediaValues& aValues);
 
 /** Appends the resources in the order of preference.
  *  @param aLeftCount out: the number of resources that are not written, when the result is false.
  *  @return false when the text has passed its limit. */
-bool AppendResources(zoBuffer* aBuffer, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
+bool AppendResources(Output anOutput, int afIncludeResExtraInfo, const zoPackedData_t* aResourceInfo,
                      const char* aSelectedURI, uint32* aLeftCount);
 
 } // namespace DIDL

@@ -1,5 +1,7 @@
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 
+#include <UPnP/Utilities/DIDL/Characters.h>
+#include <UPnP/Utilities/DIDL/Repairer.h>
 #include <UPnP/Utilities/DIDL/Values.h>
 #include <UPnP/Utilities/Private/UPnPUTF8.h>
 #include <algorithm>
@@ -46,15 +48,35 @@ size_t ReplacementOf(char aByte) { return kReplacementIndex.mIndex[static_cast<u
 typedef size_t Word;
 constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
 
-// True if a byte of the word may be replaced or end the text: the masks leave the five characters, and "#". Subtracting
-// 1 sets the top bit of a byte that was 0, and of those of 0x80 and above, which are excluded.
+// Which bytes are copied without a look at the next: all but the five characters and NUL, or of those the ones that are
+// characters of every XML text.
+enum class Copied
+{
+    AnyByte,
+    PrintableASCII
+};
+
+// True if a byte of the word may end what is copied: the masks leave the five characters, and "#". Subtracting sets the
+// top bit of a byte that was less; it is also set in those of 0x80 and above.
+template <Copied Which>
 bool MayEndRun(Word aWord)
 {
     static_assert(('"' & 0xFA) == 0x22 && ('&' & 0xFA) == 0x22 && ('\'' & 0xFA) == 0x22, "0 after the first mask");
     static_assert(('<' & 0xFD) == 0x3C && ('>' & 0xFD) == 0x3C, "0 after the second");
     const Word theFirst = ((aWord & (kEveryByte * 0xFA)) ^ (kEveryByte * 0x22)) - kEveryByte;
     const Word theSecond = ((aWord & (kEveryByte * 0xFD)) ^ (kEveryByte * 0x3C)) - kEveryByte;
+    if (Which == Copied::PrintableASCII)
+    {
+        return ((theFirst | theSecond | (aWord - kEveryByte * ' ') | aWord) & (kEveryByte * 0x80)) != 0;
+    }
     return ((theFirst | theSecond | (aWord - kEveryByte)) & ~aWord & (kEveryByte * 0x80)) != 0;
+}
+
+template <Copied Which>
+bool IsCopied(char aByte)
+{
+    if (Which == Copied::PrintableASCII && (aByte < ' ' || static_cast<uint8>(aByte) >= 0x80)) { return false; }
+    return ReplacementOf(aByte) == 0;
 }
 
 // The number of bytes that are copied before kMaxSize or the caller's limit ends a text.
@@ -62,15 +84,16 @@ size_t LimitOf(size_t aMaxSize) { return aMaxSize > 0 ? std::min(aMaxSize, kMaxS
 
 // The number of bytes up to the first that is not copied, word by word where there is none: 13 % of a
 // document's time.
+template <Copied Which>
 [[gnu::always_inline]] inline size_t CopiedLength(std::string_view aText)
 {
     size_t theLength = 0;
     for (Word theWord; aText.size() - theLength >= sizeof(theWord); theLength += sizeof(theWord))
     {
         memcpy(&theWord, aText.data() + theLength, sizeof(theWord));
-        if (MayEndRun(theWord)) { break; }
+        if (MayEndRun<Which>(theWord)) { break; }
     }
-    while (theLength < aText.size() && ReplacementOf(aText[theLength]) == 0)
+    while (theLength < aText.size() && IsCopied<Which>(aText[theLength]))
         ++theLength;
     return theLength;
 }
@@ -100,7 +123,7 @@ static void AppendRest(zoBuffer* aBuffer, std::string_view aStr, size_t aPositio
 
         const size_t theLimit = LimitOf(aMaxSize);
         const size_t theRoom = theCount < theLimit ? theLimit - theCount : 0;
-        const size_t theLength = CopiedLength(aStr.substr(thePosition, theRoom));
+        const size_t theLength = CopiedLength<Copied::AnyByte>(aStr.substr(thePosition, theRoom));
         Shared::Append(aBuffer, aStr.substr(thePosition, theLength));
         theCount += theLength;
         thePosition += theLength;
@@ -109,9 +132,37 @@ static void AppendRest(zoBuffer* aBuffer, std::string_view aStr, size_t aPositio
 
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize)
 {
-    const size_t theLength = CopiedLength(aStr.substr(0, LimitOf(aMaxSize)));
+    const size_t theLength = CopiedLength<Copied::AnyByte>(aStr.substr(0, LimitOf(aMaxSize)));
     Shared::Append(aBuffer, aStr.substr(0, theLength));
     if (theLength < aStr.size()) { AppendRest(aBuffer, aStr, theLength, afDoubleEscape, aMaxSize); }
+}
+
+size_t PrintableLength(std::string_view aText) { return CopiedLength<Copied::PrintableASCII>(aText); }
+
+size_t AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize)
+{
+    std::string_view theRest = aStr;
+    size_t theRoom = LimitOf(aMaxSize);
+    size_t theReplaced = 0;
+    for (;;)
+    {
+        const size_t theLength = CopiedLength<Copied::PrintableASCII>(theRest.substr(0, theRoom));
+        Shared::Append(aBuffer, theRest.substr(0, theLength));
+        theRest.remove_prefix(theLength);
+        theRoom -= theLength;
+        if (theRest.empty() || theRoom == 0 || theRest[0] == 0) { return theReplaced; }
+
+        const Character theCharacter = CharacterAt(theRest);
+        const size_t theIndex = ReplacementOf(theRest[0]);
+        const std::string_view theText = !theCharacter.mfIsAllowed ? kReplacementCharacter
+                                         : theIndex > 0            ? kReplacements[theIndex - 1].mText
+                                                                   : theRest.substr(0, theCharacter.mLength);
+        if (theText.size() > theRoom) { return theReplaced; }
+        Shared::Append(aBuffer, theText);
+        theRest.remove_prefix(theCharacter.mLength);
+        theRoom -= theText.size();
+        theReplaced += !theCharacter.mfIsAllowed;
+    }
 }
 
 void AppendNumber(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits)
@@ -138,13 +189,18 @@ char* NewTextForm(const char* aProtocolInfo, size_t aLength)
     return theText;
 }
 
-void AppendProtocolInfo(zoBuffer* aBuffer, std::string_view aProtocolInfo)
+void AppendProtocolInfo(Output anOutput, std::string_view aProtocolInfo)
 {
     if (!aProtocolInfo.data()) { return; }
     const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(aProtocolInfo.data(), aProtocolInfo.size()) != 0;
     char* theText = fIsNormal ? nullptr : NewTextForm(aProtocolInfo.data(), aProtocolInfo.size());
-    AppendStrIfNotEmpty(aBuffer, kDIDL_ResAttribute_ProtocolInfo_Start, fIsNormal ? aProtocolInfo : TextOf(theText),
-                        kDIDL_Quote, kMaxSize_URI, 0);
+    const std::string_view theForm = fIsNormal ? aProtocolInfo : TextOf(theText);
+    if (!theForm.empty())
+    {
+        AppendLiteral(anOutput.mBuffer, kDIDL_ResAttribute_ProtocolInfo_Start);
+        AppendText(anOutput, theForm, kMaxSize_URI);
+        AppendLiteral(anOutput.mBuffer, kDIDL_Quote);
+    }
     free(theText);
 }
 

@@ -12,10 +12,24 @@ namespace DIDL
 
 using Shared::AppendLiteral;
 
+class Repairer;
+
+/** Where an object is written to. */
+struct Output
+{
+    zoBuffer* mBuffer;
+    Repairer* mRepairer; // NULL: what the records hold is written as it is
+};
+
 /** Appends the text up to its first NUL, escaped and cut to aMaxSize bytes (0: to kMaxSize), between characters and
  *  between entities.
  *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
+/** As AppendStr, which escapes once, but whatever XML does not allow becomes U+FFFD.
+ *  @return the number of U+FFFD that replace something. */
+size_t AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize);
+/** @return the number of bytes before the first that is not printable ASCII or is one of the five that are escaped. */
+size_t PrintableLength(std::string_view aText);
 /** Appends a number in decimal, with at least aMinDigits digits. */
 __attribute__((noinline)) void AppendNumber(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits);
 
@@ -56,7 +70,7 @@ void AppendHexValue(zoBuffer* aBuffer, uint32 aValue);
 void AppendTime(zoBuffer* aBuffer, uint32 aTime);
 
 /** Appends the text form of a protocol info as an attribute; nothing when it is empty, or without data. */
-void AppendProtocolInfo(zoBuffer* aBuffer, std::string_view aProtocolInfo);
+void AppendProtocolInfo(Output anOutput, std::string_view aProtocolInfo);
 
 /** @return the text form of a protocol info, released with free. */
 char* NewTextForm(const char* aProtocolInfo, size_t aLength);

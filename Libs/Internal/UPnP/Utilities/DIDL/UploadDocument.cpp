@@ -94,7 +94,7 @@ void AppendImportResource(zoBuffer* aBuffer, const char* anImportURI, const char
     AppendLiteral(aBuffer, " importUri=\"");
     AppendText(aBuffer, anImportURI, kMaxSize_URI);
     AppendLiteral(aBuffer, kDIDL_Quote);
-    AppendProtocolInfo(aBuffer, TextOf(aProtocolInfo));
+    AppendProtocolInfo({ aBuffer, nullptr }, TextOf(aProtocolInfo));
     if (anImportIFOURI)
     {
         AppendLiteral(aBuffer, " dlna:ifoFileURI=\"\" dlna:importIfoFileURI=\"");

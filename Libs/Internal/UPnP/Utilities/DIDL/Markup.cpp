@@ -1,0 +1,134 @@
+#include <UPnP/Utilities/DIDL/Markup.h>
+
+#include <Shared/ASCII.h>
+#include <UPnP/Utilities/DIDL/Characters.h>
+#include <UPnP/Utilities/DIDL/TextWriter.h>
+
+namespace DIDL
+{
+
+size_t ReadSpaces(std::string_view* aText)
+{
+    size_t theCount = 0;
+    while (theCount < aText->size() && Shared::IsSpace((*aText)[theCount]))
+        ++theCount;
+    aText->remove_prefix(theCount);
+    return theCount;
+}
+
+static bool ReadName(std::string_view* aText, std::string_view* aName)
+{
+    *aName = aText->substr(0, NameLength(*aText));
+    aText->remove_prefix(aName->size());
+    return !aName->empty();
+}
+
+bool ReadQName(std::string_view* aText, QName* aName)
+{
+    aName->mPrefix = {};
+    if (!ReadName(aText, &aName->mLocal)) { return false; }
+    if (!Read(aText, ":")) { return true; }
+    aName->mPrefix = aName->mLocal;
+    return ReadName(aText, &aName->mLocal);
+}
+
+static int DigitOf(char aByte)
+{
+    if (Shared::IsDigit(aByte)) { return aByte - '0'; }
+    const char theLetter = Shared::ToLower(aByte);
+    return theLetter >= 'a' && theLetter <= 'f' ? theLetter - 'a' + 10 : 16;
+}
+
+static bool IsAllowedCode(uint32 aCode)
+{
+    if (aCode < ' ') { return aCode == '\t' || aCode == '\n' || aCode == '\r'; }
+    return aCode <= 0xD7FF || (aCode >= 0xE000 && aCode <= 0xFFFD) || (aCode >= 0x10000 && aCode <= 0x10FFFF);
+}
+
+// After "&#".
+static bool ReadNumber(std::string_view* aText)
+{
+    const int theBase = Read(aText, "x") ? 16 : 10;
+    uint32 theCode = 0;
+    while (!aText->empty() && DigitOf(aText->front()) < theBase && theCode <= 0x10FFFF)
+    {
+        theCode = theCode * static_cast<uint32>(theBase) + static_cast<uint32>(DigitOf(aText->front()));
+        aText->remove_prefix(1);
+    }
+    return IsAllowedCode(theCode) && Read(aText, ";"); // 0 without a digit
+}
+
+static bool ReadReference(std::string_view* aText)
+{
+    if (Read(aText, "&#")) { return ReadNumber(aText); }
+    for (const std::string_view theName : { "&amp;", "&lt;", "&gt;", "&quot;", "&apos;" })
+        if (Read(aText, theName)) { return true; }
+    return false;
+}
+
+bool ReadCharacters(std::string_view* aText, char aStop)
+{
+    const char* theBegin = aText->data();
+    for (;;)
+    {
+        aText->remove_prefix(PrintableLength(*aText));
+        if (aText->empty()) { return aStop == '<'; }
+        const char* thePosition = aText->data();
+        if (*thePosition == aStop) { return true; }
+        if (*thePosition == '<') { return false; }
+        if (*thePosition == '&')
+        {
+            if (!ReadReference(aText)) { return false; }
+            continue;
+        }
+        const bool fEndsCDATA = aStop == '<' && *thePosition == '>' && thePosition - theBegin >= 2 &&
+                                thePosition[-1] == ']' && thePosition[-2] == ']';
+        const Character theCharacter = CharacterAt(*aText);
+        if (fEndsCDATA || !theCharacter.mfIsAllowed) { return false; }
+        aText->remove_prefix(theCharacter.mLength);
+    }
+}
+
+static bool ReadAttribute(std::string_view* aText, Attribute* anAttribute)
+{
+    if (!ReadQName(aText, &anAttribute->mName)) { return false; }
+    ReadSpaces(aText);
+    if (!Read(aText, "=")) { return false; }
+    ReadSpaces(aText);
+    if (aText->empty()) { return false; }
+    const char theQuote = aText->front();
+    if (theQuote != '"' && theQuote != '\'') { return false; }
+    aText->remove_prefix(1);
+    const char* theBegin = aText->data();
+    if (!ReadCharacters(aText, theQuote)) { return false; }
+    anAttribute->mValue = { theBegin, static_cast<size_t>(aText->data() - theBegin) };
+    aText->remove_prefix(1);
+    return true;
+}
+
+bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes)
+{
+    for (;;)
+    {
+        const char* theBegin = aText->data();
+        const bool fHasSpaces = ReadSpaces(aText) > 0;
+        if (aText->empty() || aText->front() == '>' || aText->front() == '/') { return true; }
+        Attribute theAttribute;
+        if (!fHasSpaces || !ReadAttribute(aText, &theAttribute)) { return false; }
+        theAttribute.mText = { theBegin, static_cast<size_t>(aText->data() - theBegin) };
+        anAttributes->Add(theAttribute);
+    }
+}
+
+bool IsAllowed(std::string_view aText)
+{
+    while (!aText.empty())
+    {
+        const Character theCharacter = CharacterAt(aText);
+        if (!theCharacter.mfIsAllowed) { return false; }
+        aText.remove_prefix(theCharacter.mLength);
+    }
+    return true;
+}
+
+} // namespace DIDL

@@ -1,0 +1,51 @@
+#pragma once
+
+/* Tags as every reader of XML 1.0 with namespaces takes them; what documents are read with takes more. Functions that
+ * read get the text that is left and take from its front what they have read. */
+
+#include <UPnP/Utilities/DIDL/List.h>
+#include <string_view>
+#include <zoOS/zoTypes.h>
+
+namespace DIDL
+{
+
+struct QName
+{
+    std::string_view mPrefix; // empty without one
+    std::string_view mLocal;
+
+    // Where both come from one text.
+    std::string_view Whole() const
+    {
+        const char* theBegin = mPrefix.empty() ? mLocal.data() : mPrefix.data();
+        return { theBegin, static_cast<size_t>(mLocal.data() + mLocal.size() - theBegin) };
+    }
+};
+
+struct Attribute
+{
+    std::string_view mText; // with the blanks before it
+    QName mName;
+    std::string_view mValue; // as written
+};
+
+// True if the text began with it, which then is read.
+inline bool Read(std::string_view* aText, std::string_view aLiteral)
+{
+    const bool fBegins =
+        aText->size() >= aLiteral.size() && memcmp(aText->data(), aLiteral.data(), aLiteral.size()) == 0;
+    if (fBegins) { aText->remove_prefix(aLiteral.size()); }
+    return fBegins;
+}
+// The number of blanks and line ends that are read.
+size_t ReadSpaces(std::string_view* aText);
+bool ReadQName(std::string_view* aText, QName* aName);
+// Reads attributes with blanks before each, and the blanks after the last.
+bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes);
+// Reads up to aStop: "<" in an element, where the end of the text stops, too, or the quote of a value.
+bool ReadCharacters(std::string_view* aText, char aStop);
+// True if the text has only characters that XML allows.
+bool IsAllowed(std::string_view aText);
+
+} // namespace DIDL

@@ -1,0 +1,327 @@
+#include <UPnP/Utilities/DIDL/Repairer.h>
+
+#include <Shared/ASCII.h>
+#include <UPnP/Utilities/DIDL/Characters.h>
+#include <UPnP/Utilities/DIDL/ObjectWriter.h>
+#include <UPnP/Utilities/DIDL/TextWriter.h>
+#include <algorithm>
+
+namespace DIDL
+{
+
+// ---- Namespaces that the writer uses itself ----
+
+// The declaration that begins like this in the header of the documents of uploads.
+static constexpr std::string_view InHeader(std::string_view aBeginning)
+{
+    const std::string_view theHeader(kDIDL_Header);
+    const size_t theBegin = theHeader.find(aBeginning);
+    return theHeader.substr(theBegin, theHeader.find('"', theBegin + aBeginning.size()) + 1 - theBegin);
+}
+
+namespace
+{
+
+struct KnownNamespace
+{
+    uint32 mBit;
+    std::string_view mPrefix;
+    std::string_view mDeclaration;
+};
+
+constexpr KnownNamespace kKnown[] = {
+    { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
+    { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
+    { Repairer::kDefault, "", InHeader("xmlns=\"") },
+    { Repairer::kDLNA, "dlna", InHeader("xmlns:dlna=\"") },
+    { Repairer::kAV, "av", "xmlns:av=\"urn:schemas-upnp-org:av:av\"" },
+};
+
+} // namespace
+
+static uint32 KnownPrefix(std::string_view aPrefix)
+{
+    for (const KnownNamespace& theNamespace : kKnown)
+        if (Shared::Equals(theNamespace.mPrefix, aPrefix)) { return theNamespace.mBit; }
+    return 0;
+}
+
+static uint32 KnownDeclaration(std::string_view aDeclaration)
+{
+    for (const KnownNamespace& theNamespace : kKnown)
+        if (Shared::Equals(theNamespace.mDeclaration, aDeclaration)) { return theNamespace.mBit; }
+    return 0;
+}
+
+uint32 Repairer::FindLacking() const
+{
+    uint32 theLacking = 0;
+    for (const KnownNamespace& theNamespace : kKnown)
+    {
+        const bool fIsUsed = (mUsed & ~mDeclared & theNamespace.mBit) != 0;
+        if (fIsUsed && !IsDeclared(theNamespace.mPrefix)) { theLacking |= theNamespace.mBit; }
+    }
+    return theLacking;
+}
+
+// True for a prefix of the writer's own, which is declared once the object is written again.
+bool Repairer::CanDeclare(std::string_view aPrefix)
+{
+    const uint32 theKnown = KnownPrefix(aPrefix);
+    mUsed |= theKnown;
+    return theKnown != 0;
+}
+
+void Repairer::Use(std::string_view aMarkup)
+{
+    switch (aMarkup[1])
+    {
+    case 'a': mUsed |= kAV; break;
+    case 'd': mUsed |= aMarkup[2] == 'c' ? kDC : kDLNA; break;
+    case 'u': mUsed |= kUPnP; break;
+    default: break;
+    }
+}
+
+// ---- Fields ----
+
+void Repairer::AppendText(std::string_view aStr, size_t aMaxSize)
+{
+    mRepairs.mReplaced += static_cast<uint32>(AppendAllowed(mBuffer, aStr, aMaxSize));
+}
+
+void Repairer::AppendField(std::string_view aStartStr, std::string_view aStr, std::string_view anEndStr, int aMaxSize)
+{
+    Use(aStartStr);
+    Shared::Append(mBuffer, aStartStr);
+    AppendText(aStr, static_cast<size_t>(aMaxSize));
+    Shared::Append(mBuffer, anEndStr);
+}
+
+// ---- Declarations ----
+
+static bool Contains(const List<std::string_view>& aList, std::string_view aText)
+{
+    for (const std::string_view theText : aList)
+        if (Shared::Equals(theText, aText)) { return true; }
+    return false;
+}
+
+// True for a declaration that is the first of its prefix, one of few, and has nothing out of the ordinary.
+bool Repairer::IsOrdinary(std::string_view aDeclaration)
+{
+    const uint32 theKnown = KnownDeclaration(aDeclaration);
+    if (theKnown != 0)
+    {
+        const bool fIsFirst = (mDeclared & theKnown) == 0;
+        mDeclared |= theKnown;
+        return fIsFirst;
+    }
+    std::string_view theRest = aDeclaration;
+    std::string_view thePrefix;
+    if (!Read(&theRest, "xmlns")) { return false; }
+    if (Read(&theRest, ":"))
+    {
+        thePrefix = theRest.substr(0, NameLength(theRest));
+        theRest.remove_prefix(thePrefix.size());
+        if (thePrefix.empty() || thePrefix[0] == 'x') { return false; } // xml, xmlns
+    }
+    if (!Read(&theRest, "=\"") || theRest.empty() || Read(&theRest, "http://www.w3.")) { return false; }
+    const size_t theURI = PrintableLength(theRest);
+    const bool fIsFirst = mPrefixes.size() < kFew && !Contains(mPrefixes, thePrefix);
+    mPrefixes.Add(thePrefix);
+    mDeclaredOtherwise |= KnownPrefix(thePrefix);
+    return fIsFirst && theURI > 0 && theURI == theRest.size() - 1 && theRest[theURI] == '"';
+}
+
+// As DIDL::AppendDeclarations, as long as all are ordinary.
+bool Repairer::AppendOrdinary(std::string_view aList)
+{
+    std::string_view theRest = aList;
+    for (size_t theLength = 0; theLength != theRest.npos;)
+    {
+        theLength = theRest.find(',');
+        const std::string_view theDeclaration = theRest.substr(0, theLength);
+        if (!IsOrdinary(theDeclaration)) { return false; }
+        AppendLiteral(mBuffer, " ");
+        Shared::Append(mBuffer, theDeclaration);
+        theRest.remove_prefix(std::min(theDeclaration.size() + 1, theRest.size()));
+    }
+    return (mDeclared & mDeclaredOtherwise) == 0;
+}
+
+void Repairer::AppendDeclarations(std::string_view aList)
+{
+    mDeclarationsBegin = mBuffer->mPos;
+    if (mNeeded != 0 || !AppendOrdinary(aList)) { RepairDeclarations(aList); }
+    mDeclarationsEnd = mBuffer->mPos;
+}
+
+bool Repairer::IsDeclared(std::string_view aPrefix) const
+{
+    if (mfHasScopes) { return !mScopes.NamespaceOf(aPrefix).empty(); }
+    return (KnownPrefix(aPrefix) & mDeclared) != 0 || Contains(mPrefixes, aPrefix) || aPrefix == "xml";
+}
+
+// ---- Declarations that can't be written as they are ----
+
+// What can't be read as attributes is none.
+static bool ReadAll(std::string_view aText, List<Attribute>* anAttributes)
+{
+    return ReadAttributes(&aText, anAttributes) && aText.empty();
+}
+
+// Those of the part hold from now on, the first of each prefix.
+void Repairer::ReadDeclarations(std::string_view aPart)
+{
+    List<Attribute> theAttributes;
+    if (!ReadAll(aPart, &theAttributes)) { return; }
+    for (const Attribute& theAttribute : theAttributes)
+    {
+        const QName& theName = theAttribute.mName;
+        const std::string_view thePrefix = theName.mPrefix.empty() ? theName.mPrefix : theName.mLocal;
+        const bool fIsFirst = IsDeclaration(theName) && mScopes.NamespaceOf(thePrefix).empty();
+        if (fIsFirst && IsWellFormed(theAttribute)) { mScopes.Declare(theAttribute); }
+    }
+}
+
+// What was replaced in a text that is left out does not count.
+void Repairer::LeaveOut(std::string_view aText)
+{
+    ++mRepairs.mDeclarationsLeftOut;
+    size_t thePosition = 0;
+    while (mRepairs.mReplaced > 0 && (thePosition = aText.find(kReplacementCharacter, thePosition)) != aText.npos)
+    {
+        --mRepairs.mReplaced;
+        ++thePosition;
+    }
+}
+
+// Appends those of the part that can be written. The declarations of all parts hold.
+void Repairer::AppendPart(std::string_view aPart, AttributeNames* aNames)
+{
+    List<Attribute> theAttributes;
+    if (!ReadAll(aPart, &theAttributes))
+    {
+        LeaveOut(aPart);
+        return;
+    }
+    for (const Attribute& theAttribute : theAttributes)
+    {
+        const QName& theName = theAttribute.mName;
+        const bool fCanHold = IsDeclaration(theName) ? !theAttribute.mValue.empty() && IsWellFormed(theAttribute)
+                                                     : theName.mPrefix.empty() || IsDeclared(theName.mPrefix) ||
+                                                           CanDeclare(theName.mPrefix);
+        if (fCanHold && mScopes.AddName(aNames, theName)) { Shared::Append(mBuffer, theAttribute.mText); }
+        else { LeaveOut(theAttribute.mText); }
+    }
+}
+
+// Appends what ReadAttributes reads, each part of the list with a NUL after it.
+void Repairer::SplitList(std::string_view aList, TextBuilder* aParts)
+{
+    aParts->Append(' ');
+    for (std::string_view theRest = aList; !theRest.empty();)
+    {
+        const Character theCharacter = CharacterAt(theRest);
+        std::string_view theText = theRest.substr(0, theCharacter.mLength);
+        theRest.remove_prefix(theText.size());
+        if (Read(&theText, ",")) { theText = std::string_view("\0 ", 2); }
+        else if (theText[0] == '\\' && Read(&theRest, ",")) { theText = ","; }
+        aParts->Append(theCharacter.mfIsAllowed ? theText : kReplacementCharacter);
+        mRepairs.mReplaced += !theCharacter.mfIsAllowed;
+    }
+}
+
+void Repairer::RepairDeclarations(std::string_view aList)
+{
+    TextBuilder theParts;
+    List<Attribute> theAttributes;
+    mBuffer->mPos = mDeclarationsBegin;
+    if (aList.data()) { DIDL::AppendDeclarations(mBuffer, aList); }
+    const std::string_view theWritten(mBuffer->mPtr + mDeclarationsBegin, mBuffer->mPos - mDeclarationsBegin);
+    mBuffer->mPos = mDeclarationsBegin;
+    if (ReadAll(theWritten, &theAttributes)) { theParts.Append(theWritten); }
+    else { SplitList(aList, &theParts); }
+    for (const KnownNamespace& theNamespace : kKnown)
+    {
+        if ((mNeeded & theNamespace.mBit) == 0) { continue; }
+        theParts.Append(std::string_view("\0 ", 2));
+        theParts.Append(theNamespace.mDeclaration);
+        ++mRepairs.mDeclarationsAdded;
+    }
+    mfHasScopes = true;
+    AttributeNames theNames;
+    for (const bool fIsWritten : { false, true })
+    {
+        for (std::string_view theRest = theParts.Text(); !theRest.empty();)
+        {
+            const std::string_view thePart = theRest.substr(0, theRest.find('\0'));
+            theRest.remove_prefix(std::min(thePart.size() + 1, theRest.size()));
+            if (fIsWritten) { AppendPart(thePart, &theNames); }
+            else { ReadDeclarations(thePart); }
+        }
+    }
+}
+
+// ---- Pairs ----
+
+static bool SplitName(std::string_view aText, QName* aName) { return ReadQName(&aText, aName) && aText.empty(); }
+
+bool Repairer::CountPair(bool afIsWritten)
+{
+    mRepairs.mPairsLeftOut += !afIsWritten;
+    return afIsWritten;
+}
+
+bool Repairer::CanWriteElement(std::string_view aName)
+{
+    QName theName;
+    return CountPair(SplitName(aName, &theName) && (IsDeclared(theName.mPrefix) || CanDeclare(theName.mPrefix)));
+}
+
+void Repairer::StartAttributes()
+{
+    mAttributesBegin = mBuffer->mPos;
+    mLocalNames.CutTo(0);
+    mNames.Clear();
+}
+
+bool Repairer::CanWriteAttribute(std::string_view aName, bool afHasValue)
+{
+    QName theName;
+    const bool fHasName = afHasValue && SplitName(aName, &theName) && !IsDeclaration(theName);
+    const std::string_view thePrefix = theName.mPrefix;
+    const bool fIsBound = fHasName && (thePrefix.empty() || IsDeclared(thePrefix) || CanDeclare(thePrefix));
+    return CountPair(fIsBound && IsNew(theName));
+}
+
+// Most local names are not even those of other attributes.
+bool Repairer::IsNew(const QName& anAttribute)
+{
+    static constexpr std::string_view kFields =
+        "protocolInfo bitrate colorDepth duration resolution size nrAudioChannels ifoFileURI";
+    const std::string_view theName = anAttribute.mLocal;
+    const bool fMayRepeat =
+        mLocalNames.size() == kFew || Contains(mLocalNames, theName) || kFields.find(theName) != kFields.npos;
+    if (fMayRepeat || !mNames.empty()) { return IsNewExactly(anAttribute); }
+    mLocalNames.Add(theName);
+    return true;
+}
+
+bool Repairer::IsNewExactly(const QName& anAttribute)
+{
+    const char* theText = mBuffer->mPtr;
+    if (!mfHasScopes)
+    {
+        ReadDeclarations({ theText + mDeclarationsBegin, mDeclarationsEnd - mDeclarationsBegin });
+        mfHasScopes = true;
+    }
+    List<Attribute> theAttributes;
+    if (mNames.empty()) { ReadAll({ theText + mAttributesBegin, mBuffer->mPos - mAttributesBegin }, &theAttributes); }
+    for (const Attribute& theAttribute : theAttributes)
+        mScopes.AddName(&mNames, theAttribute.mName);
+    return mScopes.AddName(&mNames, anAttribute);
+}
+
+} // namespace DIDL
