@@ -20,11 +20,10 @@ import socket
 import sys
 import weakref
 from ctypes import byref, c_char_p, c_int, c_uint16, c_uint32, c_uint64, c_void_p
-from dataclasses import dataclass
 from enum import IntEnum
 from functools import cached_property
 from pathlib import Path
-from typing import Any, Iterator, Optional, Union
+from typing import Any, Iterator, NamedTuple, Optional, Union
 
 # The interface's version is in the name: another one may have other functions.
 LIBRARY = "libUPnPUtilities.so.0.1"
@@ -45,7 +44,6 @@ class ResourceTag(IntEnum):
 
 class Confidence(IntEnum):
     """How likely it is that the renderer plays the chosen resource."""
-
     WillNot, ShouldNot, May, Should = 0, 1, 2, 3
 
 
@@ -53,11 +51,10 @@ class DIDLError(ValueError):
     """The text's tags don't match."""
 
 
-@dataclass(frozen=True)
-class Resource:
+class Resource(NamedTuple):
     """A res element; what the server doesn't tell is None or ""."""
 
-    index: int  # among the resources of its object
+    position: int  # among the resources of its object, from 0
     uri: str
     protocol_info: str
     mime_type: str
@@ -69,8 +66,7 @@ class Resource:
     extra: tuple[tuple[str, str], ...]  # other attributes: qualified names and values
 
 
-@dataclass(frozen=True)
-class Subtitle:
+class Subtitle(NamedTuple):
     """Subtitles of a video."""
 
     uri: str
@@ -78,8 +74,7 @@ class Subtitle:
     label: str  # for the user: "English"
 
 
-@dataclass(frozen=True)
-class Choice:
+class Choice(NamedTuple):
     """The resource that suits a renderer best."""
 
     resource: Resource
@@ -87,6 +82,13 @@ class Choice:
 
 
 _UNKNOWN = 0xFFFFFFFF  # a number of the library's that the document doesn't tell
+_SUBTITLES = {  # MIME types that servers give to subtitles, and the formats
+    "text/srt": "srt", "text/x-srt": "srt", "application/x-srt": "srt", "application/x-subrip": "srt",
+    "text/vtt": "vtt", "application/x-subtitle-vtt": "vtt", "text/x-ass": "ass", "application/x-ass": "ass",
+    "text/x-ssa": "ssa", "application/x-ssa": "ssa", "application/ttml+xml": "ttml", "text/sub": "sub",
+    "application/x-sami": "smi", "application/x-subtitle-sami": "smi", "smi/caption": "smi",
+    "application/x-subtitle": "",
+}
 
 # The functions that are used here: results and arguments. A pointer as a result is a new block, record or text.
 _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
@@ -142,8 +144,11 @@ def _pairs(kind: str, *where: Any) -> tuple[tuple[str, str], ...]:
     return tuple((_decode(name(*where, i)), _decode(data(*where, i))) for i in range(count(*where)))
 
 
-def _targets(host: Optional[str]) -> tuple[Optional[ctypes.Array[c_uint32]], int]:
-    """An IPv4 address in network byte order, and the number of addresses."""
+def _by_local_name(pairs: tuple[tuple[str, str], ...]) -> dict[str, str]:
+    return {name.rpartition(":")[2].lower(): value for name, value in pairs}  # the prefix is the document's choice
+
+
+def _targets(host: Optional[str]) -> tuple[Optional[ctypes.Array[c_uint32]], int]:  # in network byte order
     return ((c_uint32 * 1).from_buffer_copy(socket.inet_aton(host)), 1) if host else (None, 0)
 
 
@@ -210,17 +215,15 @@ class MediaObject:
         """Subtitles as servers write them: resources of their own, attributes of resources, elements of the object."""
         found: dict[str, Subtitle] = {}  # by URI: servers say the same in several ways
         for resource in self.resources:
-            extra = dict(resource.extra)
-            is_text = resource.mime_type.lower() in ("text/srt", "application/x-subrip", "text/vtt")
-            if is_text or _lib.CDSResourceInfo_IsSubtitle(self._resources, resource.index):
-                kind = extra.get("subtitleType", resource.mime_type)
-                found.setdefault(resource.uri, Subtitle(resource.uri, kind, extra.get("subtitleLabel", "")))
-            if extra.get("pv:subtitleFileUri"):
-                uri = extra["pv:subtitleFileUri"]
-                found.setdefault(uri, Subtitle(uri, extra.get("pv:subtitleFileType", ""), ""))
-        for name, value in self.extra:
-            if name in ("sec:CaptionInfo", "sec:CaptionInfoEx") and value.strip():
-                found.setdefault(value.strip(), Subtitle(value.strip(), "", ""))
+            extra = _by_local_name(resource.extra)
+            kind = _SUBTITLES.get(resource.mime_type.lower())
+            if kind is not None or _lib.CDSResourceInfo_IsSubtitle(self._resources, resource.position):
+                found[resource.uri] = Subtitle(resource.uri, extra.get("subtitletype") or kind or "",
+                                               extra.get("subtitlelabel", ""))
+        for extra in [_by_local_name(resource.extra) for resource in self.resources] + [_by_local_name(self.extra)]:
+            for name in ("subtitlefileuri", "captioninfoex", "captioninfo"):
+                if uri := extra.get(name, "").strip():
+                    found.setdefault(uri, Subtitle(uri, extra.get("subtitlefiletype", ""), ""))
         return list(found.values())
 
     def album_art(self, profiles: str = "", host: Optional[str] = None) -> str:
@@ -251,7 +254,7 @@ class MediaObject:
 
     def metadata(self, resource: Optional[Resource] = None) -> str:
         """DIDL-Lite of this object, to be sent along with a resource's URI; that resource comes first in it."""
-        where = (self._resources, resource.index, ResourceTag.URI) if resource else None
+        where = (self._resources, resource.position, ResourceTag.URI) if resource else None
         selected = _lib.CDSResourceInfo_GetInfoAsStr(*where) if where else None
         return _take(_lib.UPnPDIDL_Get(self._entry, self._resources, 1, 1, selected))
 

@@ -24,7 +24,7 @@ BROWSE = (ROOT / "Tests/Data/didl-multi/minidlna-generic-photo.xml").read_bytes(
 SINKS = (ROOT / "Tests/Data/sinks/handmade-dlna-tv.txt").read_text()
 VIDEO = b"""<DIDL-Lite><item id="7" parentID="5" restricted="1"><dc:title>A \xff film</dc:title>
 <res protocolInfo="http-get:*:video/mp4:*" size="5000000000" duration="1:00:01" bitrate="100"
-pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res><sec:CaptionInfoEx>http://h/b.srt
+pv:subtitleFileType="srt" pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res><sec:CaptionInfoEx>http://h/b.srt
 </sec:CaptionInfoEx></item><item restricted="maybe"/><container id="8" childCount="0"/></DIDL-Lite>"""
 
 
@@ -54,7 +54,7 @@ class ModuleTest(unittest.TestCase):
         self.assertEqual((5000000000, 3601, 800, None), (film.resources[0].size, film.resources[0].duration,
                                                          film.resources[0].bit_rate, film.resources[0].audio_channels))
         self.assertEqual("http://h:80/film.mp4", film.resources[0].uri)
-        self.assertEqual([("/a.srt", ""), ("http://h/b.srt", "text/srt")], [(s.uri, s.format) for s in film.subtitles])
+        self.assertEqual([("http://h/b.srt", "srt"), ("/a.srt", "srt")], [(s.uri, s.format) for s in film.subtitles])
         self.assertEqual((True, 0, "8"), (folder.is_container, folder.number(upnp.EntryTag.ChildCount), folder.id))
         self.assertIsNone(folder.choose(None))
         self.assertEqual([], list(upnp.browse("")))
