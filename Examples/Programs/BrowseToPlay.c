@@ -25,7 +25,7 @@ static void Play(const Renderer* aRenderer, zoPackedData_t* anEntry, zoPackedDat
                  int aConfidence)
 {
     const char* theURI = CDSResourceInfo_GetInfoAsStr(aResources, anIndex, kCDSResourceInfo_URI);
-    char* theMetadata = UPnPDIDL_Get(anEntry, aResources, 1, 0, theURI);
+    char* theMetadata = UPnPDIDL_GetSendable(anEntry, aResources, 1, 1, theURI, NULL);
     char* thePicture = CDSResourceInfo_FetchThumbnailURI(aResources, anEntry, NULL, &aRenderer->mAddress,
                                                          aRenderer->mAddressCount, NULL);
     printf("  play %s%s\n", theURI, UPnPCPUtility_IsURIParentalLocked(theURI) ? ", once the user's code is known" : "");

@@ -19,7 +19,7 @@ import os
 import socket
 import sys
 import weakref
-from ctypes import byref, c_char_p, c_int, c_uint16, c_uint32, c_uint64, c_void_p
+from ctypes import byref, c_char_p, c_int, c_size_t, c_uint16, c_uint32, c_uint64, c_void_p
 from enum import IntEnum
 from functools import cached_property
 from pathlib import Path
@@ -31,14 +31,12 @@ LIBRARY = "libUPnPUtilities.so.0.1"
 
 class EntryTag(IntEnum):
     """Fields of an object, for `MediaObject.text` and `MediaObject.number`."""
-
     Title, Creator, Date, Genre, Album, ParentID = 0, 1, 2, 3, 4, 5
     ChildCount, ItemID, ItemClassName, ChannelNr, RefID = 8, 9, 10, 11, 15
 
 
 class ResourceTag(IntEnum):
     """Fields of a resource."""
-
     URI, ProtocolInfo, Resolution, Duration, BitRate, Size, AudioChannelCount = 0, 1, 2, 3, 4, 6, 11
 
 
@@ -48,12 +46,11 @@ class Confidence(IntEnum):
 
 
 class DIDLError(ValueError):
-    """The text's tags don't match."""
+    """The text's tags don't match; tells where, and what is wrong."""
 
 
 class Resource(NamedTuple):
     """A res element; what the server doesn't tell is None or ""."""
-
     position: int  # among the resources of its object, from 0
     uri: str
     protocol_info: str
@@ -68,7 +65,6 @@ class Resource(NamedTuple):
 
 class Subtitle(NamedTuple):
     """Subtitles of a video."""
-
     uri: str
     format: str  # "srt"; "" when it is not told
     label: str  # for the user: "English"
@@ -76,7 +72,6 @@ class Subtitle(NamedTuple):
 
 class Choice(NamedTuple):
     """The resource that suits a renderer best."""
-
     resource: Resource
     confidence: Confidence
 
@@ -109,7 +104,8 @@ _FUNCTIONS: dict[str, tuple[Any, list[Any]]] = {
     "CDSResourceInfo_ChooseResource": (c_int, [c_void_p, c_void_p, c_int, c_char_p, c_void_p, c_uint32, c_void_p]),
     "CDSResourceInfo_FetchThumbnailURI": (c_void_p, [c_void_p, c_void_p, c_char_p, c_void_p, c_uint32, c_void_p]),
     "CDSResourceInfo_FetchAlbumArtURI": (c_void_p, [c_void_p, c_char_p, c_void_p, c_uint32, c_void_p]),
-    "UPnPDIDL_Get": (c_void_p, [c_void_p, c_void_p, c_int, c_int, c_char_p]),
+    "UPnPDIDL_FindError": (c_void_p, [c_char_p, c_size_t, c_void_p, c_void_p]),
+    "UPnPDIDL_GetSendable": (c_void_p, [c_void_p, c_void_p, c_int, c_int, c_char_p, c_void_p]),
     "UPnPDIDLDocument_New": (c_void_p, [c_char_p, c_char_p]),
     "UPnPDIDLDocument_NextObject": (c_int, [c_void_p, c_void_p, c_void_p, c_void_p]),
     "UPnPDIDLDocument_Delete": (None, [c_void_p]),
@@ -133,7 +129,7 @@ def _decode(text: bytes) -> str:
 
 def _take(text: int) -> str:
     """A text that the library gave out as new."""
-    result = _decode(ctypes.string_at(text))
+    result = _decode(ctypes.string_at(text) if text else b"")
     _lib.free(text)
     return result
 
@@ -253,10 +249,10 @@ class MediaObject:
         return None if index < 0 else Choice(self.resources[index], Confidence(confidence.value))
 
     def metadata(self, resource: Optional[Resource] = None) -> str:
-        """DIDL-Lite of this object, to be sent along with a resource's URI; that resource comes first in it."""
+        """DIDL-Lite of this object that strict readers take, to be sent with a resource's URI: that one comes first."""
         where = (self._resources, resource.position, ResourceTag.URI) if resource else None
         selected = _lib.CDSResourceInfo_GetInfoAsStr(*where) if where else None
-        return _take(_lib.UPnPDIDL_Get(self._entry, self._resources, 1, 1, selected))
+        return _take(_lib.UPnPDIDL_GetSendable(self._entry, self._resources, 1, 1, selected, None))
 
 
 def browse(result: Union[str, bytes], base_url: Optional[str] = None) -> Iterator[MediaObject]:
@@ -270,7 +266,9 @@ def browse(result: Union[str, bytes], base_url: Optional[str] = None) -> Iterato
     url = base_url.encode() if base_url else None  # has to outlive the document, as the text has
     document = _lib.UPnPDIDLDocument_New(text, url)
     if not document:
-        raise DIDLError("the tags of the Browse answer don't match")
+        line, column = c_uint32(), c_uint32()
+        reason = _take(_lib.UPnPDIDL_FindError(text, len(text) - 1, byref(line), byref(column)))
+        raise DIDLError(f"line {line.value}, column {column.value}: {reason}")
     try:
         while True:
             entry, resources, kind = c_void_p(), c_void_p(), c_int()

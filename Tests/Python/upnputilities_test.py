@@ -8,6 +8,7 @@ import struct
 import sys
 import unittest
 from pathlib import Path
+from xml.etree import ElementTree
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "Examples/Python"))
@@ -58,8 +59,9 @@ class ModuleTest(unittest.TestCase):
         self.assertEqual((True, 0, "8"), (folder.is_container, folder.number(upnp.EntryTag.ChildCount), folder.id))
         self.assertIsNone(folder.choose(None))
         self.assertEqual([], list(upnp.browse("")))
-        with self.assertRaises(upnp.DIDLError):
-            list(upnp.browse("<DIDL-Lite><item></DIDL-Lite>"))
+        with self.assertRaisesRegex(upnp.DIDLError, "^line 2, column 1: .*DIDL-Lite"):
+            list(upnp.browse("<DIDL-Lite><item>\n</DIDL-Lite>"))
+        self.assertIn("A \ufffd film", "".join(ElementTree.fromstring(film.metadata()).itertext()))  # strict
 
     def test_agrees_with_the_headers(self) -> None:
         header = (ROOT / "Libs/Internal/UPnP/Utilities/UPnPConst.h").read_text()
