@@ -27,7 +27,7 @@ const uint32 kNone = 0xFFFFFFFF;
 struct Entry
 {
     const zoDLNAProtocolInfo_t* mInfo;
-    uint32 mMimeType;   // hashes
+    uint32 mMimeType;   // hashes; this one is also of the rarest parameter, if there are any
     uint32 mProfile;    // 0 without a profile, and only then
     uint32 mProtocol;   // 0 for "*", and only then
     uint32 mNetwork;    // as mProtocol
@@ -100,6 +100,7 @@ struct ProtocolInfo::MatchIndex
     uint64* mParameterHashes; // of all elements, each once
     uint32 mParameterHashCount;
     ParameterSet* mSets;
+    uint32 mSetCount;
     uint32* mNumbers; // of all sets
 };
 
@@ -241,6 +242,32 @@ static ParameterSet ReadSet(const MatchIndex* anIndex, string_view aParameters, 
     return theSet;
 }
 
+// The hash of a MIME type and a parameter by its number.
+static uint32 WithParameter(uint32 aMimeType, uint32 aParameter) { return aMimeType ^ (aParameter + 1) * 0x9E3779B1u; }
+
+// Adds to each element's hash that one of its parameters which the fewest elements have: a protocol info without it is
+// not compared with the element, however many elements have other parameters.
+static void AddRarestParameters(MatchIndex* anIndex)
+{
+    uint32* theCounts = Shared::NewZeroedArray<uint32>(anIndex->mParameterHashCount);
+    for (uint32 i = 0; i < anIndex->mSetCount; ++i)
+    {
+        for (uint32 k = 0; k < anIndex->mSets[i].mCount; ++k)
+            ++theCounts[anIndex->mSets[i].mNumbers[k]];
+    }
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        Entry* theEntry = &anIndex->mEntries[i];
+        if (theEntry->mParameters == kNone) { continue; }
+        const ParameterSet& theSet = anIndex->mSets[theEntry->mParameters];
+        const uint32* theRarest =
+            std::min_element(theSet.mNumbers, theSet.mNumbers + theSet.mCount,
+                             [=](uint32 aLeft, uint32 aRight) { return theCounts[aLeft] < theCounts[aRight]; });
+        theEntry->mMimeType = WithParameter(theEntry->mMimeType, *theRarest);
+    }
+    free(theCounts);
+}
+
 static void AddParameterSets(MatchIndex* anIndex)
 {
     uint32 theParameterCount = 0;
@@ -252,6 +279,7 @@ static void AddParameterSets(MatchIndex* anIndex)
         anIndex->mEntries[i].mParameters = theCount > 0 ? theSetCount++ : kNone;
     }
     if (theSetCount == 0) { return; }
+    anIndex->mSetCount = theSetCount;
     CollectParameters(anIndex, theParameterCount);
     anIndex->mSets = Shared::NewArray<ParameterSet>(theSetCount);
     anIndex->mNumbers = Shared::NewArray<uint32>(theParameterCount);
@@ -264,6 +292,7 @@ static void AddParameterSets(MatchIndex* anIndex)
         anIndex->mSets[theEntry.mParameters] = theSet;
         theNumbers += theSet.mCount;
     }
+    AddRarestParameters(anIndex);
 }
 
 static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
@@ -355,10 +384,10 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
     theIndex->mEntries = Shared::NewArray<Entry>(theIndex->mCount);
     for (uint32 i = 0; i < theIndex->mCount; ++i)
         theIndex->mEntries[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
+    AddParameterSets(theIndex);
     SortEntries(theIndex);
     theIndex->mMimeTypes = NewHashTable(theIndex->mCount, MimeTypeAt(theIndex));
     theIndex->mProfiles = NewHashTable(theIndex->mCount, ProfileAt(theIndex));
-    AddParameterSets(theIndex);
     const zoDLNAProtocolInfo_t* theFirst = theIndex->mEntries[0].mInfo;
     theIndex->mfHasOneTransport = std::all_of(theIndex->mEntries, theIndex->mEntries + theIndex->mCount,
                                               [theFirst](const Entry& anEntry)
@@ -428,10 +457,12 @@ private:
     bool Matches(const Entry& anEntry);
     bool ProfileMayMatch(const Entry& anEntry);
     bool TransportMayMatch(const Entry& anEntry);
+    const ParameterSet& GetSet();
     bool HasParametersOf(const Entry& anEntry);
     uint32 GetProfile();
     bool MatchesProfiles();
     bool MatchesAmong(bool afAnyProfile, uint32 aProfile);
+    bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesMimeType();
     bool MatchesWildCards();
 
@@ -481,9 +512,8 @@ bool Query::TransportMayMatch(const Entry& anEntry)
     return fMayMatch(anEntry.mProtocol, mProtocol) && fMayMatch(anEntry.mNetwork, mNetwork);
 }
 
-bool Query::HasParametersOf(const Entry& anEntry)
+const ParameterSet& Query::GetSet()
 {
-    if (anEntry.mParameters == kNone || (mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return true; }
     if (!mfHasSet)
     {
         mfHasSet = true;
@@ -491,7 +521,13 @@ bool Query::HasParametersOf(const Entry& anEntry)
         if (theCount > std::size(mFewNumbers)) { mAllocatedNumbers = Shared::NewArray<uint32>(theCount); }
         mSet = ReadSet(mIndex, mInfo->mMimeParameters, mAllocatedNumbers ? mAllocatedNumbers : mFewNumbers);
     }
-    return mIndex->mSets[anEntry.mParameters].IsCoveredBy(mSet);
+    return mSet;
+}
+
+bool Query::HasParametersOf(const Entry& anEntry)
+{
+    return anEntry.mParameters == kNone || (mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck) ||
+           mIndex->mSets[anEntry.mParameters].IsCoveredBy(GetSet());
 }
 
 bool Query::Matches(const Entry& anEntry)
@@ -514,25 +550,37 @@ bool Query::MatchesProfiles()
     return false;
 }
 
-// Looks at the elements of the MIME type: at all of them or at those of one profile, of 0 at those without one.
-bool Query::MatchesAmong(bool afAnyProfile, uint32 aProfile)
+// Looks at the elements of one hash of the MIME type: at all of them or at those of one profile, of 0 at those without
+// one.
+bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
 {
-    const uint32 theFirst = mIndex->mMimeTypes.Find(mMimeType, MimeTypeAt(mIndex));
+    const uint32 theFirst = mIndex->mMimeTypes.Find(aMimeType, MimeTypeAt(mIndex));
     if (theFirst == kNone) { return false; }
     const Entry* theEnd = mIndex->mEntries + mIndex->mCount;
     const Entry* theEntry = mIndex->mEntries + theFirst;
     if (!afAnyProfile && aProfile != theEntry->mProfile)
     {
         theEntry = std::lower_bound(theEntry, theEnd, aProfile,
-                                    [theMimeType = mMimeType](const Entry& anEntry, uint32 aLeast)
-                                    { return anEntry.mMimeType == theMimeType && anEntry.mProfile < aLeast; });
+                                    [aMimeType](const Entry& anEntry, uint32 aLeast)
+                                    { return anEntry.mMimeType == aMimeType && anEntry.mProfile < aLeast; });
     }
-    for (; theEntry < theEnd && theEntry->mMimeType == mMimeType; ++theEntry)
+    for (; theEntry < theEnd && theEntry->mMimeType == aMimeType; ++theEntry)
     {
         if (!afAnyProfile && theEntry->mProfile != aProfile) { return false; }
         if (Matches(*theEntry)) { return true; }
     }
     return false;
+}
+
+// Looks at the elements of the MIME type without parameters, and at those with one of the protocol info's.
+bool Query::MatchesAmong(bool afAnyProfile, uint32 aProfile)
+{
+    if (MatchesAmong(mMimeType, afAnyProfile, aProfile)) { return true; }
+    if (!mIndex->mSets || !mInfo->mMimeParameters.data()) { return false; }
+    const ParameterSet& theSet = GetSet();
+    return std::any_of(theSet.mNumbers, theSet.mNumbers + theSet.mCount,
+                       [=](uint32 aNumber)
+                       { return MatchesAmong(WithParameter(mMimeType, aNumber), afAnyProfile, aProfile); });
 }
 
 bool Query::MatchesMimeType()
