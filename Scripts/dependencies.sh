@@ -18,6 +18,7 @@ has_package() {
     g++-arm-linux-gnueabihf | g++-mips-linux-gnu) command -v "${1#g++-}-g++" ;;
     qemu-user) command -v qemu-arm && command -v qemu-mips ;;
     libcli11-dev) [ -e /usr/include/CLI/CLI.hpp ] ;;
+    python3-jsonschema) python3 -c 'import jsonschema' ;;
     rapidjson-dev) [ -e /usr/include/rapidjson/rapidjson.h ] ;;
     googletest) [ -e /usr/src/googletest/googletest/include/gtest/gtest.h ] ;;
     libbenchmark-dev) [ -e /usr/include/benchmark/benchmark.h ] ;;

@@ -83,7 +83,7 @@ def main():
     for document in DOCUMENTS:
         check("show", "shownObject", ["show", document])
         for sink in SINKS:
-            check("select", "selectedObject", ["select", document, "--all", "--sink-file", sink])
+            check("select", "selectedObject", ["select", document, "--all", "--raw", "--sink-file", sink])
     shown = check("show", "shownObject", ["show", "-"], ODD)
     selected = check("select", "selectedObject",
                      ["select", "-", "--pin", "1", "--sink", "http-get:*:*:*", "--all", "--target", "10.0.0.1"], ODD)

@@ -46,7 +46,7 @@ TEST(ToolGroupTest, RefusesInOneLine)
         { { "group", "store", "-", "M", "/dev/null" }, "standard input: no well-formed groupInfo", kCapability },
         { { "group", "load", "-", "M" }, "no complete group in section \"M\"", "[M]\nGroup.UDN=a\n", 1 },
         { { "group", "load", "/dev/null/a", "M" }, "/dev/null/a: " },
-        { { "group", "show", "-" }, "not well-formed", "<a>" },
+        { { "group", "show", "-" }, "standard input:2:1: end tag </b> where </a> was expected", "<a>\n</b>" },
         { { "group", "show", "-" }, "neither groupInfo nor groupCapabilities", "<a/>", 1 },
         { { "group", "show", "-" }, "no groupCapability", "<groupCapabilities/>", 1 },
         { { "group", "show", "-" }, "Found an invalid", "<groupCapabilities><groupCapability/></groupCapabilities>" },

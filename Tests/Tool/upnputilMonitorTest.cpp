@@ -4,6 +4,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <utility>
 
 namespace
 {
@@ -12,7 +13,7 @@ namespace
 class RunningMonitor
 {
 public:
-    RunningMonitor()
+    explicit RunningMonitor(const char* anOption = nullptr)
     {
         int theEnds[2];
         EXPECT_EQ(0, pipe(theEnds));
@@ -21,7 +22,7 @@ public:
         {
             dup2(theEnds[1], STDOUT_FILENO);
             close(theEnds[0]);
-            execl(TEST_TOOL, TEST_TOOL, "monitor", nullptr);
+            execl(TEST_TOOL, TEST_TOOL, "monitor", anOption, nullptr);
             _exit(127);
         }
         close(theEnds[1]);
@@ -47,13 +48,23 @@ public:
     // @return the exit status, -1 when the signal killed it.
     int EndBy(int aSignal)
     {
-        int theStatus = 0;
         kill(mChild, aSignal);
+        return End();
+    }
+    int EndWithoutReader()
+    {
+        close(std::exchange(mOutput, -1));
+        return End();
+    }
+
+private:
+    int End() const
+    {
+        int theStatus = 0;
         waitpid(mChild, &theStatus, 0);
         return WIFEXITED(theStatus) ? WEXITSTATUS(theStatus) : -1;
     }
 
-private:
     pid_t mChild;
     int mOutput;
 };
@@ -69,6 +80,14 @@ TEST(ToolMonitorTest, EndsCleanlyWhenInterrupted)
         EXPECT_EQ(0, theMonitor.EndBy(theSignal));
         EXPECT_EQ("\n", theMonitor.ReadTo(" "));
     }
+}
+
+// By SIGPIPE, although it has nothing to write.
+TEST(ToolMonitorTest, EndsWithItsReader)
+{
+    RunningMonitor theMonitor;
+    theMonitor.ReadTo("addresses: ");
+    EXPECT_EQ(-1, theMonitor.EndWithoutReader());
 }
 
 TEST(ToolMonitorTest, PrintsTheAddressesThatCount)
@@ -100,12 +119,16 @@ TEST(ToolMonitorTest, PrintsChanges)
         []
         {
         ASSERT_TRUE(AddAddress("192.0.2.7", "lo:1"));
-        RunningMonitor theMonitor;
+        RunningMonitor theMonitor, theLines("--json-lines");
         EXPECT_NE(std::string::npos, theMonitor.ReadTo("addresses: ").find("\naddress 1: 192.0.2.7\n"));
+        theLines.ReadTo("{\"addresses\"");
         ASSERT_TRUE(SetInterfaceUp("lo:1", false) && AddAddress("192.0.2.8", "lo:2"));
         const std::string theLine = theMonitor.ReadTo("change 0: ");
         EXPECT_NE(std::string::npos, theLine.find("Z, added 192.0.2.8, removed 192.0.2.7\n")) << theLine;
         EXPECT_EQ(0, theMonitor.EndBy(SIGINT));
+        const std::string theJSON = theLines.ReadTo("{\"time\":\"20");
+        EXPECT_NE(std::string::npos, theJSON.find("Z\",\"added\":[\"192.0.2.8\"],\"removed\":[\"192.0.2.7\"]}\n"));
+        EXPECT_EQ(0, theLines.EndBy(SIGINT));
     });
 }
 

@@ -6,7 +6,9 @@
 #include <UPnP/Stack/ILibString.h>
 #include <UPnP/Stack/ILibXML.h>
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
+#include <UPnP/Utilities/UPnPUtility.h>
 #include <memory>
+#include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoConfigFile.h>
 
@@ -57,6 +59,15 @@ private:
 };
 
 } // namespace
+
+// Says what in a text is not well-formed, and where.
+static int FailToRead(const std::vector<char>& aText, const std::string& anInput)
+{
+    uint32 theLine = 0, theColumn = 0;
+    const std::unique_ptr<char, decltype(&free)> theReason(
+        UPnPUtil_FindXMLError(aText.data(), aText.size() - 1, &theLine, &theColumn), free);
+    return Fail(PlaceText(anInput, theLine, theColumn) + (theReason ? theReason.get() : "not well-formed"));
+}
 
 // ---- Show ----
 
@@ -149,7 +160,7 @@ static int ShowGroup(const Arguments& anArguments, Output& anOutput)
     if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
     bool fIsWellFormed = false;
     const int theRoot = FindRoot(theText, kRoots, &fIsWellFormed);
-    if (!fIsWellFormed) { return Fail(theInput + ": tags that are not well-formed"); }
+    if (!fIsWellFormed) { return FailToRead(theText, theInput); }
     if (theRoot < 0) { return FailToFind(theInput + ": neither groupInfo nor groupCapabilities"); }
     return (theRoot == 0 ? PrintGroup : PrintCapabilities)(theText.data(), theInput, anOutput);
 }

@@ -12,6 +12,12 @@ static const size_t kPieceSize = 65536;
 
 std::string InputName(const std::string& aPath) { return aPath == "-" ? "standard input" : aPath; }
 
+std::string PlaceText(const std::string& anInputName, unsigned aLine, unsigned aColumn)
+{
+    if (aLine == 0) { return anInputName + ": "; }
+    return anInputName + ":" + std::to_string(aLine) + ":" + std::to_string(aColumn) + ": ";
+}
+
 static bool Refuse(const std::string& aPath, const std::string& aReason)
 {
     Fail(InputName(aPath) + ": " + aReason);

@@ -34,7 +34,13 @@ static int Help(const Arguments& anArguments, Output& anOutput)
 
 int main(int argc, char** argv)
 {
-    const LogReceiver theReceiver([](const std::string& aMessage) { Say("warning: " + aMessage); });
+    std::string theWarning; // the last one: that of an object is often that of the next
+    const LogReceiver theReceiver(
+        [&theWarning](const std::string& aMessage)
+        {
+        if (aMessage != theWarning) { Say("warning: " + aMessage); }
+        theWarning = aMessage;
+    });
     try
     {
         Output theOutput;

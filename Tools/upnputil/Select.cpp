@@ -27,6 +27,7 @@ static const Usage kUsage = {
         { "--profiles", "LIST", false, "profiles of thumbnails, best first (default: JPEG_TN,PNG_TN)" },
         { "--prefer-original", nullptr, false, "converted resources only when the renderer may play no other" },
         { "--all", nullptr, false, "tell of each resource how well it suits, and why it was not chosen" },
+        { "--raw", nullptr, false, "print the metadata as the object has it, too, even if it can't be sent" },
         { "--pin", "CODE", false, "parental code that unlocks the resource's URI" },
     },
 };
@@ -45,6 +46,7 @@ struct Request
     const char* mPin;
     int mFlags; // kCDSResourceChoice_*
     bool mfAll;
+    bool mfRaw;
 
     uint32 TargetCount() const { return static_cast<uint32>(mTargets.size()); }
 };
@@ -96,6 +98,7 @@ static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aS
     aRequest.mFlags =
         anArguments.Get("--prefer-original") ? kCDSResourceChoice_PreferOriginals : kCDSResourceChoice_Default;
     aRequest.mfAll = anArguments.Get("--all") != nullptr;
+    aRequest.mfRaw = anArguments.Get("--raw") != nullptr;
     *aStatus = kExit_Bad;
     std::string theText = theSink ? theSink : "";
     if (theSinkFile && !ReadSinkFile(theSinkFile, theText)) { return false; }
@@ -145,11 +148,44 @@ static void PrintChoice(CDSResourceInfo& aResources, int aChoice, int aConfidenc
     anOutput.FactIfAny("protocol info", aResources.GetInfoAsCString(theIndex, kCDSResourceInfo_ProtocolInfo).c_str());
 }
 
-static void PrintMetadata(MediaObject& anObject, const zoCString& aURI, Output& anOutput)
+static std::string CountText(uint32 aCount, const char* aThing, const char* aWhat)
 {
-    char* theText = UPnPDIDL_Get(anObject.mEntry.mPackedData, anObject.mResources.mPackedData, 1, 1, aURI.c_str());
-    anOutput.Fact("didl-lite", theText);
-    free(theText);
+    if (aCount == 0) { return ""; }
+    return ", " + std::to_string(aCount) + " " + aThing + (aCount == 1 ? " " : "s ") + aWhat;
+}
+
+static std::string RepairsText(const UPnPDIDLRepairs_t& aRepairs)
+{
+    std::string theText = CountText(aRepairs.mReplaced, "character", "replaced") +
+                          CountText(aRepairs.mPairsLeftOut, "pair", "left out") +
+                          CountText(aRepairs.mDeclarationsLeftOut, "declaration", "left out") +
+                          CountText(aRepairs.mDeclarationsAdded, "declaration", "added");
+    return theText.empty() ? "yes" : "no" + theText;
+}
+
+static void PrintRepairs(const UPnPDIDLRepairs_t& aRepairs, Output& anOutput)
+{
+    const std::string theText = RepairsText(aRepairs);
+    anOutput.Fact("sendable", theText, theText == "yes");
+    anOutput.InJSON("characters replaced", aRepairs.mReplaced);
+    anOutput.InJSON("pairs left out", aRepairs.mPairsLeftOut);
+    anOutput.InJSON("declarations left out", aRepairs.mDeclarationsLeftOut);
+    anOutput.InJSON("declarations added", aRepairs.mDeclarationsAdded);
+}
+
+// Prints what can be sent, and on request what the records say.
+static void PrintMetadata(MediaObject& anObject, const zoCString& aURI, const Request& aRequest, Output& anOutput)
+{
+    typedef std::unique_ptr<char, decltype(&free)> Text;
+    zoPackedData_t* theEntry = anObject.mEntry.mPackedData;
+    zoPackedData_t* theResources = anObject.mResources.mPackedData;
+    UPnPDIDLRepairs_t theRepairs;
+    const Text theText(UPnPDIDL_GetSendable(theEntry, theResources, 1, 1, aURI.c_str(), &theRepairs), free);
+    PrintRepairs(theRepairs, anOutput);
+    anOutput.Fact("didl-lite", theText.get());
+    if (!aRequest.mfRaw) { return; }
+    const Text theRawText(UPnPDIDL_Get(theEntry, theResources, 1, 1, aURI.c_str()), free);
+    anOutput.Fact("raw didl-lite", theRawText.get());
 }
 
 static std::string HostText(const CDSResourceReport_t& aReport, bool afHasTargets)
@@ -164,7 +200,7 @@ static std::string HostText(const CDSResourceReport_t& aReport, bool afHasTarget
 static std::string ReportText(const CDSResourceReport_t& aReport, bool afHasTargets)
 {
     const bool fIsChosen = aReport.mReason == kCDSResourceReason_Chosen;
-    const std::string theOutcome =
+    std::string theOutcome =
         fIsChosen ? "chosen" : std::string("not chosen: ") + CDSResourceInfo_GetReasonText(aReport.mReason);
     if (aReport.mStage == kCDSResourceStage_None) { return theOutcome; }
     const std::string theStage = aReport.mfHasProtocolInfo
@@ -231,11 +267,11 @@ static bool PrintSelection(const DocumentObject& anObject, Request& aRequest, Ou
         const zoCString theURI =
             theRecords.mResources.GetInfoAsCString(static_cast<uint32>(theChoice), kCDSResourceInfo_URI);
         PrintLock(theURI, aRequest.mPin, anOutput);
-        PrintMetadata(theRecords, theURI, anOutput);
+        PrintMetadata(theRecords, theURI, aRequest, anOutput);
         return true;
     }
     const bool fHasMetadataOnly = anObject.IsContainer() && theRecords.mResources.GetResourceCount() == 0;
-    if (fHasMetadataOnly) { PrintMetadata(theRecords, "", anOutput); }
+    if (fHasMetadataOnly) { PrintMetadata(theRecords, "", aRequest, anOutput); }
     return fHasMetadataOnly;
 }
 
@@ -278,7 +314,7 @@ static int PrintObjects(Document& aDocument, const char* aWanted, const std::str
     {
         return FailToFind(aName + ": no object" + (aWanted ? std::string(" ") + aWanted : ""));
     }
-    return theInvalid.Report(aName, fIsOneUseful ? kExit_Done : kExit_NotFound);
+    return theInvalid.Report(aDocument, fIsOneUseful ? kExit_Done : kExit_NotFound);
 }
 
 static int Select(const Arguments& anArguments, Output& anOutput)
@@ -288,9 +324,9 @@ static int Select(const Arguments& anArguments, Output& anOutput)
     if (!ReadRequest(anArguments, theRequest, &theStatus)) { return theStatus; }
     std::vector<char> theText;
     if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
-    Document theDocument(std::move(theText), nullptr);
     const std::string theName = InputName(anArguments.Operand());
-    if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
+    Document theDocument(std::move(theText), theName, nullptr);
+    if (!theDocument.IsWellFormed()) { return Fail(theDocument.DescribeError()); }
     return PrintObjects(theDocument, anArguments.Get("--object"), theName, theRequest, anOutput);
 }
 

@@ -261,9 +261,9 @@ static int Show(const Arguments& anArguments, Output& anOutput)
 
     std::vector<char> theText;
     if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
-    Document theDocument(std::move(theText), theBaseURL);
     const std::string theName = InputName(anArguments.Operand());
-    if (!theDocument.GetFault().empty()) { return Fail(theName + ": " + theDocument.GetFault()); }
+    Document theDocument(std::move(theText), theName, theBaseURL);
+    if (!theDocument.IsWellFormed()) { return Fail(theDocument.DescribeError()); }
     Progress theProgress("objects");
     InvalidObjects theInvalid;
     size_t theCount = 0;
@@ -281,7 +281,7 @@ static int Show(const Arguments& anArguments, Output& anOutput)
     }
     if (theCount == 0) { return FailToFind(theName + ": no object"); }
     anOutput.InText("objects", std::to_string(theCount));
-    return theInvalid.Report(theName, kExit_Done);
+    return theInvalid.Report(theDocument, kExit_Done);
 }
 
 const Subcommand kShow = { "show", "print every field of every object of a DIDL-Lite document", &kUsage, Show };
