@@ -29,7 +29,7 @@ struct KnownNamespace
     std::string_view mDeclaration;
 };
 
-constexpr KnownNamespace kKnown[] = {
+const KnownNamespace kKnown[] = {
     { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
     { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
     { Repairer::kDefault, "", InHeader("xmlns=\"") },
