@@ -107,8 +107,10 @@ void CheckMatch(const List& aList, const Texts& aTexts, const zoDLNAProtocolInfo
     const bool fIsWhole = theLong.Count() == 17 * static_cast<int>(aTexts.size());
     const int kFlags = 0x20;
     bool fMatches[kFlags] = {};
+    int theWays[kFlags] = {};
     for (int theFlags = 0; theFlags < kFlags; ++theFlags)
     {
+        theWays[theFlags] = theFlags;
         fMatches[theFlags] = zoDLNAProtocolInfoList_Match(aList.mList, anInfo, theFlags) != 0;
         Require(!zoDLNAProtocolInfoList_Match(theNone.mList, anInfo, theFlags), "an empty list matches nothing");
         const bool fAnyMatches = std::any_of(theSingles.begin(), theSingles.end(),
@@ -121,6 +123,12 @@ void CheckMatch(const List& aList, const Texts& aTexts, const zoDLNAProtocolInfo
     }
     for (int theFlags = 0; theFlags < kFlags; ++theFlags)
     {
+        const size_t theCount = static_cast<size_t>(kFlags - theFlags);
+        const size_t theFirst =
+            static_cast<size_t>(std::find(fMatches + theFlags, fMatches + kFlags, true) - (fMatches + theFlags));
+        Require(!fIsWhole ||
+                    zoDLNAProtocolInfoList_FindMatch(theLong.mList, anInfo, theWays + theFlags, theCount) == theFirst,
+                "several ways of comparing are tried in their order");
         for (int theFlag = 1; theFlag < kFlags; theFlag <<= 1)
         {
             const bool fNarrows = theFlag == kzoDLNAProtocolInfoMatch_ProfileNotNULL;

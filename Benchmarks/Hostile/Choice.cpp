@@ -220,6 +220,10 @@ void AddChoiceShapes(Shapes& aShapes)
                   "" });
         }
     }
+    theChoices.push_back({ "list of one MIME type with one of a resource's 500 parameters and another",
+                           { "u#", "http-get:*:a/b" + Parameters("p", 500) + ":*" },
+                           Repeat("http-get:*:a/b;p#=1;other#=1:*"),
+                           "" });
     theChoices.push_back({ "similar MIME types",
                            { "u#", "http-get:*:a/" + std::string(100, 'x') + "^~^~^~^~^~^:*" },
                            [](size_t aSize) { return SimilarTypes(std::min<size_t>(2048, aSize / 130)); },

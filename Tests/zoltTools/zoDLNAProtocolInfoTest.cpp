@@ -171,6 +171,14 @@ TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
         const List theLongList = NewList(theList + theOthers);
         EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(theElements, theInfo, theFlags)) << theList << '/' << theText;
         EXPECT_EQ(fMatches, zoDLNAProtocolInfoList_Match(theLongList, theInfo, theFlags)) << theList << '/' << theText;
+        for (int i = 0; i < 0x400; ++i) // what one way of comparing finds out is kept for the next
+        {
+            const int theWays[] = { i & 0x1F, i >> 5 };
+            size_t theFirst = 0;
+            while (theFirst < 2 && !zoDLNAProtocolInfoList_Match(theLongList, theInfo, theWays[theFirst]))
+                ++theFirst;
+            EXPECT_EQ(theFirst, zoDLNAProtocolInfoList_FindMatch(theLongList, theInfo, theWays, 2)) << theList << i;
+        }
         if (zoDLNAProtocolInfoList_GetCount(theElements) != 1) { continue; }
         zoDLNAProtocolInfo_t* theElement = zoDLNAProtocolInfoList_GetProtocolInfoAt(theElements, 0);
         EXPECT_EQ(fMatches, zoDLNAProtocolInfo_Match(theElement, theInfo, theFlags)) << theList;
