@@ -57,10 +57,18 @@ struct ParameterSet
     const uint32* mNumbers; // in the array of the index
     uint32 mCount;
 
+    // Takes little time when one set is much larger than the other, too.
     bool IsCoveredBy(const ParameterSet& anOther) const
     {
-        return mFingerprint.IsCoveredBy(anOther.mFingerprint) &&
-               std::includes(anOther.mNumbers, anOther.mNumbers + anOther.mCount, mNumbers, mNumbers + mCount);
+        if (!mFingerprint.IsCoveredBy(anOther.mFingerprint)) { return false; }
+        const uint32* theEnd = anOther.mNumbers + anOther.mCount;
+        const uint32* thePosition = anOther.mNumbers;
+        return std::all_of(mNumbers, mNumbers + mCount,
+                           [&](uint32 aNumber)
+                           {
+            thePosition = std::lower_bound(thePosition, theEnd, aNumber);
+            return thePosition != theEnd && *thePosition == aNumber;
+        });
     }
 };
 
