@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
-"""The Python module against the built library: upnputilities_test.py, with UPNPUTILITIES_LIBRARY set. Exits with 77 where
-this Python can't load it, being of another word size."""
+"""The Python module against the built library, which UPNPUTILITIES_LIBRARY names. Exits with 77 where this Python can't load
+it, being of another word size."""
+
+from __future__ import annotations
 
 import gc
 import re
@@ -25,8 +27,36 @@ BROWSE = (ROOT / "Tests/Data/didl-multi/minidlna-generic-photo.xml").read_bytes(
 SINKS = (ROOT / "Tests/Data/sinks/handmade-dlna-tv.txt").read_text()
 VIDEO = b"""<DIDL-Lite><item id="7" parentID="5" restricted="1"><dc:title>A \xff film</dc:title>
 <res protocolInfo="http-get:*:video/mp4:*" size="5000000000" duration="1:00:01" bitrate="100"
-pv:subtitleFileType="srt" pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res><sec:CaptionInfoEx>http://h/b.srt
+pv:subtitleFileType="srt" pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res>
+<sec:CaptionInfoEx>http://h/b.srt
 </sec:CaptionInfoEx></item><item restricted="maybe"/><container id="8" childCount="0"/></DIDL-Lite>"""
+
+
+def escape(text: str) -> str:
+    """A value as the facts have it."""
+    return text.replace("\\", "\\\\").replace("\n", "\\n").replace("\r", "\\r").replace("\t", "\\t")
+
+
+def say(media: upnp.MediaObject, sinks: dict[str, upnp.SinkList], shown: str, chosen: str) -> dict[str, str]:
+    """What the module says of an object, as facts in the form of the expected ones."""
+    said = {f"show {shown}{key}": value for key, value in (
+        ("id", media.id), ("parent id", media.parent_id), ("title", media.title), ("class", media.media_class),
+        ("kind", "container" if media.is_container else "item"), ("resources", str(len(media.resources))))}
+    for r in media.resources:
+        said.update({f"show {shown}resource {r.position} {key}": str(value) for key, value in (
+            ("uri", r.uri), ("protocol info", r.protocol_info), ("resolution", r.resolution), ("size", r.size),
+            ("bit rate", r.bit_rate), ("audio channels", r.audio_channels))})
+    for name, list_ in sinks.items():
+        choice = media.choose(list_)
+        confidence = choice.confidence if choice else upnp.Confidence.WillNot
+        words = re.sub("(?<=[a-z])N", " n", confidence.name).lower()
+        said[f"{name} {chosen}confidence"] = f"{words} ({confidence.value})"
+        said[f"{name} {chosen}choice"] = str(choice.resource.position) if choice else "none"
+        said[f"{name} {chosen}uri"] = choice.resource.uri if choice else ""
+        said[f"{name} {chosen}mime type"] = choice.resource.mime_type if choice else ""
+    said[f"television {chosen}thumbnail"] = media.thumbnail()
+    said[f"television {chosen}album art"] = media.album_art()
+    return said
 
 
 class ModuleTest(unittest.TestCase):
@@ -48,6 +78,20 @@ class ModuleTest(unittest.TestCase):
         self.assertEqual((first.title, choice.resource.uri), (again.title, again.resources[0].uri))
         self.assertEqual(("", "http://10.77.0.2:8200/Resized/67.jpg?width=160,height=117"),
                          (first.album_art("JPEG_TN", "10.77.0.9"), first.thumbnail()))
+
+    def test_agrees_with_the_facts_of_real_documents(self) -> None:
+        sinks = {name: upnp.SinkList((ROOT / f"Tests/Data/sinks/{file}.txt").read_text()) for name, file in (
+            ("television", "handmade-dlna-tv"), ("player", "gmediarender"), ("streamer", "handmade-audio-streamer"))}
+        compared = 0
+        for facts in (ROOT / "Tests/Data").glob("didl*/*.expected"):
+            objects = list(upnp.browse(facts.with_suffix("").read_bytes()))
+            expected = [line.split(": ", 1) for line in facts.read_text().splitlines()]
+            for number, media in enumerate(objects):
+                said = say(media, sinks, f"object {number} ", f"object {number} " if len(objects) > 1 else "")
+                for key, value in (fact for fact in expected if fact[0] in said):
+                    compared += 1
+                    self.assertEqual(value, escape(said[key]), f"{facts.name}: {key}")
+        self.assertGreater(compared, 600)
 
     def test_reads_what_is_odd(self) -> None:
         film, folder = upnp.browse(VIDEO, "http://h:80/")
