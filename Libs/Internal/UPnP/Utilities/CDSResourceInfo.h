@@ -125,7 +125,8 @@ enum
 };
 
 /**
- * Chooses the resource that suits a renderer best, as CDSResourceInfo::GetBestResourceIndex says below.
+ * Chooses the resource that suits a renderer best, as CDSResourceInfo::GetBestResourceIndex says below. Why it is the
+ * one, and why the others are not, CDSResourceReport.h tells.
  * @param aSinkProtocolInfoList  what the renderer plays; NULL when that is unknown: everything matches then.
  * @param aFlags                 kCDSResourceChoice_* bits. With PreferOriginals the choice is made among the resources
  *                               that are not converted; if the renderer may not play what that gives (its confidence is
