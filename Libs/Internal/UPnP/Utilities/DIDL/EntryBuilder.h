@@ -17,6 +17,33 @@ namespace DIDL
     return aTarget + aLength + 1;
 }
 
+// What values take: the same calls as for EntryEnd count them.
+class EntrySize
+{
+public:
+    void AddText(uint16 /*aTag*/, std::string_view aText) { Add(uint64{ aText.size() } + 1); }
+    void AddMarkup(uint16 /*aTag*/, std::string_view aText) { Add(uint64{ aText.size() } + 1); } // at most
+    template <typename Number>
+    void AddNumber(uint16 /*aTag*/, Number aNumber)
+    {
+        Add(sizeof(aNumber));
+    }
+    void AddNoBytes(uint16 /*aTag*/) { Add(0); }
+
+    size_t GetCount() const { return mCount; }
+    uint64 GetSize() const { return mSize; }
+
+private:
+    void Add(uint64 aSize)
+    {
+        ++mCount;
+        mSize += aSize;
+    }
+
+    size_t mCount = 0;
+    uint64 mSize = 0;
+};
+
 // The end of an entry, where there is room for the values that are added. A local variable, so that the compiler keeps
 // it in registers.
 class EntryEnd
@@ -83,13 +110,15 @@ public:
     void AddBytes(uint16 aTag, const char* aBytes, size_t aSize);
     void AddText(uint16 aTag, std::string_view aText);
 
-    // Makes room for further values, which aAdd(EntryEnd*) adds. What would not fit a block is not added.
-    // @param aSize      at least the bytes of the values.
+    // Adds the values that aAdd adds to an EntrySize*, to make room for them, and then to an EntryEnd*. What would not
+    // fit a block is not added.
     // @param aResolver  NULL when there is nothing to resolve in them.
     template <typename Add>
-    void AddValues(size_t aCount, uint64 aSize, const EntityResolver* aResolver, Add aAdd)
+    void AddValues(const EntityResolver* aResolver, Add aAdd)
     {
-        if (!Reserve(aCount, aSize)) { return; }
+        EntrySize theSize;
+        aAdd(&theSize);
+        if (!Reserve(theSize.GetCount(), theSize.GetSize())) { return; }
         EntryEnd theEnd(mBytes, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount, aResolver);
         aAdd(&theEnd);
         mByteCount = static_cast<size_t>(theEnd.GetValue() - mBytes);

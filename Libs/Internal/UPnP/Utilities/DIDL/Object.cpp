@@ -89,21 +89,12 @@ static void ReadLastTexts(ObjectParser* aParser)
     if (!theDate->empty() && !IsDate(*theDate)) { *theDate = {}; }
 }
 
-// What the values take at most.
-static uint64 SizeOf(const EntryFields& aFields)
+template <typename End>
+static void AddFields(const ObjectParser& aParser, End* anEnd)
 {
-    uint64 theSize = kCDSEntryInfo_Count * sizeof(uint64); // numbers, and the NULs of texts
-    for (const std::string_view& theText : aFields.mTexts)
-        theSize += theText.size();
-    return theSize + aFields.mItemID.size() + aFields.mParentID.size() + aFields.mRefID.size() +
-           aFields.mBGMProtocolInfo.size() + aFields.mCreateClass.size() + aFields.mNamespaces.size();
-}
-
-static void AddFields(ObjectParser* aParser, EntryEnd* anEnd)
-{
-    const EntryFields& theFields = aParser->mFields;
+    const EntryFields& theFields = aParser.mFields;
     const std::string_view* theTexts = theFields.mTexts;
-    ILibXMLNode* const* theLast = aParser->mLast;
+    ILibXMLNode* const* theLast = aParser.mLast;
 
     anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title]);
     anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator]);
@@ -155,8 +146,7 @@ void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
     ReadLastTexts(aParser);
     aParser->mFields.mCreateClass = aParser->mCreateClass.Text();
     aParser->mFields.mNamespaces = aParser->mNamespaces.Text();
-    aParser->mEntry.AddValues(kCDSEntryInfo_Count, SizeOf(aParser->mFields), ResolverFor(*aParser),
-                              [aParser](EntryEnd* anEnd) { AddFields(aParser, anEnd); });
+    aParser->mEntry.AddValues(ResolverFor(*aParser), [aParser](auto* anEnd) { AddFields(*aParser, anEnd); });
     AddAlbumArt(aParser);
     *aData = aParser->mEntry.NewBlock();
     *aRes = zoPackedData_TakeData(aParser->mResources);

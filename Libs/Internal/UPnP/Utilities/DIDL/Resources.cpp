@@ -184,7 +184,8 @@ static void AddProtocolInfo(ObjectParser* aParser, std::string_view aProtocolInf
 }
 
 // The fields after those.
-static void AddFields(const Resource& aResource, EntryEnd* anEnd)
+template <typename End>
+static void AddFields(const Resource& aResource, End* anEnd)
 {
     anEnd->AddText(kCDSResourceInfo_Resolution, aResource.mResolution);
     anEnd->AddNumber(kCDSResourceInfo_Duration, aResource.mDuration);
@@ -208,11 +209,7 @@ void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttri
     AddURI(aParser, aNode);
     AddProtocolInfo(aParser, theResource.mProtocolInfo);
     const EntityResolver* theResolver = aParser->mResolver.IsObjectPlain() ? nullptr : &aParser->mResolver;
-    const uint64 theSize = kCDSResourceInfo_Count * sizeof(uint64) + // numbers, and the NULs of texts
-                           uint64{ theResource.mResolution.size() } + theResource.mIFOFileURI.size() +
-                           theResource.mImportURI.size() + theResource.mDTCPUploadInfo.size();
-    aParser->mResource.AddValues(kCDSResourceInfo_Count, theSize, theResolver,
-                                 [&](EntryEnd* anEnd) { AddFields(theResource, anEnd); });
+    aParser->mResource.AddValues(theResolver, [&theResource](auto* anEnd) { AddFields(theResource, anEnd); });
     aParser->mResource.Store(aParser->mResources);
 }
 
