@@ -72,7 +72,7 @@ static void PrintFamilyHelp(const Subcommand& aFamily, const std::string& aPath,
     for (char& theCharacter : theCapitals)
         theCharacter = static_cast<char>(theCharacter - 'a' + 'A');
     theKind[0] = theCapitals[0];
-    const std::string theCommand = Joined("upnputil", aPath);
+    const std::string theCommand = aPath.empty() ? "upnputil" : "upnputil " + aPath;
     anOutput.Text("Usage: " + Joined(theCommand, theCapitals) + " [ARGUMENT...]\n\n" + theKind + "s:\n");
     for (const Subcommand* theMember : aFamily.mMembers)
         anOutput.Row(theMember->mName, theMember->mSummary);

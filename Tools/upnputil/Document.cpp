@@ -98,6 +98,8 @@ void InvalidObjects::PrintHead(const DocumentObject& anObject, Output& anOutput)
 int InvalidObjects::Report(const Document& aDocument, int aStatus) const
 {
     if (mCount == 0) { return aStatus; }
-    const std::string theOthers = mCount == 1 ? "" : "; so are " + std::to_string(mCount - 1) + " more";
+    const std::string theOthers = mCount == 1   ? ""
+                                  : mCount == 2 ? "; so is one more"
+                                                : "; so are " + std::to_string(mCount - 1) + " more";
     return Fail(aDocument.DescribeInvalid(mFirst) + "; object " + std::to_string(mFirst) + " is invalid" + theOthers);
 }

@@ -60,6 +60,14 @@ private:
 
 } // namespace
 
+// ---- Reading ----
+
+enum
+{
+    kRoot_Info,
+    kRoot_Capabilities
+};
+
 // Says what in a text is not well-formed, and where.
 static int FailToRead(const std::vector<char>& aText, const std::string& anInput)
 {
@@ -69,19 +77,23 @@ static int FailToRead(const std::vector<char>& aText, const std::string& anInput
     return Fail(PlaceText(anInput, theLine, theColumn) + (theReason ? theReason.get() : "not well-formed"));
 }
 
-// ---- Show ----
-
-// Returns the index in aRoots of the name of the root element, -1 for another one.
-static int FindRoot(std::vector<char>& aText, const char** aRoots, bool* afWellFormed)
+// Reads a document of one of these kinds.
+static int ReadDocument(const std::string& aPath, std::vector<char>& aText, int* aRoot)
 {
+    static const char* kRoots[] = { "groupInfo", "groupCapabilities", nullptr }; // by kRoot_*
+    if (!ReadInput(aPath, aText)) { return kExit_Bad; }
     ILibXMLNode* theNodes = ILibParseXML(aText.data(), 0, aText.size() - 1);
-    *afWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
-    const int theRoot =
-        theNodes ? ILibString_FindSubStringInArray(theNodes->Name, static_cast<size_t>(theNodes->NameLength), aRoots)
+    const bool fIsWellFormed = ILibProcessXMLNodeList(theNodes) == kILibProcessXML_NoError;
+    *aRoot = theNodes
+                 ? ILibString_FindSubStringInArray(theNodes->Name, static_cast<size_t>(theNodes->NameLength), kRoots)
                  : -1;
     ILibDestructXMLNodeList(theNodes);
-    return theRoot;
+    if (!fIsWellFormed) { return FailToRead(aText, InputName(aPath)); }
+    if (*aRoot < 0) { return FailToFind(InputName(aPath) + ": neither groupInfo nor groupCapabilities"); }
+    return kExit_Done;
 }
+
+// ---- Show ----
 
 static void PrintMember(const char* aFriendlyName, const char* aUDN, const zoCustomHashTable* aMetaData,
                         Output& anOutput)
@@ -154,15 +166,12 @@ static int PrintCapabilities(const char* aText, const std::string& anInput, Outp
 
 static int ShowGroup(const Arguments& anArguments, Output& anOutput)
 {
-    static const char* kRoots[] = { "groupInfo", "groupCapabilities", nullptr };
-    const std::string theInput = InputName(anArguments.Operand());
     std::vector<char> theText;
-    if (!ReadInput(anArguments.Operand(), theText)) { return kExit_Bad; }
-    bool fIsWellFormed = false;
-    const int theRoot = FindRoot(theText, kRoots, &fIsWellFormed);
-    if (!fIsWellFormed) { return FailToRead(theText, theInput); }
-    if (theRoot < 0) { return FailToFind(theInput + ": neither groupInfo nor groupCapabilities"); }
-    return (theRoot == 0 ? PrintGroup : PrintCapabilities)(theText.data(), theInput, anOutput);
+    int theRoot = -1;
+    const int theStatus = ReadDocument(anArguments.Operand(), theText, &theRoot);
+    if (theStatus != kExit_Done) { return theStatus; }
+    const std::string theInput = InputName(anArguments.Operand());
+    return (theRoot == kRoot_Info ? PrintGroup : PrintCapabilities)(theText.data(), theInput, anOutput);
 }
 
 // ---- Store and load ----
@@ -201,10 +210,14 @@ static int StoreGroup(const Arguments& anArguments, Output& anOutput)
     const char* thePath = anArguments.Operand(2);
     if (strcmp(thePath, "-") == 0) { return anArguments.BadUsage("CONFIG has to be a file"); }
     const Reason theReason;
+    const std::string theInput = InputName(anArguments.Operand(0));
     std::vector<char> theText;
-    if (!ReadInput(anArguments.Operand(0), theText)) { return kExit_Bad; }
+    int theRoot = -1;
+    const int theStatus = ReadDocument(anArguments.Operand(0), theText, &theRoot);
+    if (theStatus != kExit_Done) { return theStatus; }
+    if (theRoot != kRoot_Info) { return FailToFind(theInput + ": no groupInfo"); }
     const Group theGroup(UPnPGroupInfo_New(theSection, theText.data()), UPnPGroupInfo_Delete);
-    if (!theGroup) { return theReason.Fail(InputName(anArguments.Operand(0)), "no well-formed groupInfo document"); }
+    if (!theGroup) { return theReason.Fail(theInput, "no group"); }
 
     const Config theConfig(zoConfigFile_New(thePath), zoConfigFile_Delete);
     if (!zoConfigFile_IsLoaded(theConfig.get())) { return theReason.Fail(thePath, "can't be read"); }

@@ -21,8 +21,8 @@ static const Subcommand kTool = {
     nullptr,
     nullptr,
     "a subcommand",
-    "Facts are printed as lines \"name: value\"; in values, line ends and control characters are written with a\n"
-    "backslash, and so is the backslash itself. -V or --version prints the version.\n"
+    "Facts are printed as lines \"name: value\"; in values, line ends, control characters and invisible ones are written\n"
+    "with a backslash, and so is the backslash itself. -V or --version prints the version.\n"
     "Exit status: 0 done, 1 nothing found, 2 wrong usage or unusable input.\n",
     { &kConfig, &kCreate, &kDescribe, &kGroup, &kHelp, &kHook, &kMonitor, &kSelect, &kShow, &kUnlock },
 };

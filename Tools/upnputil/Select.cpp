@@ -330,4 +330,5 @@ static int Select(const Arguments& anArguments, Output& anOutput)
     return PrintObjects(theDocument, anArguments.Get("--object"), theName, theRequest, anOutput);
 }
 
-const Subcommand kSelect = { "select", "choose the resource of an object that a renderer plays best", &kUsage, Select };
+const Subcommand kSelect = { "select", "choose the resource of each object that a renderer plays best", &kUsage,
+                             Select };
