@@ -7,6 +7,9 @@
 namespace DIDL
 {
 
+// Moves records to an array of twice as many. anInline is where they are at first.
+void* GrowList(void* anItems, const void* anInline, size_t aCount, size_t aItemSize);
+
 // Records in an array that grows: in the list itself first, then on the heap.
 template <typename Item>
 class List
@@ -21,16 +24,17 @@ public:
     List& operator=(const List&) = delete;
 
     size_t size() const { return mCount; }
-    Item* begin() { return mItems; }
-    Item* end() { return mItems + mCount; }
     const Item* begin() const { return mItems; }
     const Item* end() const { return mItems + mCount; }
-    Item& operator[](size_t anIndex) { return mItems[anIndex]; }
     const Item& operator[](size_t anIndex) const { return mItems[anIndex]; }
 
     void Add(const Item& anItem)
     {
-        if (mCount == mSize) { Grow(); }
+        if (mCount == mSize)
+        {
+            mItems = static_cast<Item*>(GrowList(mItems, mInline, mCount, sizeof(Item)));
+            mSize = 2 * mCount;
+        }
         mItems[mCount++] = anItem;
     }
     void CutTo(size_t aCount) { mCount = aCount; }
@@ -39,13 +43,6 @@ private:
     static_assert(std::is_trivially_copyable_v<Item>, "items are moved as bytes");
 
     Item* InlineItems() { return reinterpret_cast<Item*>(mInline); }
-    __attribute__((noinline)) void Grow()
-    {
-        const bool fIsInline = mItems == InlineItems();
-        mSize = Shared::GrowCapacity(mSize, Shared::AddSizes(mCount, 1), kInlineCount);
-        mItems = Shared::ResizeArray(fIsInline ? nullptr : mItems, mSize);
-        if (fIsInline) { memcpy(static_cast<void*>(mItems), mInline, sizeof(mInline)); }
-    }
 
     enum : size_t
     {

@@ -3,9 +3,27 @@
 #include <Shared/ASCII.h>
 #include <UPnP/Utilities/DIDL/Characters.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
+#include <string.h>
+#include <zoltTools/zoMemory.h>
 
 namespace DIDL
 {
+
+void* GrowList(void* anItems, const void* anInline, size_t aCount, size_t aItemSize)
+{
+    const size_t theSize = Shared::MultiplySizes(aCount, aItemSize);
+    void* theItems = zoRealloc(anItems == anInline ? nullptr : anItems, Shared::MultiplySizes(theSize, 2));
+    if (anItems == anInline) { memcpy(theItems, anInline, theSize); }
+    return theItems;
+}
+
+bool Read(std::string_view* aText, std::string_view aLiteral)
+{
+    const bool fBegins =
+        aText->size() >= aLiteral.size() && memcmp(aText->data(), aLiteral.data(), aLiteral.size()) == 0;
+    if (fBegins) { aText->remove_prefix(aLiteral.size()); }
+    return fBegins;
+}
 
 size_t ReadSpaces(std::string_view* aText)
 {
@@ -112,7 +130,8 @@ bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes)
     {
         const char* theBegin = aText->data();
         const bool fHasSpaces = ReadSpaces(aText) > 0;
-        if (aText->empty() || aText->front() == '>' || aText->front() == '/') { return true; }
+        const char theNext = aText->empty() ? '>' : aText->front();
+        if (theNext == '>' || theNext == '/' || theNext == '?') { return true; }
         Attribute theAttribute;
         if (!fHasSpaces || !ReadAttribute(aText, &theAttribute)) { return false; }
         theAttribute.mText = { theBegin, static_cast<size_t>(aText->data() - theBegin) };

@@ -31,13 +31,7 @@ struct Attribute
 };
 
 // True if the text began with it, which then is read.
-inline bool Read(std::string_view* aText, std::string_view aLiteral)
-{
-    const bool fBegins =
-        aText->size() >= aLiteral.size() && memcmp(aText->data(), aLiteral.data(), aLiteral.size()) == 0;
-    if (fBegins) { aText->remove_prefix(aLiteral.size()); }
-    return fBegins;
-}
+bool Read(std::string_view* aText, std::string_view aLiteral);
 // The number of blanks and line ends that are read.
 size_t ReadSpaces(std::string_view* aText);
 bool ReadQName(std::string_view* aText, QName* aName);

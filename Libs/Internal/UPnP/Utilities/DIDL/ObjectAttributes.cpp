@@ -123,13 +123,12 @@ int ParseObjectAttributes(ObjectParser* aParser, const ILibXMLAttribute* anAttri
     EntityResolver theResolver;
     for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
     {
-        const DIDLParserInfo* theRow = kInfoIndex.Find(Shared::LocalName(theAttribute));
-        if (!theRow || theRow->mItemType != kSOAPType_BitField) { continue; }
+        const std::string_view theName = Shared::LocalName(theAttribute);
+        const bool fIsFlag =
+            IsSameName(theName, kDIDL_Attribute_Restricted) || IsSameName(theName, kDIDL_Attribute_Searchable);
+        const NulTerminated theValue(theResolver.Resolve(RemoveQuotesFromAttributeValue(theAttribute)));
         uint32 theFlags = 0;
-        zoSOAPParserValue theTarget;
-        theTarget.mBitField = &theFlags;
-        const std::string_view theValue = RemoveQuotesFromAttributeValue(theAttribute);
-        if (!ParseAttribute(*theRow, theValue, theTarget, &theResolver)) { return theAttribute->Value; }
+        if (fIsFlag && ParseBitField(theValue.c_str(), 1, &theFlags) == 0) { return theAttribute->Value; }
     }
     return nullptr;
 }

@@ -22,17 +22,12 @@ size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aRe
 // As AppendStrIfNotEmpty.
 [[gnu::always_inline]] static inline void AppendTextIfNotEmpty(Output anOutput, std::string_view aStartStr,
                                                                std::string_view aStr, std::string_view anEndStr,
-                                                               int aMaxSize)
+                                                               size_t aMaxSize)
 {
     if (aStr.empty()) { return; }
-    if (anOutput.mRepairer) { anOutput.mRepairer->AppendField(aStartStr, aStr, anEndStr, aMaxSize); }
-    else { AppendStrIfNotEmpty(anOutput.mBuffer, aStartStr, aStr, anEndStr, aMaxSize, 0); }
-}
-
-// The markup uses one of the writer's own namespaces.
-static void Use(Output anOutput, std::string_view aMarkup)
-{
-    if (anOutput.mRepairer) { anOutput.mRepairer->Use(aMarkup); }
+    Shared::Append(anOutput.mBuffer, aStartStr);
+    AppendText(anOutput, aStr, aMaxSize);
+    Shared::Append(anOutput.mBuffer, anEndStr);
 }
 
 // ---- The object ----
@@ -56,7 +51,7 @@ static void AppendAlbumArtURI(Output anOutput, std::string_view aURI, std::strin
 {
     if (aURI.empty()) { return; }
     AppendLiteral(anOutput.mBuffer, kDIDL_Tag_AlbumArtURI_Start);
-    Use(anOutput, kDIDL_Tag_AlbumArtURI_Start);
+    if (anOutput.mRepairer) { anOutput.mRepairer->Use(aProfile.empty() ? Repairer::kUPnP : Repairer::kUPnPAndDLNA); }
     AppendTextIfNotEmpty(anOutput, " dlna:profileID=\"", aProfile, kDIDL_Quote, kMaxSize_Text);
     AppendLiteral(anOutput.mBuffer, ">");
     AppendText(anOutput, aURI, kMaxSize_URI);
@@ -77,19 +72,11 @@ static void AppendAlbumArt(Output anOutput, const zoPackedData_t* aMediaData)
     zoArray_Delete(thePairs);
 }
 
-static void AppendChannelNr(Output anOutput, uint32 aNumber)
-{
-    if (aNumber == 0) { return; }
-    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_Tag_ChannelNr_Start, aNumber, kDIDL_Tag_ChannelNr_End);
-    Use(anOutput, kDIDL_Tag_ChannelNr_Start);
-}
-
 static void AppendBackgroundMusic(Output anOutput, const MediaValues& aValues)
 {
     const std::string_view theURI = aValues.GetBytes(kCDSEntryInfo_BGMURI);
     if (theURI.empty()) { return; }
     AppendLiteral(anOutput.mBuffer, kDIDL_Tag_BGMURI_Start);
-    Use(anOutput, kDIDL_Tag_BGMURI_Start);
     AppendTextIfNotEmpty(anOutput, " av:profileID=\"", aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
                          kMaxSize_Text);
     AppendLiteral(anOutput.mBuffer, ">");
@@ -113,6 +100,18 @@ static void AppendMediaExtraInfo(Output anOutput, const MediaValues& anEntry)
     });
 }
 
+// Notes the namespaces of the elements that the entry's values are written in.
+static void UseNamespaces(Repairer* aRepairer, const MediaValues& aValues)
+{
+    for (const auto& theElement : kDIDL_TextElements)
+    {
+        if (aValues.GetBytes(theElement.mTag).empty()) { continue; }
+        aRepairer->Use(theElement.mStart.substr(0, 4) == "<dc:" ? Repairer::kDC : Repairer::kUPnP);
+    }
+    if (aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr) != 0) { aRepairer->Use(Repairer::kUPnP); }
+    if (!aValues.GetBytes(kCDSEntryInfo_BGMURI).empty()) { aRepairer->Use(Repairer::kAV); }
+}
+
 void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const MediaValues& aValues)
 {
     AppendLiteral(anOutput.mBuffer, kDIDL_Item_Start_Part);
@@ -125,7 +124,9 @@ void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const Med
         AppendTextIfNotEmpty(anOutput, theElement.mStart, aValues.GetBytes(theElement.mTag), theElement.mEnd,
                              kMaxSize_Text);
     }
-    AppendChannelNr(anOutput, aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr));
+    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_Tag_ChannelNr_Start,
+                         aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr), kDIDL_Tag_ChannelNr_End);
+    if (anOutput.mRepairer) { UseNamespaces(anOutput.mRepairer, aValues); }
     AppendBackgroundMusic(anOutput, aValues);
     AppendMediaExtraInfo(anOutput, aValues);
 }
@@ -177,6 +178,10 @@ static void AppendResource(Output anOutput, int afIncludeResExtraInfo, const Res
                          aValues.GetNumber<uint32>(kCDSResourceInfo_AudioChannelCount), kDIDL_Quote);
     AppendTextIfNotEmpty(anOutput, kDIDL_ResAttribute_IFOURI_Start, aValues.GetBytes(kCDSResourceInfo_IFOFileURI),
                          kDIDL_Quote, kMaxSize_URI);
+    if (anOutput.mRepairer && !aValues.GetBytes(kCDSResourceInfo_IFOFileURI).empty())
+    {
+        anOutput.mRepairer->Use(Repairer::kDLNA);
+    }
     if (afIncludeResExtraInfo) { AppendResExtraInfo(anOutput, aValues); }
     AppendLiteral(anOutput.mBuffer, ">");
     AppendText(anOutput, aValues.GetBytes(kCDSResourceInfo_URI), kMaxSize_URI);

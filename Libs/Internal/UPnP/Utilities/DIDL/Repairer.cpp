@@ -30,9 +30,9 @@ struct KnownNamespace
 };
 
 const KnownNamespace kKnown[] = {
-    { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
-    { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
     { Repairer::kDefault, "", InHeader("xmlns=\"") },
+    { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
+    { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
     { Repairer::kDLNA, "dlna", InHeader("xmlns:dlna=\"") },
     { Repairer::kAV, "av", "xmlns:av=\"urn:schemas-upnp-org:av:av\"" },
 };
@@ -68,34 +68,13 @@ uint32 Repairer::FindLacking() const
 bool Repairer::CanDeclare(std::string_view aPrefix)
 {
     const uint32 theKnown = KnownPrefix(aPrefix);
-    mUsed |= theKnown;
+    Use(theKnown);
     return theKnown != 0;
 }
-
-void Repairer::Use(std::string_view aMarkup)
-{
-    switch (aMarkup[1])
-    {
-    case 'a': mUsed |= kAV; break;
-    case 'd': mUsed |= aMarkup[2] == 'c' ? kDC : kDLNA; break;
-    case 'u': mUsed |= kUPnP; break;
-    default: break;
-    }
-}
-
-// ---- Fields ----
 
 void Repairer::AppendText(std::string_view aStr, size_t aMaxSize)
 {
     mRepairs.mReplaced += static_cast<uint32>(AppendAllowed(mBuffer, aStr, aMaxSize));
-}
-
-void Repairer::AppendField(std::string_view aStartStr, std::string_view aStr, std::string_view anEndStr, int aMaxSize)
-{
-    Use(aStartStr);
-    Shared::Append(mBuffer, aStartStr);
-    AppendText(aStr, static_cast<size_t>(aMaxSize));
-    Shared::Append(mBuffer, anEndStr);
 }
 
 // ---- Declarations ----

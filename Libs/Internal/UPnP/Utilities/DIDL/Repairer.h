@@ -20,6 +20,7 @@ public:
         kDC = 2,
         kUPnP = 4,
         kDLNA = 8,
+        kUPnPAndDLNA = kUPnP | kDLNA,
         kAV = 16
     };
 
@@ -33,10 +34,8 @@ public:
     void AppendDeclarations(std::string_view aList);
     // As AppendStr.
     void AppendText(std::string_view aStr, size_t aMaxSize);
-    // As AppendStrIfNotEmpty, for a text that is not empty.
-    void AppendField(std::string_view aStartStr, std::string_view aStr, std::string_view anEndStr, int aMaxSize);
-    // Notes what the markup of a field uses: the prefix after its first character tells the namespace.
-    void Use(std::string_view aMarkup);
+    // The text uses these namespaces.
+    void Use(uint32 aNamespaces) { mUsed |= aNamespaces; }
 
     // True if the pair can be written as an element; else it is counted.
     bool CanWriteElement(std::string_view aName);
@@ -85,12 +84,5 @@ private:
     List<std::string_view> mLocalNames; // of its pairs, unless mNames has all
     AttributeNames mNames;
 };
-
-/** As AppendStr, escaped once; sendable where the output is. */
-inline void AppendText(Output anOutput, std::string_view aStr, size_t aMaxSize)
-{
-    if (anOutput.mRepairer) { anOutput.mRepairer->AppendText(aStr, aMaxSize); }
-    else { AppendStr(anOutput.mBuffer, aStr, 0, aMaxSize); }
-}
 
 } // namespace DIDL

@@ -39,30 +39,25 @@ private:
 
 // ---- What is not an element ----
 
-static bool ReadWord(std::string_view* aText, std::string_view aName, std::string_view* aValue)
+// The next word's value, when it has this name; without data when it has another.
+static std::string_view TakeWord(const List<Attribute>& aWords, size_t* anIndex, std::string_view aName)
 {
-    std::string_view theRest = *aText;
-    if (ReadSpaces(&theRest) == 0 || !Read(&theRest, aName)) { return false; }
-    ReadSpaces(&theRest);
-    if (!Read(&theRest, "=")) { return false; }
-    ReadSpaces(&theRest);
-    const char theQuote = theRest.empty() ? '\0' : theRest.front();
-    const size_t theEnd = theQuote == '"' || theQuote == '\'' ? theRest.find(theQuote, 1) : theRest.npos;
-    if (theEnd == theRest.npos) { return false; }
-    *aValue = theRest.substr(1, theEnd - 1);
-    *aText = theRest.substr(theEnd + 1);
-    return true;
+    const bool fIsNext = *anIndex < aWords.size() && aWords[*anIndex].mName.Whole() == aName;
+    return fIsNext ? aWords[(*anIndex)++].mValue : std::string_view();
 }
 
 // After "<?xml".
 static bool ReadDeclaration(std::string_view* aText)
 {
-    std::string_view theValue;
-    if (!ReadWord(aText, "version", &theValue) || theValue != "1.0") { return false; }
-    if (ReadWord(aText, "encoding", &theValue) && !Shared::EqualsIgnoringCase(theValue, "utf-8")) { return false; }
-    if (ReadWord(aText, "standalone", &theValue) && theValue != "yes" && theValue != "no") { return false; }
-    ReadSpaces(aText);
-    return Read(aText, "?>");
+    List<Attribute> theWords;
+    if (!ReadAttributes(aText, &theWords) || !Read(aText, "?>")) { return false; }
+    size_t theIndex = 0;
+    const std::string_view theVersion = TakeWord(theWords, &theIndex, "version");
+    const std::string_view theEncoding = TakeWord(theWords, &theIndex, "encoding");
+    const std::string_view theStandalone = TakeWord(theWords, &theIndex, "standalone");
+    const bool fIsUTF8 = !theEncoding.data() || Shared::EqualsIgnoringCase(theEncoding, "utf-8");
+    const bool fIsKnown = !theStandalone.data() || theStandalone == "yes" || theStandalone == "no";
+    return theIndex == theWords.size() && theVersion == "1.0" && fIsUTF8 && fIsKnown;
 }
 
 bool StrictReader::ReadPast(std::string_view aTerminator)

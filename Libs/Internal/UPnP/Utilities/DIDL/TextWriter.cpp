@@ -146,7 +146,7 @@ size_t AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize)
     size_t theReplaced = 0;
     for (;;)
     {
-        const size_t theLength = CopiedLength<Copied::PrintableASCII>(theRest.substr(0, theRoom));
+        const size_t theLength = PrintableLength(theRest.substr(0, theRoom));
         Shared::Append(aBuffer, theRest.substr(0, theLength));
         theRest.remove_prefix(theLength);
         theRoom -= theLength;
@@ -187,6 +187,13 @@ char* NewTextForm(const char* aProtocolInfo, size_t aLength)
     char* theText = zoDLNAProtocolInfo_GetStr(theInfo);
     zoDLNAProtocolInfo_Delete(theInfo);
     return theText;
+}
+
+// The arguments are where AppendStr has them.
+void AppendText(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize, Repairer* aRepairer)
+{
+    if (aRepairer) { aRepairer->AppendText(aStr, aMaxSize); }
+    else { AppendStr(aBuffer, aStr, 0, aMaxSize); }
 }
 
 void AppendProtocolInfo(Output anOutput, std::string_view aProtocolInfo)

@@ -69,6 +69,13 @@ void AppendHexValue(zoBuffer* aBuffer, uint32 aValue);
 /** Appends a duration in seconds as hours, minutes and seconds, each with two digits; hours have more from 100 on. */
 void AppendTime(zoBuffer* aBuffer, uint32 aTime);
 
+/** As AppendStr, escaped once; sendable when there is a repairer. */
+void AppendText(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize, Repairer* aRepairer);
+inline void AppendText(Output anOutput, std::string_view aStr, size_t aMaxSize)
+{
+    AppendText(anOutput.mBuffer, aStr, aMaxSize, anOutput.mRepairer);
+}
+
 /** Appends the text form of a protocol info as an attribute; nothing when it is empty, or without data. */
 void AppendProtocolInfo(Output anOutput, std::string_view aProtocolInfo);
 
