@@ -33,34 +33,20 @@ static void LogNotAdded(uint32 aCount)
                        static_cast<unsigned long>(aCount));
 }
 
-namespace
-{
-
-// The object that UPnPDIDL_Get writes.
-struct WrittenObject
-{
-    zoPackedData_t* mMediaData;
-    zoPackedData_t* mResourceInfo;
-    int mfIncludeHeaderFooter;
-    int mfIncludeResExtraInfo;
-    const char* mSelectedURI;
-};
-
-} // namespace
-
 // The result is the number of resources that the limit leaves out.
-static uint32 WriteRecords(Output anOutput, const WrittenObject& anObject)
+static uint32 WriteRecords(Output anOutput, zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
+                           int afIncludeResExtraInfo, const char* aSelectedURI)
 {
-    const MediaValues theValues(anObject.mMediaData, 0);
+    const MediaValues theValues(aMediaData, 0);
     const std::string_view theNamespaces = theValues.GetText(kCDSEntryInfo_XMLNS);
     if (anOutput.mRepairer) { anOutput.mRepairer->AppendDeclarations(theNamespaces); }
     else if (theNamespaces.data()) { AppendDeclarations(anOutput.mBuffer, theNamespaces); }
     else { LogNoNamespaces(); }
     AppendLiteral(anOutput.mBuffer, ">");
-    AppendMetadata(anOutput, anObject.mMediaData, theValues);
+    AppendMetadata(anOutput, aMediaData, theValues);
     uint32 theLeftCount;
-    const bool fIsComplete = AppendResources(anOutput, anObject.mfIncludeResExtraInfo, anObject.mResourceInfo,
-                                             anObject.mSelectedURI, &theLeftCount);
+    const bool fIsComplete =
+        AppendResources(anOutput, afIncludeResExtraInfo, aResourceInfo, aSelectedURI, &theLeftCount);
     return fIsComplete ? 0 : theLeftCount;
 }
 
@@ -71,14 +57,18 @@ static void WriteEmptyItem(Output anOutput, int afIncludeHeaderFooter)
     AppendLiteral(anOutput.mBuffer, kDIDL_Item_Start);
 }
 
-static uint32 WriteObject(Output anOutput, const WrittenObject& anObject)
+static uint32 WriteObject(Output anOutput, zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
+                          int afIncludeHeaderFooter, int afIncludeResExtraInfo, const char* aSelectedURI)
 {
     uint32 theLeftCount = 0;
-    if (anObject.mfIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kMiniDIDL_Header); }
-    if (anObject.mMediaData) { theLeftCount = WriteRecords(anOutput, anObject); }
-    else { WriteEmptyItem(anOutput, anObject.mfIncludeHeaderFooter); }
+    if (afIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kMiniDIDL_Header); }
+    if (aMediaData)
+    {
+        theLeftCount = WriteRecords(anOutput, aMediaData, aResourceInfo, afIncludeResExtraInfo, aSelectedURI);
+    }
+    else { WriteEmptyItem(anOutput, afIncludeHeaderFooter); }
     AppendLiteral(anOutput.mBuffer, kDIDL_Item_End);
-    if (anObject.mfIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kDIDL_Footer); }
+    if (afIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, kDIDL_Footer); }
     return theLeftCount;
 }
 
@@ -86,8 +76,8 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
                    int afIncludeResExtraInfo, const char* aSelectedURI)
 {
     zoBuffer* theBuffer = zoBuffer_New(GuessTextSize(aMediaData, aResourceInfo));
-    const uint32 theLeftCount = WriteObject({ theBuffer, nullptr }, { aMediaData, aResourceInfo, afIncludeHeaderFooter,
-                                                                      afIncludeResExtraInfo, aSelectedURI });
+    const uint32 theLeftCount = WriteObject({ theBuffer, nullptr }, aMediaData, aResourceInfo, afIncludeHeaderFooter,
+                                            afIncludeResExtraInfo, aSelectedURI);
     if (theLeftCount > 0) { LogNotAdded(theLeftCount); }
     return Shared::TakeText(theBuffer);
 }
@@ -95,8 +85,6 @@ char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, in
 char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo, int afIncludeHeaderFooter,
                            int afIncludeResExtraInfo, const char* aSelectedURI, UPnPDIDLRepairs_t* aRepairs)
 {
-    const WrittenObject theObject = { aMediaData, aResourceInfo, afIncludeHeaderFooter, afIncludeResExtraInfo,
-                                      aSelectedURI };
     zoBuffer* theBuffer = zoBuffer_New(GuessTextSize(aMediaData, aResourceInfo));
     uint32 theLeftCount;
     uint32 theNeeded = 0;
@@ -104,7 +92,8 @@ char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResource
     {
         theBuffer->mPos = 0;
         Repairer theRepairer(theBuffer, theNeeded);
-        theLeftCount = WriteObject({ theBuffer, &theRepairer }, theObject);
+        theLeftCount = WriteObject({ theBuffer, &theRepairer }, aMediaData, aResourceInfo, afIncludeHeaderFooter,
+                                   afIncludeResExtraInfo, aSelectedURI);
         theLacking = theRepairer.FindLacking() & ~theNeeded;
         if (aRepairs) { *aRepairs = theRepairer.GetRepairs(); }
     }
