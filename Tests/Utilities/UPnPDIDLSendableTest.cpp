@@ -74,24 +74,24 @@ TEST(UPnPDIDLSendableTest, ReplacesWhatIsNotXMLInUTF8)
 
 TEST(UPnPDIDLSendableTest, RepairsDeclarations)
 {
-    const std::string theBase = kDefault + " " + kDC + " " + kUPnP;
+    const std::string theBase = kDefault + " " + kUPnP + " " + kDC;
     const struct
     {
         std::string mList;
         std::string mWritten;
         const char* mRepairs;
     } kCases[] = {
-        { kDefault + "," + kDC + "," + kUPnP + ",lang=\"en\",xml:lang='a\\,b'", theBase + " lang=\"en\" xml:lang='a,b'",
+        { kDefault + "," + kUPnP + "," + kDC + ",lang=\"en\",xml:lang='a\\,b'", theBase + " lang=\"en\" xml:lang='a,b'",
           "0 0 0 0" },
         { "", theBase, "0 0 0 3" },
         { kDefault + ",xmlns:dc=\"\"," + kUPnP, kDefault + " " + kUPnP + " " + kDC, "0 0 1 1" },
         { "xmlns=\"\",xmlns:dc=\"d\",xmlns:upnp=\"u\"", "xmlns:dc=\"d\" xmlns:upnp=\"u\" " + kDefault, "0 0 1 1" },
-        { kDefault + "," + kDC + "," + kUPnP + "," + kDC + ",xmlns:dc=\"x\"", theBase, "0 0 2 0" },
+        { kDefault + "," + kUPnP + "," + kDC + "," + kDC + ",xmlns:dc=\"x\"", theBase, "0 0 2 0" },
         { kDefault + ",xmlns:xml=\"x\",xmlns:a=\"http://www.w3.org/XML/1998/namespac&#101;\",xmlns:xmlns=\"y\"," + kDC +
               ",xmlns:xml=\"http://www.w3.org/XML/1998/namespace\"," + kUPnP,
           kDefault + " " + kDC + " xmlns:xml=\"http://www.w3.org/XML/1998/namespace\" " + kUPnP, "0 0 3 0" },
         { "xmlns:a=\"&x;\",xmlns:b=\"<\",xmlns:c=\"&amp;\\,\xFF\",1=\"\",no,XMLNS:d=\"e\",f:g=\"h\"",
-          "xmlns:c=\"&amp;," + kBad + "\" " + kDefault + " " + kDC + " " + kUPnP, "1 0 6 3" },
+          "xmlns:c=\"&amp;," + kBad + "\" " + kDefault + " " + kUPnP + " " + kDC, "1 0 6 3" },
     };
     for (const auto& [theList, theDeclarations, theRepairs] : kCases)
     {

@@ -31,8 +31,8 @@ struct KnownNamespace
 
 const KnownNamespace kKnown[] = {
     { Repairer::kDefault, "", InHeader("xmlns=\"") },
-    { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
     { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
+    { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
     { Repairer::kDLNA, "dlna", InHeader("xmlns:dlna=\"") },
     { Repairer::kAV, "av", "xmlns:av=\"urn:schemas-upnp-org:av:av\"" },
 };
