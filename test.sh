@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds everything and runs the tests: ./test.sh [PRESET...] (dev), ./test.sh --all for all presets that run here at
-# speed, or ./test.sh --all-targets for the other processors, under emulation.
+# speed, ./test.sh --all-targets for the other processors, under emulation, or ./test.sh devices against media servers
+# and renderers of others.
 set -euo pipefail
 root=$(cd "$(dirname "$0")" && pwd -P)
 . "$root/Scripts/dependencies.sh"
@@ -9,7 +10,7 @@ root=$(cd "$(dirname "$0")" && pwd -P)
 presets=("${@:-dev}")
 case ${1-} in
 -h | --help)
-    sed -n '2,3s/^# //p' "$0"
+    sed -n '2,4s/^# //p' "$0"
     exit
     ;;
 --all) presets=(dev release-tests platform asan asan-clang tsan i386) ;;
@@ -17,6 +18,10 @@ case ${1-} in
 esac
 
 for preset in "${presets[@]}"; do
+    if [ "$preset" = devices ]; then
+        "$root/Tests/Devices/run.sh"
+        continue
+    fi
     packages=(cmake ninja-build g++ ccache libcli11-dev rapidjson-dev googletest pkg-config)
     case $preset in
     dev | release-tests | platform | asan | tsan) ;;
@@ -27,7 +32,7 @@ for preset in "${presets[@]}"; do
     mips) packages+=(g++-mips-linux-gnu qemu-user) ;;
     *)
         echo "$0: no tests for a preset \"$preset\"; there are dev, release-tests, platform, asan, asan-clang, tsan," \
-            "valgrind, i386, armhf, mips" >&2
+            "valgrind, i386, armhf, mips, devices" >&2
         exit 2
         ;;
     esac

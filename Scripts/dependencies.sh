@@ -5,7 +5,7 @@ can_install() { [ "$(id -u)" -eq 0 ] && command -v apt-get >/dev/null; }
 
 has_package() {
     case $1 in
-    cmake | clang-format | clang-tidy | codespell | debootstrap | doxygen | lintian | mandoc | meson | shellcheck | valgrind)
+    cmake | clang-format | clang-tidy | codespell | debootstrap | doxygen | lintian | mandoc | meson | mypy | shellcheck | valgrind)
         command -v "$1"
         ;;
     ccache) command -v ccache || ! can_install ;; # builds go without it, too
@@ -27,7 +27,7 @@ has_package() {
     libxml2-dev) [ -e /usr/include/libxml2/libxml/parser.h ] ;;
     clang) command -v clang && command -v clang++ ;;
     libclang-rt-14-dev) compgen -G '/usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a' ;;
-    *) false ;;
+    *) dpkg-query -W -f '${Status}' "$1" | grep -q ' installed$' ;;
     esac >/dev/null 2>&1
 }
 
