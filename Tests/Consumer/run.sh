@@ -149,6 +149,7 @@ expect_names() {
     expect "completion of a feature" "TimeSeek" "$(offered upnputil describe --feature Time)"
     expect "completion of a property" "PlayModeList= PlaySpeedList=" "$(offered upnputil hook --property=Play | xargs)"
     expect "completion of a record" "SSDP" "$(offered upnputil config --record SS)"
+    expect "completion of a file after a value" "$page" "$(offered upnputil select --object 1 "${page%.*}")"
     expect "completion of a file" "$page" "$(offered upnputil describe --part ":nexturi=${page%.*}")"
     printf '[A b]\n[C]\n' >"$1.conf"
     expect "completion of a section" 'A\ b C' "$(offered upnputil config "$1.conf" "" | xargs -d '\n')"
