@@ -1,6 +1,7 @@
 #include "Shapes.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
+#include <UPnP/Utilities/UPnPUtility.h>
 #include <cmath>
 #include <cstdlib>
 #include <strings.h>
@@ -22,6 +23,37 @@ void ParseElements(std::string aText, Meter& aMeter)
     aMeter.Run(aText.size(), [&] { UPnPDIDL_ParseElements(aText.c_str(), &theData, &theRes, &theType); });
     free(theData);
     free(theRes);
+}
+
+// Looks for what is wrong with a document, and whether strict readers take it.
+void CheckText(const std::string& aText, Meter& aMeter)
+{
+    aMeter.Run(aText.size(),
+               [&]
+               {
+        uint32 theLine, theColumn;
+        free(UPnPUtil_FindXMLError(aText.data(), aText.size(), &theLine, &theColumn));
+        free(UPnPDIDL_FindError(aText.data(), aText.size(), &theLine, &theColumn));
+        UPnPDIDL_IsSendable(aText.data(), aText.size());
+    });
+}
+
+// Writes the records of a document for strict readers. Both count as input: the records may be next to nothing.
+void WriteSendable(const std::string& aText, Meter& aMeter)
+{
+    char* theData = nullptr;
+    char* theRes = nullptr;
+    int theType = 0;
+    UPnPDIDL_ParseElements(aText.c_str(), &theData, &theRes, &theType);
+    zoPackedData_t* theRecords[] = { zoPackedData_NewData(theData), zoPackedData_NewData(theRes) };
+    aMeter.Run(aText.size() + zoPackedData_GetMemoryUsage(theRecords[0]) + zoPackedData_GetMemoryUsage(theRecords[1]),
+               [&]
+               {
+        UPnPDIDLRepairs_t theRepairs;
+        free(UPnPDIDL_GetSendable(theRecords[0], theRecords[1], 1, 1, nullptr, &theRepairs));
+    });
+    for (zoPackedData_t* theRecord : theRecords)
+        zoPackedData_Free(theRecord);
 }
 
 // Parses each object of a Browse result and keeps the records.
@@ -96,6 +128,10 @@ void AddObject(Shapes& aShapes, const std::string& aName, const std::function<st
 {
     aShapes.push_back({ "object: " + aName, kMaxPeakOfObject, kMaxPeakOfObject,
                         [aMake](size_t aSize, Meter& aMeter) { ParseElements(aMake(aSize), aMeter); } });
+    aShapes.push_back({ "checked: " + aName, kMaxPeakOfObject, kMaxPeakOfObject,
+                        [aMake](size_t aSize, Meter& aMeter) { CheckText(aMake(aSize), aMeter); } });
+    aShapes.push_back({ "sent: " + aName, kMaxPeakOfObject, kMaxPeakOfObject,
+                        [aMake](size_t aSize, Meter& aMeter) { WriteSendable(aMake(aSize), aMeter); } });
 }
 
 void AddBrowse(Shapes& aShapes, const std::string& aName,

@@ -56,7 +56,10 @@ void AddLoop(Shapes& aShapes, const std::string& aName, const std::string& anAtt
 void Consume(zoPackedData_t* anEntry, zoPackedData_t* aResources)
 {
     for (const char* theURI : { static_cast<const char*>(nullptr), "u" })
+    {
         free(UPnPDIDL_Get(anEntry, aResources, 1, 1, theURI));
+        free(UPnPDIDL_GetSendable(anEntry, aResources, 1, 1, theURI, nullptr));
+    }
     free(UPnPDIDL_GetForCreateObjectResponse(anEntry, "u", nullptr, nullptr, "1", "0", 0, 0));
     CDSEntryInfo theEntry(zoPackedData_Duplicate(anEntry));
     for (uint16 theTag = 0; theTag < kCDSEntryInfo_Count; ++theTag)
