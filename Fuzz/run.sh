@@ -20,7 +20,7 @@ number_after() { sed -n "s/.*$1 *\([0-9][0-9]*\).*/\1/p" "$2" | tail -n 1; }
 seeds() {
     local folder
     case $1 in
-    ParseWriteFuzz | BrowseResultFuzz | RecordFuzz | SendableFuzz)
+    ParseWriteFuzz | BrowseResultFuzz | ErrorFuzz | RecordFuzz | SendableFuzz)
         for folder in didl didl-odd didl-multi; do echo "$root/Tests/Data/$folder"; done
         ;;
     esac
