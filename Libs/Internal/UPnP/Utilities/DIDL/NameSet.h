@@ -19,14 +19,14 @@ public:
     bool Contains(std::string_view aName) const
     {
         for (size_t i = 0; i < mCount; ++i)
-            if (Shared::Equals(mInline[i], aName)) { return true; }
+            if (Shared::Equals({ mInline[i].mData, mInline[i].mSize }, aName)) { return true; }
         return aName.size() <= mLongest && IsInTable(aName);
     }
 
     // Adds a name that the set does not contain.
     void Add(std::string_view aName)
     {
-        if (mCount < kInline) { mInline[mCount++] = aName; }
+        if (mCount < kInline) { mInline[mCount++] = { aName.data(), aName.size() }; }
         else { AddToTable(aName); }
     }
     void Clear();
@@ -53,7 +53,11 @@ private:
     size_t mCount = 0;                   // in mInline
     zoCustomHashTable* mTable = nullptr; // NULL until mInline is full
     size_t mLongest = 0;                 // of the names in the table: longer ones, of any length, are not hashed
-    std::string_view mInline[kInline];
+    struct
+    {
+        const char* mData;
+        size_t mSize;
+    } mInline[kInline]; // std::string_view would be set to zero
 };
 
 } // namespace DIDL

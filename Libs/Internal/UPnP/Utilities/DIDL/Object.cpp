@@ -76,51 +76,58 @@ static bool IsDate(std::string_view aText)
     return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), theParts) == 0;
 }
 
-// The texts of the last element of each kind, as written but for a date that is none.
-static void ReadLastTexts(ObjectParser* aParser)
+namespace
 {
-    std::string_view* theTexts = aParser->mFields.mTexts;
-    for (size_t i = 0; i < kSingleText_Count; ++i)
+
+// The texts of the last element of each kind, as written; an invalid date is empty.
+struct LastTexts
+{
+    explicit LastTexts(ObjectParser* aParser)
     {
-        if (aParser->mLast[i]) { theTexts[i] = GetInnerXML(aParser->mLast[i]); }
+        for (size_t i = 0; i < kSingleText_Count; ++i)
+            mTexts[i] = GetInnerXML(aParser->mLast[i]);
+        std::string_view* theDate = &mTexts[kSingleText_Date];
+        *theDate = aParser->mResolver.Resolve(*theDate);
+        if (!theDate->empty() && !IsDate(*theDate)) { *theDate = {}; }
     }
-    std::string_view* theDate = &theTexts[kSingleText_Date];
-    *theDate = aParser->mResolver.Resolve(*theDate);
-    if (!theDate->empty() && !IsDate(*theDate)) { *theDate = {}; }
-}
+    const std::string_view& operator[](SingleText aKind) const { return mTexts[aKind]; }
+
+    std::string_view mTexts[kSingleText_Count];
+};
+
+} // namespace
 
 template <typename End>
-static void AddFields(const ObjectParser& aParser, End* anEnd)
+static void AddFields(const ObjectParser& aParser, const LastTexts& aTexts, End* anEnd)
 {
     const EntryFields& theFields = aParser.mFields;
-    const std::string_view* theTexts = theFields.mTexts;
     ILibXMLNode* const* theLast = aParser.mLast;
 
-    anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title]);
-    anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator]);
-    if (theLast[kSingleText_Date]) { anEnd->AddText(kCDSEntryInfo_Date, theTexts[kSingleText_Date]); }
+    anEnd->AddMarkup(kCDSEntryInfo_Title, aTexts[kSingleText_Title]);
+    anEnd->AddMarkup(kCDSEntryInfo_Creator, aTexts[kSingleText_Creator]);
+    if (theLast[kSingleText_Date]) { anEnd->AddText(kCDSEntryInfo_Date, aTexts[kSingleText_Date]); }
     else { anEnd->AddNoBytes(kCDSEntryInfo_Date); }
-    anEnd->AddMarkup(kCDSEntryInfo_Genre, theTexts[kSingleText_Genre]);
-    anEnd->AddMarkup(kCDSEntryInfo_Album, theTexts[kSingleText_Album]);
-    anEnd->AddText(kCDSEntryInfo_CreateClass, theFields.mCreateClass);
+    anEnd->AddMarkup(kCDSEntryInfo_Genre, aTexts[kSingleText_Genre]);
+    anEnd->AddMarkup(kCDSEntryInfo_Album, aTexts[kSingleText_Album]);
+    anEnd->AddText(kCDSEntryInfo_CreateClass, aParser.mCreateClass.Text());
     anEnd->AddMarkup(kCDSEntryInfo_ParentID, theFields.mParentID);
     anEnd->AddNumber(kCDSEntryInfo_IsContainer, theFields.mIsContainer);
     anEnd->AddNumber(kCDSEntryInfo_UpdateID, uint32{ 0 });
     anEnd->AddNumber(kCDSEntryInfo_ChildCount, theFields.mChildCount);
-    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, theTexts[kSingleText_Class]);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, aTexts[kSingleText_Class]);
     anEnd->AddMarkup(kCDSEntryInfo_ItemID, theFields.mItemID);
     anEnd->AddNumber(kCDSEntryInfo_ChannelNr, theFields.mChannelNr);
     anEnd->AddNumber(kCDSEntryInfo_Flags, theFields.mFlags);
-    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, theTexts[kSingleText_BGMURI]);
+    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, aTexts[kSingleText_BGMURI]);
     anEnd->AddText(kCDSEntryInfo_BGMURIProtocolInfo, theFields.mBGMProtocolInfo);
     anEnd->AddNumber(kCDSEntryInfo_DLNAManaged, theFields.mManaged);
     anEnd->AddMarkup(kCDSEntryInfo_RefID, theFields.mRefID);
     if (theLast[kSingleText_StorageMedium])
     {
-        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, theTexts[kSingleText_StorageMedium]);
+        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, aTexts[kSingleText_StorageMedium]);
     }
     else { anEnd->AddNoBytes(kCDSEntryInfo_StorageMedium); }
-    if (!theFields.mNamespaces.empty()) { anEnd->AddText(kCDSEntryInfo_XMLNS, theFields.mNamespaces); }
+    if (!aParser.mNamespaces.empty()) { anEnd->AddText(kCDSEntryInfo_XMLNS, aParser.mNamespaces.Text()); }
 }
 
 // NULL when there is nothing to resolve. The attributes need not be those of the object's start tag.
@@ -143,10 +150,8 @@ static void AddAlbumArt(ObjectParser* aParser)
 
 void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
 {
-    ReadLastTexts(aParser);
-    aParser->mFields.mCreateClass = aParser->mCreateClass.Text();
-    aParser->mFields.mNamespaces = aParser->mNamespaces.Text();
-    aParser->mEntry.AddValues(ResolverFor(*aParser), [aParser](auto* anEnd) { AddFields(*aParser, anEnd); });
+    const LastTexts theTexts(aParser);
+    aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theTexts, anEnd); });
     AddAlbumArt(aParser);
     *aData = aParser->mEntry.NewBlock();
     *aRes = zoPackedData_TakeData(aParser->mResources);

@@ -42,16 +42,14 @@ struct TextSizes
     size_t mRead = 0;
 };
 
-// Fields of the entry record. Texts are as written: their entities are resolved when they are stored.
+// Fields of the entry record that come from attributes, and numbers. Texts are as written: their entities are resolved
+// when they are stored.
 struct EntryFields
 {
-    std::string_view mTexts[kSingleText_Count];
     std::string_view mItemID;
     std::string_view mParentID;
     std::string_view mRefID;
     std::string_view mBGMProtocolInfo;
-    std::string_view mCreateClass;
-    std::string_view mNamespaces;
     uint32 mChildCount;
     uint32 mChannelNr;
     uint32 mFlags;
