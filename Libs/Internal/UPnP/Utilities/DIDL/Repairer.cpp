@@ -11,12 +11,18 @@ namespace DIDL
 
 // ---- Namespaces that the writer uses itself ----
 
-// The declaration that begins like this in the header of the documents of uploads.
+// The declaration that begins like this in the header of the documents of uploads. With the undefined-behaviour
+// sanitizer gcc takes no find of the standard library in a constant expression.
 static constexpr std::string_view InHeader(std::string_view aBeginning)
 {
     const std::string_view theHeader(kDIDL_Header);
-    const size_t theBegin = theHeader.find(aBeginning);
-    return theHeader.substr(theBegin, theHeader.find('"', theBegin + aBeginning.size()) + 1 - theBegin);
+    size_t theBegin = 0;
+    while (theHeader.substr(theBegin, aBeginning.size()) != aBeginning)
+        ++theBegin;
+    size_t theQuote = theBegin + aBeginning.size();
+    while (theHeader[theQuote] != '"')
+        ++theQuote;
+    return theHeader.substr(theBegin, theQuote + 1 - theBegin);
 }
 
 namespace
@@ -29,7 +35,7 @@ struct KnownNamespace
     std::string_view mDeclaration;
 };
 
-const KnownNamespace kKnown[] = {
+constexpr KnownNamespace kKnown[] = {
     { Repairer::kDefault, "", InHeader("xmlns=\"") },
     { Repairer::kUPnP, "upnp", InHeader("xmlns:upnp=\"") },
     { Repairer::kDC, "dc", InHeader("xmlns:dc=\"") },
