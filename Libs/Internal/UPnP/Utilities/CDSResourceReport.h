@@ -31,7 +31,7 @@ enum
     kCDSResourceReason_Chosen = 0,
     kCDSResourceReason_NoURI = 1,              /* it has neither protocol info nor URI */
     kCDSResourceReason_Thumbnail = 2,          /* thumbnails are not considered */
-    kCDSResourceReason_ConvertedLeftOut = 3,   /* it is converted, and an original may be played */
+    kCDSResourceReason_ConvertedLeftOut = 3,   /* it is converted, and originals are preferred */
     kCDSResourceReason_TransportMissing = 4,   /* the renderer has nothing of its transport protocol */
     kCDSResourceReason_TransportNotListed = 5, /* the scheme order does not cover its transport protocol */
     kCDSResourceReason_LaterStage = 6,         /* the chosen one matches at an earlier stage */

@@ -485,7 +485,7 @@ private:
     uint32 mProtocol = 0;
     uint32 mNetwork = 0;
     bool mfHasSet = false;
-    ParameterSet mSet;
+    ParameterSet mSet = {};
     uint32 mFewNumbers[16];
     uint32* mAllocatedNumbers = nullptr;
 };
@@ -668,13 +668,12 @@ size_t zoDLNAProtocolInfoList_FindMatch(const zoDLNAProtocolInfoList_t* aList, c
     if (!theIndex)
     {
         return static_cast<size_t>(
-            std::find_if(aFlags, theEnd, [=](int theFlags) { return MatchesOneByOne(aList, anInfo, theFlags); }) -
-            aFlags);
+            std::find_if(aFlags, theEnd, [=](int aMask) { return MatchesOneByOne(aList, anInfo, aMask); }) - aFlags);
     }
     Query theQuery(theIndex, anInfo);
     if (!theQuery.MatchesTransport()) { return aCount; }
     return static_cast<size_t>(
-        std::find_if(aFlags, theEnd, [&theQuery](int theFlags) { return theQuery.MatchesAny(theFlags); }) - aFlags);
+        std::find_if(aFlags, theEnd, [&theQuery](int aMask) { return theQuery.MatchesAny(aMask); }) - aFlags);
 }
 
 int zoDLNAProtocolInfoList_Match(const zoDLNAProtocolInfoList_t* aList, const zoDLNAProtocolInfo_t* anInfo, int aFlags)
