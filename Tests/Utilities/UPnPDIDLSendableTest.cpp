@@ -90,8 +90,8 @@ TEST(UPnPDIDLSendableTest, RepairsDeclarations)
         { kDefault + ",xmlns:xml=\"x\",xmlns:a=\"http://www.w3.org/XML/1998/namespac&#101;\",xmlns:xmlns=\"y\"," + kDC +
               ",xmlns:xml=\"http://www.w3.org/XML/1998/namespace\"," + kUPnP,
           kDefault + " " + kDC + " xmlns:xml=\"http://www.w3.org/XML/1998/namespace\" " + kUPnP, "0 0 3 0" },
-        { "xmlns:a=\"&x;\",xmlns:b=\"<\",xmlns:c=\"&amp;\\,\xFF\",1=\"\",no,XMLNS:d=\"e\",f:g=\"h\"",
-          "xmlns:c=\"&amp;," + kBad + "\" " + kDefault + " " + kUPnP + " " + kDC, "1 0 6 3" },
+        { "xmlns:a=\"&x;\",xmlns:b=\"<\",xmlns:c=\"&amp;\\,\",xmlns:g=\"\xFF\",1=\"\",no,XMLNS:d=\"e\",f:g=\"h\"",
+          "xmlns:c=\"&amp;,\" " + kDefault + " " + kUPnP + " " + kDC, "0 0 7 3" },
     };
     for (const auto& [theList, theDeclarations, theRepairs] : kCases)
     {
@@ -219,6 +219,7 @@ TEST(UPnPDIDLSendableTest, JudgesTexts)
         { "<a xmlns='u'><:b/></a>", false },
         { "<a xmlns='u'><\xC3\x97/></a>", false }, // a sign, not a letter
         { "<a xmlns='http://www.w3.org/2000/xmlns/'/>", false },
+        { "<a xmlns='u&#10;'/>", false }, // not a URI
     };
     for (const auto& [theText, fIsSendable] : kCases)
         EXPECT_EQ(fIsSendable, UPnPDIDL_IsSendable(theText, strlen(theText)) != 0) << theText;

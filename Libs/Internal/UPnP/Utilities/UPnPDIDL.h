@@ -46,10 +46,10 @@ UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t*
  * can have a name without a namespace. UPnPDIDL_Get copies all that, and a renderer that reads strictly refuses it.
  *
  * A text is sendable when it is well-formed UTF-8 of characters that XML 1.0 allows and well-formed XML 1.0 with
- * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, its XML declaration names UTF-8 or
- * no encoding, and its names consist of ASCII characters and of letters that are in names since the first edition of
- * XML 1.0 (Latin, Greek, Cyrillic, Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul): readers differ in the others.
- */
+ * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, and its XML declaration names UTF-8
+ * or no encoding. Where readers differ, it has what all take: namespaces have characters of URIs alone (RFC 3986), and
+ * names consist of ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek,
+ * Cyrillic, Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
 
 /* What UPnPDIDL_GetSendable changed. */
 typedef struct UPnPDIDLRepairs_t
@@ -70,7 +70,8 @@ typedef struct UPnPDIDLRepairs_t
  *   pair of a resource is also left out when it has no value, or when the resource has the attribute already: by the
  *   same name, or by another prefix of the same namespace.
  * - A declaration is left out when it is not well-formed: the second one of a prefix, one that binds a prefix to
- *   nothing, one that binds xml or xmlns, one with a "<" or with a reference to an entity that XML does not have.
+ *   nothing or to what is not a URI, one that binds xml or xmlns, one with a reference to an entity that XML does not
+ *   have.
  * - The namespaces of dc, upnp, dlna, av and the elements without a prefix are declared when the text uses them and the
  *   record does not declare them.
  *

@@ -43,41 +43,56 @@ static bool IsNameLetter(uint32 aCode)
     return false;
 }
 
-// A bit for each byte that is an ASCII character of names.
-struct NameCharacters
+// A bit for each byte that is an ASCII letter, a digit or one of the marks.
+struct ByteSet
 {
     uint64 mBits[4];
-    constexpr NameCharacters() : mBits()
+    constexpr explicit ByteSet(std::string_view aMarks) : mBits()
     {
         for (uint32 i = 0; i < 0x80; ++i)
         {
             const bool fIsLetter = (i >= 'a' && i <= 'z') || (i >= 'A' && i <= 'Z');
-            const bool fIsInName = fIsLetter || (i >= '0' && i <= '9') || i == '_' || i == '-' || i == '.';
-            mBits[i / 64] |= static_cast<uint64>(fIsInName) << i % 64;
+            if (fIsLetter || (i >= '0' && i <= '9')) { Add(i); }
         }
+        for (const char theMark : aMarks)
+            Add(static_cast<uint32>(theMark));
     }
-    bool Contains(char aByte) const
+    constexpr void Add(uint32 aByte) { mBits[aByte / 64] |= uint64{ 1 } << aByte % 64; }
+
+    // The number of bytes at the beginning of the text that are in the set.
+    size_t Length(std::string_view aText) const
     {
-        const uint8 theByte = static_cast<uint8>(aByte);
-        return (mBits[theByte / 64] >> theByte % 64 & 1) != 0;
+        size_t theLength = 0;
+        for (const char theSigned : aText)
+        {
+            const uint8 theByte = static_cast<uint8>(theSigned);
+            if ((mBits[theByte / 64] >> theByte % 64 & 1) == 0) { break; }
+            ++theLength;
+        }
+        return theLength;
     }
 };
 
 size_t NameLength(std::string_view aText)
 {
-    static constexpr NameCharacters kASCII;
+    static constexpr ByteSet kInNames("_-.");
     if (aText.empty() || Shared::IsDigit(aText[0]) || aText[0] == '-' || aText[0] == '.') { return 0; }
     size_t theLength = 0;
     for (;;)
     {
-        while (theLength < aText.size() && kASCII.Contains(aText[theLength]))
-            ++theLength;
+        theLength += kInNames.Length(aText.substr(theLength));
         if (theLength == aText.size() || static_cast<uint8>(aText[theLength]) < 0x80) { break; }
         const Character theCharacter = CharacterAt(aText.substr(theLength));
         if (!theCharacter.mfIsAllowed || !IsNameLetter(theCharacter.mCode)) { break; }
         theLength += theCharacter.mLength;
     }
     return theLength <= kMaxNameLength ? theLength : 0;
+}
+
+size_t URILength(std::string_view aText)
+{
+    static constexpr ByteSet kInURIs("-._~:/?#[]@!$&'()*+,;=%");
+    return kInURIs.Length(aText);
 }
 
 } // namespace DIDL

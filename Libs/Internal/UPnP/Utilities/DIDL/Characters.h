@@ -26,6 +26,9 @@ inline constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD"; // U+F
 // one. Its characters beyond ASCII are letters that every edition of XML 1.0 has in names.
 size_t NameLength(std::string_view aText);
 
+// The number of bytes at the beginning of the text that are characters of URIs.
+size_t URILength(std::string_view aText);
+
 inline constexpr size_t kMaxNameLength = 1024; // readers have limits; no real name is as long
 
 } // namespace DIDL

@@ -112,11 +112,12 @@ bool Repairer::IsOrdinary(std::string_view aDeclaration)
         if (thePrefix.empty() || thePrefix[0] == 'x') { return false; } // xml, xmlns
     }
     if (!Read(&theRest, "=\"") || theRest.empty() || Read(&theRest, "http://www.w3.")) { return false; }
-    const size_t theURI = PrintableLength(theRest);
+    const size_t theURI = URILength(theRest);
     const bool fIsFirst = mPrefixes.size() < kFew && !Contains(mPrefixes, thePrefix);
     mPrefixes.Add(thePrefix);
     mDeclaredOtherwise |= KnownPrefix(thePrefix);
-    return fIsFirst && theURI > 0 && theURI == theRest.size() - 1 && theRest[theURI] == '"';
+    const bool fIsURI = theURI > 0 && theURI == theRest.size() - 1 && theRest[theURI] == '"';
+    return fIsFirst && fIsURI && theRest.find('&') == theRest.npos;
 }
 
 // As DIDL::AppendDeclarations, as long as all are ordinary.
@@ -170,51 +171,32 @@ void Repairer::ReadDeclarations(std::string_view aPart)
     }
 }
 
-// What was replaced in a text that is left out does not count.
-void Repairer::LeaveOut(std::string_view aText)
-{
-    ++mRepairs.mDeclarationsLeftOut;
-    size_t thePosition = 0;
-    while (mRepairs.mReplaced > 0 && (thePosition = aText.find(kReplacementCharacter, thePosition)) != aText.npos)
-    {
-        --mRepairs.mReplaced;
-        ++thePosition;
-    }
-}
-
 // Appends those of the part that can be written. The declarations of all parts hold.
 void Repairer::AppendPart(std::string_view aPart, AttributeNames* aNames)
 {
     List<Attribute> theAttributes;
-    if (!ReadAll(aPart, &theAttributes))
-    {
-        LeaveOut(aPart);
-        return;
-    }
+    if (!ReadAll(aPart, &theAttributes)) { ++mRepairs.mDeclarationsLeftOut; }
     for (const Attribute& theAttribute : theAttributes)
     {
         const QName& theName = theAttribute.mName;
         const bool fCanHold = IsDeclaration(theName) ? !theAttribute.mValue.empty() && IsWellFormed(theAttribute)
                                                      : theName.mPrefix.empty() || IsDeclared(theName.mPrefix) ||
                                                            CanDeclare(theName.mPrefix);
-        if (fCanHold && mScopes.AddName(aNames, theName)) { Shared::Append(mBuffer, theAttribute.mText); }
-        else { LeaveOut(theAttribute.mText); }
+        const bool fIsWritten = fCanHold && mScopes.AddName(aNames, theName);
+        if (fIsWritten) { Shared::Append(mBuffer, theAttribute.mText); }
+        mRepairs.mDeclarationsLeftOut += !fIsWritten;
     }
 }
 
-// Appends what ReadAttributes reads, each part of the list with a NUL after it.
-void Repairer::SplitList(std::string_view aList, TextBuilder* aParts)
+// Appends the declarations of a list as DIDL::AppendDeclarations does, but with a NUL after each.
+static void SplitList(std::string_view aList, TextBuilder* aParts)
 {
     aParts->Append(' ');
-    for (std::string_view theRest = aList; !theRest.empty();)
+    for (size_t i = 0; i < aList.size(); ++i)
     {
-        const Character theCharacter = CharacterAt(theRest);
-        std::string_view theText = theRest.substr(0, theCharacter.mLength);
-        theRest.remove_prefix(theText.size());
-        if (Read(&theText, ",")) { theText = std::string_view("\0 ", 2); }
-        else if (theText[0] == '\\' && Read(&theRest, ",")) { theText = ","; }
-        aParts->Append(theCharacter.mfIsAllowed ? theText : kReplacementCharacter);
-        mRepairs.mReplaced += !theCharacter.mfIsAllowed;
+        const bool fIsEscape = aList.substr(i, 2) == "\\,";
+        if (aList[i] == ',') { aParts->Append(std::string_view("\0 ", 2)); }
+        else { aParts->Append(aList[i += fIsEscape]); }
     }
 }
 

@@ -58,8 +58,6 @@ private:
     [[gnu::cold]] void ReadDeclarations(std::string_view aPart);
     [[gnu::cold]] void AppendPart(std::string_view aPart, AttributeNames* aNames);
     [[gnu::cold]] void RepairDeclarations(std::string_view aList);
-    [[gnu::cold]] void LeaveOut(std::string_view aText);
-    [[gnu::cold]] void SplitList(std::string_view aList, TextBuilder* aParts);
 
     enum : size_t
     {

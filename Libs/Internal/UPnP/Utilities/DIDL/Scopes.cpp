@@ -1,7 +1,7 @@
 #include <UPnP/Utilities/DIDL/Scopes.h>
 
-#include <Shared/ASCII.h>
 #include <UPnP/Stack/ILibXML.h>
+#include <UPnP/Utilities/DIDL/Characters.h>
 #include <UPnP/Utilities/DIDL/Values.h>
 #include <stdlib.h>
 #include <string.h>
@@ -75,16 +75,10 @@ bool Scopes::AddName(AttributeNames* aNames, const QName& anAttribute) const
 
 // ---- Declarations ----
 
-// The URI as a reader sees it: line ends and tabs are blanks, references are resolved.
+// The URI with its references resolved. Blanks, which readers change, are in no URI.
 static char* NewURI(std::string_view aValue)
 {
     char* theURI = zoStrndup(aValue.data(), aValue.size());
-    char* theEnd = theURI;
-    for (const char* theByte = theURI; *theByte; ++theByte)
-        if (*theByte != '\n' || theByte == theURI || theByte[-1] != '\r') { *theEnd++ = *theByte; }
-    *theEnd = 0;
-    for (char* theByte = theURI; *theByte; ++theByte)
-        if (Shared::IsSpace(*theByte)) { *theByte = ' '; }
     ILibInPlaceXmlUnEscape(theURI);
     return theURI;
 }
@@ -102,7 +96,7 @@ bool IsWellFormed(const Attribute& aDeclaration)
     const std::string_view theURI(theCopy);
     const bool fIsXML = theURI == "http://www.w3.org/XML/1998/namespace";
     const bool fIsOther = !fIsXML && theURI != "http://www.w3.org/2000/xmlns/" && thePrefix != "xmlns" &&
-                          (!theURI.empty() || thePrefix.empty());
+                          (!theURI.empty() || thePrefix.empty()) && URILength(theURI) == theURI.size();
     free(theCopy);
     return thePrefix == "xml" ? fIsXML : fIsOther;
 }

@@ -32,7 +32,8 @@ private:
     zoCustomHashTable* mTable = nullptr;
 };
 
-// False when a declaration binds what must not be bound so: xml and xmlns, their namespaces, or a prefix to nothing.
+// False when a declaration binds what must not be bound so (xml and xmlns, their namespaces, a prefix to nothing), or
+// to what is not a URI: readers refuse that, each in its own way.
 bool IsWellFormed(const Attribute& aDeclaration);
 
 class Scopes
