@@ -431,7 +431,7 @@ void AddTexts(Shapes& aShapes)
         AddPair(aShapes, "words and numbers of " + theText, theText, theText,
                 [](const std::string& aFirst, const std::string& aSecond)
                 {
-            int32 theParts[8] = {};
+            int32 theParts[kzoDLNADatePart_Count] = {};
             UseNumber(UPnPUtil_ParseTimeString(aFirst.c_str()));
             UseNumber(UPnPUtil_ParseTimeString(("1." + aFirst + "/1" + aSecond).c_str()));
             UseNumber(UPnPUtil_GetUInt32(aFirst.c_str(), 0));

@@ -272,7 +272,7 @@ void AddRecordShapes(Shapes& aShapes)
         for (const uint32 theFirst : { 0u, 15u, 20u, 21u })
         {
             for (const std::string& theValue :
-                 { std::string(), std::string("a"), std::string("a,"), std::string(50, '"'), std::string(2000, 'x') })
+                 { std::string(), std::string("a"), std::string("a,"), std::string(50, '"'), std::string(200, 'x') })
             {
                 AddBlocks(aShapes,
                           (theTags ? std::to_string(theTags) : "all") + " tags an entry from " +
