@@ -312,7 +312,7 @@ size_t CDSResourceInfo::GetMemoryUsage() { return zoPackedData_GetMemoryUsage(mP
 zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aResourceInfo, size_t aTargetSize, const char* anURIToKeep,
                                            int afKeepThumbnails)
 {
-    if (zoPackedData_GetMemoryUsage(aResourceInfo) <= aTargetSize) { return aResourceInfo; }
+    if (!aResourceInfo || zoPackedData_GetMemoryUsage(aResourceInfo) <= aTargetSize) { return aResourceInfo; }
     const uint32 theCount = zoPackedData_GetEntryCount(aResourceInfo);
     zoPackedData_t* theRecord = zoPackedData_New(0);
     size_t theSize = 0;
