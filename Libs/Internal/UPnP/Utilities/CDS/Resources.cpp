@@ -13,7 +13,7 @@ static void Read(const zoPackedData_t* aRecord, uint32 anIndex, Resource* aResou
 {
     size_t theSize = 0;
     const char* theText = zoPackedData_GetData(aRecord, anIndex, kCDSResourceInfo_ProtocolInfo, &theSize);
-    aResource->mfHasProtocolInfo = theText && *theText != '\0';
+    aResource->mfHasProtocolInfo = theSize > 0 && *theText != '\0';
     aResource->mInfo = nullptr;
     if (aResource->mfHasProtocolInfo)
     {
