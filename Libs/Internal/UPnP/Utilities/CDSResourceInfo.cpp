@@ -292,10 +292,11 @@ zoCString CDSResourceInfo::GetProtocolInfoForResourceIndex(uint32 aResourceIndex
 
 int CDSResourceInfo_GetResourceIndexOfURI(const zoPackedData_t* aResourceInfo, const char* anURI)
 {
-    const uint32 theCount = anURI ? zoPackedData_GetEntryCount(aResourceInfo) : 0;
-    for (uint32 i = 0; i < theCount; ++i)
+    if (!anURI) { return -1; }
+    const std::string_view theURI = anURI;
+    for (uint32 i = 0; i < zoPackedData_GetEntryCount(aResourceInfo); ++i)
     {
-        if (CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURI)) { return static_cast<int>(i); }
+        if (CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, theURI)) { return static_cast<int>(i); }
     }
     return -1;
 }
@@ -314,13 +315,14 @@ zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aResourceInfo, size_t
 {
     if (!aResourceInfo || zoPackedData_GetMemoryUsage(aResourceInfo) <= aTargetSize) { return aResourceInfo; }
     const uint32 theCount = zoPackedData_GetEntryCount(aResourceInfo);
+    const std::string_view theURIToKeep = anURIToKeep ? anURIToKeep : "";
     zoPackedData_t* theRecord = zoPackedData_New(0);
     size_t theSize = 0;
     for (int fMustKeep = 1; fMustKeep >= 0; --fMustKeep) // first what must be kept, then the others
     {
         for (uint32 i = 0; i < theCount && (fMustKeep || theSize < aTargetSize); ++i)
         {
-            const bool fIsKept = (anURIToKeep && CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, anURIToKeep)) ||
+            const bool fIsKept = (anURIToKeep && CDS::HasText(aResourceInfo, i, kCDSResourceInfo_URI, theURIToKeep)) ||
                                  (afKeepThumbnails && IsThumbnail(aResourceInfo, i));
             if (fIsKept != (fMustKeep != 0)) { continue; }
             zoPackedData_CopyEntry(aResourceInfo, i, theRecord);

@@ -26,7 +26,7 @@ static size_t LengthToPath(std::string_view anURI)
 
 bool HaveSameHost(std::string_view aLeft, std::string_view aRight)
 {
-    const size_t theLength = LengthToPath(aLeft);
+    const size_t theLength = LengthToPath(aLeft.substr(0, aRight.size())); // a long one may be compared with many
     return theLength > 0 && aRight.substr(0, theLength) == aLeft.substr(0, theLength);
 }
 

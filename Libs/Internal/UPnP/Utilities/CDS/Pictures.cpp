@@ -164,7 +164,7 @@ private:
     static const int kUnknown = -2;
 
     int IndexAt(uint32 aPosition) const { return zoDLNAProtocolInfo_GetUserData(mInfos[aPosition]); }
-    string_view ProfileAt(uint32 aPosition) const;
+    const char* ProfileAt(uint32 aPosition) const;                 // "" without one
     bool HasProfile(uint32 aPosition, string_view aProfile) const; // exactly
     bool IsWithoutInfo(uint32 aPosition) const;
 
@@ -201,17 +201,16 @@ ThumbnailSearch::ThumbnailSearch(Resources* aResources, Targets aTargets)
     mCount = static_cast<uint32>(zoDLNAProtocolInfoList_RankByScheme(nullptr, "http-get", "", mInfos, mCount));
 }
 
-string_view ThumbnailSearch::ProfileAt(uint32 aPosition) const
+const char* ThumbnailSearch::ProfileAt(uint32 aPosition) const
 {
     const char* theProfile = zoDLNAProtocolInfo_GetProfile(mInfos[aPosition]);
-    return theProfile ? string_view(theProfile) : string_view();
+    return theProfile ? theProfile : "";
 }
 
 bool ThumbnailSearch::HasProfile(uint32 aPosition, string_view aProfile) const
 {
-    const char* theProfile = zoDLNAProtocolInfo_GetProfile(mInfos[aPosition]);
-    return theProfile && strncmp(theProfile, aProfile.data(), aProfile.size()) == 0 &&
-           theProfile[aProfile.size()] == '\0';
+    const char* theProfile = ProfileAt(aPosition);
+    return strncmp(theProfile, aProfile.data(), aProfile.size()) == 0 && theProfile[aProfile.size()] == '\0';
 }
 
 bool ThumbnailSearch::IsWithoutInfo(uint32 aPosition) const
@@ -236,6 +235,7 @@ int ThumbnailSearch::FindBest(Predicate afIsMeant) const
     return theBest.GetIndex();
 }
 
+// No profile is read further than to where it differs: a long one may be compared with many.
 void ThumbnailSearch::SortByProfile()
 {
     mByProfile = Shared::NewArray<uint32>(mCount);
@@ -244,7 +244,7 @@ void ThumbnailSearch::SortByProfile()
     Shared::Sort(mByProfile, mByProfile + mCount,
                  [this](uint32 aLeft, uint32 aRight)
                  {
-        const int theOrder = ProfileAt(aLeft).compare(ProfileAt(aRight));
+        const int theOrder = strcmp(ProfileAt(aLeft), ProfileAt(aRight));
         return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
     });
 }
@@ -258,11 +258,12 @@ int ThumbnailSearch::FindOfProfile(string_view aProfile)
     }
     if (!mByProfile) { SortByProfile(); }
     const uint32* theEnd = mByProfile + mCount;
-    const uint32* thePosition =
-        std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
-                         [this](uint32 aLeft, string_view aRight) { return ProfileAt(aLeft) < aRight; });
+    const uint32* thePosition = std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
+                                                 [this](uint32 aLeft, string_view aRight) {
+        return strncmp(ProfileAt(aLeft), aRight.data(), aRight.size()) < 0;
+    });
     Best theBest(mResources, mTargets);
-    for (; thePosition < theEnd && ProfileAt(*thePosition) == aProfile; ++thePosition)
+    for (; thePosition < theEnd && HasProfile(*thePosition, aProfile); ++thePosition)
         AddTo(&theBest, *thePosition);
     return theBest.GetIndex();
 }
