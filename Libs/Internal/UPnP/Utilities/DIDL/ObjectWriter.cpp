@@ -6,6 +6,7 @@
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <algorithm>
 #include <stdlib.h>
+#include <string.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 
 namespace DIDL
@@ -188,6 +189,12 @@ static void AppendResource(Output anOutput, int afIncludeResExtraInfo, const Res
     AppendLiteral(anOutput.mBuffer, kDIDL_Res_End);
 }
 
+// Compares without reading aText further than to where it differs: a long one is compared with every resource.
+static bool IsText(std::string_view aBytes, const char* aText)
+{
+    return strncmp(aText, aBytes.data(), aBytes.size()) == 0 && aText[aBytes.size()] == '\0';
+}
+
 // True if the resource has an URI, but not the one, not the profile, or not the conversion indicator of a pass. NULL
 // and -1 stand for any.
 static bool IsPassedOver(const zoPackedData_t* aResourceInfo, uint32 anIndex, const char* anURI_Match,
@@ -195,7 +202,7 @@ static bool IsPassedOver(const zoPackedData_t* aResourceInfo, uint32 anIndex, co
 {
     const std::string_view theURI = GetText(aResourceInfo, anIndex, kCDSResourceInfo_URI);
     if (theURI.empty()) { return false; }
-    if (anURI_Match && theURI != anURI_Match) { return true; }
+    if (anURI_Match && !IsText(theURI, anURI_Match)) { return true; }
     if (!aDLNAPN_Match && afDLNACI_Match == -1) { return false; }
     const std::string_view theProtocolInfo = GetText(aResourceInfo, anIndex, kCDSResourceInfo_ProtocolInfo);
     return !zoDLNAProtocolInfo_MatchText(theProtocolInfo.data() ? theProtocolInfo.data() : "", theProtocolInfo.size(),
