@@ -34,6 +34,14 @@ struct Entry
     uint32 mParameters; // position of the set; kNone without one
 };
 
+// An element whose MIME type is a wild card.
+struct WildCard
+{
+    uint32 mEntry;      // a position
+    uint32 mTypeLength; // of what stands before the "*", a "/" at its end included; 0 when everything is covered
+    uint32 mType;       // the hash of that
+};
+
 // A bit each for the parameters of a MIME type, some of which share one.
 struct Fingerprint
 {
@@ -101,7 +109,7 @@ struct ProtocolInfo::MatchIndex
     HashTable mMimeTypes;
     uint32* mByProfile;  // positions in mEntries
     HashTable mProfiles; // of positions in mByProfile
-    uint32* mWildCards;  // positions of the elements whose MIME type is a wild card
+    WildCard* mWildCards;
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
@@ -145,12 +153,18 @@ static bool IsWildCard(string_view aMimeType)
     return theLength == 1 || aMimeType[theLength - 2] == '/';
 }
 
+// @return what a MIME type that the wild card covers begins with, a "/" at its end included; "" when it covers all.
+static string_view TypeOf(string_view aWildCard)
+{
+    const string_view theType = aWildCard.substr(0, aWildCard.size() - 1);
+    return theType == "*/" ? string_view() : theType;
+}
+
 // True if a MIME type that is a wild card covers another.
 static bool CoversMimeType(string_view aWildCard, string_view aMimeType)
 {
-    const string_view theType = aWildCard.substr(0, aWildCard.size() - 1); // with its "/"
-    return theType.empty() || theType == "*/" ||
-           Shared::EqualsIgnoringCase(theType, aMimeType.substr(0, theType.size()));
+    const string_view theType = TypeOf(aWildCard);
+    return Shared::EqualsIgnoringCase(theType, aMimeType.substr(0, theType.size()));
 }
 
 // Compares the MIME types without their parameters.
@@ -335,6 +349,12 @@ static bool AreEqual(const Entry& aLeft, const Entry& aRight)
            theLeft->mMimeParameters == theRight->mMimeParameters;
 }
 
+static WildCard WildCardOf(uint64 aKey, string_view aMimeType, uint32 anEntry)
+{
+    const string_view theType = TypeOf(aMimeType);
+    return { anEntry, static_cast<uint32>(theType.size()), HashOf(aKey, theType) };
+}
+
 // Of several elements that match the same, one is kept.
 static void SortEntries(MatchIndex* anIndex)
 {
@@ -343,11 +363,13 @@ static void SortEntries(MatchIndex* anIndex)
     const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
     anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
     anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
-    anIndex->mWildCards = Shared::NewArray<uint32>(anIndex->mCount);
+    anIndex->mWildCards = Shared::NewArray<WildCard>(anIndex->mCount);
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
         anIndex->mByProfile[i] = i;
-        if (IsWildCard(theEntries[i].mInfo->mMimeType)) { anIndex->mWildCards[anIndex->mWildCardCount++] = i; }
+        const string_view theMimeType = theEntries[i].mInfo->mMimeType;
+        if (!IsWildCard(theMimeType)) { continue; }
+        anIndex->mWildCards[anIndex->mWildCardCount++] = WildCardOf(anIndex->mKey, theMimeType, i);
     }
     std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
               [theEntries](uint32 aLeft, uint32 aRight)
@@ -472,6 +494,7 @@ private:
     bool MatchesAmong(bool afAnyProfile, uint32 aProfile);
     bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesMimeType();
+    bool MayBeCoveredBy(const WildCard& aWildCard);
     bool MatchesWildCards();
 
     const MatchIndex* mIndex;
@@ -481,6 +504,8 @@ private:
     int mMismatchFlags = -1; // those for which no element of the MIME type matches, without WildCardMimeTypeCheck
     uint32 mMimeType = 0;    // hashes; 0 until they are asked for
     uint32 mProfile = 0;
+    uint32 mTypeLength = 0; // of the beginning of the MIME type that was last compared with a wild card's
+    uint32 mType = 0;       // its hash
     bool mfHasTransport = false;
     uint32 mProtocol = 0;
     uint32 mNetwork = 0;
@@ -604,10 +629,25 @@ bool Query::MatchesMimeType()
     return fMatches;
 }
 
+bool Query::MayBeCoveredBy(const WildCard& aWildCard)
+{
+    const string_view theMimeType = mInfo->mMimeType;
+    const uint32 theLength = aWildCard.mTypeLength;
+    if (theLength == 0) { return true; }
+    if (theLength > theMimeType.size() || theMimeType[theLength - 1] != '/') { return false; }
+    if (theLength != mTypeLength)
+    {
+        mTypeLength = theLength;
+        mType = HashOf(mIndex->mKey, theMimeType.substr(0, theLength));
+    }
+    return mType == aWildCard.mType;
+}
+
 bool Query::MatchesWildCards()
 {
     return std::any_of(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
-                       [this](uint32 aPosition) { return Matches(mIndex->mEntries[aPosition]); });
+                       [this](const WildCard& aWildCard)
+                       { return MayBeCoveredBy(aWildCard) && Matches(mIndex->mEntries[aWildCard.mEntry]); });
 }
 
 // True if the transport of all elements, when they have one, is that of the protocol info.
