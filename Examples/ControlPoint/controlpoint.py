@@ -38,6 +38,12 @@ def read(answer: bytes) -> list[upnputilities.MediaObject]:
         raise upnp.DeviceError(f"the server's answer cannot be read: {error}") from error
 
 
+def number(answer: bytes, name: str) -> int:
+    """A number in an answer; 0 when it is none."""
+    digits = upnp.text(answer, name)
+    return int(digits) if digits.isdecimal() and len(digits) <= 10 else 0
+
+
 def browse(server: upnp.Device, container: str) -> Iterator[upnputilities.MediaObject]:
     """The objects in a container, page by page."""
     start, total = 0, 1
@@ -46,8 +52,8 @@ def browse(server: upnp.Device, container: str) -> Iterator[upnputilities.MediaO
                            BrowseFlag="BrowseDirectChildren", StartingIndex=start, RequestedCount=200)
         objects = read(answer)
         yield from objects
-        start += len(objects)
-        total = int(upnp.text(answer, "TotalMatches") or 0) if objects else 0
+        returned = max(len(objects), number(answer, "NumberReturned"))  # which counts invalid objects, too
+        start, total = start + returned, number(answer, "TotalMatches") if returned else 0
 
 
 def fetch(server: upnp.Device, object_id: str) -> upnputilities.MediaObject:

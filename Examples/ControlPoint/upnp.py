@@ -3,6 +3,7 @@
 Answers are read leniently, since devices put into them whatever bytes their files and tags have.
 """
 
+import contextlib
 import html
 import http.client
 import re
@@ -38,16 +39,14 @@ class Device:
 
 def fetch(method: str, url: str, body: bytes | None = None, headers: dict[str, str] | None = None) -> tuple[int, bytes]:
     """Makes an HTTP request; returns the status and the body of the answer."""
-    parts = urlsplit(url)
-    connection = http.client.HTTPConnection(parts.hostname or "", parts.port or 80, timeout=20)
     try:
-        connection.request(method, parts._replace(scheme="", netloc="").geturl() or "/", body, headers or {})
-        answer = connection.getresponse()
-        return answer.status, answer.read()
-    except (OSError, http.client.HTTPException) as error:
+        parts = urlsplit(url)
+        with contextlib.closing(http.client.HTTPConnection(parts.hostname or "", parts.port or 80, timeout=20)) as connection:
+            connection.request(method, parts._replace(scheme="", netloc="").geturl() or "/", body, headers or {})
+            answer = connection.getresponse()
+            return answer.status, answer.read()
+    except (OSError, ValueError, http.client.HTTPException) as error:  # ValueError: the URL or a header is none
         raise DeviceError(f"{url}: {error or type(error).__name__}") from error
-    finally:
-        connection.close()
 
 
 def values(document: bytes, name: str) -> list[bytes]:
@@ -79,12 +78,16 @@ def describe(location: str) -> Device:
     if status != 200:
         raise DeviceError(f"{location}: HTTP status {status}")
     services = {}
-    for service in values(document, "service"):
-        type_name = text(service, "serviceType")
-        if ":" in type_name:
-            services[type_name.split(":")[-2]] = (type_name, urljoin(location, text(service, "controlURL")))
     model = f'{text(document, "modelName")} {text(document, "modelNumber")}'.strip()
-    return Device(text(document, "friendlyName"), model, socket.gethostbyname(urlsplit(location).hostname or ""), services)
+    try:
+        for service in values(document, "service"):
+            type_name = text(service, "serviceType")
+            if ":" in type_name:
+                services[type_name.split(":")[-2]] = (type_name, urljoin(location, text(service, "controlURL")))
+        address = socket.gethostbyname(urlsplit(location).hostname or "")
+    except (OSError, ValueError) as error:
+        raise DeviceError(f"{location}: {error}") from error
+    return Device(text(document, "friendlyName"), model, address, services)
 
 
 def discover(target: str, wait: float = 2) -> list[Device]:
