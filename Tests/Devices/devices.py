@@ -243,7 +243,7 @@ def check_renderer(bench: Bench, name: str) -> None:
         for attempt in range(3):
             try:
                 play(bench, renderer, server, found["id"], attempt > 0)
-                bench.counts["plays"] += 1
+                bench.counts.update(["plays", f"plays at {renderer.model}"])
             except Fault as fault:
                 bench.faults[str(fault)] += 1
                 if isinstance(fault, Conversion):
@@ -269,7 +269,7 @@ def play(bench: Bench, renderer: upnp.Device, server: upnp.Device, object_id: st
     try:
         controlpoint.start(renderer, uri, text)
         if not is_ended:
-            next(now for now in controlpoint.watch(renderer, 0.1) if now.state == "PLAYING")
+            next(now for now in controlpoint.watch(renderer, 0.1, 20) if now.state == "PLAYING")
     except upnp.DeviceError as error:
         if server.model == RYGEL and "DLNA.ORG_CI=1" in choice.resource.protocol_info and not prefers_originals:
             raise Conversion(f"{RYGEL} offers a converted resource that does not play") from error
