@@ -30,7 +30,7 @@ FILTERS = ["dc:title", "dc:title,upnp:albumArtURI,res,res@duration,res@size,@chi
 SEARCHES = ['upnp:class derivedfrom "object.item.audioItem"', 'dc:title contains "&"',
             'upnp:class derivedfrom "object.item.videoItem" and @refID exists false']
 CLIENTS = {  # user agents for which servers answer in ways of their own, and how many containers are browsed
-    "": 25, "DLNADOC/1.50 SEC_HHP_[TV]UE40D7000/1.0": 6, "Xbox/2.0.4552.0 UPnP/1.0 Xbox/2.0.4552.0": 6,
+    "": 15, "DLNADOC/1.50 SEC_HHP_[TV]UE40D7000/1.0": 6, "Xbox/2.0.4552.0 UPnP/1.0 Xbox/2.0.4552.0": 6,
     "PLAYSTATION 3 UPnP/1.0 DLNADOC/1.50": 6, "Panasonic MIL DLNA CP UPnP/1.0 DLNADOC/1.50": 6,
     "Microsoft-Windows/6.1 UPnP/1.0 Windows-Media-Player/12.0": 6, "FDSSDP LGE_DLNA_SDK/1.6.0 DLNADOC/1.50": 6,
 }

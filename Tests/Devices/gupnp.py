@@ -45,10 +45,21 @@ def seen_by_lxml(read: didl.Object) -> didl.Object:
     return {name: value for name, value in read.items() if name in kept} | {"resources": resources}
 
 
+def new_context(interface: str) -> Any:
+    """gupnp takes a port by chance, which can be somebody's."""
+    for attempt in range(10):
+        try:
+            return GUPnP.Context.new_full(interface, None, 0, GSSDP.UDAVersion.VERSION_1_0)
+        except GLib.Error as error:
+            if attempt == 9:
+                raise SystemExit(f"gupnp has no port: {error}") from error
+    return None
+
+
 def introspect(interface: str, folder: Path) -> dict[str, dict[str, str | None]]:
     """Serves the device description in a folder, finds it by SSDP, and reads the one service description there: for each action
     its arguments, each with the type of its state variable, None without one."""
-    context = GUPnP.Context.new_full(interface, None, 0, GSSDP.UDAVersion.VERSION_1_0)
+    context = new_context(interface)
     device = GUPnP.RootDevice.new(context, "description.xml", str(folder))
     device.set_available(True)
     seen: dict[str, dict[str, str | None]] = {}
