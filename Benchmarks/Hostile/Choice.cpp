@@ -170,6 +170,32 @@ void ChooseForTargets(size_t aSize, Meter& aMeter)
     zoPackedData_Free(theRecord);
 }
 
+// A resource with a long URI and a long profile before many with short ones, and as many profiles to look for.
+void ChooseBesideLongTexts(size_t aSize, Meter& aMeter)
+{
+    size_t theBytes;
+    const std::string theURI = "http://" + std::string(aSize / 4, 'h');
+    const std::string theInfo = "http-get:*:image/jpeg:DLNA.ORG_PN=P5" + std::string(aSize / 4, '0');
+    const std::string theProfiles = ListOf("Q#", aSize / 4);
+    zoPackedData_t* theOthers =
+        NewRecord({ "http://h/#", "http-get:*:image/jpeg:DLNA.ORG_PN=P#" }, aSize / 4, &theBytes);
+    zoPackedData_t* theRecord = zoPackedData_New(0);
+    zoPackedData_AddNewEntry(theRecord);
+    zoPackedData_AddData(theRecord, kCDSResourceInfo_URI, theURI.c_str(), theURI.size() + 1);
+    zoPackedData_AddData(theRecord, kCDSResourceInfo_ProtocolInfo, theInfo.c_str(), theInfo.size() + 1);
+    for (uint32 i = 0; i < zoPackedData_GetEntryCount(theOthers); ++i)
+        zoPackedData_CopyEntry(theOthers, i, theRecord);
+    aMeter.Run(zoPackedData_GetMemoryUsage(theRecord) + theProfiles.size(),
+               [&]
+               {
+        CDSResourceInfo_ChooseResource(theRecord, nullptr, kCDSResourceChoice_Default, "*", nullptr, 0, nullptr);
+        CDSResourceInfo_GetResourceIndexOfURI(theRecord, (theURI + "/").c_str());
+        free(CDSResourceInfo_FetchThumbnailURI(theRecord, nullptr, theProfiles.c_str(), nullptr, 0, nullptr));
+    });
+    zoPackedData_Free(theOthers);
+    zoPackedData_Free(theRecord);
+}
+
 // A scheme order of many items, and a list of as many transport protocols.
 void ChooseByScheme(const std::string& anItem, const std::string& anElement, size_t aSize, Meter& aMeter)
 {
@@ -256,6 +282,7 @@ void AddChoiceShapes(Shapes& aShapes)
                 [=](size_t aSize, Meter& aMeter) { ChooseThumbnail(kThumbnail, theProfile, fIsArt, aSize, aMeter); });
         }
     }
+    Add(aShapes, "a long URI and a long profile among short ones", ChooseBesideLongTexts);
     Add(aShapes, "targets and hosts", ChooseForTargets);
     for (const auto& [theItem, theElement] : { std::pair("s#", "p#:*:a/b:*"), std::pair("p#", "p#:*:a/b:*"),
                                                std::pair("http", "http-#:*:a/b:*"), std::pair("a", "b:*:a/b:*") })
