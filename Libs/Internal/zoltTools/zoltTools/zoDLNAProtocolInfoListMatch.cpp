@@ -65,18 +65,21 @@ struct ParameterSet
     const uint32* mNumbers; // in the array of the index
     uint32 mCount;
 
-    // Takes little time when one set is much larger than the other, too.
-    bool IsCoveredBy(const ParameterSet& anOther) const
+    bool Has(uint32 aNumber) const { return std::binary_search(mNumbers, mNumbers + mCount, aNumber); }
+
+    // @return a number that the other one lacks; kNone when it has all. Takes little time when one set is much larger
+    // than the other, too.
+    uint32 FindMissing(const ParameterSet& anOther) const
     {
-        if (!mFingerprint.IsCoveredBy(anOther.mFingerprint)) { return false; }
         const uint32* theEnd = anOther.mNumbers + anOther.mCount;
         const uint32* thePosition = anOther.mNumbers;
-        return std::all_of(mNumbers, mNumbers + mCount,
-                           [&](uint32 aNumber)
-                           {
+        const uint32* theMissing = std::find_if(mNumbers, mNumbers + mCount,
+                                                [&](uint32 aNumber)
+                                                {
             thePosition = std::lower_bound(thePosition, theEnd, aNumber);
-            return thePosition != theEnd && *thePosition == aNumber;
+            return thePosition == theEnd || *thePosition != aNumber;
         });
+        return theMissing == mNumbers + mCount ? kNone : *theMissing;
     }
 };
 
@@ -511,6 +514,7 @@ private:
     uint32 mNetwork = 0;
     bool mfHasSet = false;
     ParameterSet mSet = {};
+    uint32 mMissingNumber = kNone; // of a parameter that an element has and the protocol info lacks
     uint32 mFewNumbers[16];
     uint32* mAllocatedNumbers = nullptr;
 };
@@ -557,10 +561,15 @@ const ParameterSet& Query::GetSet()
     return mSet;
 }
 
+// What is missing for one element is often missing for the next one, too.
 bool Query::HasParametersOf(const Entry& anEntry)
 {
-    return anEntry.mParameters == kNone || (mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck) ||
-           mIndex->mSets[anEntry.mParameters].IsCoveredBy(GetSet());
+    if (anEntry.mParameters == kNone || (mFlags & kzoDLNAProtocolInfoMatch_NoMimeTypeCheck)) { return true; }
+    const ParameterSet& theSet = mIndex->mSets[anEntry.mParameters];
+    if (theSet.mCount > GetSet().mCount || !theSet.mFingerprint.IsCoveredBy(mSet.mFingerprint)) { return false; }
+    if (mMissingNumber != kNone && theSet.Has(mMissingNumber)) { return false; }
+    mMissingNumber = theSet.FindMissing(mSet);
+    return mMissingNumber == kNone;
 }
 
 bool Query::Matches(const Entry& anEntry)
