@@ -143,6 +143,9 @@ TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
         { "a:*:*:*", "a:*:b/c:*", kWild, 1 },
         { "a:*:B/*:*", "a:*:b/c:*", kWild, 1 },
         { "a:*:b/*:*", "a:*:bb/c:*", kWild, 0 },
+        { "a:*:*/*:*", "a:*:b:*", kWild, 1 },
+        { "a:*:b/c/*:*", "a:*:B/C/d:*", kWild, 1 },
+        { "a:*:b/c/*:*", "a:*:b/d/c:*", kWild, 0 },
         { "a:*:b/c:*", "a:*:b/*:*", kWild, 0 }, // only the list's wild cards count
         { "a:*:audio/L16;rate=44100:*", "a:*:audio/L16; channels=2 ;Rate=44100:*", 0, 1 },
         { "a:*:audio/L16;rate=44100;channels=2:*", "a:*:audio/L16;rate=44100:*", 0, 0 },

@@ -27,18 +27,18 @@ const uint32 kNone = 0xFFFFFFFF;
 struct Entry
 {
     const zoDLNAProtocolInfo_t* mInfo;
-    uint32 mMimeType;   // hashes; this one is also of the rarest parameter, if there are any
+    uint32 mMimeType;   // hashes; this one is of what a wild card covers, and of the rarest parameter if there are any
     uint32 mProfile;    // 0 without a profile, and only then
     uint32 mProtocol;   // 0 for "*", and only then
     uint32 mNetwork;    // as mProtocol
     uint32 mParameters; // position of the set; kNone without one
 };
 
-// An element whose MIME type is a wild card.
-struct WildCard
+// An element whose MIME type is a wild card with more than one slash.
+struct DeepWildCard
 {
     uint32 mEntry;      // a position
-    uint32 mTypeLength; // of what stands before the "*", a "/" at its end included; 0 when everything is covered
+    uint32 mTypeLength; // of what stands before the "*", the "/" at its end included
     uint32 mType;       // the hash of that
 };
 
@@ -112,8 +112,9 @@ struct ProtocolInfo::MatchIndex
     HashTable mMimeTypes;
     uint32* mByProfile;  // positions in mEntries
     HashTable mProfiles; // of positions in mByProfile
-    WildCard* mWildCards;
-    uint32 mWildCardCount;
+    bool mfHasWildCards;
+    DeepWildCard* mDeepWildCards;
+    uint32 mDeepWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
     uint64* mParameterHashes; // of all elements, each once
@@ -213,6 +214,12 @@ static uint32 HashOf(uint64 aKey, string_view aText)
 {
     const uint32 theHash = static_cast<uint32>(KeyedHash::Hash<afIsExact>(aKey, aText));
     return theHash != 0 ? theHash : 1;
+}
+
+// Wild cards are found by what they cover.
+static uint32 HashOfMimeType(uint64 aKey, string_view aMimeType)
+{
+    return HashOf(aKey, IsWildCard(aMimeType) ? TypeOf(aMimeType) : aMimeType);
 }
 
 static uint32 HashOfField(uint64 aKey, string_view aField) { return IsAny(aField) ? 0 : HashOf(aKey, aField); }
@@ -323,7 +330,7 @@ static void AddParameterSets(MatchIndex* anIndex)
 static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
 {
     return { anInfo,
-             HashOf(aKey, anInfo->mMimeType),
+             HashOfMimeType(aKey, anInfo->mMimeType),
              HashOfProfile(aKey, anInfo->mProfile),
              HashOfField(aKey, anInfo->mProtocol),
              HashOfField(aKey, anInfo->mNetwork),
@@ -352,10 +359,13 @@ static bool AreEqual(const Entry& aLeft, const Entry& aRight)
            theLeft->mMimeParameters == theRight->mMimeParameters;
 }
 
-static WildCard WildCardOf(uint64 aKey, string_view aMimeType, uint32 anEntry)
+static void AddWildCard(MatchIndex* anIndex, uint32 anEntry)
 {
-    const string_view theType = TypeOf(aMimeType);
-    return { anEntry, static_cast<uint32>(theType.size()), HashOf(aKey, theType) };
+    const string_view theType = TypeOf(anIndex->mEntries[anEntry].mInfo->mMimeType);
+    anIndex->mfHasWildCards = true;
+    if (theType.empty() || theType.find('/') == theType.size() - 1) { return; }
+    anIndex->mDeepWildCards[anIndex->mDeepWildCardCount++] = { anEntry, static_cast<uint32>(theType.size()),
+                                                               HashOf(anIndex->mKey, theType) };
 }
 
 // Of several elements that match the same, one is kept.
@@ -366,13 +376,11 @@ static void SortEntries(MatchIndex* anIndex)
     const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
     anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
     anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
-    anIndex->mWildCards = Shared::NewArray<WildCard>(anIndex->mCount);
+    anIndex->mDeepWildCards = Shared::NewArray<DeepWildCard>(anIndex->mCount);
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
         anIndex->mByProfile[i] = i;
-        const string_view theMimeType = theEntries[i].mInfo->mMimeType;
-        if (!IsWildCard(theMimeType)) { continue; }
-        anIndex->mWildCards[anIndex->mWildCardCount++] = WildCardOf(anIndex->mKey, theMimeType, i);
+        if (IsWildCard(theEntries[i].mInfo->mMimeType)) { AddWildCard(anIndex, i); }
     }
     std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
               [theEntries](uint32 aLeft, uint32 aRight)
@@ -438,7 +446,7 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
     free(anIndex->mMimeTypes.mSlots);
     free(anIndex->mByProfile);
     free(anIndex->mProfiles.mSlots);
-    free(anIndex->mWildCards);
+    free(anIndex->mDeepWildCards);
     free(anIndex->mParameterHashes);
     free(anIndex->mSets);
     free(anIndex->mNumbers);
@@ -494,10 +502,11 @@ private:
     bool HasParametersOf(const Entry& anEntry);
     uint32 GetProfile();
     bool MatchesProfiles();
-    bool MatchesAmong(bool afAnyProfile, uint32 aProfile);
+    bool MatchesAmong(uint32 aMimeType);
     bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
+    bool MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesMimeType();
-    bool MayBeCoveredBy(const WildCard& aWildCard);
+    bool MayBeCoveredBy(const DeepWildCard& aWildCard);
     bool MatchesWildCards();
 
     const MatchIndex* mIndex;
@@ -594,7 +603,7 @@ bool Query::MatchesProfiles()
 
 // Looks at the elements of one hash of the MIME type: at all of them or at those of one profile, of 0 at those without
 // one.
-bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
+bool Query::MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
 {
     const uint32 theFirst = mIndex->mMimeTypes.Find(aMimeType, MimeTypeAt(mIndex));
     if (theFirst == kNone) { return false; }
@@ -614,35 +623,40 @@ bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
     return false;
 }
 
-// Looks at the elements of the MIME type without parameters, and at those with one of the protocol info's.
-bool Query::MatchesAmong(bool afAnyProfile, uint32 aProfile)
+// Looks at the elements of a MIME type without parameters, and at those with one of the protocol info's.
+bool Query::MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
 {
-    if (MatchesAmong(mMimeType, afAnyProfile, aProfile)) { return true; }
+    if (MatchesHash(aMimeType, afAnyProfile, aProfile)) { return true; }
     if (!mIndex->mSets || !mInfo->mMimeParameters.data()) { return false; }
     const ParameterSet& theSet = GetSet();
     return std::any_of(theSet.mNumbers, theSet.mNumbers + theSet.mCount,
                        [=](uint32 aNumber)
-                       { return MatchesAmong(WithParameter(mMimeType, aNumber), afAnyProfile, aProfile); });
+                       { return MatchesHash(WithParameter(aMimeType, aNumber), afAnyProfile, aProfile); });
+}
+
+// Looks at the elements of a MIME type with the profiles that may match.
+bool Query::MatchesAmong(uint32 aMimeType)
+{
+    const bool fLooksAtAll = mInfo->mProfile.empty() || (mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck);
+    if (fLooksAtAll) { return MatchesAmong(aMimeType, true, 0); }
+    return MatchesAmong(aMimeType, false, GetProfile()) ||
+           ((mFlags & kzoDLNAProtocolInfoMatch_AnyProfile) && MatchesAmong(aMimeType, false, 0));
 }
 
 bool Query::MatchesMimeType()
 {
     const int theFlags = mFlags & ~kzoDLNAProtocolInfoMatch_WildCardMimeTypeCheck;
     if (theFlags == mMismatchFlags) { return false; }
-    if (mMimeType == 0) { mMimeType = HashOf(mIndex->mKey, mInfo->mMimeType); }
-    const bool fLooksAtAll = mInfo->mProfile.empty() || (mFlags & kzoDLNAProtocolInfoMatch_NoProfileCheck);
-    const bool fMatches = fLooksAtAll ? MatchesAmong(true, 0)
-                                      : MatchesAmong(false, GetProfile()) ||
-                                            ((mFlags & kzoDLNAProtocolInfoMatch_AnyProfile) && MatchesAmong(false, 0));
+    if (mMimeType == 0) { mMimeType = HashOfMimeType(mIndex->mKey, mInfo->mMimeType); }
+    const bool fMatches = MatchesAmong(mMimeType);
     if (!fMatches) { mMismatchFlags = theFlags; }
     return fMatches;
 }
 
-bool Query::MayBeCoveredBy(const WildCard& aWildCard)
+bool Query::MayBeCoveredBy(const DeepWildCard& aWildCard)
 {
     const string_view theMimeType = mInfo->mMimeType;
     const uint32 theLength = aWildCard.mTypeLength;
-    if (theLength == 0) { return true; }
     if (theLength > theMimeType.size() || theMimeType[theLength - 1] != '/') { return false; }
     if (theLength != mTypeLength)
     {
@@ -652,10 +666,17 @@ bool Query::MayBeCoveredBy(const WildCard& aWildCard)
     return mType == aWildCard.mType;
 }
 
+// Looks at the wild cards that cover all, at those of the MIME type's type, and one by one at those with more slashes:
+// a MIME type may have as many beginnings as it has slashes.
 bool Query::MatchesWildCards()
 {
-    return std::any_of(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
-                       [this](const WildCard& aWildCard)
+    if (!mIndex->mfHasWildCards) { return false; }
+    if (MatchesAmong(HashOf(mIndex->mKey, ""))) { return true; }
+    const size_t theSlash = mInfo->mMimeType.find('/');
+    if (theSlash == string_view::npos) { return false; }
+    return MatchesAmong(HashOf(mIndex->mKey, mInfo->mMimeType.substr(0, theSlash + 1))) ||
+           std::any_of(mIndex->mDeepWildCards, mIndex->mDeepWildCards + mIndex->mDeepWildCardCount,
+                       [this](const DeepWildCard& aWildCard)
                        { return MayBeCoveredBy(aWildCard) && Matches(mIndex->mEntries[aWildCard.mEntry]); });
 }
 
