@@ -1,0 +1,175 @@
+#pragma once
+
+/* The index of a list of protocol infos: its elements by what they match. */
+
+#include <algorithm>
+#include <string_view>
+#include <zoOS/zoTypes.h>
+#include <zoltTools/Private/zoDLNAProtocolInfoList.h>
+#include <zoltTools/Private/zoKeyedHash.h>
+
+namespace ProtocolInfo
+{
+
+inline constexpr uint32 kNone = 0xFFFFFFFF;
+
+// An element, told apart from most others without a look at its texts.
+struct Entry
+{
+    const zoDLNAProtocolInfo_t* mInfo;
+    uint32 mMimeType;   // hashes; this one is of what a wild card covers, and of the rarest parameter if there are any
+    uint32 mProfile;    // 0 without a profile, and only then
+    uint32 mProtocol;   // 0 for "*", and only then
+    uint32 mNetwork;    // as mProtocol
+    uint32 mParameters; // position of the set; kNone without one
+};
+
+// An element whose MIME type is a wild card with more than one slash.
+struct DeepWildCard
+{
+    uint32 mEntry;      // a position
+    uint32 mTypeLength; // of what stands before the "*", the "/" at its end included
+    uint32 mType;       // the hash of that
+};
+
+// A bit each for the parameters of a MIME type, some of which share one.
+struct Fingerprint
+{
+    static const uint32 kBits = 256;
+    uint64 mBits[kBits / 64];
+
+    void Add(uint32 aParameter) { mBits[aParameter % kBits / 64] |= uint64(1) << (aParameter % 64); }
+    bool IsCoveredBy(const Fingerprint& anOther) const
+    {
+        uint64 theMissing = 0;
+        for (size_t i = 0; i < kBits / 64; ++i)
+            theMissing |= mBits[i] & ~anOther.mBits[i];
+        return theMissing == 0;
+    }
+};
+
+// The parameters of an element's MIME type by their numbers, in ascending order.
+struct ParameterSet
+{
+    Fingerprint mFingerprint;
+    const uint32* mNumbers; // in the array of the index
+    uint32 mCount;
+
+    bool Has(uint32 aNumber) const { return std::binary_search(mNumbers, mNumbers + mCount, aNumber); }
+
+    // @return a number that the other one lacks; kNone when it has all. Takes little time when one set is much larger
+    // than the other, too.
+    uint32 FindMissing(const ParameterSet& anOther) const
+    {
+        const uint32* theEnd = anOther.mNumbers + anOther.mCount;
+        const uint32* thePosition = anOther.mNumbers;
+        const uint32* theMissing = std::find_if(mNumbers, mNumbers + mCount,
+                                                [&](uint32 aNumber)
+                                                {
+            thePosition = std::lower_bound(thePosition, theEnd, aNumber);
+            return thePosition == theEnd || *thePosition != aNumber;
+        });
+        return theMissing == mNumbers + mCount ? kNone : *theMissing;
+    }
+};
+
+// Finds the first element of each hash in an array that is sorted by it. The slots are at most half full.
+struct HashTable
+{
+    uint32* mSlots; // positions; kNone is free
+    uint32 mMask;
+
+    // aHashAt tells the hash at a position. @return a position; kNone when no element has the hash.
+    template <typename HashAt>
+    uint32 Find(uint32 aHash, HashAt aHashAt) const
+    {
+        uint32 theSlot = aHash & mMask;
+        while (mSlots[theSlot] != kNone && aHashAt(mSlots[theSlot]) != aHash)
+            theSlot = (theSlot + 1) & mMask;
+        return mSlots[theSlot];
+    }
+};
+
+// The elements of a list in two orders of their hashes, and the parameters of their MIME types numbered in the order of
+// theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared, too.
+struct MatchIndex
+{
+    uint64 mKey;
+    Entry* mEntries; // in the order of MIME types and profiles
+    uint32 mCount;
+    HashTable mMimeTypes;
+    uint32* mByProfile;  // positions in mEntries
+    HashTable mProfiles; // of positions in mByProfile
+    bool mfHasWildCards;
+    DeepWildCard* mDeepWildCards;
+    uint32 mDeepWildCardCount;
+    bool mfHasOneTransport; // protocol and network are the same in all elements
+
+    uint64* mParameterHashes; // of all elements, each once
+    uint32 mParameterHashCount;
+    ParameterSet* mSets;
+    uint32 mSetCount;
+    uint32* mNumbers; // of all sets
+};
+
+// ---- What elements and protocol infos are found by ----
+
+inline bool IsWildCard(std::string_view aMimeType)
+{
+    const size_t theLength = aMimeType.size();
+    if (theLength == 0 || aMimeType[theLength - 1] != '*') { return false; }
+    return theLength == 1 || aMimeType[theLength - 2] == '/';
+}
+
+/** @return what a MIME type that the wild card covers begins with, a "/" at its end included; "" when it covers all. */
+inline std::string_view TypeOf(std::string_view aWildCard)
+{
+    const std::string_view theType = aWildCard.substr(0, aWildCard.size() - 1);
+    return theType == "*/" ? std::string_view() : theType;
+}
+
+template <bool afIsExact = false>
+inline uint32 HashOf(uint64 aKey, std::string_view aText)
+{
+    const uint32 theHash = static_cast<uint32>(KeyedHash::Hash<afIsExact>(aKey, aText));
+    return theHash != 0 ? theHash : 1;
+}
+
+/** The hash of a MIME type; wild cards are found by what they cover. */
+inline uint32 HashOfMimeType(uint64 aKey, std::string_view aMimeType)
+{
+    return HashOf(aKey, IsWildCard(aMimeType) ? TypeOf(aMimeType) : aMimeType);
+}
+
+inline uint32 HashOfField(uint64 aKey, std::string_view aField) { return IsAny(aField) ? 0 : HashOf(aKey, aField); }
+
+inline uint32 HashOfProfile(uint64 aKey, std::string_view aProfile)
+{
+    return aProfile.empty() ? 0 : HashOf<true>(aKey, aProfile);
+}
+
+/** The hash of a MIME type and a parameter by its number. */
+inline uint32 WithParameter(uint32 aMimeType, uint32 aParameter) { return aMimeType ^ (aParameter + 1) * 0x9E3779B1u; }
+
+inline auto MimeTypeAt(const MatchIndex* anIndex)
+{
+    return [theEntries = anIndex->mEntries](uint32 aPosition) { return theEntries[aPosition].mMimeType; };
+}
+
+inline auto ProfileAt(const MatchIndex* anIndex)
+{
+    return [theEntries = anIndex->mEntries, theOrder = anIndex->mByProfile](uint32 aPosition)
+    { return theEntries[theOrder[aPosition]].mProfile; };
+}
+
+/** Counts those that are not empty. */
+uint32 CountParameters(std::string_view aParameters);
+
+/** Reads parameters into a set, for whose numbers there is room. Those that no element has are left out. */
+ParameterSet ReadSet(const MatchIndex* anIndex, std::string_view aParameters, uint32* aNumbers);
+
+/** @return the index of a list, made by the first of the threads that ask for it and kept by the list; NULL when the
+ *          list does not need one. */
+const MatchIndex* FindMatchIndex(const zoDLNAProtocolInfoList_t* aList);
+
+} // namespace ProtocolInfo

@@ -1,0 +1,262 @@
+// How the index of a list of protocol infos is made.
+
+#include <zoltTools/Private/zoDLNAProtocolInfoListIndex.h>
+
+#include <Shared/ASCII.h>
+#include <Shared/Sizes.h>
+#include <Shared/Split.h>
+#include <algorithm>
+#include <stdlib.h>
+
+using namespace ProtocolInfo;
+using std::string_view;
+
+// Lists of more elements, or whose MIME types have parameters, get an index.
+static const size_t kMostWithoutIndex = 16;
+
+// ---- Parameters of MIME types ----
+
+// Takes the next parameter that is not empty off the rest.
+static bool NextParameter(string_view* aRest, string_view* aParameter)
+{
+    while (Shared::NextItem(aRest, ';', aParameter))
+    {
+        *aParameter = Shared::Trim(*aParameter, Shared::IsSpace);
+        if (!aParameter->empty()) { return true; }
+    }
+    return false;
+}
+
+uint32 ProtocolInfo::CountParameters(string_view aParameters)
+{
+    uint32 theCount = 0;
+    for (string_view theParameter; NextParameter(&aParameters, &theParameter);)
+        ++theCount;
+    return theCount;
+}
+
+// Collects the hashes of all parameters, and of how many.
+static void CollectParameters(MatchIndex* anIndex, uint32 aParameterCount)
+{
+    anIndex->mParameterHashes = Shared::NewArray<uint64>(aParameterCount);
+    uint64* theEnd = anIndex->mParameterHashes;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        string_view theRest = anIndex->mEntries[i].mInfo->mMimeParameters;
+        for (string_view theParameter; NextParameter(&theRest, &theParameter);)
+            *theEnd++ = KeyedHash::Hash(anIndex->mKey, theParameter);
+    }
+    std::sort(anIndex->mParameterHashes, theEnd);
+    theEnd = std::unique(anIndex->mParameterHashes, theEnd);
+    anIndex->mParameterHashCount = static_cast<uint32>(theEnd - anIndex->mParameterHashes);
+}
+
+ParameterSet ProtocolInfo::ReadSet(const MatchIndex* anIndex, string_view aParameters, uint32* aNumbers)
+{
+    const uint64* theBegin = anIndex->mParameterHashes;
+    const uint64* theEnd = theBegin + anIndex->mParameterHashCount;
+    ParameterSet theSet = {};
+    uint32* theNumbersEnd = aNumbers;
+    for (string_view theParameter; NextParameter(&aParameters, &theParameter);)
+    {
+        const uint64 theHash = KeyedHash::Hash(anIndex->mKey, theParameter);
+        const uint64* theFound = std::lower_bound(theBegin, theEnd, theHash);
+        if (theFound == theEnd || *theFound != theHash) { continue; }
+        *theNumbersEnd = static_cast<uint32>(theFound - theBegin);
+        theSet.mFingerprint.Add(*theNumbersEnd++);
+    }
+    std::sort(aNumbers, theNumbersEnd);
+    theSet.mNumbers = aNumbers;
+    theSet.mCount = static_cast<uint32>(std::unique(aNumbers, theNumbersEnd) - aNumbers);
+    return theSet;
+}
+
+// Adds to each element's hash that one of its parameters which the fewest elements have: a protocol info without it is
+// not compared with the element, however many elements have other parameters.
+static void AddRarestParameters(MatchIndex* anIndex)
+{
+    uint32* theCounts = Shared::NewZeroedArray<uint32>(anIndex->mParameterHashCount);
+    for (uint32 i = 0; i < anIndex->mSetCount; ++i)
+    {
+        for (uint32 k = 0; k < anIndex->mSets[i].mCount; ++k)
+            ++theCounts[anIndex->mSets[i].mNumbers[k]];
+    }
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        Entry* theEntry = &anIndex->mEntries[i];
+        if (theEntry->mParameters == kNone) { continue; }
+        const ParameterSet& theSet = anIndex->mSets[theEntry->mParameters];
+        const uint32* theRarest =
+            std::min_element(theSet.mNumbers, theSet.mNumbers + theSet.mCount,
+                             [=](uint32 aLeft, uint32 aRight) { return theCounts[aLeft] < theCounts[aRight]; });
+        theEntry->mMimeType = WithParameter(theEntry->mMimeType, *theRarest);
+    }
+    free(theCounts);
+}
+
+static void AddParameterSets(MatchIndex* anIndex)
+{
+    uint32 theParameterCount = 0;
+    uint32 theSetCount = 0;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        const uint32 theCount = CountParameters(anIndex->mEntries[i].mInfo->mMimeParameters);
+        theParameterCount += theCount;
+        anIndex->mEntries[i].mParameters = theCount > 0 ? theSetCount++ : kNone;
+    }
+    if (theSetCount == 0) { return; }
+    anIndex->mSetCount = theSetCount;
+    CollectParameters(anIndex, theParameterCount);
+    anIndex->mSets = Shared::NewArray<ParameterSet>(theSetCount);
+    anIndex->mNumbers = Shared::NewArray<uint32>(theParameterCount);
+    uint32* theNumbers = anIndex->mNumbers;
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        const Entry& theEntry = anIndex->mEntries[i];
+        if (theEntry.mParameters == kNone) { continue; }
+        const ParameterSet theSet = ReadSet(anIndex, theEntry.mInfo->mMimeParameters, theNumbers);
+        anIndex->mSets[theEntry.mParameters] = theSet;
+        theNumbers += theSet.mCount;
+    }
+    AddRarestParameters(anIndex);
+}
+
+// ---- Elements ----
+
+static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
+{
+    return { anInfo,
+             HashOfMimeType(aKey, anInfo->mMimeType),
+             HashOfProfile(aKey, anInfo->mProfile),
+             HashOfField(aKey, anInfo->mProtocol),
+             HashOfField(aKey, anInfo->mNetwork),
+             kNone };
+}
+
+static bool IsBefore(const Entry& aLeft, const Entry& aRight)
+{
+    const uint32 theLeft[] = { aLeft.mMimeType, aLeft.mProfile, aLeft.mProtocol, aLeft.mNetwork };
+    const uint32 theRight[] = { aRight.mMimeType, aRight.mProfile, aRight.mProtocol, aRight.mNetwork };
+    for (size_t i = 0; i < std::size(theLeft); ++i)
+    {
+        if (theLeft[i] != theRight[i]) { return theLeft[i] < theRight[i]; }
+    }
+    const int theOrder = aLeft.mInfo->mProfile.compare(aRight.mInfo->mProfile);
+    return theOrder != 0 ? theOrder < 0 : aLeft.mInfo->mMimeParameters < aRight.mInfo->mMimeParameters;
+}
+
+// True if two elements match the same.
+static bool AreEqual(const Entry& aLeft, const Entry& aRight)
+{
+    const zoDLNAProtocolInfo_t* theLeft = aLeft.mInfo;
+    const zoDLNAProtocolInfo_t* theRight = aRight.mInfo;
+    return IsSame(theLeft->mMimeType, theRight->mMimeType) && theLeft->mProfile == theRight->mProfile &&
+           IsSame(theLeft->mProtocol, theRight->mProtocol) && IsSame(theLeft->mNetwork, theRight->mNetwork) &&
+           theLeft->mMimeParameters == theRight->mMimeParameters;
+}
+
+static void AddWildCard(MatchIndex* anIndex, uint32 anEntry)
+{
+    const string_view theType = TypeOf(anIndex->mEntries[anEntry].mInfo->mMimeType);
+    anIndex->mfHasWildCards = true;
+    if (theType.empty() || theType.find('/') == theType.size() - 1) { return; }
+    anIndex->mDeepWildCards[anIndex->mDeepWildCardCount++] = { anEntry, static_cast<uint32>(theType.size()),
+                                                               HashOf(anIndex->mKey, theType) };
+}
+
+// Of several elements that match the same, one is kept.
+static void SortEntries(MatchIndex* anIndex)
+{
+    Entry* theEntries = anIndex->mEntries;
+    std::sort(theEntries, theEntries + anIndex->mCount, IsBefore);
+    const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
+    anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
+    anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
+    anIndex->mDeepWildCards = Shared::NewArray<DeepWildCard>(anIndex->mCount);
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+    {
+        anIndex->mByProfile[i] = i;
+        if (IsWildCard(theEntries[i].mInfo->mMimeType)) { AddWildCard(anIndex, i); }
+    }
+    std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
+              [theEntries](uint32 aLeft, uint32 aRight)
+              { return theEntries[aLeft].mProfile < theEntries[aRight].mProfile; });
+}
+
+template <typename HashAt>
+static HashTable NewHashTable(uint32 aCount, HashAt aHashAt)
+{
+    uint32 theSize = 2;
+    while (theSize < 2 * aCount)
+        theSize *= 2;
+    const HashTable theTable = { Shared::NewArray<uint32>(theSize), theSize - 1 };
+    std::fill_n(theTable.mSlots, theSize, kNone);
+    for (uint32 i = 0; i < aCount; ++i)
+    {
+        if (i > 0 && aHashAt(i) == aHashAt(i - 1)) { continue; }
+        uint32 theSlot = aHashAt(i) & theTable.mMask;
+        while (theTable.mSlots[theSlot] != kNone)
+            theSlot = (theSlot + 1) & theTable.mMask;
+        theTable.mSlots[theSlot] = i;
+    }
+    return theTable;
+}
+
+// ---- The index ----
+
+static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
+{
+    MatchIndex* theIndex = Shared::NewZeroedArray<MatchIndex>(1);
+    theIndex->mKey = KeyedHash::NewKey();
+    theIndex->mCount = static_cast<uint32>(CountOf(aList));
+    theIndex->mEntries = Shared::NewArray<Entry>(theIndex->mCount);
+    for (uint32 i = 0; i < theIndex->mCount; ++i)
+        theIndex->mEntries[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
+    AddParameterSets(theIndex);
+    SortEntries(theIndex);
+    theIndex->mMimeTypes = NewHashTable(theIndex->mCount, MimeTypeAt(theIndex));
+    theIndex->mProfiles = NewHashTable(theIndex->mCount, ProfileAt(theIndex));
+    const zoDLNAProtocolInfo_t* theFirst = theIndex->mEntries[0].mInfo;
+    theIndex->mfHasOneTransport = std::all_of(theIndex->mEntries, theIndex->mEntries + theIndex->mCount,
+                                              [theFirst](const Entry& anEntry)
+                                              {
+        return Shared::Equals(anEntry.mInfo->mProtocol, theFirst->mProtocol) &&
+               Shared::Equals(anEntry.mInfo->mNetwork, theFirst->mNetwork);
+    });
+    return theIndex;
+}
+
+static void DeleteMatchIndex(MatchIndex* anIndex)
+{
+    if (!anIndex) { return; }
+    free(anIndex->mEntries);
+    free(anIndex->mMimeTypes.mSlots);
+    free(anIndex->mByProfile);
+    free(anIndex->mProfiles.mSlots);
+    free(anIndex->mDeepWildCards);
+    free(anIndex->mParameterHashes);
+    free(anIndex->mSets);
+    free(anIndex->mNumbers);
+    free(anIndex);
+}
+
+void ProtocolInfo::DropMatchIndex(zoDLNAProtocolInfoList_t* aList)
+{
+    DeleteMatchIndex(aList->mMatchIndex.exchange(nullptr, std::memory_order_relaxed));
+}
+
+const MatchIndex* ProtocolInfo::FindMatchIndex(const zoDLNAProtocolInfoList_t* aList)
+{
+    auto* theKept = &const_cast<zoDLNAProtocolInfoList_t*>(aList)->mMatchIndex;
+    MatchIndex* theIndex = theKept->load(std::memory_order_acquire);
+    if (theIndex) { return theIndex; }
+    const size_t theCount = CountOf(aList);
+    bool fNeedsIndex = theCount > kMostWithoutIndex;
+    for (size_t i = 0; !fNeedsIndex && i < theCount; ++i)
+        fNeedsIndex = SlotAt(aList, i)->mInfo->mMimeParameters.data() != nullptr;
+    if (!fNeedsIndex) { return nullptr; }
+    MatchIndex* theNewIndex = NewMatchIndex(aList);
+    if (theKept->compare_exchange_strong(theIndex, theNewIndex, std::memory_order_acq_rel)) { return theNewIndex; }
+    DeleteMatchIndex(theNewIndex); // another thread was faster
+    return theIndex;
+}
