@@ -133,6 +133,7 @@ static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
              kNone };
 }
 
+// Equal elements become neighbours.
 static bool IsBefore(const Entry& aLeft, const Entry& aRight)
 {
     const uint32 theLeft[] = { aLeft.mMimeType, aLeft.mProfile, aLeft.mProtocol, aLeft.mNetwork };
@@ -142,7 +143,10 @@ static bool IsBefore(const Entry& aLeft, const Entry& aRight)
         if (theLeft[i] != theRight[i]) { return theLeft[i] < theRight[i]; }
     }
     const int theOrder = aLeft.mInfo->mProfile.compare(aRight.mInfo->mProfile);
-    return theOrder != 0 ? theOrder < 0 : aLeft.mInfo->mMimeParameters < aRight.mInfo->mMimeParameters;
+    if (theOrder != 0) { return theOrder < 0; }
+    const int theParameterOrder = aLeft.mInfo->mMimeParameters.compare(aRight.mInfo->mMimeParameters);
+    if (theParameterOrder != 0) { return theParameterOrder < 0; }
+    return aLeft.mInfo->mMimeType.size() < aRight.mInfo->mMimeType.size(); // wild cards of one hash: "*", "*/*"
 }
 
 // True if two elements match the same.
