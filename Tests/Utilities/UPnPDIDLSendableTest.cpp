@@ -92,6 +92,9 @@ TEST(UPnPDIDLSendableTest, RepairsDeclarations)
           kDefault + " " + kDC + " xmlns:xml=\"http://www.w3.org/XML/1998/namespace\" " + kUPnP, "0 0 3 0" },
         { "xmlns:a=\"&x;\",xmlns:b=\"<\",xmlns:c=\"&amp;\\,\",xmlns:g=\"\xFF\",1=\"\",no,XMLNS:d=\"e\",f:g=\"h\"",
           "xmlns:c=\"&amp;,\" " + kDefault + " " + kUPnP + " " + kDC, "0 0 7 3" },
+        // Nothing of what can't be read counts.
+        { kDefault + "," + kUPnP + "," + kDC + ",xmlns:a=\"x\" no,xmlns:a=\"y\"", theBase + " xmlns:a=\"y\"",
+          "0 0 1 0" },
     };
     for (const auto& [theList, theDeclarations, theRepairs] : kCases)
     {

@@ -175,7 +175,11 @@ void Repairer::ReadDeclarations(std::string_view aPart)
 void Repairer::AppendPart(std::string_view aPart, AttributeNames* aNames)
 {
     List<Attribute> theAttributes;
-    if (!ReadAll(aPart, &theAttributes)) { ++mRepairs.mDeclarationsLeftOut; }
+    if (!ReadAll(aPart, &theAttributes))
+    {
+        ++mRepairs.mDeclarationsLeftOut;
+        return;
+    }
     for (const Attribute& theAttribute : theAttributes)
     {
         const QName& theName = theAttribute.mName;
@@ -252,6 +256,7 @@ void Repairer::StartAttributes()
     mAttributesBegin = mBuffer->mPos;
     mLocalNames.CutTo(0);
     mNames.Clear();
+    mfHasNames = false;
 }
 
 bool Repairer::CanWriteAttribute(std::string_view aName, bool afHasValue)
@@ -271,7 +276,7 @@ bool Repairer::IsNew(const QName& anAttribute)
     const std::string_view theName = anAttribute.mLocal;
     const bool fMayRepeat =
         mLocalNames.size() == kFew || Contains(mLocalNames, theName) || kFields.find(theName) != kFields.npos;
-    if (fMayRepeat || !mNames.empty()) { return IsNewExactly(anAttribute); }
+    if (fMayRepeat || mfHasNames) { return IsNewExactly(anAttribute); }
     mLocalNames.Add(theName);
     return true;
 }
@@ -285,7 +290,8 @@ bool Repairer::IsNewExactly(const QName& anAttribute)
         mfHasScopes = true;
     }
     List<Attribute> theAttributes;
-    if (mNames.empty()) { ReadAll({ theText + mAttributesBegin, mBuffer->mPos - mAttributesBegin }, &theAttributes); }
+    if (!mfHasNames) { ReadAll({ theText + mAttributesBegin, mBuffer->mPos - mAttributesBegin }, &theAttributes); }
+    mfHasNames = true;
     for (const Attribute& theAttribute : theAttributes)
         mScopes.AddName(&mNames, theAttribute.mName);
     return mScopes.AddName(&mNames, anAttribute);

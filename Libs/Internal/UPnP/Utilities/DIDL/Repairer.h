@@ -81,6 +81,7 @@ private:
     size_t mAttributesBegin = 0;        // of a resource, in the buffer
     List<std::string_view> mLocalNames; // of its pairs, unless mNames has all
     AttributeNames mNames;
+    bool mfHasNames = false;
 };
 
 } // namespace DIDL
