@@ -152,8 +152,8 @@ private:
 
 } // namespace
 
-// Copies the attributes of most roots in one piece: all are declarations, of different names, in the form that the list
-// has, with one blank between each two. False, with nothing added, for any other root.
+// Copies the attributes of most roots in one piece: all are declarations, few, of different names, in the form that the
+// list has, with one blank between each two. False, with nothing added, for any other root.
 bool NamespaceList::CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
     const char* theBegin = Shared::QualifiedName(aFirst).data();
@@ -166,7 +166,7 @@ bool NamespaceList::CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize)
         const std::string_view theValue = ValueAsWritten(theAttribute);
         const bool fIsNext = theName.data() == theEnd + (theAttribute != aFirst) && IsDeclaration(theAttribute) &&
                              IsWrittenAsStored(theName, theValue) && !Has(theName);
-        if (!fIsNext) { break; }
+        if (!fIsNext || !mNames.HasRoom()) { break; }
         mNames.Add(theName);
         theEnd = theValue.data() + theValue.size() + 1;
         ++theCount;
