@@ -33,7 +33,7 @@ ILibXMLNode* ILibParseXMLWithMemory(char* aText, size_t anOffset, size_t aLength
 #endif
 
 #ifdef UPNP_LACKS_ILibFindXMLError
-// The list ends with the tag where the reader stopped, or with the one before it.
+// The list ends with the tag where the reader stopped, or with the one before it. A node may have no name at all.
 char* ILibFindXMLError(const char* aText, size_t aLength, size_t* anOffset)
 {
     *anOffset = 0;
@@ -42,7 +42,7 @@ char* ILibFindXMLError(const char* aText, size_t aLength, size_t* anOffset)
     ILibXMLNode* theNodes = ILibParseXML(theText, 0, strlen(theText));
     const bool fIsRefused = ILibProcessXMLNodeList(theNodes) != kILibProcessXML_NoError;
     for (const ILibXMLNode* theNode = theNodes; fIsRefused && theNode; theNode = theNode->Next)
-        *anOffset = static_cast<size_t>(Shared::QualifiedName(theNode).data() - theText);
+        if (theNode->Name) { *anOffset = static_cast<size_t>(Shared::QualifiedName(theNode).data() - theText); }
     ILibDestructXMLNodeList(theNodes);
     free(theText);
     return fIsRefused ? zoStrdup("this tag, or the one after it, is not well-formed") : nullptr;
