@@ -70,8 +70,8 @@ typedef struct UPnPDIDLRepairs_t
  *   pair of a resource is also left out when it has no value, or when the resource has the attribute already: by the
  *   same name, or by another prefix of the same namespace.
  * - A declaration is left out when it is not well-formed: the second one of a prefix, one that binds a prefix to
- *   nothing or to what is not a URI, one that binds xml or xmlns, one with a reference to an entity that XML does not
- *   have.
+ *   nothing or to what is not a URI, one that binds xmlns or the namespace of it, one that binds xml to another namespace
+ *   or its namespace to another prefix, one with a reference to an entity that XML does not have.
  * - The namespaces of dc, upnp, dlna, av and the elements without a prefix are declared when the text uses them and the
  *   record does not declare them.
  *
@@ -160,9 +160,9 @@ UPNPUTILITIES_API char* UPnPDIDL_GetForCreateObjectResponse(zoPackedData_t* aMed
 UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aData, char** aRes, int* aDIDLType);
 
 /**
- * Says why UPnPDIDL_ParseElements and UPnPDIDLDocument_New refuse a document, after they have: what is wrong with its
- * tags (see UPnPUtil_FindXMLError), or else with what they mean: a flag (restricted, searchable) that is neither true
- * nor false, or no object at all. That there are several objects is not an error here.
+ * Says why a document was refused by UPnPDIDL_ParseElements, UPnPDIDLDocument_New or UPnPDIDLDocument_NextObject: what
+ * is wrong with its tags (see UPnPUtil_FindXMLError), or else with what they mean: a flag (restricted, searchable) that
+ * is neither true nor false, or no object at all. That there are several objects is not an error here.
  * @param aText           aLength bytes. They are only read; a NUL among them ends the text. NULL counts as "".
  * @param aLine, aColumn  out: where it is, as for UPnPUtil_FindXMLError; 0 without an error.
  * @return the reason in English, such as "end tag </b> where </a> was expected"; NULL when nothing is wrong. A new text
