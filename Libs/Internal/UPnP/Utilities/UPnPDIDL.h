@@ -70,8 +70,8 @@ typedef struct UPnPDIDLRepairs_t
  *   pair of a resource is also left out when it has no value, or when the resource has the attribute already: by the
  *   same name, or by another prefix of the same namespace.
  * - A declaration is left out when it is not well-formed: the second one of a prefix, one that binds a prefix to
- *   nothing or to what is not a URI, one that binds xmlns or the namespace of it, one that binds xml to another namespace
- *   or its namespace to another prefix, one with a reference to an entity that XML does not have.
+ *   nothing or to what is not a URI, one that binds xmlns or its namespace, one that binds xml to another namespace or
+ *   its namespace to another prefix, one with a reference to an entity that XML does not have.
  * - The namespaces of dc, upnp, dlna, av and the elements without a prefix are declared when the text uses them and the
  *   record does not declare them.
  *
