@@ -70,20 +70,18 @@ def sink(renderer: upnp.Device) -> str:
     return upnp.text(upnp.call(renderer.service("ConnectionManager"), "GetProtocolInfo"), "Sink")
 
 
+def control(renderer: upnp.Device, action: str, **arguments: str) -> bytes:
+    return upnp.call(renderer.service("AVTransport"), action, InstanceID=0, **arguments)
+
+
 def start(renderer: upnp.Device, uri: str, metadata: str) -> None:
-    transport = renderer.service("AVTransport")
-    upnp.call(transport, "SetAVTransportURI", InstanceID=0, CurrentURI=uri, CurrentURIMetaData=metadata)
-    upnp.call(transport, "Play", InstanceID=0, Speed=1)
-
-
-def stop(renderer: upnp.Device) -> None:
-    upnp.call(renderer.service("AVTransport"), "Stop", InstanceID=0)
+    control(renderer, "SetAVTransportURI", CurrentURI=uri, CurrentURIMetaData=metadata)
+    control(renderer, "Play", Speed="1")
 
 
 def position(renderer: upnp.Device) -> Position:
-    transport = renderer.service("AVTransport")
-    state = upnp.text(upnp.call(transport, "GetTransportInfo", InstanceID=0), "CurrentTransportState")
-    answer = upnp.call(transport, "GetPositionInfo", InstanceID=0)
+    state = upnp.text(control(renderer, "GetTransportInfo"), "CurrentTransportState")
+    answer = control(renderer, "GetPositionInfo")
     return Position(state, seconds(upnp.text(answer, "RelTime")), seconds(upnp.text(answer, "TrackDuration")))
 
 
@@ -143,7 +141,7 @@ def play(renderer: upnp.Device, found: upnputilities.MediaObject, only_choose: b
                 print(f"\r  {now.state.lower():14} {now.seconds:6.1f} of {now.duration:.1f} s ", end="", flush=True)
         print("\r  played to the end\033[K" if sys.stdout.isatty() else "  played to the end")
     except KeyboardInterrupt:
-        stop(renderer)
+        control(renderer, "Stop")
         raise
 
 

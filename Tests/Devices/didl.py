@@ -1,7 +1,6 @@
-"""What DIDL-Lite says, read with lxml and nothing of the library, and how that differs from what the library read.
+"""What DIDL-Lite says, read with lxml and nothing of the library, in the members that upnputil's JSON has.
 
-An object has the members that it has in upnputil's JSON. What the library changes or leaves out on purpose is done here,
-too, rule by rule, and counted: all else has to be equal.
+What the library changes or leaves out on purpose is done here, too, rule by rule, and counted; all else is equal.
 """
 
 import html
@@ -16,81 +15,70 @@ Object = dict[str, Any]
 TEXTS = {"dc:title": "title", "upnp:class": "class", "dc:creator": "creator", "dc:date": "date", "upnp:genre": "genre",
          "upnp:album": "album", "upnp:channelNr": "channelNumber", "upnp:storageMedium": "storageMedium"}
 ATTRIBUTES = {"id": "id", "parentID": "parentId", "refID": "refId", "childCount": "childCount"}
-RESOURCE = {"protocolinfo": "protocolInfo", "resolution": "resolution", "duration": "durationSeconds", "bitrate": "bitRate",
-            "colordepth": "colorDepth", "size": "size", "nraudiochannels": "audioChannels", "importuri": "importUri"}
+RESOURCE = {"protocolinfo": "protocolInfo", "resolution": "resolution", "duration": "durationSeconds", "size": "size",
+            "bitrate": "bitRate", "colordepth": "colorDepth", "nraudiochannels": "audioChannels",
+            "importuri": "importUri"}
 NUMBERS = {"channelNumber", "childCount", "durationSeconds", "bitRate", "colorDepth", "size", "audioChannels"}
 DERIVED = {"index", "kindNumber", "flags", "dlnaManaged", "duration", "subtitles"}  # members that others say already
 UNWRITTEN = {"refId", "childCount", "createClass", "storageMedium", "dlnaManagedNumber", "importUri"}
-LIMITS = {"id": 1024, "parentId": 1024, "value": 1024} | dict.fromkeys(("title", "class", "creator", "genre", "album"), 255)
+LIMITS = {"id": 1024, "parentId": 1024, "value": 1024, "title": 255, "class": 255, "creator": 255, "genre": 255,
+          "album": 255}  # bytes as written
 DLNA_DATE = re.compile(r"\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d(\.\d{1,3})?(Z|[+-]\d\d:\d\d)?)?")
 DURATION = re.compile(r"(\d+):(\d\d):(\d\d)(\.\d+(/\d+)?)?")
-FORBIDDEN = "[\0-\x08\x0b\x0c\x0e-\x1f\ufffe\uffff]"  # what XML forbids
-
-
-def armour(document: bytes) -> str:
-    """Puts private characters in place of what XML forbids, and of bytes that are no UTF-8, so that lxml reads the rest."""
-    text = re.sub("[\udc80-\udcff]", lambda match: chr(ord(match[0]) - 0xDC00 + 0xF700), document.decode("utf-8", "surrogateescape"))
-    return re.sub(FORBIDDEN, lambda match: chr((ord(match[0]) & 0xFF) + 0xE000), text)
-
-
-def bare(text: str) -> str:
-    """What armour stood for; U+FFFD for each byte that is no UTF-8, as JSON has it."""
-    text = re.sub("[\uf780-\uf7ff]", "\ufffd", text)
-    return re.sub("[\ue000-\ue0ff]", lambda match: chr(ord(match[0]) - 0xE000 + (0xFF00 if match[0] >= "\ue0fe" else 0)), text)
-
-
-def one_for_each_run(text: str) -> str:
-    """The text with one U+FFFD for neighbours: it stands for a byte where texts are read, and for several where written."""
-    return re.sub("\ufffd+", "\ufffd", text)
+FORBIDDEN = [*range(9), 11, 12, *range(14, 32), 0xFFFE, 0xFFFF]  # by XML
+BYTES = range(0xDC80, 0xDD00)  # that are no UTF-8, as Python has them
+ARMOUR = {code: 0xE000 + index for index, code in enumerate([*FORBIDDEN, *BYTES])}
+BARE = {private: 0xFFFD if code in BYTES else code for code, private in ARMOUR.items()}  # as in JSON
 
 
 def parse(document: bytes | str) -> Any:
-    text = armour(document) if isinstance(document, bytes) else document
-    return etree.fromstring(re.sub(r"^\s*<\?xml[^>]*\?>", "", text), etree.XMLParser(huge_tree=True, resolve_entities=False))
+    """The document, with private characters in place of bytes that are no UTF-8, and of what XML forbids."""
+    text = document if isinstance(document, str) else document.decode("utf-8", "surrogateescape").translate(ARMOUR)
+    parser = etree.XMLParser(huge_tree=True, resolve_entities=False)
+    return etree.fromstring(re.sub(r"^\s*<\?xml[^>]*\?>", "", text), parser)
 
 
-def result(answer: bytes) -> str:
-    """The Result of the answer to an action."""
-    return "".join(node.text or "" for node in parse(answer).iter("{*}Result"))
+def one_for_each_run(text: str) -> str:
+    """The text with one U+FFFD for neighbours: it stands for a byte in what is read, for several in what is written."""
+    return re.sub("\ufffd+", "\ufffd", text)
 
 
-def name_of(node: Any, tag: str | None = None) -> str:
+def name_of(node: Any, attribute: str = "") -> str:
     """The qualified name, as in the document, of an element or of one of its attributes."""
-    name, prefix = etree.QName(tag or node.tag), node.prefix
-    if tag:
-        prefix = next((prefix for prefix, uri in node.nsmap.items() if prefix and uri == name.namespace), None)
-    return f"{prefix}:{name.localname}" if prefix else str(name.localname)
+    name, prefixes = etree.QName(attribute or node.tag), [node.prefix]
+    if attribute:
+        prefixes = [prefix for prefix, uri in node.nsmap.items() if prefix and uri == name.namespace]
+    return ":".join([*filter(None, prefixes[:1]), name.localname])
 
 
-class Reader:
-    """Reads objects, and counts what of them the library changes."""
+class Model:
+    """Reads objects, foretells what is written of them, and counts what the library changes."""
 
     def __init__(self) -> None:
         self.rules: Counter[str] = Counter()
 
-    def objects(self, didl: str) -> list[Object]:
-        return [self.object(node) for node in parse(didl) if isinstance(node.tag, str)]
+    def objects(self, document: bytes | str) -> list[Object]:
+        return [self.object(node) for node in parse(document) if isinstance(node.tag, str)]
 
     def object(self, node: Any) -> Object:
-        found: Object = {"kind": name_of(node), "albumArts": [], "extras": [], "resources": []}
-        flags = {"restricted": True, "searchable": found["kind"] == "container"}
-        for tag, value in node.attrib.items():
-            name = name_of(node, tag).split(":")[-1]
-            if name in flags:
-                flags[name] = value in ("1", "true", "yes")
-            elif name == "dlnaManaged":
-                found["dlnaManagedNumber"] = int(value, 16)
-            elif name in ATTRIBUTES:
-                self.put(found, ATTRIBUTES[name], value)
-            else:
-                self.rules["attribute of an object that has no field"] += 1
-        found["flagsNumber"] = flags["restricted"] + 2 * flags["searchable"]
-        declared: dict[str | None, str] = {}
-        for element in [node.getparent(), node, *node.iterdescendants("{*}*")]:
+        attributes = {name_of(node, tag).split(":")[-1]: value for tag, value in node.attrib.items()}
+        is_container = name_of(node) == "container"
+        restricted, searchable = (attributes.pop(name, default) in ("1", "true", "yes")
+                                  for name, default in (("restricted", "1"), ("searchable", "01"[is_container])))
+        found: Object = {"kind": name_of(node), "flagsNumber": restricted + 2 * searchable,
+                         "albumArts": [], "extras": [], "resources": []}
+        if managed := attributes.pop("dlnaManaged", ""):
+            found["dlnaManagedNumber"] = int(managed, 16)
+        for name in attributes.keys() & ATTRIBUTES:
+            self.put(found, ATTRIBUTES[name], attributes.pop(name))
+        self.rules["attribute of an object that has no field"] += len(attributes)
+        declared = node.getparent().nsmap
+        for element in node.iter("{*}*"):
             declared = element.nsmap | declared
-        found["namespaces"] = sorted(f'xmlns{":" if prefix else ""}{prefix or ""}="{uri}"' for prefix, uri in declared.items())
-        for child in node.iterdescendants("{*}*"):
-            self.element(found, child)
+            if element is not node:
+                self.element(found, element)
+        names = {":".join(filter(None, ("xmlns", prefix))): uri for prefix, uri in declared.items()}
+        found["namespaces"] = sorted(f'{name}="{uri}"' for name, uri in names.items())
         return found
 
     def element(self, found: Object, node: Any) -> None:
@@ -107,13 +95,13 @@ class Reader:
             self.rules["element that comes again: the last counts"] += TEXTS[name] in found
             self.put(found, TEXTS[name], text)
         elif name == "upnp:albumArtURI":
-            profile = attributes.pop("dlna:profileID", "")
-            found["albumArts"].append({"uri": bare(text)} | ({"profile": bare(profile)} if profile else {}))
+            profile = attributes.pop("dlna:profileID", "").translate(BARE)
+            found["albumArts"].append({"uri": text.translate(BARE)} | ({"profile": profile} if profile else {}))
         elif name == "upnp:createClass":
             one = text + (",1" if attributes.pop("includeDerived", "0") != "0" else "")
             found["createClass"] = ";".join(filter(None, [found.get("createClass"), one]))
         else:
-            found["extras"].append({"name": name, "value": bare(text)})
+            found["extras"].append({"name": name, "value": text.translate(BARE)})
         self.rules["attribute of an element that has no field"] += len(attributes)
 
     def resource(self, uri: str, attributes: dict[str, str]) -> Object:
@@ -125,67 +113,57 @@ class Reader:
             else:
                 written = html.escape(value, quote=False)
                 self.rules["attribute with its references as written"] += written != value
-                found["extras"].append({"name": name, "value": bare(written)})
+                found["extras"].append({"name": name, "value": written.translate(BARE)})
         return found
 
-    def put(self, found: Object, field: str, value: str) -> None:
+    def put(self, found: Object, field: str, text: str) -> None:
         """Stores a value that says something: no empty text, and no number of 0 but that of children."""
-        number = self.number(field, value) if field in NUMBERS else None
-        if field not in NUMBERS and value:
-            found[field] = bare(value)
-        elif number or (number == 0 and field == "childCount"):
-            found[field] = number
-        self.rules["number of 0, which stands for none"] += number == 0 and field not in found
+        value = self.number(field, text) if field in NUMBERS else text.translate(BARE) or None
+        if value == 0 and field != "childCount":
+            self.rules["number of 0, which stands for none"] += 1
+        elif value is not None:
+            found[field] = value
 
-    def number(self, field: str, value: str) -> int | None:
+    def number(self, field: str, text: str) -> int | None:
         if field == "durationSeconds":
-            match = DURATION.fullmatch(value)
+            match = DURATION.fullmatch(text)
             self.rules["duration that is none"] += not match
             self.rules["fraction of a duration"] += bool(match and (match[4] or "").strip(".0"))
             return int(match[1]) * 3600 + int(match[2]) * 60 + int(match[3]) if match else None
         self.rules["bit rate from bytes to bits a second"] += field == "bitRate"
-        return int(value) * (8 if field == "bitRate" else 1) if value.isdecimal() else None
+        return int(text) * (8 if field == "bitRate" else 1) if text.isdecimal() else None
 
-
-class Writer:
-    """What the library is to write of an object that is played, as a Reader reads it, with counts of what that changes."""
-
-    def __init__(self) -> None:
-        self.rules: Counter[str] = Counter()
-
-    def object(self, found: Object) -> Object:
+    def written(self, found: Object) -> Object:
+        """What the library is to write of an object that is played, as it is read again."""
         self.rules["container as an item"] += found["kind"] == "container"
-        written: Object = self.fields(found) | {"kind": "item", "flagsNumber": 1}
-        return written | {"resources": sorted((each for each in written["resources"] if "uri" in each), key=str)}
+        item: Object = self.sendable(found) | {"kind": "item", "flagsNumber": 1}
+        return item | {"resources": sorted((each for each in item["resources"] if "uri" in each), key=str)}
 
-    def fields(self, value: Any, name: str = "") -> Any:
+    def sendable(self, value: Any, name: str = "") -> Any:
         if isinstance(value, list):
-            return [self.fields(each) for each in value]
+            return [self.sendable(each) for each in value]
         if isinstance(value, dict):
             self.rules["field that says nothing to a renderer"] += len(value.keys() & UNWRITTEN)
-            return {name: self.fields(each, name) for name, each in value.items() if name not in UNWRITTEN}
-        return self.text(value, LIMITS[name]) if name in LIMITS else value
-
-    def text(self, value: str, limit: int) -> str:
-        sendable = one_for_each_run(re.sub(FORBIDDEN, "\ufffd", value))
-        self.rules["text with bytes that cannot be sent"] += "\ufffd" in sendable
-        sizes = [len(html.escape(character).replace("&#x27;", "&apos;").encode()) for character in sendable]
-        while sum(sizes) > limit:
+            return {name: self.sendable(each, name) for name, each in value.items() if name not in UNWRITTEN}
+        if name not in LIMITS:
+            return value
+        text = one_for_each_run(value.translate(dict.fromkeys(FORBIDDEN, 0xFFFD)))
+        self.rules["text with bytes that cannot be sent"] += "\ufffd" in text
+        sizes = [len(html.escape(character).replace("&#x27;", "&apos;").encode()) for character in text]
+        while sum(sizes) > LIMITS[name]:
             self.rules["character that is cut off"] += 1
             sizes.pop()
-        return sendable[:len(sizes)]
+        return text[:len(sizes)]
 
 
 def flat(value: Any, path: str = "") -> dict[str, Any]:
     """The fields of an object, with where they are."""
-    if isinstance(value, list):
-        value = {str(index): each for index, each in enumerate(value)}
-    if not isinstance(value, dict):
+    if not isinstance(value, (dict, list)):
         return {path: value}
     fields: dict[str, Any] = {}
-    for name, each in value.items():
+    for name, each in value.items() if isinstance(value, dict) else enumerate(value):
         if name not in DERIVED:
-            fields |= flat(sorted(each) if name == "namespaces" else each, f"{path}/{name}" if path else name)
+            fields |= flat(sorted(each) if name == "namespaces" else each, f"{path}/{name}")
     return fields
 
 

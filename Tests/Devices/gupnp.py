@@ -4,6 +4,7 @@ import re
 from pathlib import Path
 from typing import Any
 
+import didl
 import gi
 
 gi.require_version("GSSDP", "1.6")
@@ -11,55 +12,42 @@ gi.require_version("GUPnP", "1.6")
 gi.require_version("GUPnPAV", "1.0")
 from gi.repository import GLib, GSSDP, GUPnP, GUPnPAV  # noqa: E402
 
-import didl  # noqa: E402
+TEXTS = {"id": "get_id", "parentId": "get_parent_id", "title": "get_title", "class": "get_upnp_class",
+         "genre": "get_genre", "album": "get_album", "date": "get_date"}
+NUMBERS = {"size": "get_size64", "durationSeconds": "get_duration", "bitRate": "get_bitrate",
+           "colorDepth": "get_color_depth", "audioChannels": "get_audio_channels"}
 
 
-def seen_by_gupnp(text: str) -> didl.Object:
-    """An object's texts and resources, read by gupnp-av, as didl.Reader reads them."""
+def differences(text: str) -> list[str]:
+    """What gupnp-av reads in an object otherwise than lxml does, of what it knows."""
     found: list[Any] = []
     parser = GUPnPAV.DIDLLiteParser()
     parser.connect("object-available", lambda _, each: found.append(each))
     parser.parse_didl(text)
-    [item] = found
-    texts = {"id": item.get_id(), "parentId": item.get_parent_id(), "title": item.get_title(), "class": item.get_upnp_class(),
-             "genre": item.get_genre(), "album": item.get_album(), "date": item.get_date()}
-    return {name: value for name, value in texts.items() if value} | {"resources": list(map(resource, item.get_resources()))}
+    [item], [expected] = found, didl.Model().objects(text)
+    seen = {name: getattr(item, getter)() or None for name, getter in TEXTS.items()}
+    for each in expected["resources"]:
+        profile = re.search(r"DLNA\.ORG_PN=(\w+)", each["protocolInfo"])
+        each["protocolInfo"] = ":".join([*each["protocolInfo"].split(":")[:3], profile[1] if profile else ""])
+        del each["extras"]
+    return didl.differences({name: expected.get(name) for name in TEXTS} | {"resources": expected["resources"]},
+                            seen | {"resources": [resource(each) for each in item.get_resources()]})
 
 
 def resource(seen: Any) -> didl.Object:
     protocol = seen.get_protocol_info()
-    numbers = {"size": seen.get_size64(), "durationSeconds": seen.get_duration(), "bitRate": seen.get_bitrate() * 8,
-               "audioChannels": seen.get_audio_channels(), "colorDepth": seen.get_color_depth()}
+    numbers = {name: getattr(seen, getter)() for name, getter in NUMBERS.items()}
     texts = {"uri": seen.get_uri(), "resolution": f"{seen.get_width()}x{seen.get_height()}".replace("0x0", ""),
-             "protocolInfo": f"{protocol.get_protocol()}:*:{protocol.get_mime_type()}:{protocol.get_dlna_profile() or ''}"}
-    return {name: value for name, value in (texts | numbers).items() if value and value not in (-1, -8)}
+             "protocolInfo": ":".join([protocol.get_protocol(), "*", protocol.get_mime_type(),
+                                       protocol.get_dlna_profile() or ""])}
+    known = {name: value for name, value in (texts | numbers).items() if value not in (None, "", 0, -1)}
+    return known | ({"bitRate": known["bitRate"] * 8} if "bitRate" in known else {})
 
 
-def seen_by_lxml(read: didl.Object) -> didl.Object:
-    """What gupnp-av knows of an object that didl.Reader has read."""
-    kept = ("id", "parentId", "title", "class", "genre", "album", "date")
-    resources = [{name: value for name, value in each.items() if name != "extras"} for each in read["resources"]]
-    for each in resources:
-        profile = re.search(r"DLNA\.ORG_PN=(\w+)", each["protocolInfo"])
-        each["protocolInfo"] = ":".join([*each["protocolInfo"].split(":")[:3], profile[1] if profile else ""])
-    return {name: value for name, value in read.items() if name in kept} | {"resources": resources}
-
-
-def new_context(interface: str) -> Any:
-    """gupnp takes a port by chance, which can be somebody's."""
-    for attempt in range(10):
-        try:
-            return GUPnP.Context.new_full(interface, None, 0, GSSDP.UDAVersion.VERSION_1_0)
-        except GLib.Error as error:
-            if attempt == 9:
-                raise SystemExit(f"gupnp has no port: {error}") from error
-    return None
-
-
-def introspect(interface: str, folder: Path) -> dict[str, dict[str, str | None]]:
-    """Serves the device description in a folder, finds it by SSDP, and reads the one service description there: for each action
-    its arguments, each with the type of its state variable, None without one."""
-    context = new_context(interface)
+def introspect(folder: Path, port: int) -> dict[str, dict[str, str | None]]:
+    """Serves the device description in a folder, finds it by SSDP, and reads the one service description there: of each
+    action the arguments, each with the type of its state variable, None without one."""
+    context = GUPnP.Context.new_full("dev0", None, port, GSSDP.UDAVersion.VERSION_1_0)
     device = GUPnP.RootDevice.new(context, "description.xml", str(folder))
     device.set_available(True)
     seen: dict[str, dict[str, str | None]] = {}
@@ -68,8 +56,10 @@ def introspect(interface: str, folder: Path) -> dict[str, dict[str, str | None]]
     def on_introspection(service: Any, answer: Any) -> None:
         introspection = service.introspect_finish(answer)
         for action in introspection.list_actions():
-            pairs = [(each.name, introspection.get_state_variable(each.related_state_variable)) for each in action.arguments]
-            seen[action.name] = {name: variable and variable.type.name for name, variable in pairs}
+            seen[action.name] = {}
+            for argument in action.arguments:
+                variable = introspection.get_state_variable(argument.related_state_variable)
+                seen[action.name][argument.name] = variable and variable.type.name
         loop.quit()
 
     def on_device(_: Any, proxy: Any) -> None:
