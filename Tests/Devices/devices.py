@@ -1,6 +1,5 @@
 """Servers and renderers of others against the library: devices.py UPNPUTIL FOLDER, in a network namespace."""
 
-import functools
 import json
 import os
 import re
@@ -46,7 +45,6 @@ CLIENTS = {  # user agents for which servers answer in ways of their own, and ho
 UPLOADS = [("audioItem.musicTrack", "audio/mpeg", "a.mp3"), ("videoItem", "video/mp4", "v.mp4"),
            ("imageItem.photo", "image/jpeg", "p.jpg")]
 TAGS = ("id", "title", "creator", "album", "genre", "extras")  # which a renderer takes from the stream
-UNESCAPED = [("&quot;", '"'), ("&lt;", "<"), ("&gt;", ">"), ("&apos;", "'"), ("&amp;", "&")]
 PARTS = {  # of the templates: the names of optional parts, in the order of their markers, and their files
     "MediaServer": "srs=ScheduledRecording energymanagement=EnergyManagement basicmanagement=BasicManagement "
                    "configurationmanagement=ConfigurationManagement msregistrar=MediaReceiverRegistrar",
@@ -273,7 +271,7 @@ def play(bench: Bench, renderer: upnp.Device, server: upnp.Device, object_id: st
 
 def check_metadata(bench: Bench, model: str, sent: str, back: str) -> None:
     """The metadata as it was sent, but for what a renderer is known to do to it."""
-    if model == RYGEL and back == functools.reduce(lambda text, pair: text.replace(*pair), UNESCAPED, sent) != sent:
+    if model == RYGEL and back == upnp.unescape(sent.encode()).decode() != sent:
         bench.faults[f"{RYGEL} gives metadata with a level of references too few"] += 1
     elif model == GMEDIARENDER and back != sent and without_tags(back) == without_tags(sent):
         bench.faults[f"{GMEDIARENDER} gives metadata with tags of the stream and an ID of its own"] += 1
@@ -340,7 +338,7 @@ def main() -> int:
     for server in servers:
         check_server(bench, server)
     with ThreadPoolExecutor() as pool:
-        list(pool.map(functools.partial(check_renderer, bench, servers), ("gmediarender", "playbin")))
+        list(pool.map(lambda name: check_renderer(bench, servers, name), ("gmediarender", "playbin")))
     for kind, mime, file in UPLOADS:
         check_upload(bench, servers[-1], kind, mime, bench.folder / "media/bases" / file)
     for template, options in DESCRIPTIONS:
