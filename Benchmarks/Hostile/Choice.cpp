@@ -261,6 +261,7 @@ void AddChoiceShapes(Shapes& aShapes)
     theChoices.push_back({ "many transport protocols", { "u#", "p#:*:a/b:*" }, Repeat("q#:*:a/b:*"), "q0" });
     theChoices.push_back(
         { "wildcards", { "u#", "http-get:*:a/b:DLNA.ORG_PN=P#" }, Repeat("*:*:c/*:DLNA.ORG_PN=Q#"), "" });
+    theChoices.push_back({ "wildcards with two slashes", { "u#", "http-get:*:a/b/d#:*" }, Repeat("*:*:c/d#/*:*"), "" });
     theChoices.push_back(
         { "empty elements", { "u#", "http-get:*:a/b:*" }, [](size_t aSize) { return std::string(aSize, ','); }, "" });
     theChoices.push_back({ "empty protocol infos", { "http://h/u#.mp3", "" }, Repeat("http-get:*:a/b:*"), "" });

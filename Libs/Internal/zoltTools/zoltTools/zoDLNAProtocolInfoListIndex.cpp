@@ -123,6 +123,15 @@ static void AddParameterSets(MatchIndex* anIndex)
 
 // ---- Elements ----
 
+uint32 ProtocolInfo::HashOfWildCard(uint64 aKey, string_view aMimeType)
+{
+    string_view theRest = TypeOf(aMimeType);
+    uint64 theHash = 0;
+    while (AddToBeginning(aKey, &theRest, &theHash))
+        ;
+    return Shorten(theHash);
+}
+
 static Entry EntryOf(uint64 aKey, const zoDLNAProtocolInfo_t* anInfo)
 {
     return { anInfo,
@@ -159,15 +168,6 @@ static bool AreEqual(const Entry& aLeft, const Entry& aRight)
            theLeft->mMimeParameters == theRight->mMimeParameters;
 }
 
-static void AddWildCard(MatchIndex* anIndex, uint32 anEntry)
-{
-    const string_view theType = TypeOf(anIndex->mEntries[anEntry].mInfo->mMimeType);
-    anIndex->mfHasWildCards = true;
-    if (theType.empty() || theType.find('/') == theType.size() - 1) { return; }
-    anIndex->mDeepWildCards[anIndex->mDeepWildCardCount++] = { anEntry, static_cast<uint32>(theType.size()),
-                                                               HashOf(anIndex->mKey, theType) };
-}
-
 // Of several elements that match the same, one is kept.
 static void SortEntries(MatchIndex* anIndex)
 {
@@ -176,12 +176,15 @@ static void SortEntries(MatchIndex* anIndex)
     const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
     anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
     anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
-    anIndex->mDeepWildCards = Shared::NewArray<DeepWildCard>(anIndex->mCount);
+    anIndex->mWildCards = Shared::NewArray<WildCard>(anIndex->mCount);
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
         anIndex->mByProfile[i] = i;
-        if (IsWildCard(theEntries[i].mInfo->mMimeType)) { AddWildCard(anIndex, i); }
+        const string_view theMimeType = theEntries[i].mInfo->mMimeType;
+        if (!IsWildCard(theMimeType)) { continue; }
+        anIndex->mWildCards[anIndex->mWildCardCount++] = { HashOfWildCard(anIndex->mKey, theMimeType), i };
     }
+    std::sort(anIndex->mWildCards, anIndex->mWildCards + anIndex->mWildCardCount, IsTypeBefore);
     std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
               [theEntries](uint32 aLeft, uint32 aRight)
               { return theEntries[aLeft].mProfile < theEntries[aRight].mProfile; });
@@ -237,7 +240,7 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
     free(anIndex->mMimeTypes.mSlots);
     free(anIndex->mByProfile);
     free(anIndex->mProfiles.mSlots);
-    free(anIndex->mDeepWildCards);
+    free(anIndex->mWildCards);
     free(anIndex->mParameterHashes);
     free(anIndex->mSets);
     free(anIndex->mNumbers);

@@ -97,7 +97,7 @@ private:
     bool MatchesAmong(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile);
     bool MatchesMimeType();
-    bool MayBeCoveredBy(const DeepWildCard& aWildCard);
+    bool MatchesWildCardsOf(uint32 aType);
     bool MatchesWildCards();
 
     const MatchIndex* mIndex;
@@ -107,8 +107,6 @@ private:
     int mMismatchFlags = -1; // those for which no element of the MIME type matches, without WildCardMimeTypeCheck
     uint32 mMimeType = 0;    // hashes; 0 until they are asked for
     uint32 mProfile = 0;
-    uint32 mTypeLength = 0; // of the beginning of the MIME type that was last compared with a wild card's
-    uint32 mType = 0;       // its hash
     bool mfHasTransport = false;
     uint32 mProtocol = 0;
     uint32 mNetwork = 0;
@@ -244,31 +242,29 @@ bool Query::MatchesMimeType()
     return fMatches;
 }
 
-bool Query::MayBeCoveredBy(const DeepWildCard& aWildCard)
+// Looks at the wild cards that cover what begins so: one by one, or by profile when that takes fewer steps.
+bool Query::MatchesWildCardsOf(uint32 aType)
 {
-    const string_view theMimeType = mInfo->mMimeType;
-    const uint32 theLength = aWildCard.mTypeLength;
-    if (theLength > theMimeType.size() || theMimeType[theLength - 1] != '/') { return false; }
-    if (theLength != mTypeLength)
-    {
-        mTypeLength = theLength;
-        mType = HashOf(mIndex->mKey, theMimeType.substr(0, theLength));
-    }
-    return mType == aWildCard.mType;
+    const auto [theFirst, theEnd] = std::equal_range(mIndex->mWildCards, mIndex->mWildCards + mIndex->mWildCardCount,
+                                                     WildCard{ aType, 0 }, IsTypeBefore);
+    const uint32 theCount = static_cast<uint32>(theEnd - theFirst);
+    if (theCount == 0) { return false; }
+    if (theCount > (mIndex->mSets ? GetSet().mCount : 0)) { return MatchesAmong(aType); }
+    return std::any_of(theFirst, theEnd,
+                       [this](const WildCard& aWildCard) { return Matches(mIndex->mEntries[aWildCard.mEntry]); });
 }
 
-// Looks at the wild cards that cover all, at those of the MIME type's type, and one by one at those with more slashes:
-// a MIME type may have as many beginnings as it has slashes.
+// Looks at the wild cards that cover all, and at those of each beginning of the MIME type up to a slash.
 bool Query::MatchesWildCards()
 {
-    if (!mIndex->mfHasWildCards) { return false; }
-    if (MatchesAmong(HashOf(mIndex->mKey, ""))) { return true; }
-    const size_t theSlash = mInfo->mMimeType.find('/');
-    if (theSlash == string_view::npos) { return false; }
-    return MatchesAmong(HashOf(mIndex->mKey, mInfo->mMimeType.substr(0, theSlash + 1))) ||
-           std::any_of(mIndex->mDeepWildCards, mIndex->mDeepWildCards + mIndex->mDeepWildCardCount,
-                       [this](const DeepWildCard& aWildCard)
-                       { return MayBeCoveredBy(aWildCard) && Matches(mIndex->mEntries[aWildCard.mEntry]); });
+    if (mIndex->mWildCardCount == 0) { return false; }
+    string_view theRest = mInfo->mMimeType;
+    uint64 theBeginning = 0;
+    do
+    {
+        if (MatchesWildCardsOf(Shorten(theBeginning))) { return true; }
+    } while (AddToBeginning(mIndex->mKey, &theRest, &theBeginning));
+    return false;
 }
 
 // True if the transport of all elements, when they have one, is that of the protocol info.

@@ -24,13 +24,14 @@ struct Entry
     uint32 mParameters; // position of the set; kNone without one
 };
 
-// An element whose MIME type is a wild card with more than one slash.
-struct DeepWildCard
+// An element whose MIME type is a wild card.
+struct WildCard
 {
-    uint32 mEntry;      // a position
-    uint32 mTypeLength; // of what stands before the "*", the "/" at its end included
-    uint32 mType;       // the hash of that
+    uint32 mType;  // the hash of what it covers
+    uint32 mEntry; // a position
 };
+
+inline bool IsTypeBefore(const WildCard& aLeft, const WildCard& aRight) { return aLeft.mType < aRight.mType; }
 
 // A bit each for the parameters of a MIME type, some of which share one.
 struct Fingerprint
@@ -98,11 +99,10 @@ struct MatchIndex
     Entry* mEntries; // in the order of MIME types and profiles
     uint32 mCount;
     HashTable mMimeTypes;
-    uint32* mByProfile;  // positions in mEntries
-    HashTable mProfiles; // of positions in mByProfile
-    bool mfHasWildCards;
-    DeepWildCard* mDeepWildCards;
-    uint32 mDeepWildCardCount;
+    uint32* mByProfile;   // positions in mEntries
+    HashTable mProfiles;  // of positions in mByProfile
+    WildCard* mWildCards; // in the order of their types
+    uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
     uint64* mParameterHashes; // of all elements, each once
@@ -128,17 +128,37 @@ inline std::string_view TypeOf(std::string_view aWildCard)
     return theType == "*/" ? std::string_view() : theType;
 }
 
+/** @return a short hash of a long one; not 0. */
+inline uint32 Shorten(uint64 aHash)
+{
+    const uint32 theHash = static_cast<uint32>(aHash);
+    return theHash != 0 ? theHash : 1;
+}
+
 template <bool afIsExact = false>
 inline uint32 HashOf(uint64 aKey, std::string_view aText)
 {
-    const uint32 theHash = static_cast<uint32>(KeyedHash::Hash<afIsExact>(aKey, aText));
-    return theHash != 0 ? theHash : 1;
+    return Shorten(KeyedHash::Hash<afIsExact>(aKey, aText));
 }
+
+/** Takes what stands before the next slash off the rest of a MIME type, and adds it to the hash of what stood before.
+ *  @return false when there is no slash. */
+inline bool AddToBeginning(uint64 aKey, std::string_view* aRest, uint64* aHash)
+{
+    const size_t theSlash = aRest->find('/');
+    if (theSlash == std::string_view::npos) { return false; }
+    *aHash = KeyedHash::Hash(aKey, aRest->substr(0, theSlash), *aHash);
+    aRest->remove_prefix(theSlash + 1);
+    return true;
+}
+
+/** The hash of what a wild card covers. */
+uint32 HashOfWildCard(uint64 aKey, std::string_view aMimeType);
 
 /** The hash of a MIME type; wild cards are found by what they cover. */
 inline uint32 HashOfMimeType(uint64 aKey, std::string_view aMimeType)
 {
-    return HashOf(aKey, IsWildCard(aMimeType) ? TypeOf(aMimeType) : aMimeType);
+    return IsWildCard(aMimeType) ? HashOfWildCard(aKey, aMimeType) : HashOf(aKey, aMimeType);
 }
 
 inline uint32 HashOfField(uint64 aKey, std::string_view aField) { return IsAny(aField) ? 0 : HashOf(aKey, aField); }

@@ -104,11 +104,12 @@ inline uint64 LoadTail(const char* aBytes, size_t aCount)
     return theByteAt(0) << 16 | theByteAt(aCount / 2) << 8 | theByteAt(aCount - 1);
 }
 
-/** @return the hash of the text, below 2^61; with its letters in lower case unless afIsExact is true. */
+/** @param aBefore  the hash of a list of texts, to get that of the list with this text at its end; 0 if it is empty.
+ *  @return the hash of the text, below 2^61; with its letters in lower case unless afIsExact is true. */
 template <bool afIsExact = false>
-inline uint64 Hash(uint64 aKey, std::string_view aText)
+inline uint64 Hash(uint64 aKey, std::string_view aText, uint64 aBefore = 0)
 {
-    uint64 theHash = aText.size() + 1;
+    uint64 theHash = aBefore + aText.size() + 1;
     const auto theAdd = [&](uint64 aWord) { theHash = Multiply(theHash, aKey) + (afIsExact ? aWord : ToLower(aWord)); };
     for (; aText.size() > kWordSize; aText.remove_prefix(kWordSize))
         theAdd(LoadWord(aText.data()));
