@@ -15,11 +15,10 @@ import sys
 import time
 from collections.abc import Iterator
 from dataclasses import dataclass
-from pathlib import Path
 
 import upnp
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "Python"))
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "..", "Python"))
 import upnputilities  # noqa: E402
 
 
@@ -40,8 +39,7 @@ def read(answer: bytes) -> list[upnputilities.MediaObject]:
 
 def number(answer: bytes, name: str) -> int:
     """A number in an answer; 0 when it is none."""
-    digits = upnp.text(answer, name)
-    return int(digits) if digits.isdecimal() and len(digits) <= 10 else 0
+    return int(digits) if (digits := upnp.text(answer, name)).isdecimal() and len(digits) <= 10 else 0
 
 
 def browse(server: upnp.Device, container: str) -> Iterator[upnputilities.MediaObject]:
@@ -80,9 +78,9 @@ def start(renderer: upnp.Device, uri: str, metadata: str) -> None:
 
 
 def position(renderer: upnp.Device) -> Position:
-    state = upnp.text(control(renderer, "GetTransportInfo"), "CurrentTransportState")
-    answer = control(renderer, "GetPositionInfo")
-    return Position(state, seconds(upnp.text(answer, "RelTime")), seconds(upnp.text(answer, "TrackDuration")))
+    state, answer = control(renderer, "GetTransportInfo"), control(renderer, "GetPositionInfo")
+    return Position(upnp.text(state, "CurrentTransportState"), seconds(upnp.text(answer, "RelTime")),
+                    seconds(upnp.text(answer, "TrackDuration")))
 
 
 def watch(renderer: upnp.Device, pause: float = 0.25, patience: float = 10) -> Iterator[Position]:
@@ -126,8 +124,7 @@ def shown(text: str) -> str:
 
 def play(renderer: upnp.Device, found: upnputilities.MediaObject, only_choose: bool) -> None:
     """Plays one object, with a line of progress; says so when the renderer plays none of its resources."""
-    choice = found.choose(sink(renderer), renderer.address)
-    if choice is None:
+    if (choice := found.choose(sink(renderer), renderer.address)) is None:
         print(shown(f"{found.title}: {renderer.name} plays none of its {len(found.resources)} resources"))
         return
     resource = choice.resource

@@ -1,7 +1,5 @@
 """UPnP devices on the network: finding them (SSDP), reading their descriptions and calling their actions (SOAP).
-
-Answers are read leniently, since devices put into them whatever bytes their files and tags have.
-"""
+Answers are read leniently, since devices put into them whatever bytes their files and tags have."""
 
 import contextlib
 import html
@@ -58,8 +56,7 @@ def values(document: bytes, name: str) -> list[bytes]:
 def unescape(content: bytes) -> bytes:
     """A text without its references; bytes that are no UTF-8 stay as they are."""
     def character(match: re.Match[bytes]) -> bytes:
-        name = match[1].decode()
-        if name in NAMED:
+        if (name := match[1].decode()) in NAMED:
             return NAMED[name]
         code = int(name[2:], 16) if name[1] == "x" else int(name[1:])
         return chr(code).encode("utf-8", "replace") if code < 0x110000 else match[0]
@@ -78,15 +75,14 @@ def describe(location: str) -> Device:
     if status != 200:
         raise DeviceError(f"{location}: HTTP status {status}")
     services = {}
-    model = f'{text(document, "modelName")} {text(document, "modelNumber")}'.strip()
     try:
         for service in values(document, "service"):
-            type_name = text(service, "serviceType")
-            if ":" in type_name:
+            if ":" in (type_name := text(service, "serviceType")):
                 services[type_name.split(":")[-2]] = (type_name, urljoin(location, text(service, "controlURL")))
         address = socket.gethostbyname(urlsplit(location).hostname or "")
     except (OSError, ValueError) as error:
         raise DeviceError(f"{location}: {error}") from error
+    model = f'{text(document, "modelName")} {text(document, "modelNumber")}'.strip()
     return Device(text(document, "friendlyName"), model, address, services)
 
 
