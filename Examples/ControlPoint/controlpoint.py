@@ -38,7 +38,7 @@ def read(answer: bytes) -> list[upnputilities.MediaObject]:
 
 
 def number(answer: bytes, name: str) -> int:
-    """A number in an answer; 0 when it is none."""
+    """A number in an answer; 0 when it is not one."""
     return int(digits) if (digits := upnp.text(answer, name)).isdecimal() and len(digits) <= 10 else 0
 
 
@@ -98,7 +98,7 @@ def watch(renderer: upnp.Device, pause: float = 0.25, patience: float = 10) -> I
 
 
 def seconds(time_text: str) -> float:
-    """Of a time such as 0:03:35.500; 0 when it is none, as in NOT_IMPLEMENTED."""
+    """The seconds of a time such as 0:03:35.500; 0 when it is not one, such as NOT_IMPLEMENTED."""
     try:
         hours, minutes, rest = time_text.split(":")
         return int(hours) * 3600 + int(minutes) * 60 + float(rest)

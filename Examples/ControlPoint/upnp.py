@@ -43,7 +43,7 @@ def fetch(method: str, url: str, body: bytes | None = None, headers: dict[str, s
             connection.request(method, parts._replace(scheme="", netloc="").geturl() or "/", body, headers or {})
             answer = connection.getresponse()
             return answer.status, answer.read()
-    except (OSError, ValueError, http.client.HTTPException) as error:  # ValueError: the URL or a header is none
+    except (OSError, ValueError, http.client.HTTPException) as error:  # ValueError: an invalid URL or header
         raise DeviceError(f"{url}: {error or type(error).__name__}") from error
 
 

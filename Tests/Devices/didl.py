@@ -127,7 +127,7 @@ class Model:
     def number(self, field: str, text: str) -> int | None:
         if field == "durationSeconds":
             match = DURATION.fullmatch(text)
-            self.rules["duration that is none"] += not match
+            self.rules["invalid duration"] += not match
             self.rules["fraction of a duration"] += bool(match and (match[4] or "").strip(".0"))
             return int(match[1]) * 3600 + int(match[2]) * 60 + int(match[3]) if match else None
         self.rules["bit rate from bytes to bits a second"] += field == "bitRate"

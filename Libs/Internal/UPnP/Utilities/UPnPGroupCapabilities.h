@@ -192,8 +192,8 @@ UPNPUTILITIES_API size_t UPnPGroupInfo_GetMetaDataCount(UPnPGroupInfo* aGroupInf
 UPNPUTILITIES_API void UPnPGroupInfo_FetchMetaDataAt(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN, size_t anIndex,
                                                      const char** aMetaDataName, const char** aMetaDataValue);
 
-/** @return a copy of the grouped friendly name of the member with that grouped UDN, released with free; NULL when there
- *          is none, or it has no name. */
+/** @return a copy of the grouped friendly name of the member with that grouped UDN, released with free; NULL
+ *          without such a member, and when it has no name. */
 UPNPUTILITIES_API char* UPnPGroupInfo_FetchGroupedInfo(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN);
 /** @return a new array of copies, released with zoArray_Delete: the master's grouped UDN unless it is empty, then those
  *          of the slaves, "" for one without. Empty for a NULL group. */

@@ -151,7 +151,7 @@ bool Repairer::IsDeclared(std::string_view aPrefix) const
 
 // ---- Declarations that can't be written as they are ----
 
-// What can't be read as attributes is none.
+// A part that can't be read as attributes is left out as a whole.
 static bool ReadAll(std::string_view aText, List<Attribute>* anAttributes)
 {
     return ReadAttributes(&aText, anAttributes) && aText.empty();
