@@ -1,8 +1,7 @@
 #include "FuzzSupport.h"
+#include "Support/BrowseBlocks.h"
 
-#include <UPnP/Utilities/UPnPDIDL.h>
 #include <string>
-#include <vector>
 #include <zoLog/Log.h>
 
 // The bytes, cut at line ends, are a base URL, the attributes of a root, and objects, each repeated until it is long:
@@ -48,23 +47,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     const std::string theBaseURL = Repeated(theBase ? theBase : "", aBytes[0] / 16 * 512);
     const size_t theSize = theText.size() + theBaseURL.size();
 
-    std::vector<char*> theBlocks;
-    theBlocks.reserve(theSize);
+    BrowseBlocks theBlocks(theSize);
     const HeapPeak thePeak;
-    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theText.data(), theBaseURL.c_str());
-    for (int theType = kDIDLItemType_Item; theType != kDIDLItemType_None;)
-    {
-        char* theData = nullptr;
-        char* theRes = nullptr;
-        UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
-        theBlocks.push_back(theData);
-        theBlocks.push_back(theRes);
-    }
-    UPnPDIDLDocument_Delete(theDocument);
+    theBlocks.Read(theText.data(), theBaseURL.c_str());
     RequireHeap(thePeak.Bytes(), theSize, 128);
     RequireHeap(thePeak.BytesKept(), theSize, 100);
-    for (char* theBlock : theBlocks)
-        free(theBlock);
     free(theInput);
     return 0;
 }

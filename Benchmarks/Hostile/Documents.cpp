@@ -1,4 +1,5 @@
 #include "Shapes.h"
+#include "Support/BrowseBlocks.h"
 
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <UPnP/Utilities/UPnPUtility.h>
@@ -87,28 +88,12 @@ void ParseObjects(std::string aText, const std::string& aBaseURL, Meter& aMeter)
         free(theBlock);
 }
 
-// Reads the objects of a document one by one, as ParseObjects does, also those that are inside each other.
+// Reads the objects of a document, also those that are inside each other.
 void ReadDocument(const std::string& aText, const std::string& aBaseURL, Meter& aMeter)
 {
-    std::vector<char*> theBlocks;
-    theBlocks.reserve(aText.size() / 2);
+    BrowseBlocks theBlocks(aText.size() / 2);
     aMeter.Run(aText.size() + aBaseURL.size(),
-               [&]
-               {
-        UPnPDIDLDocument* theDocument =
-            UPnPDIDLDocument_New(aText.c_str(), aBaseURL.empty() ? nullptr : aBaseURL.c_str());
-        for (int theType = kDIDLItemType_Item; theType != kDIDLItemType_None;)
-        {
-            char* theData = nullptr;
-            char* theRes = nullptr;
-            UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
-            theBlocks.push_back(theData);
-            theBlocks.push_back(theRes);
-        }
-        UPnPDIDLDocument_Delete(theDocument);
-    });
-    for (char* theBlock : theBlocks)
-        free(theBlock);
+               [&] { theBlocks.Read(aText.c_str(), aBaseURL.empty() ? nullptr : aBaseURL.c_str()); });
 }
 
 std::string Item(const std::string& aContent) { return "<item>" + aContent + "</item>"; }
