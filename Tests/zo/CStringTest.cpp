@@ -22,6 +22,17 @@ TEST(CStringTest, CopiesAreIndependentAndMovesLeaveNothing)
     EXPECT_STREQ("longer one", theCopy.c_str());
     theCopy.Format("%s, %s and %d", theCopy.c_str(), std::string(500, 'x').c_str(), 7);
     EXPECT_EQ("longer one, " + std::string(500, 'x') + " and 7", theCopy.c_str());
+
+    for (const size_t theLength : { 0, 1, 15, 16, 100 }) // in the object, and not
+    {
+        const std::string theBytes(theLength, 'x');
+        zoCString theString(theBytes.c_str());
+        theCopy = theString;
+        theMoved = zoCString(std::move(theString));
+        EXPECT_EQ(theBytes, theCopy.c_str());
+        EXPECT_TRUE(theMoved == zoCString(theCopy) && theMoved.length() == theLength);
+        EXPECT_STREQ("", theString.c_str()); // NOLINT(bugprone-use-after-move): promised
+    }
 }
 
 TEST(CStringTest, NothingIsTheEmptyText)

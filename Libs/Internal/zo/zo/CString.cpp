@@ -15,30 +15,32 @@ static char* NewText(size_t aLength)
     return theText;
 }
 
-static char* CopyText(const char* aText, size_t aLength)
+// Copies bytes without a NUL to where they and one fit: into the room, or into a new text. @return the new text or
+// NULL.
+template <size_t kRoom>
+static char* CopyText(const char* aText, size_t aLength, char (&aRoom)[kRoom])
 {
-    if (aLength == 0) { return nullptr; }
-    char* theText = NewText(aLength);
-    memcpy(theText, aText, aLength);
+    char* theText = aLength < kRoom ? nullptr : NewText(aLength);
+    memcpy(theText ? theText : aRoom, aText, aLength);
     return theText;
 }
 
-zoCString::zoCString(const char* aText) : mLength(aText ? strlen(aText) : 0) { mText = CopyText(aText, mLength); }
+zoCString::zoCString(const char* aText) : mLength(aText ? strlen(aText) : 0)
+{
+    mText = CopyText(aText ? aText : "", mLength, mShort);
+}
 
 zoCString::zoCString(const char* aText, size_t aLength) : mLength(aText ? strnlen(aText, aLength) : 0)
 {
-    mText = CopyText(aText, mLength);
+    mText = CopyText(aText ? aText : "", mLength, mShort);
 }
 
-zoCString::zoCString(const zoCString& aString)
-    : mText(CopyText(aString.mText, aString.mLength)), mLength(aString.mLength)
-{}
-
-zoCString::zoCString(zoCString&& aString) noexcept : mText(aString.mText), mLength(aString.mLength)
+zoCString::zoCString(const zoCString& aString) : mLength(aString.mLength)
 {
-    aString.mText = nullptr;
-    aString.mLength = 0;
+    mText = CopyText(aString.c_str(), aString.mLength, mShort);
 }
+
+zoCString::zoCString(zoCString&& aString) noexcept { *this = static_cast<zoCString&&>(aString); }
 
 zoCString::~zoCString() { free(mText); }
 
@@ -56,8 +58,10 @@ zoCString& zoCString::operator=(zoCString&& aString) noexcept
     free(mText);
     mText = aString.mText;
     mLength = aString.mLength;
+    memcpy(mShort, aString.mShort, sizeof(mShort));
     aString.mText = nullptr;
     aString.mLength = 0;
+    aString.mShort[0] = '\0';
     return *this;
 }
 
@@ -72,14 +76,14 @@ int zoCString::Compare(const zoCString& aString) const
 int zoCString::Find(const zoCString& aNeedle, size_t aStart) const
 {
     if (aNeedle.IsEmpty() || aStart >= mLength) { return zoNotFound; }
-    const void* theFound = memmem(mText + aStart, mLength - aStart, aNeedle.mText, aNeedle.mLength);
-    return theFound ? static_cast<int>(static_cast<const char*>(theFound) - mText) : static_cast<int>(zoNotFound);
+    const void* theFound = memmem(c_str() + aStart, mLength - aStart, aNeedle.c_str(), aNeedle.mLength);
+    return theFound ? static_cast<int>(static_cast<const char*>(theFound) - c_str()) : static_cast<int>(zoNotFound);
 }
 
 zoCString zoCString::BeforeFirst(char aCharacter) const
 {
     const void* theFound = memchr(c_str(), aCharacter, mLength);
-    return theFound ? zoCString(mText, static_cast<size_t>(static_cast<const char*>(theFound) - mText)) : *this;
+    return theFound ? zoCString(c_str(), static_cast<size_t>(static_cast<const char*>(theFound) - c_str())) : *this;
 }
 
 zoCString zoCString::AfterFirst(char aCharacter) const
@@ -102,9 +106,7 @@ void zoCString::FromAllocatedString(char* aText)
     free(mText);
     mLength = aText ? strlen(aText) : 0;
     mText = aText;
-    if (mLength > 0) { return; }
-    free(aText);
-    mText = nullptr;
+    mShort[0] = '\0';
 }
 
 bool operator==(const zoCString& aLeft, const zoCString& aRight)

@@ -10,8 +10,8 @@ enum
 };
 
 /**
- * A text of bytes that ends with a NUL. The empty text costs no memory. Copies are independent. Comparisons look at
- * bytes, so they are case-sensitive. A NULL text counts as "".
+ * A text of bytes that ends with a NUL. Up to 15 bytes are in the object itself and cost no memory from the heap.
+ * Copies are independent. Comparisons look at bytes, so they are case-sensitive. A NULL text counts as "".
  */
 class ZO_API zoCString
 {
@@ -35,7 +35,7 @@ public:
     zoCString& operator=(zoCString&& aString) noexcept;
 
     /** @return the text, borrowed until the string changes; "" when empty, never NULL. */
-    const char* c_str() const { return mText ? mText : ""; }
+    const char* c_str() const { return mText ? mText : mShort; }
     /** @return the number of bytes. */
     size_t length() const { return mLength; }
     /** @return whether the text is "". */
@@ -61,8 +61,9 @@ public:
     void FromAllocatedString(char* aText);
 
 private:
-    char* mText = nullptr; // owned; NULL when the text is empty
+    char* mText = nullptr; // owned; NULL when the text is in mShort
     size_t mLength = 0;
+    char mShort[16] = {};
 };
 
 /** Whether the texts have the same bytes. */

@@ -135,9 +135,10 @@ bool Query::ProfileMayMatch(const Entry& anEntry)
 
 bool Query::TransportMayMatch(const Entry& anEntry)
 {
-    if (mIndex->mfHasOneTransport || HaveCommonTransport(anEntry.mInfo, mInfo)) { return true; }
+    if (mIndex->mfHasOneTransport) { return true; }
     if (!mfHasTransport)
     {
+        if (HaveCommonTransport(anEntry.mInfo, mInfo)) { return true; }
         mfHasTransport = true;
         mProtocol = HashOfField(mIndex->mKey, mInfo->mProtocol);
         mNetwork = HashOfField(mIndex->mKey, mInfo->mNetwork);

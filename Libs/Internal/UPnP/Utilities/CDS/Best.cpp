@@ -3,13 +3,19 @@
 namespace CDS
 {
 
+bool Best::MayHaveOtherHost(uint32 anIndex)
+{
+    if (!mfHasBeginning) { mBeginning = BeginningWithHost(mResources.GetURI(static_cast<uint32>(mIndex))); }
+    mfHasBeginning = true;
+    return mBeginning.empty() || mResources.GetURI(anIndex).substr(0, mBeginning.size()) != mBeginning;
+}
+
 // @return above 0 when a resource's host outweighs that of the best one, below 0 when it is the other way round. The
 // weight of the heavier one is kept.
 int Best::CompareHost(uint32 anIndex)
 {
-    const uint32 theBest = static_cast<uint32>(mIndex);
-    if (mResources.HaveSameHost(theBest, anIndex)) { return 0; }
-    if (!mfHasHostWeight) { mHostWeight = mResources.WeighHost(theBest, mTargets); }
+    if (!MayHaveOtherHost(anIndex)) { return 0; }
+    if (!mfHasHostWeight) { mHostWeight = mResources.WeighHost(static_cast<uint32>(mIndex), mTargets); }
     mfHasHostWeight = true;
     const uint32 theWeight = mResources.WeighHost(anIndex, mTargets);
     if (theWeight == mHostWeight) { return 0; }
@@ -29,6 +35,7 @@ void Best::Add(uint32 anIndex, uint32 aFirstWeight, uint32 aLastWeight)
     mIndex = static_cast<int>(anIndex);
     mFirstWeight = aFirstWeight;
     mLastWeight = aLastWeight;
+    mfHasBeginning = false;
 }
 
 } // namespace CDS

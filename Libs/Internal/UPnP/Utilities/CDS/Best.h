@@ -3,6 +3,7 @@
 /* The heaviest of several resources. */
 
 #include <UPnP/Utilities/CDS/Resources.h>
+#include <string_view>
 
 namespace CDS
 {
@@ -20,6 +21,7 @@ public:
     void Clear() { mIndex = -1; }
 
 private:
+    bool MayHaveOtherHost(uint32 anIndex);
     int CompareHost(uint32 anIndex);
 
     const Resources& mResources;
@@ -28,7 +30,9 @@ private:
     uint32 mFirstWeight = 0;
     uint32 mLastWeight = 0;
     uint32 mHostWeight = 0;
-    bool mfHasHostWeight = false;
+    bool mfHasHostWeight = false; // as mfHasBeginning: what another one was compared with
+    bool mfHasBeginning = false;
+    std::string_view mBeginning; // of the URI, with the host
 };
 
 } // namespace CDS

@@ -11,23 +11,16 @@ static const uint32 sIPAddressMask[] = { 0xFFFFFF00, 0xFFFF0000, 0xFF000000 };
 
 uint32 FindHostAddress(std::string_view anURI) { return zoURI_S_GetHostIP(anURI.data(), anURI.size()); }
 
-// @return the number of bytes up to the third "/"; 0 when there are fewer.
-static size_t LengthToPath(std::string_view anURI)
+std::string_view BeginningWithHost(std::string_view anURI)
 {
     size_t theLength = 0;
     for (int i = 0; i < 3; ++i)
     {
         const size_t theSlash = anURI.find('/', theLength);
-        if (theSlash == anURI.npos) { return 0; }
+        if (theSlash == anURI.npos) { return {}; }
         theLength = theSlash + 1;
     }
-    return theLength;
-}
-
-bool HaveSameHost(std::string_view aLeft, std::string_view aRight)
-{
-    const size_t theLength = LengthToPath(aLeft.substr(0, aRight.size())); // a long one may be compared with many
-    return theLength > 0 && aRight.substr(0, theLength) == aLeft.substr(0, theLength);
+    return anURI.substr(0, theLength);
 }
 
 uint32 GetLocality(uint32 anAddress, uint32 anotherAddress)

@@ -27,9 +27,9 @@ inline constexpr uint32 kIsAddressWeight = 0x10;
  *                kNoAddress when that is not one. */
 uint32 FindHostAddress(std::string_view anURI);
 
-/** True if two URIs begin with the same bytes up to their third "/", which comes after the host or there is none; false
- *  if their hosts may differ. */
-bool HaveSameHost(std::string_view aLeft, std::string_view aRight);
+/** @return what an URI begins with, up to its third "/", which comes after the host if there is one; empty when it has
+ *          fewer. URIs that begin so have the same host. */
+std::string_view BeginningWithHost(std::string_view anURI);
 
 /** @return how near two addresses are: 3, 2 or 1 when they share this many first octets, else 0. */
 uint32 GetLocality(uint32 anAddress, uint32 anotherAddress);

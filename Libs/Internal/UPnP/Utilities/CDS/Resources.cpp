@@ -53,7 +53,6 @@ const char* Resources::GetProfile(uint32 anIndex) const
     return mResources[anIndex].mfHasProtocolInfo ? zoDLNAProtocolInfo_GetProfile(mResources[anIndex].mInfo) : nullptr;
 }
 
-// The URI's bytes; the text may end before them.
 std::string_view Resources::GetURI(uint32 anIndex) const
 {
     size_t theSize = 0;
@@ -69,11 +68,6 @@ uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
     for (uint32 i = 0; i < aTargets.mCount; ++i)
         theNearest = std::max(theNearest, GetLocality(theAddress, aTargets.mAddresses[i]));
     return kIsAddressWeight + theNearest;
-}
-
-bool Resources::HaveSameHost(uint32 anIndex, uint32 anotherIndex) const
-{
-    return CDS::HaveSameHost(GetURI(anIndex), GetURI(anotherIndex));
 }
 
 } // namespace CDS

@@ -43,12 +43,10 @@ public:
     const char* GetProfile(uint32 anIndex) const;
     /** @return the weight of the resource's host: 0 for a name, else kIsAddressWeight and the highest locality. */
     uint32 WeighHost(uint32 anIndex, Targets aTargets) const;
-    /** True if two resources' URIs say so at once; false if they may have different hosts. */
-    bool HaveSameHost(uint32 anIndex, uint32 anotherIndex) const;
-
-private:
+    /** @return the bytes of the resource's URI; the text may end before them. */
     std::string_view GetURI(uint32 anIndex) const;
 
+private:
     static const uint32 kFew = 8;
 
     const zoPackedData_t* mRecord;
