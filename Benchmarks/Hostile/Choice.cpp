@@ -258,6 +258,12 @@ void AddChoiceShapes(Shapes& aShapes)
     theChoices.push_back(
         { "many profiles", { "u#", "http-get:*:a/b:DLNA.ORG_PN=P#" }, Repeat("http-get:*:a/b:DLNA.ORG_PN=Q#"), "" });
     theChoices.push_back({ "many networks", { "u#", "http-get:n#:a/b:*" }, Repeat("http-get:m#:a/b:*"), "" });
+    theChoices.push_back({ "many profiles of other networks",
+                           { "u#", "http-get:n:a/b:DLNA.ORG_PN=P#" },
+                           Repeat("http-get:k:a/b:DLNA.ORG_PN=Q#,http-get:m:a/b:DLNA.ORG_PN=Q#"),
+                           "" });
+    theChoices.push_back(
+        { "any of many transport protocols", { "u#", "*:n#:a/b:*" }, Repeat("*:n:c/d:*,p#:m#:a/b:*"), "" });
     theChoices.push_back({ "many transport protocols", { "u#", "p#:*:a/b:*" }, Repeat("q#:*:a/b:*"), "q0" });
     theChoices.push_back(
         { "wildcards", { "u#", "http-get:*:a/b:DLNA.ORG_PN=P#" }, Repeat("*:*:c/*:DLNA.ORG_PN=Q#"), "" });

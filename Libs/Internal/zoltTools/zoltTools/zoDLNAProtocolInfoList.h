@@ -58,8 +58,9 @@ ZOLTTOOLS_API void zoDLNAProtocolInfoList_Remove(zoDLNAProtocolInfoList_t* aList
  * - the profile is not looked at, or equal (two absent ones are equal), or AnyProfile ignores it.
  *
  * The first match against a list of more than 16 elements, or with parameters of MIME types, makes an index, which the
- * list keeps until it changes. Then a match looks at the elements of anInfo's profile or MIME type alone, however alike
- * others are. Several threads may match against one list while nobody changes it.
+ * list keeps until it changes. A match then looks only at the elements of anInfo's profile or MIME type, and of those
+ * only at the ones of its transport (of its network, when its protocol is "*"), however alike others are. Several
+ * threads may match against one list while nobody changes it.
  * @param aFlags  kzoDLNAProtocolInfoMatch_* bits.
  * @return 1 or 0.
  */

@@ -175,19 +175,42 @@ static void SortEntries(MatchIndex* anIndex)
     std::sort(theEntries, theEntries + anIndex->mCount, IsBefore);
     const Entry* theEnd = std::unique(theEntries, theEntries + anIndex->mCount, AreEqual);
     anIndex->mCount = static_cast<uint32>(theEnd - theEntries);
-    anIndex->mByProfile = Shared::NewArray<uint32>(anIndex->mCount);
+    const zoDLNAProtocolInfo_t* theFirst = theEntries[0].mInfo;
+    anIndex->mfHasOneTransport = std::all_of(theEntries, theEntries + anIndex->mCount,
+                                             [theFirst](const Entry& anEntry)
+                                             {
+        return Shared::Equals(anEntry.mInfo->mProtocol, theFirst->mProtocol) &&
+               Shared::Equals(anEntry.mInfo->mNetwork, theFirst->mNetwork);
+    });
+}
+
+// @return the positions of all entries in the order of one of their hashes and, where it is the same, of transports.
+static uint32* NewOrder(const MatchIndex* anIndex, uint32 Entry::*aHash)
+{
+    uint32* thePositions = Shared::NewArray<uint32>(anIndex->mCount);
+    for (uint32 i = 0; i < anIndex->mCount; ++i)
+        thePositions[i] = i;
+    std::sort(thePositions, thePositions + anIndex->mCount,
+              [=](uint32 aLeft, uint32 aRight)
+              {
+        const Entry& theLeft = anIndex->mEntries[aLeft];
+        const Entry& theRight = anIndex->mEntries[aRight];
+        return theLeft.*aHash != theRight.*aHash ? theLeft.*aHash < theRight.*aHash
+                                                 : theLeft.GetTransport() < theRight.GetTransport();
+    });
+    return thePositions;
+}
+
+static void CollectWildCards(MatchIndex* anIndex)
+{
     anIndex->mWildCards = Shared::NewArray<WildCard>(anIndex->mCount);
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
-        anIndex->mByProfile[i] = i;
-        const string_view theMimeType = theEntries[i].mInfo->mMimeType;
+        const string_view theMimeType = anIndex->mEntries[i].mInfo->mMimeType;
         if (!IsWildCard(theMimeType)) { continue; }
         anIndex->mWildCards[anIndex->mWildCardCount++] = { HashOfWildCard(anIndex->mKey, theMimeType), i };
     }
     std::sort(anIndex->mWildCards, anIndex->mWildCards + anIndex->mWildCardCount, IsTypeBefore);
-    std::sort(anIndex->mByProfile, anIndex->mByProfile + anIndex->mCount,
-              [theEntries](uint32 aLeft, uint32 aRight)
-              { return theEntries[aLeft].mProfile < theEntries[aRight].mProfile; });
 }
 
 template <typename HashAt>
@@ -221,15 +244,11 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
         theIndex->mEntries[i] = EntryOf(theIndex->mKey, SlotAt(aList, i)->mInfo);
     AddParameterSets(theIndex);
     SortEntries(theIndex);
+    CollectWildCards(theIndex);
+    theIndex->mByProfile = NewOrder(theIndex, &Entry::mProfile);
+    theIndex->mByTransport = theIndex->mfHasOneTransport ? nullptr : NewOrder(theIndex, &Entry::mMimeType);
     theIndex->mMimeTypes = NewHashTable(theIndex->mCount, MimeTypeAt(theIndex));
     theIndex->mProfiles = NewHashTable(theIndex->mCount, ProfileAt(theIndex));
-    const zoDLNAProtocolInfo_t* theFirst = theIndex->mEntries[0].mInfo;
-    theIndex->mfHasOneTransport = std::all_of(theIndex->mEntries, theIndex->mEntries + theIndex->mCount,
-                                              [theFirst](const Entry& anEntry)
-                                              {
-        return Shared::Equals(anEntry.mInfo->mProtocol, theFirst->mProtocol) &&
-               Shared::Equals(anEntry.mInfo->mNetwork, theFirst->mNetwork);
-    });
     return theIndex;
 }
 
@@ -238,6 +257,7 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
     if (!anIndex) { return; }
     free(anIndex->mEntries);
     free(anIndex->mMimeTypes.mSlots);
+    free(anIndex->mByTransport);
     free(anIndex->mByProfile);
     free(anIndex->mProfiles.mSlots);
     free(anIndex->mWildCards);

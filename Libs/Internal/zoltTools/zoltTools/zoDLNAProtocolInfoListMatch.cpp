@@ -89,6 +89,9 @@ private:
     bool Matches(const Entry& anEntry);
     bool ProfileMayMatch(const Entry& anEntry);
     bool TransportMayMatch(const Entry& anEntry);
+    uint64 FindTransport(const Entry& anEntry) const;
+    template <typename EntryAt, typename IsOfRun>
+    bool MatchesRun(uint32 aFirst, EntryAt anEntryAt, IsOfRun afIsOfRun);
     const ParameterSet& GetSet();
     bool HasParametersOf(const Entry& anEntry);
     uint32 GetProfile();
@@ -143,9 +146,24 @@ bool Query::TransportMayMatch(const Entry& anEntry)
         mProtocol = HashOfField(mIndex->mKey, mInfo->mProtocol);
         mNetwork = HashOfField(mIndex->mKey, mInfo->mNetwork);
     }
-    const auto fMayMatch = [](uint32 anElement, uint32 aField)
-    { return anElement == aField || anElement == 0 || aField == 0; };
-    return fMayMatch(anEntry.mProtocol, mProtocol) && fMayMatch(anEntry.mNetwork, mNetwork);
+    return FindTransport(anEntry) == anEntry.GetTransport();
+}
+
+// @return the least hash, equal to that of an element's field or above, that may match a field; above all others when
+// there is none.
+static uint64 FindField(uint32 anElement, uint32 aField)
+{
+    if (anElement == 0 || aField == 0) { return anElement; }
+    return anElement <= aField ? aField : uint64{ 1 } << 32;
+}
+
+// @return the least transport, equal to an element's or above, that may match, or one below that. Our own is known.
+uint64 Query::FindTransport(const Entry& anEntry) const
+{
+    const uint64 theProtocol = FindField(anEntry.mProtocol, mProtocol);
+    if (theProtocol > UINT32_MAX) { return UINT64_MAX; }
+    if (theProtocol > anEntry.mProtocol) { return theProtocol << 32; }
+    return (theProtocol << 32) + FindField(anEntry.mNetwork, mNetwork); // or where the next protocol begins
 }
 
 const ParameterSet& Query::GetSet()
@@ -178,39 +196,65 @@ bool Query::Matches(const Entry& anEntry)
            (mIndex->mfHasOneTransport || TransportMatches(anEntry.mInfo, mInfo));
 }
 
+// Looks at a run of elements, which are in the order of their transports, and passes over those whose transport does
+// not match. anEntryAt gives the element at a position, afIsOfRun tells where the run ends.
+template <typename EntryAt, typename IsOfRun>
+bool Query::MatchesRun(uint32 aFirst, EntryAt anEntryAt, IsOfRun afIsOfRun)
+{
+    for (uint32 i = aFirst; i < mIndex->mCount && afIsOfRun(anEntryAt(i)); ++i)
+    {
+        if (Matches(anEntryAt(i))) { return true; }
+        if (TransportMayMatch(anEntryAt(i))) { continue; }
+        const auto fIsPassedOver = [&, theTransport = FindTransport(anEntryAt(i))](uint32 aPosition)
+        {
+            return aPosition < mIndex->mCount && afIsOfRun(anEntryAt(aPosition)) &&
+                   anEntryAt(aPosition).GetTransport() < theTransport;
+        };
+        uint32 theStep = 1;
+        for (; fIsPassedOver(i + theStep); theStep *= 2)
+            i += theStep;
+        for (; theStep > 0; theStep /= 2)
+            i += fIsPassedOver(i + theStep) ? theStep : 0;
+    }
+    return false;
+}
+
 // Looks at the elements of the protocol info's profile, or at those without one.
 bool Query::MatchesProfiles()
 {
     const uint32 theProfile = GetProfile();
-    const Entry* theEntries = mIndex->mEntries;
-    const uint32 theFirst = mIndex->mProfiles.Find(theProfile, ProfileAt(mIndex));
-    for (uint32 i = theFirst; i < mIndex->mCount && theEntries[mIndex->mByProfile[i]].mProfile == theProfile; ++i)
-    {
-        if (Matches(theEntries[mIndex->mByProfile[i]])) { return true; }
-    }
-    return false;
+    return MatchesRun(
+        mIndex->mProfiles.Find(theProfile, ProfileAt(mIndex)),
+        [this](uint32 aPosition) -> const Entry& { return mIndex->mEntries[mIndex->mByProfile[aPosition]]; },
+        [theProfile](const Entry& anEntry) { return anEntry.mProfile == theProfile; });
 }
 
 // Looks at the elements of one hash of the MIME type: at all of them or at those of one profile, of 0 at those without
 // one.
 bool Query::MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
 {
-    const uint32 theFirst = mIndex->mMimeTypes.Find(aMimeType, MimeTypeAt(mIndex));
+    uint32 theFirst = mIndex->mMimeTypes.Find(aMimeType, MimeTypeAt(mIndex));
     if (theFirst == kNone) { return false; }
-    const Entry* theEnd = mIndex->mEntries + mIndex->mCount;
-    const Entry* theEntry = mIndex->mEntries + theFirst;
-    if (!afAnyProfile && aProfile != theEntry->mProfile)
+    const Entry* theEntries = mIndex->mEntries;
+    if (afAnyProfile)
     {
-        theEntry = std::lower_bound(theEntry, theEnd, aProfile,
-                                    [aMimeType](const Entry& anEntry, uint32 aLeast)
-                                    { return anEntry.mMimeType == aMimeType && anEntry.mProfile < aLeast; });
+        const uint32* theOrder = mIndex->mByTransport; // begins a MIME type where the entries do
+        return MatchesRun(
+            theFirst,
+            [=](uint32 aPosition) -> const Entry& { return theEntries[theOrder ? theOrder[aPosition] : aPosition]; },
+            [=](const Entry& anEntry) { return anEntry.mMimeType == aMimeType; });
     }
-    for (; theEntry < theEnd && theEntry->mMimeType == aMimeType; ++theEntry)
+    if (aProfile != theEntries[theFirst].mProfile)
     {
-        if (!afAnyProfile && theEntry->mProfile != aProfile) { return false; }
-        if (Matches(*theEntry)) { return true; }
+        const Entry* theFound = std::lower_bound(theEntries + theFirst, theEntries + mIndex->mCount, aProfile,
+                                                 [aMimeType](const Entry& anEntry, uint32 aLeast) {
+            return anEntry.mMimeType == aMimeType && anEntry.mProfile < aLeast;
+        });
+        theFirst = static_cast<uint32>(theFound - theEntries);
     }
-    return false;
+    return MatchesRun(
+        theFirst, [=](uint32 aPosition) -> const Entry& { return theEntries[aPosition]; },
+        [=](const Entry& anEntry) { return anEntry.mMimeType == aMimeType && anEntry.mProfile == aProfile; });
 }
 
 // Looks at the elements of a MIME type without parameters, and at those with one of the protocol info's.

@@ -22,6 +22,8 @@ struct Entry
     uint32 mProtocol;   // 0 for "*", and only then
     uint32 mNetwork;    // as mProtocol
     uint32 mParameters; // position of the set; kNone without one
+
+    uint64 GetTransport() const { return uint64{ mProtocol } << 32 | mNetwork; }
 };
 
 // An element whose MIME type is a wild card.
@@ -91,15 +93,18 @@ struct HashTable
     }
 };
 
-// The elements of a list in two orders of their hashes, and the parameters of their MIME types numbered in the order of
-// theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared, too.
+// The elements of a list in three orders of their hashes, and the parameters of their MIME types numbered in the order
+// of theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared,
+// too.
 struct MatchIndex
 {
     uint64 mKey;
-    Entry* mEntries; // in the order of MIME types and profiles
+    Entry* mEntries; // in the order of MIME types, profiles and transports
     uint32 mCount;
     HashTable mMimeTypes;
-    uint32* mByProfile;   // positions in mEntries
+    uint32*
+        mByTransport;   // positions in mEntries in the order of MIME types and transports; NULL when those are the same
+    uint32* mByProfile; // positions in mEntries in the order of profiles and transports
     HashTable mProfiles;  // of positions in mByProfile
     WildCard* mWildCards; // in the order of their types
     uint32 mWildCardCount;
