@@ -189,10 +189,17 @@ void AddRecordShapes(Shapes& aShapes)
     const char kSubtitle[] = "<res protocolInfo='http-get:*:text/srt:ZOLT.COM_SUB=1'>u</res>";
     for (const std::string& theContent : { std::string(kSubtitle), "<res>u</res>" + std::string(kSubtitle) })
     {
-        AddLoop(aShapes, "subtitles one by one" + std::string(theContent == kSubtitle ? "" : ", every second resource"),
+        AddLoop(aShapes,
+                "subtitles one by one" +
+                    std::string(theContent == kSubtitle ? ", after adding" : ", every second resource"),
                 "", theContent,
-                [](CDSEntryInfo&, CDSResourceInfo& aResources)
+                [fIsAddedTo = theContent == kSubtitle](CDSEntryInfo&, CDSResourceInfo& aResources)
                 {
+            if (fIsAddedTo)
+            {
+                aResources.GetSubtitleCount();
+                zoPackedData_AddData(aResources.mPackedData, 1000, "a", 2);
+            }
             for (int i = 0; i < aResources.GetSubtitleCount(); ++i)
             {
                 const int theIndex = aResources.GetResourceIndexForSubtitle(i);

@@ -297,12 +297,17 @@ TEST(zoPackedDataTest, FindsEntriesByTheirText)
     for (const char* theText : { "a-mark-", "mar", "mark", "", "b", "mark" })
     {
         zoPackedData_AddNewEntry(theRecord);
-        AddText(theRecord, 5, theText);
         uint32 theCount = 9;
+        zoPackedData_FindEntryWithText(theRecord, 5, "mark", 0, nullptr); // what this finds is not kept
+        AddText(theRecord, 5, theText);
         const uint32 theEntry = zoPackedData_FindEntryWithText(theRecord, 5, "mark", 1, &theCount);
         theFound += std::to_string(theCount) + (theEntry == kzoPackedData_NoEntry ? "-" : std::to_string(theEntry));
         EXPECT_EQ(0u, zoPackedData_FindEntryWithText(theRecord, 5, "a", 0, nullptr));
     }
     EXPECT_EQ("1-1-22222232", theFound);
     EXPECT_EQ(kzoPackedData_NoEntry, zoPackedData_FindEntryWithText(theRecord, 5, "", 0, nullptr));
+    const uint16 theTag = 5;
+    const uint32 theEnd = 5;
+    zoPackedData_AddEntry(theRecord, &theTag, &theEnd, 1, "mark");
+    EXPECT_EQ(6u, zoPackedData_FindEntryWithText(theRecord, 5, "mark", 3, nullptr));
 }

@@ -100,7 +100,7 @@ UPNPUTILITIES_API zoPackedData_t* CDSResourceInfo_ReduceSize(zoPackedData_t* aRe
 /* ---- Subtitles ---- */
 
 /** @return the number of resources that are subtitles. The first question about subtitles takes time linear in the
- *          number of resources, further ones take constant time. */
+ *          number of resources, further ones take constant time until something is added to the record. */
 UPNPUTILITIES_API uint32 CDSResourceInfo_GetSubtitleCount(const zoPackedData_t* aResourceInfo);
 /** @return 1 if the resource is a subtitle: its protocol info contains kSubtitleMarker; else 0. */
 UPNPUTILITIES_API int CDSResourceInfo_IsSubtitle(const zoPackedData_t* aResourceInfo, uint32 aResourceIndex);
@@ -235,7 +235,7 @@ public:
     zoCString GetExtraInfoDataByName(uint32 aResourceIndex, const char* aName);
 
     /** @return the number of resources that are subtitles. The first question about subtitles takes time linear in the
-     *          number of resources, further ones take constant time. */
+     *          number of resources, further ones take constant time until something is added to the record. */
     int GetSubtitleCount();
     /** True if the resource is a subtitle: its protocol info contains kSubtitleMarker. */
     bool IsSubtitle(int aResourceIndex);

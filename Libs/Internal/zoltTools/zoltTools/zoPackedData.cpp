@@ -255,6 +255,13 @@ static void Unserialize(zoPackedData_t* aRecord)
     aRecord->mfSerialized = false;
 }
 
+// What was selected may change.
+static void DropSelection(zoPackedData_t* aRecord)
+{
+    free(aRecord->mSelection);
+    aRecord->mSelection = nullptr;
+}
+
 static void OpenEntry(zoPackedData_t* aRecord)
 {
     ReserveEntries(aRecord, aRecord->mEntryCount + 1);
@@ -337,6 +344,7 @@ void PackedData::CloseEntry(zoPackedData_t* aRecord)
 static bool AddNewEntry(zoPackedData_t* aRecord)
 {
     if (!aRecord || !HasRoom(aRecord, sizeof(uint32) + DirectorySize(0, false))) { return false; }
+    if (aRecord->mSelection) { DropSelection(aRecord); }
     if (aRecord->mfSerialized) { Unserialize(aRecord); }
     CloseEntry(aRecord);
     ReserveBytes(aRecord, 0);
@@ -411,6 +419,7 @@ static inline void AppendValue(zoPackedData_t* aRecord, uint16 aTag, const void*
 __attribute__((noinline)) static void AddSlowly(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize)
 {
     if (!aRecord || aRecord->mEntryCount == 0) { return; }
+    if (aRecord->mSelection) { DropSelection(aRecord); }
     if (!aRecord->mfOpen) { ReopenEntry(aRecord); }
     const size_t kRowSize = 4 * sizeof(uint16); // at most: end, tag and order
     if (aRecord->mCount == kMaxValuesPerEntry || HasTag(aRecord, aTag) || aSize >= kMaxBlockSize) { return; }
@@ -476,6 +485,7 @@ void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const u
     const SmallEntry theEntry = { aTags, anEnds, aCount, aValues };
     if (theEntry.IsSmall() && !aRecord->mfSerialized && IsFarFromFull(aRecord))
     {
+        if (aRecord->mSelection) { DropSelection(aRecord); }
         CloseEntry(aRecord);
         ReserveEntries(aRecord, aRecord->mEntryCount + 1);
         ReserveBytes(aRecord, theEntry.Size());

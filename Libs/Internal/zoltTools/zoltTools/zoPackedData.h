@@ -116,9 +116,9 @@ ZOLTTOOLS_API uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint3
 /* What zoPackedData_FindEntryWithText returns when there is no such entry. */
 #define kzoPackedData_NoEntry 0xFFFFFFFFu
 /**
- * Finds entries whose value of a tag contains a text. The record keeps what it finds at the first question, so asking
- * for one entry after the other takes constant time each until something is added; for another tag or text, and after
- * that, a question takes linear time.
+ * Finds entries whose value of a tag contains a text. The record keeps what it finds for the first tag and text that
+ * are asked for until something is added, so asking for one entry after the other takes linear time once and constant
+ * time from then on. For another tag or text a question always takes linear time.
  * @param aText    NULL and "" are contained nowhere.
  * @param aNumber  counts these entries from 0.
  * @param aCount   out, may be NULL: their number.

@@ -9,13 +9,10 @@
 
 using namespace PackedData;
 
-// The entries that one question is about. It is the record's first one that is kept, for as long as the record lives
-// and is not added to: several threads may be reading.
+// The entries that one question is about. The first one is kept until the record is added to: several threads may be
+// reading.
 struct PackedData::Selection
 {
-    uint32 mEntryCount; // of the record when the selection was made, as mUsed and mValueCount
-    size_t mUsed;
-    uint32 mValueCount;
     uint16 mTag;
     size_t mTextLength;
     const char* mText;
@@ -42,9 +39,6 @@ static Selection* NewSelection(const zoPackedData_t* aRecord, uint16 aTag, const
         if (IsSelected(aRecord, i, aTag, aText, aLength)) { theEntries[theCount++] = i; }
     }
     const char* theText = static_cast<char*>(memcpy(theEntries + theCount, aText, aLength));
-    theSelection->mEntryCount = aRecord->mEntryCount;
-    theSelection->mUsed = aRecord->mUsed;
-    theSelection->mValueCount = aRecord->mCount;
     theSelection->mTag = aTag;
     theSelection->mTextLength = aLength;
     theSelection->mText = theText;
@@ -52,12 +46,10 @@ static Selection* NewSelection(const zoPackedData_t* aRecord, uint16 aTag, const
     return theSelection;
 }
 
-static bool IsAbout(const Selection* aSelection, const zoPackedData_t* aRecord, uint16 aTag, const char* aText,
-                    size_t aLength)
+static bool IsAbout(const Selection* aSelection, uint16 aTag, const char* aText, size_t aLength)
 {
-    return aSelection->mEntryCount == aRecord->mEntryCount && aSelection->mUsed == aRecord->mUsed &&
-           aSelection->mValueCount == aRecord->mCount && aSelection->mTag == aTag &&
-           aSelection->mTextLength == aLength && memcmp(aSelection->mText, aText, aLength) == 0;
+    return aSelection->mTag == aTag && aSelection->mTextLength == aLength &&
+           memcmp(aSelection->mText, aText, aLength) == 0;
 }
 
 static uint32 EntryOf(const Selection* aSelection, uint32 aNumber, uint32* aCount)
@@ -72,9 +64,10 @@ uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag
     if (aCount) { *aCount = 0; }
     const size_t theLength = aText ? strlen(aText) : 0;
     if (!aRecord || theLength == 0) { return kzoPackedData_NoEntry; }
-    Selection** theKept = &const_cast<zoPackedData_t*>(aRecord)->mSelection;
+    zoPackedData_t* theRecord = const_cast<zoPackedData_t*>(aRecord);
+    Selection** theKept = &theRecord->mSelection;
     Selection* theSelection = __atomic_load_n(theKept, __ATOMIC_ACQUIRE);
-    if (theSelection && IsAbout(theSelection, aRecord, aTag, aText, theLength))
+    if (theSelection && IsAbout(theSelection, aTag, aText, theLength))
     {
         return EntryOf(theSelection, aNumber, aCount);
     }
@@ -84,5 +77,6 @@ uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag
     const bool fIsKept =
         __atomic_compare_exchange_n(theKept, &theExpected, theNewSelection, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE);
     if (!fIsKept) { free(theNewSelection); }
+    else if (aRecord->mfOpen) { theRecord->mCountLimit = 0; } // the next value is added by the way that drops it
     return theEntry;
 }

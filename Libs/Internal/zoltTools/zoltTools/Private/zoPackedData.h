@@ -102,7 +102,8 @@ struct zoPackedData_t
     uint32 mPositionCapacity;
     uint16* mPositions; // owned; NULL while no entry was indexed
 
-    PackedData::Selection* mSelection; // owned; of zoPackedData_FindEntryWithText, NULL until it is asked
+    PackedData::Selection* mSelection; // owned; of zoPackedData_FindEntryWithText: NULL until it is asked, and when
+                                       // something is added
 };
 
 namespace PackedData
