@@ -3,7 +3,9 @@
 /* ASCII letters, digits and blanks. Protocols compare ASCII alone, whatever the user's locale; bytes of 0x80 and above
  * belong to no class and have no case. */
 
+#include <Shared/Integers.h>
 #include <stddef.h>
+#include <stdint.h>
 #include <string.h>
 #include <string_view>
 
@@ -54,6 +56,26 @@ inline int CompareIgnoringCase(std::string_view aLeft, std::string_view aRight)
         if (theDifference != 0) { return theDifference; }
     }
     return (aLeft.size() > theLength) - (aRight.size() > theLength);
+}
+
+/** True if the words at the beginnings of two texts of aLength bytes and those at their ends, which may overlap, are
+ *  the same. */
+template <typename Word>
+inline bool EqualEnds(const char* aLeft, const char* aRight, size_t aLength)
+{
+    const size_t theLast = aLength - sizeof(Word);
+    return ((Load<Word>(aLeft) ^ Load<Word>(aRight)) | (Load<Word>(aLeft + theLast) ^ Load<Word>(aRight + theLast))) ==
+           0;
+}
+
+/** Compares aLength bytes of each exactly, up to 16 without a call: names, most of which are shorter. */
+inline bool EqualNames(const char* aLeft, const char* aRight, size_t aLength)
+{
+    if (aLength > 16) { return memcmp(aLeft, aRight, aLength) == 0; }
+    if (aLength >= 8) { return EqualEnds<uint64_t>(aLeft, aRight, aLength); }
+    if (aLength >= 4) { return EqualEnds<uint32_t>(aLeft, aRight, aLength); }
+    if (aLength >= 2) { return EqualEnds<uint16_t>(aLeft, aRight, aLength); }
+    return aLength == 0 || *aLeft == *aRight;
 }
 
 /** Compares exactly. Texts without bytes may have a NULL pointer, which memcmp must not get. */

@@ -61,6 +61,18 @@ inline char* Find(char* aPosition, const char* anEnd, char aByte)
     return static_cast<char*>(memchr(aPosition, aByte, static_cast<size_t>(anEnd - aPosition)));
 }
 
+inline constexpr size_t kNear = 12; // bytes; most attribute values are shorter
+
+/** As Find, and quicker for most values: while branches are guessed the processor reads on, but the result of memchr it
+ *  waits for. kNear bytes can be read. */
+inline char* FindNear(char* aPosition, const char* anEnd, char aByte)
+{
+    size_t theLength = 0;
+    while (theLength < kNear && aPosition[theLength] != aByte)
+        ++theLength;
+    return theLength < kNear ? aPosition + theLength : Find(aPosition + kNear, anEnd, aByte);
+}
+
 template <size_t Size>
 bool StartsWith(const char* aPosition, const char* anEnd, const char (&aLiteral)[Size])
 {

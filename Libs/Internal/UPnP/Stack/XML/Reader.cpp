@@ -1,5 +1,6 @@
 #include <UPnP/Stack/XML/Reader.h>
 
+#include <Shared/ASCII.h>
 #include <Shared/QualifiedName.h>
 #include <UPnP/Stack/XML/AttributeIndex.h>
 #include <UPnP/Stack/XML/Bytes.h>
@@ -57,7 +58,6 @@ static inline char* ReadName(char* aPosition, QName* aName)
 
 static void Link(Reader* aReader, ILibXMLNode* aNode)
 {
-    aNode->Next = nullptr;
     aNode->Peer = nullptr;
     *aReader->mNext = aNode;
     aReader->mNext = &aNode->Next;
@@ -93,10 +93,13 @@ static inline void CloseElement(Reader* aReader, ptrdiff_t aDistance)
     aReader->mParent = theStartTag->Parent;
     aReader->mPrevious = theStartTag;
     ILibXMLNode* theEndTag = aReader->mMemory.Allocate<ILibXMLNode>();
-    *theEndTag = *theStartTag;
-    theEndTag->Name += aDistance;
-    if (theEndTag->NSTag) { theEndTag->NSTag += aDistance; }
+    theEndTag->Name = theStartTag->Name + aDistance;
+    theEndTag->NSTag = theStartTag->NSTag ? theStartTag->NSTag + aDistance : nullptr;
+    theEndTag->NameLength = theStartTag->NameLength;
+    theEndTag->NSLength = theStartTag->NSLength;
     theEndTag->StartTag = 0;
+    theEndTag->EmptyTag = theStartTag->EmptyTag;
+    theEndTag->Parent = theStartTag->Parent;
     theEndTag->StartingTag = theStartTag;
     theStartTag->ClosingTag = theEndTag;
     Link(aReader, theEndTag);
@@ -111,6 +114,21 @@ static char* FindQuote(char* aPosition)
     return *thePosition == '"' || *thePosition == '\'' ? thePosition : nullptr;
 }
 
+// From the end of a name to the closing quote; NULL without a value.
+static char* ReadValue(Reader* aReader, char* aPosition, char** aValue)
+{
+    const bool fHasRoom = static_cast<size_t>(aReader->mEnd - aPosition) >= 2 + kNear;
+    if (fHasRoom && memcmp(aPosition, "=\"", 2) == 0) // as mostly
+    {
+        *aValue = aPosition + 2;
+        return FindNear(*aValue, aReader->mEnd, '"');
+    }
+    char* theQuote = FindQuote(aPosition);
+    if (!theQuote) { return nullptr; }
+    *aValue = theQuote + 1;
+    return Find(*aValue, aReader->mEnd, *theQuote);
+}
+
 // From the name to the closing quote.
 static char* ReadAttribute(Reader* aReader, char* aPosition, ILibXMLNode* aNode, ILibXMLAttribute*** aNext)
 {
@@ -123,11 +141,8 @@ static char* ReadAttribute(Reader* aReader, char* aPosition, ILibXMLNode* aNode,
     theAttribute->PrefixLength = theName.mPrefixLength;
     theAttribute->Parent = aNode;
 
-    const bool fHasBlanks = thePosition[0] != '=' || thePosition[1] != '"';
-    thePosition = fHasBlanks ? FindQuote(thePosition) : thePosition + 1;
-    if (!thePosition) { return nullptr; }
-    char* theValue = thePosition + 1;
-    char* theQuote = Find(theValue, aReader->mEnd, *thePosition);
+    char* theValue;
+    char* theQuote = ReadValue(aReader, thePosition, &theValue);
     if (!theQuote) { return nullptr; }
     theAttribute->Value = theValue;
     theAttribute->ValueLength = static_cast<int>(theQuote - theValue);
@@ -144,9 +159,9 @@ static char* ReadAttributes(Reader* aReader, char* aPosition, StartTag* aTag)
     size_t theCount = 0;
     while (thePosition)
     {
-        if (*thePosition == ' ') { ++thePosition; } // mostly there is one, and a name after it
-        if (!Is(*thePosition, kStartsName)) { thePosition = SkipAll(thePosition, kBlank); }
-        if (!Is(*thePosition, kStartsName)) { break; }
+        const bool fHasOneBlank = thePosition[0] == ' ' && Is(thePosition[1], kStartsName); // as mostly
+        thePosition = fHasOneBlank ? thePosition + 1 : SkipAll(thePosition, kBlank);
+        if (!fHasOneBlank && !Is(*thePosition, kStartsName)) { break; }
         thePosition = ReadAttribute(aReader, thePosition, &aTag->mNode, &theNext);
         ++theCount;
     }
@@ -180,7 +195,7 @@ static char* ReadStartTag(Reader* aReader, char* aPosition)
 static char* SkipName(char* aPosition, const char* anEnd, std::string_view aName)
 {
     const bool fFits = static_cast<size_t>(anEnd - aPosition) > aName.size();
-    if (!fFits || memcmp(aPosition, aName.data(), aName.size()) != 0) { return nullptr; }
+    if (!fFits || !Shared::EqualNames(aPosition, aName.data(), aName.size())) { return nullptr; }
     return aPosition + aName.size();
 }
 
@@ -297,6 +312,7 @@ ILibXMLNode* Read(char* aText, size_t aLength, void* aMemory, size_t aSize)
     Document* theDocument = theReader.mMemory.GetDocument();
     theReader.mNext = &theDocument->mFirst;
     if (!ReadText(&theReader, aText, aLength)) { Refuse(&theReader, aText); }
+    *theReader.mNext = nullptr;
     ILibXMLNode* theFirst = theDocument->mFirst;
     if (!theFirst) { Delete(theDocument); }
     return theFirst;
