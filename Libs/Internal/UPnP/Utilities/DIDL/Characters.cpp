@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/Characters.h>
 
 #include <Shared/ASCII.h>
+#include <string.h>
 
 namespace DIDL
 {
@@ -43,56 +44,70 @@ static bool IsNameLetter(uint32 aCode)
     return false;
 }
 
-// A bit for each byte that is an ASCII letter, a digit or one of the marks.
-struct ByteSet
+// The number of bytes at the beginning of the text that are of the class.
+static size_t LengthOf(uint8 aClass, std::string_view aText)
 {
-    uint64 mBits[4];
-    constexpr explicit ByteSet(std::string_view aMarks) : mBits()
-    {
-        for (uint32 i = 0; i < 0x80; ++i)
-        {
-            const bool fIsLetter = (i >= 'a' && i <= 'z') || (i >= 'A' && i <= 'Z');
-            if (fIsLetter || (i >= '0' && i <= '9')) { Add(i); }
-        }
-        for (const char theMark : aMarks)
-            Add(static_cast<uint32>(theMark));
-    }
-    constexpr void Add(uint32 aByte) { mBits[aByte / 64] |= uint64{ 1 } << aByte % 64; }
-
-    // The number of bytes at the beginning of the text that are in the set.
-    size_t Length(std::string_view aText) const
-    {
-        size_t theLength = 0;
-        for (const char theSigned : aText)
-        {
-            const uint8 theByte = static_cast<uint8>(theSigned);
-            if ((mBits[theByte / 64] >> theByte % 64 & 1) == 0) { break; }
-            ++theLength;
-        }
-        return theLength;
-    }
-};
-
-size_t NameLength(std::string_view aText)
-{
-    static constexpr ByteSet kInNames("_-.");
-    if (aText.empty() || Shared::IsDigit(aText[0]) || aText[0] == '-' || aText[0] == '.') { return 0; }
     size_t theLength = 0;
-    for (;;)
+    while (theLength < aText.size() && (kByteClasses[aText[theLength]] & aClass) != 0)
+        ++theLength;
+    return theLength;
+}
+
+// True if all bytes are ASCII letters. Adding sets the top bit of those from "a" on, and of those past "z".
+static bool AreLetters(Word aWord)
+{
+    const Word theLower = aWord | (kEveryByte * 0x20);
+    const Word theFrom = theLower + kEveryByte * (0x80 - 'a');
+    const Word thePast = theLower + kEveryByte * (0x7F - 'z');
+    return (theFrom & ~(thePast | aWord) & (kEveryByte * 0x80)) == kEveryByte * 0x80;
+}
+
+// Goes on at a byte that is not ASCII, after aLength bytes of a name.
+[[gnu::cold, gnu::noinline]] static size_t LongNameLength(std::string_view aText, size_t aLength)
+{
+    size_t theLength = aLength;
+    while (theLength < aText.size() && static_cast<uint8>(aText[theLength]) >= 0x80)
     {
-        theLength += kInNames.Length(aText.substr(theLength));
-        if (theLength == aText.size() || static_cast<uint8>(aText[theLength]) < 0x80) { break; }
         const Character theCharacter = CharacterAt(aText.substr(theLength));
         if (!theCharacter.mfIsAllowed || !IsNameLetter(theCharacter.mCode)) { break; }
         theLength += theCharacter.mLength;
+        theLength += LengthOf(ByteClasses::kInName, aText.substr(theLength));
     }
+    return theLength;
+}
+
+size_t NameLength(std::string_view aText)
+{
+    if (aText.empty() || Shared::IsDigit(aText[0]) || aText[0] == '-' || aText[0] == '.') { return 0; }
+    size_t theLength = 0;
+    for (Word theWord; aText.size() - theLength >= sizeof(theWord); theLength += sizeof(theWord))
+    {
+        memcpy(&theWord, aText.data() + theLength, sizeof(theWord));
+        if (!AreLetters(theWord)) { break; }
+    }
+    theLength += LengthOf(ByteClasses::kInName, aText.substr(theLength));
+    const bool fGoesOn = theLength < aText.size() && static_cast<uint8>(aText[theLength]) >= 0x80;
+    if (fGoesOn) { theLength = LongNameLength(aText, theLength); }
     return theLength <= kMaxNameLength ? theLength : 0;
 }
 
-size_t URILength(std::string_view aText)
+size_t URILength(std::string_view aText) { return LengthOf(ByteClasses::kInURI, aText); }
+
+bool ReadQName(std::string_view* aText, QName* aName)
 {
-    static constexpr ByteSet kInURIs("-._~:/?#[]@!$&'()*+,;=%");
-    return kInURIs.Length(aText);
+    std::string_view theRest = *aText;
+    aName->mPrefix = {};
+    for (;;)
+    {
+        const size_t theLength = NameLength(theRest);
+        aName->mLocal = theRest.substr(0, theLength);
+        theRest.remove_prefix(theLength);
+        if (theLength == 0 || !aName->mPrefix.empty() || theRest.empty() || theRest[0] != ':') { break; }
+        aName->mPrefix = aName->mLocal;
+        theRest.remove_prefix(1);
+    }
+    *aText = theRest;
+    return !aName->mLocal.empty();
 }
 
 } // namespace DIDL

@@ -1,6 +1,6 @@
 #pragma once
 
-/* The characters of XML 1.0 in UTF-8. */
+/* The characters of XML 1.0 in UTF-8, and the names that they make. */
 
 #include <stddef.h>
 #include <string_view>
@@ -20,15 +20,69 @@ struct Character
 // Of bytes that are not UTF-8, those which begin a character and do not end it are replaced together.
 Character CharacterAt(std::string_view aText);
 
+// What a byte is to the functions that go through a text byte by byte; an ASCII one may be several.
+struct ByteClasses
+{
+    enum : uint8
+    {
+        kEscapedMask = 7, // 1 to 5: the place in kEscaped of one that is escaped
+        kInName = 8,
+        kInURI = 16,
+        kNotPrintable = 32, // and every byte that is not ASCII
+        kNUL = 64
+    };
+    static constexpr std::string_view kEscaped = "\"'<>&";
+
+    uint8 mClasses[256];
+    constexpr ByteClasses() : mClasses()
+    {
+        for (size_t i = 0; i < 256; ++i)
+            mClasses[i] = i < ' ' || i >= 0x80 ? kNotPrintable : 0;
+        mClasses[0] |= kNUL;
+        for (const char theLetter :
+             std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-."))
+            mClasses[static_cast<uint8>(theLetter)] |= kInName | kInURI;
+        for (const char theMark : std::string_view("~:/?#[]@!$&'()*+,;=%"))
+            mClasses[static_cast<uint8>(theMark)] |= kInURI;
+        for (size_t i = 0; i < kEscaped.size(); ++i)
+            mClasses[static_cast<uint8>(kEscaped[i])] |= static_cast<uint8>(i + 1);
+    }
+    constexpr uint8 operator[](char aByte) const { return mClasses[static_cast<uint8>(aByte)]; }
+};
+
+inline constexpr ByteClasses kByteClasses;
+
+// Bytes that are looked at together.
+typedef size_t Word;
+inline constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
+
 inline constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD"; // U+FFFD
+
+// The number of bytes at the beginning of the text that are characters of URIs.
+size_t URILength(std::string_view aText);
+
+// ---- Names ----
+
+inline constexpr size_t kMaxNameLength = 1024; // readers have limits; no real name is as long
 
 // The number of bytes of the NCName (a name without a colon) that a text begins with, at most kMaxNameLength; 0 without
 // one. Its characters beyond ASCII are letters that every edition of XML 1.0 has in names.
 size_t NameLength(std::string_view aText);
 
-// The number of bytes at the beginning of the text that are characters of URIs.
-size_t URILength(std::string_view aText);
+struct QName
+{
+    std::string_view mPrefix; // empty without one
+    std::string_view mLocal;
 
-inline constexpr size_t kMaxNameLength = 1024; // readers have limits; no real name is as long
+    // Where both come from one text.
+    std::string_view Whole() const
+    {
+        const char* theBegin = mPrefix.empty() ? mLocal.data() : mPrefix.data();
+        return { theBegin, static_cast<size_t>(mLocal.data() + mLocal.size() - theBegin) };
+    }
+};
+
+// Takes a name from the front of the text; false where there is none, and then what is left does not count.
+bool ReadQName(std::string_view* aText, QName* aName);
 
 } // namespace DIDL

@@ -1,7 +1,6 @@
 #include <UPnP/Utilities/DIDL/Markup.h>
 
 #include <Shared/ASCII.h>
-#include <UPnP/Utilities/DIDL/Characters.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -32,22 +31,6 @@ size_t ReadSpaces(std::string_view* aText)
         ++theCount;
     aText->remove_prefix(theCount);
     return theCount;
-}
-
-static bool ReadName(std::string_view* aText, std::string_view* aName)
-{
-    *aName = aText->substr(0, NameLength(*aText));
-    aText->remove_prefix(aName->size());
-    return !aName->empty();
-}
-
-bool ReadQName(std::string_view* aText, QName* aName)
-{
-    aName->mPrefix = {};
-    if (!ReadName(aText, &aName->mLocal)) { return false; }
-    if (!Read(aText, ":")) { return true; }
-    aName->mPrefix = aName->mLocal;
-    return ReadName(aText, &aName->mLocal);
 }
 
 static int DigitOf(char aByte)
@@ -89,7 +72,7 @@ bool ReadCharacters(std::string_view* aText, char aStop)
     const char* theBegin = aText->data();
     for (;;)
     {
-        aText->remove_prefix(PrintableLength(*aText));
+        aText->remove_prefix(AllowedLength(*aText));
         if (aText->empty()) { return aStop == '<'; }
         const char* thePosition = aText->data();
         if (*thePosition == aStop) { return true; }
@@ -101,9 +84,9 @@ bool ReadCharacters(std::string_view* aText, char aStop)
         }
         const bool fEndsCDATA = aStop == '<' && *thePosition == '>' && thePosition - theBegin >= 2 &&
                                 thePosition[-1] == ']' && thePosition[-2] == ']';
-        const Character theCharacter = CharacterAt(*aText);
-        if (fEndsCDATA || !theCharacter.mfIsAllowed) { return false; }
-        aText->remove_prefix(theCharacter.mLength);
+        const bool fIsAllowed = (kByteClasses[*thePosition] & ByteClasses::kEscapedMask) != 0;
+        if (fEndsCDATA || !fIsAllowed) { return false; }
+        aText->remove_prefix(1);
     }
 }
 

@@ -3,25 +3,13 @@
 /* Tags as every reader of XML 1.0 with namespaces takes them; what documents are read with takes more. Functions that
  * read get the text that is left and take from its front what they have read. */
 
+#include <UPnP/Utilities/DIDL/Characters.h>
 #include <UPnP/Utilities/DIDL/List.h>
 #include <string_view>
 #include <zoOS/zoTypes.h>
 
 namespace DIDL
 {
-
-struct QName
-{
-    std::string_view mPrefix; // empty without one
-    std::string_view mLocal;
-
-    // Where both come from one text.
-    std::string_view Whole() const
-    {
-        const char* theBegin = mPrefix.empty() ? mLocal.data() : mPrefix.data();
-        return { theBegin, static_cast<size_t>(mLocal.data() + mLocal.size() - theBegin) };
-    }
-};
 
 struct Attribute
 {
@@ -34,7 +22,6 @@ struct Attribute
 bool Read(std::string_view* aText, std::string_view aLiteral);
 // The number of blanks and line ends that are read.
 size_t ReadSpaces(std::string_view* aText);
-bool ReadQName(std::string_view* aText, QName* aName);
 // Reads attributes with blanks before each, and the blanks after the last.
 bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes);
 // Reads up to aStop: "<" in an element, where the end of the text stops, too, or the quote of a value.

@@ -104,13 +104,14 @@ static void AppendMediaExtraInfo(Output anOutput, const MediaValues& anEntry)
 // Notes the namespaces of the elements that the entry's values are written in.
 static void UseNamespaces(Repairer* aRepairer, const MediaValues& aValues)
 {
+    if (!aValues.GetBytes(kCDSEntryInfo_BGMURI).empty()) { aRepairer->Use(Repairer::kAV); }
+    if (aRepairer->HasDeclared(Repairer::kDC | Repairer::kUPnP)) { return; }
     for (const auto& theElement : kDIDL_TextElements)
     {
         if (aValues.GetBytes(theElement.mTag).empty()) { continue; }
         aRepairer->Use(theElement.mStart.substr(0, 4) == "<dc:" ? Repairer::kDC : Repairer::kUPnP);
     }
     if (aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr) != 0) { aRepairer->Use(Repairer::kUPnP); }
-    if (!aValues.GetBytes(kCDSEntryInfo_BGMURI).empty()) { aRepairer->Use(Repairer::kAV); }
 }
 
 void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const MediaValues& aValues)

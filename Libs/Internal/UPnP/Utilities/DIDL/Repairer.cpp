@@ -5,6 +5,7 @@
 #include <UPnP/Utilities/DIDL/ObjectWriter.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <algorithm>
+#include <string.h>
 
 namespace DIDL
 {
@@ -59,7 +60,7 @@ static uint32 KnownDeclaration(std::string_view aDeclaration)
     return 0;
 }
 
-uint32 Repairer::FindLacking() const
+uint32 Repairer::FindUndeclared() const
 {
     uint32 theLacking = 0;
     for (const KnownNamespace& theNamespace : kKnown)
@@ -78,11 +79,6 @@ bool Repairer::CanDeclare(std::string_view aPrefix)
     return theKnown != 0;
 }
 
-void Repairer::AppendText(std::string_view aStr, size_t aMaxSize)
-{
-    mRepairs.mReplaced += static_cast<uint32>(AppendAllowed(mBuffer, aStr, aMaxSize));
-}
-
 // ---- Declarations ----
 
 static bool Contains(const List<std::string_view>& aList, std::string_view aText)
@@ -92,16 +88,17 @@ static bool Contains(const List<std::string_view>& aList, std::string_view aText
     return false;
 }
 
-// True for a declaration that is the first of its prefix, one of few, and has nothing out of the ordinary.
+// True for one of the writer's own declarations, but not for its second one, which IsOrdinary then notes.
+inline bool Repairer::IsKnown(std::string_view aDeclaration)
+{
+    const uint32 theNew = KnownDeclaration(aDeclaration) & ~mDeclared;
+    mDeclared |= theNew;
+    return theNew != 0;
+}
+
+// True for another declaration that is the first of its prefix, one of few, and has nothing out of the ordinary.
 bool Repairer::IsOrdinary(std::string_view aDeclaration)
 {
-    const uint32 theKnown = KnownDeclaration(aDeclaration);
-    if (theKnown != 0)
-    {
-        const bool fIsFirst = (mDeclared & theKnown) == 0;
-        mDeclared |= theKnown;
-        return fIsFirst;
-    }
     std::string_view theRest = aDeclaration;
     std::string_view thePrefix;
     if (!Read(&theRest, "xmlns")) { return false; }
@@ -120,20 +117,22 @@ bool Repairer::IsOrdinary(std::string_view aDeclaration)
     return fIsFirst && fIsURI && theRest.find('&') == theRest.npos;
 }
 
-// As DIDL::AppendDeclarations, as long as all are ordinary.
+// As DIDL::AppendDeclarations. False when one is not ordinary: what is appended then does not count.
 bool Repairer::AppendOrdinary(std::string_view aList)
 {
+    AppendLiteral(mBuffer, " ");
+    Shared::Append(mBuffer, aList);
+    char* theBegin = mBuffer->mPtr + mBuffer->mPos - aList.size();
     std::string_view theRest = aList;
-    for (size_t theLength = 0; theLength != theRest.npos;)
+    for (;;)
     {
-        theLength = theRest.find(',');
-        const std::string_view theDeclaration = theRest.substr(0, theLength);
-        if (!IsOrdinary(theDeclaration)) { return false; }
-        AppendLiteral(mBuffer, " ");
-        Shared::Append(mBuffer, theDeclaration);
-        theRest.remove_prefix(std::min(theDeclaration.size() + 1, theRest.size()));
+        const size_t theComma = theRest.find(',');
+        const std::string_view theDeclaration = theRest.substr(0, theComma);
+        if (!IsKnown(theDeclaration) && !IsOrdinary(theDeclaration)) { return false; }
+        if (theComma == theRest.npos) { return (mDeclared & mDeclaredOtherwise) == 0; } // else one is declared twice
+        theRest.remove_prefix(theComma + 1);
+        theBegin[aList.size() - theRest.size() - 1] = ' ';
     }
-    return (mDeclared & mDeclaredOtherwise) == 0;
 }
 
 void Repairer::AppendDeclarations(std::string_view aList)
@@ -151,7 +150,7 @@ bool Repairer::IsDeclared(std::string_view aPrefix) const
 
 // ---- Declarations that can't be written as they are ----
 
-// A part that can't be read as attributes is left out as a whole.
+// False when the part is more than attributes: nothing of it is used then.
 static bool ReadAll(std::string_view aText, List<Attribute>* anAttributes)
 {
     return ReadAttributes(&aText, anAttributes) && aText.empty();
@@ -268,14 +267,25 @@ bool Repairer::CanWriteAttribute(std::string_view aName, bool afHasValue)
     return CountPair(fIsBound && IsNew(theName));
 }
 
-// Most local names are not even those of other attributes.
+// True for the local name of an attribute that is written from a field.
+static bool IsField(std::string_view aLocalName)
+{
+    static constexpr char kFields[][16] = { "protocolInfo", "bitrate", "colorDepth",      "duration",
+                                            "resolution",   "size",    "nrAudioChannels", "ifoFileURI" };
+    const size_t theLength = aLocalName.size();
+    for (const char* theField : kFields)
+    {
+        if (*theField != aLocalName[0] || theLength >= sizeof(kFields[0]) || theField[theLength] != 0) { continue; }
+        if (memcmp(theField, aLocalName.data(), theLength) == 0) { return true; }
+    }
+    return false;
+}
+
+// Most names differ from others in the local name already.
 bool Repairer::IsNew(const QName& anAttribute)
 {
-    static constexpr std::string_view kFields =
-        "protocolInfo bitrate colorDepth duration resolution size nrAudioChannels ifoFileURI";
     const std::string_view theName = anAttribute.mLocal;
-    const bool fMayRepeat =
-        mLocalNames.size() == kFew || Contains(mLocalNames, theName) || kFields.find(theName) != kFields.npos;
+    const bool fMayRepeat = mLocalNames.size() == kFew || Contains(mLocalNames, theName) || IsField(theName);
     if (fMayRepeat || mfHasNames) { return IsNewExactly(anAttribute); }
     mLocalNames.Add(theName);
     return true;

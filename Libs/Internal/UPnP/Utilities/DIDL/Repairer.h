@@ -33,9 +33,14 @@ public:
     // the repairer; it has no data when the record has none.
     void AppendDeclarations(std::string_view aList);
     // As AppendStr.
-    void AppendText(std::string_view aStr, size_t aMaxSize);
+    void AppendText(std::string_view aStr, size_t aMaxSize)
+    {
+        AppendAllowed(mBuffer, aStr, aMaxSize, &mRepairs.mReplaced);
+    }
     // The text uses these namespaces.
     void Use(uint32 aNamespaces) { mUsed |= aNamespaces; }
+    // True if their declarations are written as the writer would; then they need no Use.
+    bool HasDeclared(uint32 aNamespaces) const { return (~mDeclared & aNamespaces) == 0; }
 
     // True if the pair can be written as an element; else it is counted.
     bool CanWriteElement(std::string_view aName);
@@ -44,14 +49,16 @@ public:
     bool CanWriteAttribute(std::string_view aName, bool afHasValue);
 
     // The namespaces that the text uses and does not declare: with them it is to be written once more. 0 for none.
-    uint32 FindLacking() const;
+    uint32 FindLacking() const { return HasDeclared(mUsed) ? 0 : FindUndeclared(); }
     const UPnPDIDLRepairs_t& GetRepairs() const { return mRepairs; }
 
 private:
-    bool IsOrdinary(std::string_view aDeclaration);
+    [[gnu::cold]] uint32 FindUndeclared() const;
+    bool IsKnown(std::string_view aDeclaration);
+    [[gnu::cold]] bool IsOrdinary(std::string_view aDeclaration);
     bool AppendOrdinary(std::string_view aList);
     bool IsDeclared(std::string_view aPrefix) const;
-    bool CanDeclare(std::string_view aPrefix);
+    [[gnu::cold]] bool CanDeclare(std::string_view aPrefix);
     bool CountPair(bool afIsWritten);
     bool IsNew(const QName& anAttribute);
     [[gnu::cold]] bool IsNewExactly(const QName& anAttribute);

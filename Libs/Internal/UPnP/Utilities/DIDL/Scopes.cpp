@@ -59,12 +59,6 @@ bool AttributeNames::Add(std::string_view aNamespace, std::string_view aLocalNam
     return true;
 }
 
-void AttributeNames::Clear()
-{
-    zoCustomHashTable_Delete(mTable);
-    mTable = nullptr;
-}
-
 bool Scopes::AddName(AttributeNames* aNames, const QName& anAttribute) const
 {
     if (IsDeclaration(anAttribute)) { return aNames->Add("xmlns", anAttribute.mLocal); }
@@ -103,6 +97,7 @@ bool IsWellFormed(const Attribute& aDeclaration)
 
 Scopes::~Scopes()
 {
+    if (!mNamespaces) { return; }
     for (const Replaced& theReplaced : mReplaced)
         free(theReplaced.mNamespace);
     zoCustomHashTable_Delete(mNamespaces);

@@ -19,14 +19,18 @@ class AttributeNames
 {
 public:
     AttributeNames() = default;
-    ~AttributeNames() { zoCustomHashTable_Delete(mTable); }
+    ~AttributeNames() { Clear(); }
     AttributeNames(const AttributeNames&) = delete;
     AttributeNames& operator=(const AttributeNames&) = delete;
 
     // False when the tag has the local name in that namespace already.
     bool Add(std::string_view aNamespace, std::string_view aLocalName);
     bool empty() const { return !mTable; }
-    void Clear();
+    void Clear()
+    {
+        if (mTable) { zoCustomHashTable_Delete(mTable); }
+        mTable = nullptr;
+    }
 
 private:
     zoCustomHashTable* mTable = nullptr;
@@ -44,7 +48,8 @@ public:
     Scopes(const Scopes&) = delete;
     Scopes& operator=(const Scopes&) = delete;
 
-    // A declaration that is well-formed holds from now on.
+    // A declaration that is well-formed holds from now on. Its prefix is kept as it is, in the caller's text, until
+    // CutTo has gone back.
     void Declare(const Attribute& aDeclaration);
     // How many hold; and going back to that many, after an element.
     size_t size() const { return mReplaced.size(); }

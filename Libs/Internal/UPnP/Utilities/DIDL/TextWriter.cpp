@@ -17,36 +17,18 @@ namespace
 
 struct Replacement
 {
-    char mCharacter;
     std::string_view mText;
     std::string_view mDoubleText;
 };
 
+// In the order of ByteClasses::kEscaped.
 constexpr Replacement kReplacements[] = {
-    { '"', "&quot;", "&amp;quot;" }, { '\'', "&apos;", "&amp;apos;" }, { '<', "&lt;", "&amp;lt;" },
-    { '>', "&gt;", "&amp;gt;" },     { '&', "&amp;", "&amp;amp;" },
+    { "&quot;", "&amp;quot;" }, { "&apos;", "&amp;apos;" }, { "&lt;", "&amp;lt;" },
+    { "&gt;", "&amp;gt;" },     { "&amp;", "&amp;amp;" },
 };
 
-constexpr uint8 kEndsText = 0xFF;
-
-// For each byte, 1 plus the index of its replacement, 0 when it is copied, or kEndsText.
-struct ReplacementIndex
-{
-    uint8 mIndex[256];
-    constexpr ReplacementIndex() : mIndex()
-    {
-        mIndex[0] = kEndsText;
-        for (size_t i = 0; i < sizeof(kReplacements) / sizeof(kReplacements[0]); ++i)
-            mIndex[static_cast<uint8>(kReplacements[i].mCharacter)] = static_cast<uint8>(i + 1);
-    }
-};
-
-constexpr ReplacementIndex kReplacementIndex;
-
-size_t ReplacementOf(char aByte) { return kReplacementIndex.mIndex[static_cast<uint8>(aByte)]; }
-
-typedef size_t Word;
-constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
+// 1 plus the index of the byte's replacement; 0 when it has none.
+size_t ReplacementOf(char aByte) { return kByteClasses[aByte] & ByteClasses::kEscapedMask; }
 
 // Which bytes are copied without a look at the next: all but the five characters and NUL, or of those the ones that are
 // characters of every XML text.
@@ -75,8 +57,8 @@ bool MayEndRun(Word aWord)
 template <Copied Which>
 bool IsCopied(char aByte)
 {
-    if (Which == Copied::PrintableASCII && (aByte < ' ' || static_cast<uint8>(aByte) >= 0x80)) { return false; }
-    return ReplacementOf(aByte) == 0;
+    const uint8 theEnd = Which == Copied::PrintableASCII ? ByteClasses::kNotPrintable : ByteClasses::kNUL;
+    return (kByteClasses[aByte] & (ByteClasses::kEscapedMask | theEnd)) == 0;
 }
 
 // The number of bytes that are copied before kMaxSize or the caller's limit ends a text.
@@ -108,12 +90,11 @@ static void AppendRest(zoBuffer* aBuffer, std::string_view aStr, size_t aPositio
     while (thePosition < aStr.size())
     {
         const size_t theIndex = ReplacementOf(aStr[thePosition]);
-        if (theIndex == 0)
+        if (theIndex == 0) // a NUL, or the limit
         {
             aBuffer->mPos -= UPnPUTF8_BrokenSequenceLength(aStr.data(), aStr.data() + thePosition);
             return;
         }
-        if (theIndex == kEndsText) { return; }
         const Replacement& theReplacement = kReplacements[theIndex - 1];
         const std::string_view theText = afDoubleEscape ? theReplacement.mDoubleText : theReplacement.mText;
         if (theCount >= kMaxSize || (aMaxSize > 0 && theCount + theText.size() > aMaxSize)) { return; }
@@ -137,31 +118,53 @@ void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, siz
     if (theLength < aStr.size()) { AppendRest(aBuffer, aStr, theLength, afDoubleEscape, aMaxSize); }
 }
 
-size_t PrintableLength(std::string_view aText) { return CopiedLength<Copied::PrintableASCII>(aText); }
-
-size_t AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize)
+size_t AllowedLength(std::string_view aText)
 {
-    std::string_view theRest = aStr;
-    size_t theRoom = LimitOf(aMaxSize);
-    size_t theReplaced = 0;
+    size_t theLength = 0;
     for (;;)
     {
-        const size_t theLength = PrintableLength(theRest.substr(0, theRoom));
-        Shared::Append(aBuffer, theRest.substr(0, theLength));
-        theRest.remove_prefix(theLength);
-        theRoom -= theLength;
-        if (theRest.empty() || theRoom == 0 || theRest[0] == 0) { return theReplaced; }
+        theLength += CopiedLength<Copied::PrintableASCII>(aText.substr(theLength));
+        if (theLength == aText.size() || ReplacementOf(aText[theLength]) > 0) { return theLength; }
+        const Character theCharacter = CharacterAt(aText.substr(theLength));
+        if (!theCharacter.mfIsAllowed) { return theLength; }
+        theLength += theCharacter.mLength;
+    }
+}
 
-        const Character theCharacter = CharacterAt(theRest);
+// Goes on at a character that is not printable ASCII or is replaced, or at the limit.
+[[gnu::noinline]] static void AppendAllowedRest(zoBuffer* aBuffer, std::string_view aRest, size_t aRoom,
+                                                uint32* aReplaced)
+{
+    std::string_view theRest = aRest;
+    size_t theRoom = aRoom;
+    while (!theRest.empty() && theRest[0] != 0)
+    {
         const size_t theIndex = ReplacementOf(theRest[0]);
+        const Character theCharacter = theIndex > 0 ? Character{ 0, 1, true } : CharacterAt(theRest);
         const std::string_view theText = !theCharacter.mfIsAllowed ? kReplacementCharacter
                                          : theIndex > 0            ? kReplacements[theIndex - 1].mText
                                                                    : theRest.substr(0, theCharacter.mLength);
-        if (theText.size() > theRoom) { return theReplaced; }
+        if (theText.size() > theRoom) { break; }
         Shared::Append(aBuffer, theText);
         theRest.remove_prefix(theCharacter.mLength);
         theRoom -= theText.size();
-        theReplaced += !theCharacter.mfIsAllowed;
+        *aReplaced += !theCharacter.mfIsAllowed;
+
+        const size_t theLength = AllowedLength(theRest.substr(0, theRoom));
+        Shared::Append(aBuffer, theRest.substr(0, theLength));
+        theRest.remove_prefix(theLength);
+        theRoom -= theLength;
+    }
+}
+
+void AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize, uint32* aReplaced)
+{
+    const size_t theLimit = LimitOf(aMaxSize);
+    const size_t theLength = CopiedLength<Copied::PrintableASCII>(aStr.substr(0, theLimit));
+    Shared::Append(aBuffer, aStr.substr(0, theLength));
+    if (theLength < aStr.size())
+    {
+        AppendAllowedRest(aBuffer, aStr.substr(theLength), theLimit - theLength, aReplaced);
     }
 }
 

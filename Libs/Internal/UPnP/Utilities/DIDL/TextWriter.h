@@ -26,10 +26,11 @@ struct Output
  *  @param afDoubleEscape 1: escapes twice, for text that is embedded in XML a second time; no document here is. */
 void AppendStr(zoBuffer* aBuffer, std::string_view aStr, int afDoubleEscape, size_t aMaxSize);
 /** As AppendStr, which escapes once, but whatever XML does not allow becomes U+FFFD.
- *  @return the number of U+FFFD that replace something. */
-size_t AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize);
-/** @return the number of bytes before the first that is not printable ASCII or is one of the five that are escaped. */
-size_t PrintableLength(std::string_view aText);
+ *  @param aReplaced the number of U+FFFD that replace something is added. */
+__attribute__((noinline)) void AppendAllowed(zoBuffer* aBuffer, std::string_view aStr, size_t aMaxSize,
+                                             uint32* aReplaced);
+/** @return the number of bytes before the first that is escaped, or that does not begin a character that XML allows. */
+size_t AllowedLength(std::string_view aText);
 /** Appends a number in decimal, with at least aMinDigits digits. */
 __attribute__((noinline)) void AppendNumber(zoBuffer* aBuffer, uint64 aValue, size_t aMinDigits);
 
