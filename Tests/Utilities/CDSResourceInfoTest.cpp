@@ -138,10 +138,18 @@ TEST(CDSResourceInfoTest, ReadsExtraInfoByPairs)
     AddResource(theRecord, "MP3@h", { 65535, 15, 16 });  // 65536 is not the URI's tag
     AddResource(theRecord, "MP3@h", { 15, 20, 3, 18, 19, 16, 21 });
     AddResource(theRecord, "MP3@h", { 15, 3, 17, 4, 19 }); // more names than pairs
+    const std::vector<uint16> theTags = { 15, 16, 17, 18 };
+    for (auto theMiddle = theTags.begin(); theMiddle < theTags.begin() + 3; ++theMiddle) // some are added to the fields
+    {
+        AddResource(theRecord, "MP3@h", { theTags.begin(), theMiddle });
+        for (auto theTag = theMiddle; theTag < theTags.end(); ++theTag)
+            AddText(theRecord, *theTag, std::to_string(*theTag));
+    }
     const Info theInfo(new CDSResourceInfo(theRecord, nullptr));
-    static const char* const kPairs[] = { "=,15=16,17=18,=,=,", "=,15=16,=,=,=,",  "=,=,=,=,=,",
-                                          "=,17=18,15=16,=,=,", "=,65535=,=,=,=,", "=,15=16,18=19,16=,=,",
-                                          "=,15=,=,=,=,",       "=,=,=,=,=," };
+    static const char* const kPairs[] = { "=,15=16,17=18,=,=,", "=,15=16,=,=,=,",     "=,=,=,=,=,",
+                                          "=,17=18,15=16,=,=,", "=,65535=,=,=,=,",    "=,15=16,18=19,16=,=,",
+                                          "=,15=,=,=,=,",       "=,15=16,17=18,=,=,", "=,15=16,16=17,=,=,",
+                                          "=,15=16,17=18,=,=,", "=,=,=,=,=," };
     for (uint32 i = 0; i < std::size(kPairs); ++i)
     {
         std::string thePairs;
@@ -339,6 +347,7 @@ TEST(CDSResourceInfoTest, ReadsPairsInLinearTime)
         std::iota(theTags.begin(), theTags.end(), static_cast<uint16>(kCDSResourceInfo_Count));
         zoPackedData_t* theRecord = zoPackedData_New(0);
         AddResource(theRecord, "MP3@h", theTags);
+        AddText(theRecord, static_cast<uint16>(kCDSResourceInfo_Count + aCount), "added later");
         CDSResourceInfo theInfo(theRecord, nullptr);
         return LeastProcessorTime(
             [&]

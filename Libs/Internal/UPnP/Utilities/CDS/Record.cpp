@@ -50,15 +50,31 @@ uint32 FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag,
     return theIndex < CountPairs(aRecord, anEntry, aFirstTag) ? aFirstTag + 2 * theIndex : kNoTag;
 }
 
-// True if the entry's last aCount tags are below aFirstTag. They are different, so there are no more than aFirstTag.
-static bool EndsInLowTags(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 aCount)
+// True if aCount tags from a position on are below aFirstTag. They are different, so there are no more than aFirstTag.
+static bool AreLow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 aPosition, uint32 aCount)
 {
-    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
-    for (uint32 i = theTagCount - aCount; i < theTagCount; ++i)
+    for (uint32 i = aPosition; i < aPosition + aCount; ++i)
     {
         if (zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i)) >= aFirstTag) { return false; }
     }
     return true;
+}
+
+// @return the position of the entry's low tags if they are stored one after the other: after the extra tags, or among
+// them when those before are in their order; else kNoTag.
+static uint32 FindLowTags(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 anExtraCount,
+                          uint32 aLowCount)
+{
+    if (AreLow(aRecord, anEntry, aFirstTag, anExtraCount, aLowCount)) { return anExtraCount; }
+    uint32 theLow = 0;
+    for (uint32 theHigh = anExtraCount; theLow < theHigh;)
+    {
+        const uint32 theMiddle = (theLow + theHigh) / 2;
+        const uint32 theTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(theMiddle));
+        if (theTag == aFirstTag + theMiddle) { theLow = theMiddle + 1; }
+        else { theHigh = theMiddle; }
+    }
+    return AreLow(aRecord, anEntry, aFirstTag, theLow, aLowCount) ? theLow : kNoTag;
 }
 
 uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
@@ -66,10 +82,14 @@ uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFir
     const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
     const uint32 theExtraCount = zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag);
     if (static_cast<uint32>(anIndex) >= theExtraCount / 2) { return kNoTag; }
-    const uint32 thePosition = 2 * static_cast<uint32>(anIndex);
-    if (EndsInLowTags(aRecord, anEntry, aFirstTag, theTagCount - theExtraCount))
+    const uint32 theLowCount = theTagCount - theExtraCount;
+    const uint32 theLowBegin = FindLowTags(aRecord, anEntry, aFirstTag, theExtraCount, theLowCount);
+    if (theLowBegin != kNoTag)
     {
-        return zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition));
+        const uint32 thePosition = 2 * static_cast<uint32>(anIndex);
+        const uint32 thePassedOver = // one fewer when it is the value of the name before
+            thePosition < theLowBegin ? 0 : theLowCount - theLowBegin % 2;
+        return zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition + thePassedOver));
     }
 
     int theIndex = 0;
