@@ -26,7 +26,12 @@ public:
         for (size_t theSlot = SlotOf(aName); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
         {
             const Row* theRow = mTable + (mRows[theSlot] - 1);
-            if (IsSameName(theRow->mIdentifier, aName)) { return theRow; }
+            const std::string_view theName = theRow->mIdentifier; // of a length that IsSameName would call memcmp for
+            if (theName.size() == aName.size() && (Shared::EqualNames(theName.data(), aName.data(), aName.size()) ||
+                                                   IsSameButForCase(theName.data(), aName.data(), aName.size())))
+            {
+                return theRow;
+            }
         }
         return nullptr;
     }
