@@ -6,11 +6,18 @@
 namespace DIDL
 {
 
-// kDIDLItemType_None for an element that is not an object.
-inline int TypeOf(const ILibXMLNode* aNode)
+// Not inline: few elements have a name of that length.
+[[gnu::noinline]] inline int TypeOfName(const ILibXMLNode* aNode)
 {
     if (IsNamed(aNode, "item")) { return kDIDLItemType_Item; }
     return IsNamed(aNode, "container") ? kDIDLItemType_Container : kDIDLItemType_None;
+}
+
+// kDIDLItemType_None for an element that is not an object.
+inline int TypeOf(const ILibXMLNode* aNode)
+{
+    const bool fHasLength = aNode->NameLength == 4 || aNode->NameLength == 9;
+    return fHasLength ? TypeOfName(aNode) : kDIDLItemType_None;
 }
 
 inline bool IsObject(const ILibXMLNode* aNode) { return TypeOf(aNode) != kDIDLItemType_None; }
