@@ -219,8 +219,7 @@ public:
     uint16 GetExtraInfoCount(uint32 aResourceIndex);
     /**
      * Reads a pair of extra info, pairs being counted in the order of storage; what is absent of it is "". Takes
-     * logarithmic time when pairs are stored before the fields, as the parser does, or after them, or before and after
-     * them in the order of their tags; else time linear in the resource's tags.
+     * logarithmic time.
      * @param anExtraInfoIndex  from 0; outside 0 to GetExtraInfoCount() - 1 both are "".
      * @param aName, aData out: the qualified name of the attribute ("pv:subtitleFileUri") and its value.
      */

@@ -24,7 +24,7 @@ static uint32 SearchTags(const Entry& anEntry, uint16 aTag)
     return anEntry.mCount;
 }
 
-static uint32 FindTag(const zoPackedData_t* aRecord, uint32 anEntry, const Entry& aView, uint16 aTag)
+static uint32 FindPosition(const zoPackedData_t* aRecord, uint32 anEntry, const Entry& aView, uint16 aTag)
 {
     if (aView.mCount <= kSmallCount) { return ScanTags(aView, aTag); }
     if (!IsOpen(aRecord, anEntry)) { return SearchTags(aView, aTag); }
@@ -37,7 +37,7 @@ const char* zoPackedData_GetData(const zoPackedData_t* aRecord, uint32 anEntry, 
     if (aSize) { *aSize = 0; }
     if (!HasEntry(aRecord, anEntry)) { return nullptr; }
     const Entry theEntry = EntryAt(aRecord, anEntry);
-    const uint32 thePosition = FindTag(aRecord, anEntry, theEntry, aTag);
+    const uint32 thePosition = FindPosition(aRecord, anEntry, theEntry, aTag);
     if (thePosition == theEntry.mCount) { return nullptr; }
     const zoPackedData_Value theValue = ValueAt(theEntry, thePosition);
     if (aSize) { *aSize = theValue.mSize; }
@@ -82,6 +82,11 @@ uint16 zoPackedData_GetTagCount(const zoPackedData_t* aRecord, uint32 anEntry)
     return HasEntry(aRecord, anEntry) ? static_cast<uint16>(EntryAt(aRecord, anEntry).mCount) : uint16{ 0 };
 }
 
+uint32 zoPackedData_FindTag(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    return HasEntry(aRecord, anEntry) ? FindPosition(aRecord, anEntry, EntryAt(aRecord, anEntry), aTag) : 0;
+}
+
 uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aPosition)
 {
     if (!HasEntry(aRecord, anEntry)) { return 0; }
@@ -97,7 +102,7 @@ uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry,
     if (theEntry.mCount > kSmallCount && theEntry.mCount > aTag)
     {
         for (uint16 theTag = 0; theTag < aTag; ++theTag)
-            theCountBelow += FindTag(aRecord, anEntry, theEntry, theTag) < theEntry.mCount;
+            theCountBelow += FindPosition(aRecord, anEntry, theEntry, theTag) < theEntry.mCount;
     }
     else
     {

@@ -94,6 +94,9 @@ ZOLTTOOLS_API uint32 zoPackedData_GetEntryCount(const zoPackedData_t* aRecord);
 ZOLTTOOLS_API uint16 zoPackedData_GetTagCount(const zoPackedData_t* aRecord, uint32 anEntry);
 /** @return the number of values whose tag is aTag or higher; takes O(log n) for each of the tags below it. */
 ZOLTTOOLS_API uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
+/** @return the position of a tag from 0 in the order of adding; the number of values in the entry when it is absent.
+ * Takes O(log n). */
+ZOLTTOOLS_API uint32 zoPackedData_FindTag(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
 /** @return the tag at a position from 0 in the order of adding; 0 past the last. */
 ZOLTTOOLS_API uint16 zoPackedData_GetTagAt(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aPosition);
 

@@ -50,58 +50,41 @@ uint32 FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag,
     return theIndex < CountPairs(aRecord, anEntry, aFirstTag) ? aFirstTag + 2 * theIndex : kNoTag;
 }
 
-// True if aCount tags from a position on are below aFirstTag. They are different, so there are no more than aFirstTag.
-static bool AreLow(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 aPosition, uint32 aCount)
-{
-    for (uint32 i = aPosition; i < aPosition + aCount; ++i)
-    {
-        if (zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i)) >= aFirstTag) { return false; }
-    }
-    return true;
-}
+static const uint16 kMostFields = 32; // more than a record has
 
-// @return the position of the entry's low tags if they are stored one after the other: after the extra tags, or among
-// them when those before are in their order; else kNoTag.
-static uint32 FindLowTags(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 anExtraCount,
-                          uint32 aLowCount)
+// Finds the positions of an entry's fields, whose tags are below that of the first pair, in their order.
+static uint32 FindFields(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, uint32 aTagCount,
+                         uint32 (&aPositions)[kMostFields])
 {
-    if (AreLow(aRecord, anEntry, aFirstTag, anExtraCount, aLowCount)) { return anExtraCount; }
-    uint32 theLow = 0;
-    for (uint32 theHigh = anExtraCount; theLow < theHigh;)
+    uint32 theCount = 0;
+    for (uint16 theTag = 0; theTag < std::min(aFirstTag, kMostFields); ++theTag)
     {
-        const uint32 theMiddle = (theLow + theHigh) / 2;
-        const uint32 theTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(theMiddle));
-        if (theTag == aFirstTag + theMiddle) { theLow = theMiddle + 1; }
-        else { theHigh = theMiddle; }
+        const uint32 thePosition = zoPackedData_FindTag(aRecord, anEntry, theTag);
+        if (thePosition == aTagCount) { continue; }
+        uint32 i = theCount++;
+        for (; i > 0 && aPositions[i - 1] > thePosition; --i)
+            aPositions[i] = aPositions[i - 1];
+        aPositions[i] = thePosition;
     }
-    return AreLow(aRecord, anEntry, aFirstTag, theLow, aLowCount) ? theLow : kNoTag;
+    return theCount;
 }
 
 uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex)
 {
-    const uint32 theTagCount = zoPackedData_GetTagCount(aRecord, anEntry);
-    const uint32 theExtraCount = zoPackedData_CountTagsFrom(aRecord, anEntry, aFirstTag);
-    if (static_cast<uint32>(anIndex) >= theExtraCount / 2) { return kNoTag; }
-    const uint32 theLowCount = theTagCount - theExtraCount;
-    const uint32 theLowBegin = FindLowTags(aRecord, anEntry, aFirstTag, theExtraCount, theLowCount);
-    if (theLowBegin != kNoTag)
+    uint32 theLeft = static_cast<uint32>(anIndex);
+    if (theLeft >= CountPairs(aRecord, anEntry, aFirstTag)) { return kNoTag; }
+    uint32 theFields[kMostFields];
+    const uint32 theCount =
+        FindFields(aRecord, anEntry, aFirstTag, zoPackedData_GetTagCount(aRecord, anEntry), theFields);
+    uint32 thePosition = 0; // of the first pair after a field
+    for (uint32 i = 0; i < theCount; ++i)
     {
-        const uint32 thePosition = 2 * static_cast<uint32>(anIndex);
-        const uint32 thePassedOver = // one fewer when it is the value of the name before
-            thePosition < theLowBegin ? 0 : theLowCount - theLowBegin % 2;
-        return zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition + thePassedOver));
+        const uint32 thePairs = (theFields[i] - thePosition + 1) / 2; // a field may be passed over as a value
+        if (theLeft < thePairs) { break; }
+        theLeft -= thePairs;
+        thePosition = theFields[i] + 1;
     }
-
-    int theIndex = 0;
-    for (uint32 i = 0; i < theTagCount; ++i)
-    {
-        const uint32 theTag = zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(i));
-        if (theTag < aFirstTag) { continue; }
-        if (theIndex == anIndex) { return theTag; }
-        ++theIndex;
-        ++i; // past the value
-    }
-    return kNoTag;
+    return zoPackedData_GetTagAt(aRecord, anEntry, static_cast<uint16>(thePosition + 2 * theLeft));
 }
 
 uint32 FindPairNamed(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, std::string_view aName)

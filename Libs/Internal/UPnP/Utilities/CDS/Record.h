@@ -34,8 +34,7 @@ uint16 CountPairs(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTa
 /** Pairs are counted by their tags. A negative index is above all others. */
 uint32 FindPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
 /** Pairs are counted in the order of storage: an extra tag is a name's, and the value next to it is passed over. Takes
- *  logarithmic time when the other tags are stored one after the other: last, as the parser does, or first, or among
- *  extra tags in their order. Else linear time. */
+ *  logarithmic time. */
 uint32 FindStoredPair(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, int anIndex);
 /** The first pair, counted by tags, of exactly that name. Takes linear time. */
 uint32 FindPairNamed(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aFirstTag, std::string_view aName);

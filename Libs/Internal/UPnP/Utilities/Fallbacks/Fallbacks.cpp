@@ -208,6 +208,17 @@ uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag
 }
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_FindTag
+uint32 zoPackedData_FindTag(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
+{
+    const uint16 theTotal = zoPackedData_GetTagCount(aRecord, anEntry);
+    uint16 thePosition = 0;
+    while (thePosition < theTotal && zoPackedData_GetTagAt(aRecord, anEntry, thePosition) != aTag)
+        ++thePosition;
+    return thePosition;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uint32 aFirst, zoPackedData_Value* aValues,
                               uint32 aMaxCount)

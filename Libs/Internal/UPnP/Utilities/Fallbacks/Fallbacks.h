@@ -85,6 +85,10 @@ uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecord, uint16 aTag
                                       uint32* aCount);
 #endif
 
+#ifdef UPNP_LACKS_zoPackedData_FindTag
+uint32 zoPackedData_FindTag(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
+#endif
+
 #ifdef UPNP_LACKS_zoPackedData_GetValues
 typedef struct zoPackedData_Value
 {
