@@ -22,11 +22,10 @@ bool CanExpatRead(const std::string& aText)
     return fIsRead;
 }
 
-// That a namespace is not a URI, or a relative one, is told but not refused.
+// Warnings, that a namespace is a relative URI for instance, refuse nothing.
 void NoteError(void* aUserData, xmlErrorPtr anError)
 {
-    const bool fIsOfURI = anError->code == XML_WAR_NS_URI || anError->code == XML_WAR_NS_URI_RELATIVE;
-    if (!fIsOfURI && anError->level >= XML_ERR_ERROR) { *static_cast<bool*>(aUserData) = false; }
+    if (anError->level >= XML_ERR_ERROR) { *static_cast<bool*>(aUserData) = false; }
 }
 
 // aFlags: XML_PARSE_HUGE for texts of any depth.

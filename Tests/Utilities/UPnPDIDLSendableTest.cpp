@@ -138,7 +138,9 @@ TEST(UPnPDIDLSendableTest, LeavesOutPairsThatCantBeWritten)
                              { 28, "x" },
                              { 29, "dlna:ifoFileURI" },
                              { 30, "x" },
-                             { 31, "bare" } });
+                             { 31, "xml:id" },
+                             { 32, "x" },
+                             { 33, "bare" } });
     const Written theWritten(theEntry, theResources);
     EXPECT_EQ(
         "<DIDL-Lite " + kDefault + " xmlns:a=\"urn:a\" xmlns:aa=\"urn&#58;a\" " + kDC + " " + kDLNA +
@@ -147,7 +149,7 @@ TEST(UPnPDIDLSendableTest, LeavesOutPairsThatCantBeWritten)
             "<dc:language>en</dc:language><plain>p</plain><xml:base>u</xml:base>"
             "<res resolution=\"1x2\" dlna:ifoFileURI=\"i\" a:k=\"1\" k=\"3\" size=\"5\">u</res></item></DIDL-Lite>",
         theWritten.mText);
-    EXPECT_EQ("1 11 0 2", theWritten.Repairs());
+    EXPECT_EQ("1 12 0 2", theWritten.Repairs());
     EXPECT_TRUE(theWritten.IsSendable());
 }
 
@@ -222,7 +224,19 @@ TEST(UPnPDIDLSendableTest, JudgesTexts)
         { "<a xmlns='u'><:b/></a>", false },
         { "<a xmlns='u'><\xC3\x97/></a>", false }, // a sign, not a letter
         { "<a xmlns='http://www.w3.org/2000/xmlns/'/>", false },
-        { "<a xmlns='u&#10;'/>", false }, // not a URI
+        { "<a xmlns='u'><b xml:id='c'/></a>", false }, // some readers check it
+        { "<a xmlns='u' xml:lang='c'><xml:id/></a>", true },
+        { "<a xmlns='http://h-1.x:8080/p?q:r#f:?'/>", true },
+        { "<a xmlns='urn:a:b//c' xmlns:x='http:/h'/>", true },
+        { "<a xmlns='u&#10;'/>", false }, // not a URI, as the rest
+        { "<a xmlns='http://h:80:8/'/>", false },
+        { "<a xmlns='http://h:/'/>", false },
+        { "<a xmlns='http://h:999999/'/>", false },
+        { "<a xmlns='http://[h/'/>", false },
+        { "<a xmlns='urn:%4'/>", false },
+        { "<a xmlns='urn:a#b#c'/>", false },
+        { "<a xmlns='1a:b'/>", false },
+        { "<a xmlns=':b'/>", false },
     };
     for (const auto& [theText, fIsSendable] : kCases)
         EXPECT_EQ(fIsSendable, UPnPDIDL_IsSendable(theText, strlen(theText)) != 0) << theText;

@@ -22,12 +22,12 @@ using namespace DIDL;
 
 // ---- Writing ----
 
-static void LogNoNamespaces()
+[[gnu::cold]] static void LogNoNamespaces()
 {
     Shared::LogMessage(ZOLOGLEVEL_WARNING, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "No XML name space specified\n");
 }
 
-static void LogNotAdded(uint32 aCount)
+[[gnu::cold]] static void LogNotAdded(uint32 aCount)
 {
     Shared::LogMessage(ZOLOGLEVEL_INFO, ZOLOG_M_DEFAULT, __FILE__, __LINE__, "UPnPDIDL_Get: %lu resource(s) not added",
                        static_cast<unsigned long>(aCount));
@@ -50,7 +50,7 @@ static uint32 WriteRecords(Output anOutput, zoPackedData_t* aMediaData, zoPacked
     return fIsComplete ? 0 : theLeftCount;
 }
 
-static void WriteEmptyItem(Output anOutput, int afIncludeHeaderFooter)
+[[gnu::cold]] static void WriteEmptyItem(Output anOutput, int afIncludeHeaderFooter)
 {
     if (anOutput.mRepairer) { anOutput.mRepairer->AppendDeclarations({}); }
     if (anOutput.mRepairer || afIncludeHeaderFooter) { AppendLiteral(anOutput.mBuffer, ">"); }

@@ -47,9 +47,10 @@ UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t*
  *
  * A text is sendable when it is well-formed UTF-8 of characters that XML 1.0 allows and well-formed XML 1.0 with
  * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, and its XML declaration names UTF-8
- * or no encoding. Where readers differ, it has what all take: namespaces have characters of URIs alone (RFC 3986), and
- * names consist of ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek,
- * Cyrillic, Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
+ * or no encoding. Where readers differ, it has what all take: namespaces are URIs (RFC 3986) without escapes, users and
+ * IPv6 addresses, or relative ones without a colon; no attribute is xml:id; and names consist of ASCII characters and
+ * of letters that are in names since the first edition of XML 1.0 (Latin, Greek, Cyrillic, Hebrew, Arabic, Devanagari,
+ * Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
 
 /* What UPnPDIDL_GetSendable changed. */
 typedef struct UPnPDIDLRepairs_t
@@ -67,8 +68,8 @@ typedef struct UPnPDIDLRepairs_t
  *   it, and each other byte, as the Unicode Standard recommends. It also replaces each character that XML forbids:
  *   U+0001 to U+001F but tab, line feed and carriage return, U+FFFE and U+FFFF.
  * - A pair is left out when its name is not a name, declares a namespace, or has a prefix that is declared nowhere. A
- *   pair of a resource is also left out when it has no value, or when the resource has the attribute already: by the
- *   same name, or by another prefix of the same namespace.
+ *   pair of a resource is also left out when it is xml:id, when it has no value, or when the resource has the attribute
+ *   already: by the same name, or by another prefix of the same namespace.
  * - A declaration is left out when it is not well-formed: the second one of a prefix, one that binds a prefix to
  *   nothing or to what is not a URI, one that binds xmlns or its namespace, one that binds xml to another namespace or
  *   its namespace to another prefix, one with a reference to an entity that XML does not have.

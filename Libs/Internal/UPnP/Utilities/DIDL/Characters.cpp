@@ -17,17 +17,17 @@ static bool CanFollow(uint8 aFirst, uint8 aSecond)
 Character CharacterAt(std::string_view aText)
 {
     const uint8 theFirst = static_cast<uint8>(aText[0]);
-    if (theFirst < 0x80) { return { theFirst, 1, theFirst >= ' ' || Shared::IsSpace(aText[0]) }; }
-    if (theFirst < 0xC2 || theFirst > 0xF4) { return { 0, 1, false }; }
+    if (theFirst < 0x80) { return { 1, theFirst, theFirst >= ' ' || Shared::IsSpace(aText[0]) }; }
+    if (theFirst < 0xC2 || theFirst > 0xF4) { return { 1, 0, false }; }
     const size_t theLength = theFirst < 0xE0 ? 2 : theFirst < 0xF0 ? 3 : 4;
     uint32 theCode = theFirst & (0x7Fu >> theLength);
     for (size_t i = 1; i < theLength; ++i)
     {
         const uint8 theByte = i < aText.size() ? static_cast<uint8>(aText[i]) : 0;
-        if (i == 1 ? !CanFollow(theFirst, theByte) : (theByte & 0xC0) != 0x80) { return { 0, i, false }; }
+        if (i == 1 ? !CanFollow(theFirst, theByte) : (theByte & 0xC0) != 0x80) { return { i, 0, false }; }
         theCode = theCode << 6 | (theByte & 0x3Fu);
     }
-    return { theCode, theLength, theCode != 0xFFFE && theCode != 0xFFFF };
+    return { theLength, theCode, theCode != 0xFFFE && theCode != 0xFFFF };
 }
 
 static bool IsNameLetter(uint32 aCode)
@@ -44,8 +44,7 @@ static bool IsNameLetter(uint32 aCode)
     return false;
 }
 
-// The number of bytes at the beginning of the text that are of the class.
-static size_t LengthOf(uint8 aClass, std::string_view aText)
+size_t LengthOf(uint8 aClass, std::string_view aText)
 {
     size_t theLength = 0;
     while (theLength < aText.size() && (kByteClasses[aText[theLength]] & aClass) != 0)
@@ -90,8 +89,6 @@ size_t NameLength(std::string_view aText)
     if (fGoesOn) { theLength = LongNameLength(aText, theLength); }
     return theLength <= kMaxNameLength ? theLength : 0;
 }
-
-size_t URILength(std::string_view aText) { return LengthOf(ByteClasses::kInURI, aText); }
 
 bool ReadQName(std::string_view* aText, QName* aName)
 {

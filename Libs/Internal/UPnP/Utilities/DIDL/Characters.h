@@ -12,8 +12,8 @@ namespace DIDL
 // What a text begins with: a character that XML allows, or bytes that one U+FFFD replaces.
 struct Character
 {
-    uint32 mCode; // when it is allowed
     size_t mLength;
+    uint32 mCode; // when it is allowed
     bool mfIsAllowed;
 };
 
@@ -27,9 +27,10 @@ struct ByteClasses
     {
         kEscapedMask = 7, // 1 to 5: the place in kEscaped of one that is escaped
         kInName = 8,
-        kInURI = 16,
+        kInHost = 16,       // and in schemes
         kNotPrintable = 32, // and every byte that is not ASCII
-        kNUL = 64
+        kNUL = 64,
+        kInURI = 128 // in its path, and after that but for the first "#"; escapes aside
     };
     static constexpr std::string_view kEscaped = "\"'<>&";
 
@@ -39,27 +40,31 @@ struct ByteClasses
         for (size_t i = 0; i < 256; ++i)
             mClasses[i] = i < ' ' || i >= 0x80 ? kNotPrintable : 0;
         mClasses[0] |= kNUL;
-        for (const char theLetter :
-             std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-."))
-            mClasses[static_cast<uint8>(theLetter)] |= kInName | kInURI;
-        for (const char theMark : std::string_view("~:/?#[]@!$&'()*+,;=%"))
-            mClasses[static_cast<uint8>(theMark)] |= kInURI;
+        Add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.", kInName | kInHost | kInURI);
+        Add("_", kInName | kInURI);
+        Add("+", kInHost | kInURI);
+        Add("~:/?@!$&'()*,;=", kInURI);
         for (size_t i = 0; i < kEscaped.size(); ++i)
             mClasses[static_cast<uint8>(kEscaped[i])] |= static_cast<uint8>(i + 1);
+    }
+    constexpr void Add(std::string_view aBytes, uint8 aClasses)
+    {
+        for (const char theByte : aBytes)
+            mClasses[static_cast<uint8>(theByte)] |= aClasses;
     }
     constexpr uint8 operator[](char aByte) const { return mClasses[static_cast<uint8>(aByte)]; }
 };
 
 inline constexpr ByteClasses kByteClasses;
 
+// The number of bytes at the beginning of the text that are of the class.
+size_t LengthOf(uint8 aClass, std::string_view aText);
+
 // Bytes that are looked at together.
 typedef size_t Word;
 inline constexpr Word kEveryByte = ~Word{ 0 } / 0xFF; // times a byte: that byte in every place
 
 inline constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD"; // U+FFFD
-
-// The number of bytes at the beginning of the text that are characters of URIs.
-size_t URILength(std::string_view aText);
 
 // ---- Names ----
 

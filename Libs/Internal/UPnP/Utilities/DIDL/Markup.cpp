@@ -1,6 +1,7 @@
 #include <UPnP/Utilities/DIDL/Markup.h>
 
 #include <Shared/ASCII.h>
+#include <Shared/Digits.h>
 #include <UPnP/Utilities/DIDL/TextWriter.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -33,13 +34,6 @@ size_t ReadSpaces(std::string_view* aText)
     return theCount;
 }
 
-static int DigitOf(char aByte)
-{
-    if (Shared::IsDigit(aByte)) { return aByte - '0'; }
-    const char theLetter = Shared::ToLower(aByte);
-    return theLetter >= 'a' && theLetter <= 'f' ? theLetter - 'a' + 10 : 16;
-}
-
 static bool IsAllowedCode(uint32 aCode)
 {
     if (aCode < ' ') { return aCode == '\t' || aCode == '\n' || aCode == '\r'; }
@@ -49,11 +43,11 @@ static bool IsAllowedCode(uint32 aCode)
 // After "&#".
 static bool ReadNumber(std::string_view* aText)
 {
-    const int theBase = Read(aText, "x") ? 16 : 10;
+    const uint32 theBase = Read(aText, "x") ? 16 : 10;
     uint32 theCode = 0;
-    while (!aText->empty() && DigitOf(aText->front()) < theBase && theCode <= 0x10FFFF)
+    while (!aText->empty() && Shared::DigitValue(aText->front()) < theBase && theCode <= 0x10FFFF)
     {
-        theCode = theCode * static_cast<uint32>(theBase) + static_cast<uint32>(DigitOf(aText->front()));
+        theCode = theCode * theBase + Shared::DigitValue(aText->front());
         aText->remove_prefix(1);
     }
     return IsAllowedCode(theCode) && Read(aText, ";"); // 0 without a digit
@@ -120,6 +114,32 @@ bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes)
         theAttribute.mText = { theBegin, static_cast<size_t>(aText->data() - theBegin) };
         anAttributes->Add(theAttribute);
     }
+}
+
+// With the port, up to the path.
+static bool ReadHost(std::string_view* aText)
+{
+    aText->remove_prefix(LengthOf(ByteClasses::kInHost, *aText));
+    if (Read(aText, ":"))
+    {
+        size_t theCount = 0;
+        for (; !aText->empty() && Shared::IsDigit(aText->front()); ++theCount)
+            aText->remove_prefix(1);
+        if (theCount == 0 || theCount > 5) { return false; }
+    }
+    return aText->empty() || strchr("/?#", aText->front());
+}
+
+bool IsURI(std::string_view aText)
+{
+    std::string_view theRest = aText;
+    theRest.remove_prefix(LengthOf(ByteClasses::kInHost, theRest));
+    const bool fHasScheme = !aText.empty() && Shared::IsLetter(aText[0]) && Read(&theRest, ":");
+    if (!fHasScheme && aText.find(':') != aText.npos) { return false; }
+    if (Read(&theRest, "//") && !ReadHost(&theRest)) { return false; }
+    theRest.remove_prefix(LengthOf(ByteClasses::kInURI, theRest));
+    if (Read(&theRest, "#")) { theRest.remove_prefix(LengthOf(ByteClasses::kInURI, theRest)); }
+    return theRest.empty();
 }
 
 bool IsAllowed(std::string_view aText)

@@ -31,6 +31,13 @@ size_t GuessTextSize(const zoPackedData_t* aMediaData, const zoPackedData_t* aRe
     Shared::Append(anOutput.mBuffer, anEndStr);
 }
 
+// For what few objects have: made for size.
+[[gnu::cold]] static void AppendRareNumber(Output anOutput, std::string_view aStartStr, uint32 aValue,
+                                           std::string_view anEndStr)
+{
+    AppendValueIfNotZero(anOutput.mBuffer, aStartStr, aValue, anEndStr);
+}
+
 // ---- The object ----
 
 void AppendDeclarations(zoBuffer* aBuffer, std::string_view aList)
@@ -73,15 +80,14 @@ static void AppendAlbumArt(Output anOutput, const zoPackedData_t* aMediaData)
     zoArray_Delete(thePairs);
 }
 
-static void AppendBackgroundMusic(Output anOutput, const MediaValues& aValues)
+// Few objects have one.
+[[gnu::cold]] static void AppendBackgroundMusic(Output anOutput, std::string_view aURI, std::string_view aProtocolInfo)
 {
-    const std::string_view theURI = aValues.GetBytes(kCDSEntryInfo_BGMURI);
-    if (theURI.empty()) { return; }
+    if (anOutput.mRepairer) { anOutput.mRepairer->Use(Repairer::kAV); }
     AppendLiteral(anOutput.mBuffer, kDIDL_Tag_BGMURI_Start);
-    AppendTextIfNotEmpty(anOutput, " av:profileID=\"", aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo), kDIDL_Quote,
-                         kMaxSize_Text);
+    AppendTextIfNotEmpty(anOutput, " av:profileID=\"", aProtocolInfo, kDIDL_Quote, kMaxSize_Text);
     AppendLiteral(anOutput.mBuffer, ">");
-    AppendText(anOutput, theURI, kMaxSize_URI);
+    AppendText(anOutput, aURI, kMaxSize_URI);
     AppendLiteral(anOutput.mBuffer, kDIDL_Tag_BGMURI_End);
 }
 
@@ -102,10 +108,8 @@ static void AppendMediaExtraInfo(Output anOutput, const MediaValues& anEntry)
 }
 
 // Notes the namespaces of the elements that the entry's values are written in.
-static void UseNamespaces(Repairer* aRepairer, const MediaValues& aValues)
+[[gnu::cold]] static void UseNamespaces(Repairer* aRepairer, const MediaValues& aValues)
 {
-    if (!aValues.GetBytes(kCDSEntryInfo_BGMURI).empty()) { aRepairer->Use(Repairer::kAV); }
-    if (aRepairer->HasDeclared(Repairer::kDC | Repairer::kUPnP)) { return; }
     for (const auto& theElement : kDIDL_TextElements)
     {
         if (aValues.GetBytes(theElement.mTag).empty()) { continue; }
@@ -126,10 +130,15 @@ void AppendMetadata(Output anOutput, const zoPackedData_t* aMediaData, const Med
         AppendTextIfNotEmpty(anOutput, theElement.mStart, aValues.GetBytes(theElement.mTag), theElement.mEnd,
                              kMaxSize_Text);
     }
-    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_Tag_ChannelNr_Start,
-                         aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr), kDIDL_Tag_ChannelNr_End);
-    if (anOutput.mRepairer) { UseNamespaces(anOutput.mRepairer, aValues); }
-    AppendBackgroundMusic(anOutput, aValues);
+    const uint32 theChannel = aValues.GetNumber<uint32>(kCDSEntryInfo_ChannelNr);
+    if (theChannel != 0) { AppendRareNumber(anOutput, kDIDL_Tag_ChannelNr_Start, theChannel, kDIDL_Tag_ChannelNr_End); }
+    const bool fMayLack = anOutput.mRepairer && !anOutput.mRepairer->HasDeclared(Repairer::kDC | Repairer::kUPnP);
+    if (fMayLack) { UseNamespaces(anOutput.mRepairer, aValues); }
+    const std::string_view theMusic = aValues.GetBytes(kCDSEntryInfo_BGMURI);
+    if (!theMusic.empty())
+    {
+        AppendBackgroundMusic(anOutput, theMusic, aValues.GetBytes(kCDSEntryInfo_BGMURIProtocolInfo));
+    }
     AppendMediaExtraInfo(anOutput, aValues);
 }
 
@@ -159,18 +168,27 @@ static void AppendDuration(Output anOutput, uint32 aDuration)
     AppendLiteral(anOutput.mBuffer, kDIDL_Quote);
 }
 
+// Few resources have one.
+[[gnu::cold]] static void AppendIFOFileURI(Output anOutput, std::string_view aURI)
+{
+    if (anOutput.mRepairer) { anOutput.mRepairer->Use(Repairer::kDLNA); }
+    AppendLiteral(anOutput.mBuffer, kDIDL_ResAttribute_IFOURI_Start);
+    AppendText(anOutput, aURI, kMaxSize_URI);
+    AppendLiteral(anOutput.mBuffer, kDIDL_Quote);
+}
+
 static void AppendResource(Output anOutput, int afIncludeResExtraInfo, const ResourceValues& aValues)
 {
     const std::string_view theProtocolInfo = aValues.GetText(kCDSResourceInfo_ProtocolInfo);
     const uint32 theBitRate = aValues.GetNumber<uint32>(kCDSResourceInfo_BitRate);
+    const uint32 theDepth = aValues.GetNumber<uint32>(kCDSResourceInfo_ColorDepth);
 
     AppendLiteral(anOutput.mBuffer, kDIDL_Res_Start);
     if (anOutput.mRepairer) { anOutput.mRepairer->StartAttributes(); }
     AppendProtocolInfo(anOutput, theProtocolInfo.data() ? theProtocolInfo : "");
     AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_BitRate_Start,
                          theBitRate == kBitRate_NotSet ? 0 : theBitRate / 8, kDIDL_Quote);
-    AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_ColorDepth_Start,
-                         aValues.GetNumber<uint32>(kCDSResourceInfo_ColorDepth), kDIDL_Quote);
+    if (theDepth != 0) { AppendRareNumber(anOutput, kDIDL_ResAttribute_ColorDepth_Start, theDepth, kDIDL_Quote); }
     AppendDuration(anOutput, aValues.GetNumber<uint32>(kCDSResourceInfo_Duration));
     AppendTextIfNotEmpty(anOutput, kDIDL_ResAttribute_Resolution_Start, aValues.GetBytes(kCDSResourceInfo_Resolution),
                          kDIDL_Quote, kMaxSize_Text);
@@ -178,12 +196,8 @@ static void AppendResource(Output anOutput, int afIncludeResExtraInfo, const Res
                            aValues.GetNumber<uint64>(kCDSResourceInfo_Size), kDIDL_Quote);
     AppendValueIfNotZero(anOutput.mBuffer, kDIDL_ResAttribute_AudioChannelCount_Start,
                          aValues.GetNumber<uint32>(kCDSResourceInfo_AudioChannelCount), kDIDL_Quote);
-    AppendTextIfNotEmpty(anOutput, kDIDL_ResAttribute_IFOURI_Start, aValues.GetBytes(kCDSResourceInfo_IFOFileURI),
-                         kDIDL_Quote, kMaxSize_URI);
-    if (anOutput.mRepairer && !aValues.GetBytes(kCDSResourceInfo_IFOFileURI).empty())
-    {
-        anOutput.mRepairer->Use(Repairer::kDLNA);
-    }
+    const std::string_view theIFO = aValues.GetBytes(kCDSResourceInfo_IFOFileURI);
+    if (!theIFO.empty()) { AppendIFOFileURI(anOutput, theIFO); }
     if (afIncludeResExtraInfo) { AppendResExtraInfo(anOutput, aValues); }
     AppendLiteral(anOutput.mBuffer, ">");
     AppendText(anOutput, aValues.GetBytes(kCDSResourceInfo_URI), kMaxSize_URI);

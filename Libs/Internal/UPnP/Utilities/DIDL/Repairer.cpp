@@ -100,21 +100,15 @@ inline bool Repairer::IsKnown(std::string_view aDeclaration)
 bool Repairer::IsOrdinary(std::string_view aDeclaration)
 {
     std::string_view theRest = aDeclaration;
-    std::string_view thePrefix;
-    if (!Read(&theRest, "xmlns")) { return false; }
-    if (Read(&theRest, ":"))
-    {
-        thePrefix = theRest.substr(0, NameLength(theRest));
-        theRest.remove_prefix(thePrefix.size());
-        if (thePrefix.empty() || thePrefix[0] == 'x') { return false; } // xml, xmlns
-    }
-    if (!Read(&theRest, "=\"") || theRest.empty() || Read(&theRest, "http://www.w3.")) { return false; }
-    const size_t theURI = URILength(theRest);
+    QName theName;
+    if (!ReadQName(&theRest, &theName) || !IsDeclaration(theName) || !Read(&theRest, "=\"")) { return false; }
+    const std::string_view thePrefix = theName.mPrefix.empty() ? theName.mPrefix : theName.mLocal;
+    const bool fIsReserved = Read(&theRest, "http://www.w3.") || (!thePrefix.empty() && thePrefix[0] == 'x');
     const bool fIsFirst = mPrefixes.size() < kFew && !Contains(mPrefixes, thePrefix);
     mPrefixes.Add(thePrefix);
     mDeclaredOtherwise |= KnownPrefix(thePrefix);
-    const bool fIsURI = theURI > 0 && theURI == theRest.size() - 1 && theRest[theURI] == '"';
-    return fIsFirst && fIsURI && theRest.find('&') == theRest.npos;
+    const bool fIsOther = fIsFirst && !fIsReserved && theRest.size() > 1 && theRest.back() == '"';
+    return fIsOther && theRest.find('&') == theRest.npos && IsURI(theRest.substr(0, theRest.size() - 1));
 }
 
 // As DIDL::AppendDeclarations. False when one is not ordinary: what is appended then does not count.
@@ -261,7 +255,7 @@ void Repairer::StartAttributes()
 bool Repairer::CanWriteAttribute(std::string_view aName, bool afHasValue)
 {
     QName theName;
-    const bool fHasName = afHasValue && SplitName(aName, &theName) && !IsDeclaration(theName);
+    const bool fHasName = afHasValue && SplitName(aName, &theName) && !IsDeclaration(theName) && !IsID(theName);
     const std::string_view thePrefix = theName.mPrefix;
     const bool fIsBound = fHasName && (thePrefix.empty() || IsDeclared(thePrefix) || CanDeclare(thePrefix));
     return CountPair(fIsBound && IsNew(theName));

@@ -63,6 +63,7 @@ bool Scopes::AddName(AttributeNames* aNames, const QName& anAttribute) const
 {
     if (IsDeclaration(anAttribute)) { return aNames->Add("xmlns", anAttribute.mLocal); }
     if (anAttribute.mPrefix.empty()) { return aNames->Add({}, anAttribute.mLocal); }
+    if (IsID(anAttribute)) { return false; }
     const std::string_view theNamespace = NamespaceOf(anAttribute.mPrefix);
     return !theNamespace.empty() && aNames->Add(theNamespace, anAttribute.mLocal);
 }
@@ -90,7 +91,7 @@ bool IsWellFormed(const Attribute& aDeclaration)
     const std::string_view theURI(theCopy);
     const bool fIsXML = theURI == "http://www.w3.org/XML/1998/namespace";
     const bool fIsOther = !fIsXML && theURI != "http://www.w3.org/2000/xmlns/" && thePrefix != "xmlns" &&
-                          (!theURI.empty() || thePrefix.empty()) && URILength(theURI) == theURI.size();
+                          (!theURI.empty() || thePrefix.empty()) && IsURI(theURI);
     free(theCopy);
     return thePrefix == "xml" ? fIsXML : fIsOther;
 }

@@ -14,6 +14,9 @@ inline bool IsDeclaration(const QName& aName)
     return aName.mPrefix.empty() ? aName.mLocal == "xmlns" : aName.mPrefix == "xmlns";
 }
 
+// True for xml:id, whose value some readers check: a name that is in the document once.
+inline bool IsID(const QName& aName) { return aName.mPrefix == "xml" && aName.mLocal == "id"; }
+
 // The names of a tag's attributes, so that none comes twice.
 class AttributeNames
 {
@@ -57,7 +60,7 @@ public:
 
     // A text that is the same for the same namespace; empty for none.
     std::string_view NamespaceOf(std::string_view aPrefix) const;
-    // False when the attribute has a prefix that is not declared, or the tag has it already.
+    // False when the attribute has a prefix that is not declared, is an ID, or when the tag has it already.
     bool AddName(AttributeNames* aNames, const QName& anAttribute) const;
 
 private:

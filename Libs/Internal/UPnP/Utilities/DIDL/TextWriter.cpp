@@ -140,7 +140,7 @@ size_t AllowedLength(std::string_view aText)
     while (!theRest.empty() && theRest[0] != 0)
     {
         const size_t theIndex = ReplacementOf(theRest[0]);
-        const Character theCharacter = theIndex > 0 ? Character{ 0, 1, true } : CharacterAt(theRest);
+        const Character theCharacter = theIndex > 0 ? Character{ 1, 0, true } : CharacterAt(theRest);
         const std::string_view theText = !theCharacter.mfIsAllowed ? kReplacementCharacter
                                          : theIndex > 0            ? kReplacements[theIndex - 1].mText
                                                                    : theRest.substr(0, theCharacter.mLength);
