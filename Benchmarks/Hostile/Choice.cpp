@@ -152,24 +152,6 @@ void Add(Shapes& aShapes, const std::string& aName, const std::function<void(siz
     aShapes.push_back({ "choice: " + aName, kMaxPeakOfObject, kMaxPeakOfObject, aRun });
 }
 
-// Targets, with resources on as many hosts.
-void ChooseForTargets(size_t aSize, Meter& aMeter)
-{
-    size_t theBytes;
-    zoPackedData_t* theRecord = NewRecord({ "http://10.#.1.2/a", "http-get:*:a/b:*" }, aSize / 2, &theBytes);
-    std::vector<uint32> theTargets(aSize / 2 / sizeof(uint32));
-    for (size_t i = 0; i < theTargets.size(); ++i)
-        theTargets[i] = static_cast<uint32>(i * 2654435761u);
-    aMeter.Run(theBytes + theTargets.size() * sizeof(uint32),
-               [&]
-               {
-        int theConfidence;
-        CDSResourceInfo::GetBestResourceIndex(nullptr, theRecord, &theConfidence, "", theTargets.data(),
-                                              static_cast<uint32>(theTargets.size()));
-    });
-    zoPackedData_Free(theRecord);
-}
-
 // A resource with a long URI and a long profile before many with short ones, and as many profiles to look for.
 void ChooseBesideLongTexts(size_t aSize, Meter& aMeter)
 {
@@ -290,7 +272,6 @@ void AddChoiceShapes(Shapes& aShapes)
         }
     }
     Add(aShapes, "a long URI and a long profile among short ones", ChooseBesideLongTexts);
-    Add(aShapes, "targets and hosts", ChooseForTargets);
     for (const auto& [theItem, theElement] : { std::pair("s#", "p#:*:a/b:*"), std::pair("p#", "p#:*:a/b:*"),
                                                std::pair("http", "http-#:*:a/b:*"), std::pair("a", "b:*:a/b:*") })
     {

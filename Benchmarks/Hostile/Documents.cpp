@@ -273,6 +273,18 @@ void AddDocumentShapes(Shapes& aShapes)
             });
         }
     }
+    for (const std::string theAttribute : { " a=\"\"", " a#=\"\"", " xmlns:a#=\"\"", " xmlns:a#=\",\"" })
+    {
+        for (const size_t theLength : { size_t{ 250 }, size_t{ 1000 }, size_t{ 2000 } })
+        {
+            const std::string theName = "root of " + std::to_string(theLength) + " bytes of" + theAttribute;
+            const auto Make = [=](size_t aSize)
+            { return "<DIDL-Lite" + Fill(theAttribute, theLength) + ">" + Fill("<item/>", aSize) + kRootEnd; };
+            AddBrowse(aShapes, theName, [Make](size_t aSize) { return std::pair(Make(aSize), ""); });
+            aShapes.push_back({ "document: " + theName, kMaxPeakOfBrowseResult, kMaxKeptOfBrowseResult,
+                                [Make](size_t aSize, Meter& aMeter) { ReadDocument(Make(aSize), "", aMeter); } });
+        }
+    }
     for (const char theByte : { '"', ',', '<', 'a', '&' })
     {
         for (const size_t theLength : { size_t{ 200 }, size_t{ 1000 }, size_t{ 4000 }, size_t{ 9000 } })

@@ -167,6 +167,7 @@ int main(int argc, char** argv)
     AddRecordShapes(theShapes);
     AddCallShapes(theShapes);
     AddOtherShapes(theShapes);
+    AddProductShapes(theShapes);
     setvbuf(stdout, nullptr, _IOLBF, 0);
     mallopt(M_MMAP_MAX, 0); // memory is touched for the first time in a run that does not count
     mallopt(M_TRIM_THRESHOLD, -1);

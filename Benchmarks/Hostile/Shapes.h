@@ -40,6 +40,7 @@ void AddChoiceShapes(Shapes& aShapes);
 void AddRecordShapes(Shapes& aShapes);
 void AddCallShapes(Shapes& aShapes);
 void AddOtherShapes(Shapes& aShapes);
+void AddProductShapes(Shapes& aShapes);
 
 /* Appends aText, its "#" replaced by numbers from 0 on, until aSize bytes are there. */
 std::string Fill(const std::string& aText, size_t aSize);

@@ -42,6 +42,7 @@ struct zoConfigFile
     bool mfIsLoaded;
     ConfigFile::Lines mLines;
     zoCustomHashTable* mSections; // of Section
+    size_t mListedSection;        // the index of the one whose name GetSectionAt gave last
 };
 
 // ---- Tables of records: a table's values are blocks that it frees ----
@@ -88,9 +89,14 @@ static void PutEntry(Section* aSection, const char* aKey, Entry* anEntry)
     zoCustomHashTable_AddValueAllocated(aSection->mEntries, aKey, reinterpret_cast<char*>(anEntry));
 }
 
+// Whoever lists sections asks for each key of one by the name that was given: it is not read each time.
 static Section* FindSection(const zoConfigFile* aConfigFile, const char* aSection)
 {
-    return aConfigFile && aSection ? FindRecord<Section>(aConfigFile->mSections, aSection) : nullptr;
+    if (!aConfigFile || !aSection) { return nullptr; }
+    const size_t theListed = __atomic_load_n(&aConfigFile->mListedSection, __ATOMIC_RELAXED);
+    const bool fIsListed = zoCustomHashTable_GetKeyAtIndex(aConfigFile->mSections, theListed) == aSection;
+    return fIsListed ? RecordAt<Section>(aConfigFile->mSections, theListed)
+                     : FindRecord<Section>(aConfigFile->mSections, aSection);
 }
 
 static Section* FindOrAddSection(zoConfigFile* aConfigFile, const char* aSection)
@@ -263,7 +269,10 @@ size_t zoConfigFile_GetSectionCount(const zoConfigFile* aConfigFile)
 
 const char* zoConfigFile_GetSectionAt(const zoConfigFile* aConfigFile, size_t anIndex)
 {
-    return aConfigFile ? zoCustomHashTable_GetKeyAtIndex(aConfigFile->mSections, anIndex) : nullptr;
+    if (!aConfigFile) { return nullptr; }
+    __atomic_store_n(&const_cast<zoConfigFile*>(aConfigFile)->mListedSection, anIndex,
+                     __ATOMIC_RELAXED); // several read
+    return zoCustomHashTable_GetKeyAtIndex(aConfigFile->mSections, anIndex);
 }
 
 size_t zoConfigFile_GetKeyCount(const zoConfigFile* aConfigFile, const char* aSection)
