@@ -35,7 +35,36 @@ uint32 ProtocolInfo::CountParameters(string_view aParameters)
     return theCount;
 }
 
-// Collects the hashes of all parameters, and of how many.
+// Keeps each of the sorted hashes once, and numbers the parameters: the fewer elements have one, the lower its number.
+// A set is compared in that order, and a protocol info mostly lacks what few elements have.
+static void NumberParameters(MatchIndex* anIndex, uint32 aHashCount)
+{
+    uint64* theHashes = anIndex->mParameterHashes;
+    uint32* theCounts = Shared::NewZeroedArray<uint32>(aHashCount);
+    uint32* theOrder = Shared::NewArray<uint32>(aHashCount);
+    uint32 theCount = 0;
+    for (uint32 i = 0; i < aHashCount; ++i)
+    {
+        if (theCount == 0 || theHashes[i] != theHashes[theCount - 1])
+        {
+            theHashes[theCount] = theHashes[i];
+            theOrder[theCount] = theCount;
+            ++theCount;
+        }
+        ++theCounts[theCount - 1];
+    }
+    std::sort(theOrder, theOrder + theCount,
+              [theCounts](uint32 aLeft, uint32 aRight) {
+        return theCounts[aLeft] != theCounts[aRight] ? theCounts[aLeft] < theCounts[aRight] : aLeft < aRight;
+    });
+    anIndex->mParameterHashCount = theCount;
+    anIndex->mParameterNumbers = theCounts; // which are not needed any more
+    for (uint32 i = 0; i < theCount; ++i)
+        anIndex->mParameterNumbers[theOrder[i]] = i;
+    free(theOrder);
+}
+
+// Collects the hashes of all parameters.
 static void CollectParameters(MatchIndex* anIndex, uint32 aParameterCount)
 {
     anIndex->mParameterHashes = Shared::NewArray<uint64>(aParameterCount);
@@ -47,8 +76,7 @@ static void CollectParameters(MatchIndex* anIndex, uint32 aParameterCount)
             *theEnd++ = KeyedHash::Hash(anIndex->mKey, theParameter);
     }
     std::sort(anIndex->mParameterHashes, theEnd);
-    theEnd = std::unique(anIndex->mParameterHashes, theEnd);
-    anIndex->mParameterHashCount = static_cast<uint32>(theEnd - anIndex->mParameterHashes);
+    NumberParameters(anIndex, aParameterCount);
 }
 
 ParameterSet ProtocolInfo::ReadSet(const MatchIndex* anIndex, string_view aParameters, uint32* aNumbers)
@@ -62,7 +90,7 @@ ParameterSet ProtocolInfo::ReadSet(const MatchIndex* anIndex, string_view aParam
         const uint64 theHash = KeyedHash::Hash(anIndex->mKey, theParameter);
         const uint64* theFound = std::lower_bound(theBegin, theEnd, theHash);
         if (theFound == theEnd || *theFound != theHash) { continue; }
-        *theNumbersEnd = static_cast<uint32>(theFound - theBegin);
+        *theNumbersEnd = anIndex->mParameterNumbers[theFound - theBegin];
         theSet.mFingerprint.Add(*theNumbersEnd++);
     }
     std::sort(aNumbers, theNumbersEnd);
@@ -71,29 +99,8 @@ ParameterSet ProtocolInfo::ReadSet(const MatchIndex* anIndex, string_view aParam
     return theSet;
 }
 
-// Adds to each element's hash that one of its parameters which the fewest elements have: a protocol info without it is
-// not compared with the element, however many elements have other parameters.
-static void AddRarestParameters(MatchIndex* anIndex)
-{
-    uint32* theCounts = Shared::NewZeroedArray<uint32>(anIndex->mParameterHashCount);
-    for (uint32 i = 0; i < anIndex->mSetCount; ++i)
-    {
-        for (uint32 k = 0; k < anIndex->mSets[i].mCount; ++k)
-            ++theCounts[anIndex->mSets[i].mNumbers[k]];
-    }
-    for (uint32 i = 0; i < anIndex->mCount; ++i)
-    {
-        Entry* theEntry = &anIndex->mEntries[i];
-        if (theEntry->mParameters == kNone) { continue; }
-        const ParameterSet& theSet = anIndex->mSets[theEntry->mParameters];
-        const uint32* theRarest =
-            std::min_element(theSet.mNumbers, theSet.mNumbers + theSet.mCount,
-                             [=](uint32 aLeft, uint32 aRight) { return theCounts[aLeft] < theCounts[aRight]; });
-        theEntry->mMimeType = WithParameter(theEntry->mMimeType, *theRarest);
-    }
-    free(theCounts);
-}
-
+// Makes the set of each element, and adds to its hash that one of its parameters which the fewest elements have: a
+// protocol info without it is not compared with the element, however many elements have other parameters.
 static void AddParameterSets(MatchIndex* anIndex)
 {
     uint32 theParameterCount = 0;
@@ -112,13 +119,13 @@ static void AddParameterSets(MatchIndex* anIndex)
     uint32* theNumbers = anIndex->mNumbers;
     for (uint32 i = 0; i < anIndex->mCount; ++i)
     {
-        const Entry& theEntry = anIndex->mEntries[i];
-        if (theEntry.mParameters == kNone) { continue; }
-        const ParameterSet theSet = ReadSet(anIndex, theEntry.mInfo->mMimeParameters, theNumbers);
-        anIndex->mSets[theEntry.mParameters] = theSet;
+        Entry* theEntry = &anIndex->mEntries[i];
+        if (theEntry->mParameters == kNone) { continue; }
+        const ParameterSet theSet = ReadSet(anIndex, theEntry->mInfo->mMimeParameters, theNumbers);
+        anIndex->mSets[theEntry->mParameters] = theSet;
+        theEntry->mMimeType = WithParameter(theEntry->mMimeType, theSet.mNumbers[0]);
         theNumbers += theSet.mCount;
     }
-    AddRarestParameters(anIndex);
 }
 
 // ---- Elements ----
@@ -262,6 +269,7 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
     free(anIndex->mProfiles.mSlots);
     free(anIndex->mWildCards);
     free(anIndex->mParameterHashes);
+    free(anIndex->mParameterNumbers);
     free(anIndex->mSets);
     free(anIndex->mNumbers);
     free(anIndex);

@@ -93,8 +93,8 @@ struct HashTable
     }
 };
 
-// The elements of a list in three orders of their hashes, and the parameters of their MIME types numbered in the order
-// of theirs. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared,
+// The elements of a list in three orders of their hashes, and the parameters of their MIME types by numbers, the rarest
+// first. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared,
 // too.
 struct MatchIndex
 {
@@ -110,7 +110,8 @@ struct MatchIndex
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
-    uint64* mParameterHashes; // of all elements, each once
+    uint64* mParameterHashes;  // of all elements, each once
+    uint32* mParameterNumbers; // of each hash: the fewer elements have it, the lower
     uint32 mParameterHashCount;
     ParameterSet* mSets;
     uint32 mSetCount;
