@@ -68,12 +68,20 @@ uint32 ILibString_ParseTimeString(const char* aText)
 
 // ---- Words ----
 
+// Whether aWord is the text, which may have a NUL in it. Most words differ at their first letter.
+static bool IsWord(const char* aText, size_t aLength, const char* aWord)
+{
+    for (size_t i = 0; i < aLength; ++i)
+        if (aWord[i] == 0 || Shared::ToLower(aText[i]) != Shared::ToLower(aWord[i])) { return false; }
+    return aWord[aLength] == 0;
+}
+
 int ILibString_FindSubStringInArray(const char* aText, size_t aLength, const char** anArray)
 {
     if (!aText || !anArray) { return -1; }
     for (int i = 0; anArray[i]; ++i)
     {
-        if (Shared::EqualsIgnoringCase({ aText, aLength }, anArray[i])) { return i; }
+        if (IsWord(aText, aLength, anArray[i])) { return i; }
     }
     return -1;
 }
