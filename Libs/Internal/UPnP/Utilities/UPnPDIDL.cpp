@@ -378,13 +378,12 @@ int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char*
     if (!theNode) { return kUPnPError_None; }
     *aDIDLType = TypeOf(theNode);
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
-    const Object theObject = { { theNode, true },
-                               theAttributes,
-                               aDocument->mDIDLNode,
-                               aDocument->mBaseURL,
-                               *aDIDLType == kDIDLItemType_Item,
-                               false,
-                               &aDocument->mShared };
+    const bool fHasInnerObjects = HasInnerObjects(theNode);
+    if (!fHasInnerObjects) { aDocument->mNext = theNode->ClosingTag; }
+    const Object theObject = {
+        { theNode, fHasInnerObjects },    theAttributes, aDocument->mDIDLNode, aDocument->mBaseURL,
+        *aDIDLType == kDIDLItemType_Item, false,         &aDocument->mShared
+    };
     const int fIsValid = ParseObject(theObject, aData, aRes);
     ILibDestructXMLAttributeList(theAttributes);
     if (fIsValid) { return kUPnPError_None; }

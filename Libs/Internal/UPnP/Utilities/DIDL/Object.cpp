@@ -44,14 +44,14 @@ bool ObjectParser::ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_
 void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* aBaseURL, int afIsItem)
 {
     aParser->mNodes = aNodes;
-    aParser->mTextLength = aNodes.TextLength();
+    const std::string_view theText = GetInnerXML(aNodes.mStartTag);
+    aParser->mTextLength = aNodes.TextLength(theText.size());
     aParser->mMaxStored = std::max(Multiple(aParser->mTextLength, kStoredPerText), kLeastStored);
     aParser->mMaxRead = Multiple(aParser->mMaxStored, kReadPerStored);
     aParser->mMaxAbsolute = std::max(Multiple(aParser->mTextLength, kAbsolutePerText), kLeastAbsolute);
     const bool fHasBaseURL = aBaseURL && strnlen(aBaseURL, kMaxBaseURLLength + 1) <= kMaxBaseURLLength;
     aParser->mBaseURL = fHasBaseURL ? aBaseURL : nullptr;
 
-    const std::string_view theText = GetInnerXML(aNodes.mStartTag);
     if (theText.data())
     {
         const char* theBegin = Shared::QualifiedName(aNodes.mStartTag).data();
@@ -85,14 +85,20 @@ struct LastTexts
     explicit LastTexts(ObjectParser* aParser)
     {
         for (size_t i = 0; i < kSingleText_Count; ++i)
-            mTexts[i] = GetInnerXML(aParser->mLast[i]);
-        std::string_view* theDate = &mTexts[kSingleText_Date];
-        *theDate = aParser->mResolver.Resolve(*theDate);
-        if (!theDate->empty() && !IsDate(*theDate)) { *theDate = {}; }
+            Set(i, GetInnerXML(aParser->mLast[i]));
+        const std::string_view theDate = aParser->mResolver.Resolve((*this)[kSingleText_Date]);
+        Set(kSingleText_Date, theDate.empty() || IsDate(theDate) ? theDate : std::string_view());
     }
-    const std::string_view& operator[](SingleText aKind) const { return mTexts[aKind]; }
+    std::string_view operator[](size_t aKind) const { return { mTexts[aKind].mData, mTexts[aKind].mSize }; }
 
-    std::string_view mTexts[kSingleText_Count];
+private:
+    void Set(size_t aKind, std::string_view aText) { mTexts[aKind] = { aText.data(), aText.size() }; }
+
+    struct
+    {
+        const char* mData;
+        size_t mSize;
+    } mTexts[kSingleText_Count]; // std::string_view would be set to zero first
 };
 
 } // namespace

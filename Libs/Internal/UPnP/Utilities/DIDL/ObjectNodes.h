@@ -22,11 +22,21 @@ inline int TypeOf(const ILibXMLNode* aNode)
 
 inline bool IsObject(const ILibXMLNode* aNode) { return TypeOf(aNode) != kDIDLItemType_None; }
 
+// True if there are objects among the child elements of an element.
+inline bool HasInnerObjects(const ILibXMLNode* aStartTag)
+{
+    if (aStartTag->Next == aStartTag->ClosingTag) { return false; }
+    const ILibXMLNode* theChild = aStartTag->Next;
+    while (theChild && !IsObject(theChild))
+        theChild = theChild->Peer;
+    return theChild != nullptr;
+}
+
 // The nodes that make an object: those between its start tag and its end tag, with the objects inside or without.
 struct ObjectNodes
 {
-    ILibXMLNode* mStartTag; // NULL for an object without nodes
-    bool mfSkipsInnerObjects;
+    ILibXMLNode* mStartTag;   // NULL for an object without nodes
+    bool mfSkipsInnerObjects; // of which there are some
 
     // aNode, or the end tag of the object inside that begins there when those are skipped.
     ILibXMLNode* SkipInnerObject(ILibXMLNode* aNode) const
@@ -35,14 +45,13 @@ struct ObjectNodes
         return fIsSkipped ? aNode->ClosingTag : aNode;
     }
 
-    // The length of the object's text.
-    size_t TextLength() const
+    // The length of the object's text, given that of its inner XML.
+    size_t TextLength(size_t aLength) const
     {
-        size_t theLength = GetInnerXML(mStartTag).size();
-        if (!mfSkipsInnerObjects || theLength == 0 || mStartTag->Next == mStartTag->ClosingTag) { return theLength; }
+        if (!mfSkipsInnerObjects) { return aLength; }
         for (ILibXMLNode* theChild = mStartTag->Next; theChild; theChild = theChild->Peer)
-            if (IsObject(theChild)) { theLength -= GetInnerXML(theChild).size(); }
-        return theLength;
+            if (IsObject(theChild)) { aLength -= GetInnerXML(theChild).size(); }
+        return aLength;
     }
 };
 
