@@ -40,27 +40,35 @@ bool EntryBuilder::Grow(size_t aCount, uint64 aSize)
     return true;
 }
 
-// Copies at the end, so that nothing is to be kept beyond the call of memcpy.
-void EntryBuilder::AddBytes(uint16 aTag, const char* aBytes, size_t aSize)
+// Adds a row of aSize bytes. Returns where they go.
+char* EntryBuilder::AddRow(uint16 aTag, size_t aSize)
 {
-    if (!Reserve(1, aSize)) { return; }
     char* theTarget = mBytes + mByteCount;
     mByteCount += aSize;
     mTags[mRowCount] = aTag;
     mEnds[mRowCount] = static_cast<uint32>(mByteCount);
     ++mRowCount;
+    return theTarget;
+}
+
+void EntryBuilder::AddBytes(uint16 aTag, const char* aBytes, size_t aSize)
+{
+    if (!Reserve(1, aSize)) { return; }
+    char* theTarget = AddRow(aTag, aSize);
     if (aSize > 0) { memcpy(theTarget, aBytes, aSize); }
 }
 
+void EntryBuilder::GrowAndAddText(uint16 aTag, std::string_view aText)
+{
+    if (Grow(1, uint64{ aText.size() } + 1)) { AddText(aTag, aText); }
+}
+
+// Calls others at the end only, so that nothing is to be kept beyond a call.
 void EntryBuilder::AddText(uint16 aTag, std::string_view aText)
 {
-    if (!Reserve(1, uint64{ aText.size() } + 1)) { return; }
-    char* theTarget = mBytes + mByteCount;
+    if (!HasRoom(1, uint64{ aText.size() } + 1)) { return GrowAndAddText(aTag, aText); }
+    char* theTarget = AddRow(aTag, aText.size() + 1);
     theTarget[aText.size()] = 0;
-    mByteCount += aText.size() + 1;
-    mTags[mRowCount] = aTag;
-    mEnds[mRowCount] = static_cast<uint32>(mByteCount);
-    ++mRowCount;
     if (!aText.empty()) { memcpy(theTarget, aText.data(), aText.size()); }
 }
 

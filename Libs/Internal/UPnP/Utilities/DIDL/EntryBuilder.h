@@ -137,11 +137,14 @@ public:
     char* NewBlock() const { return zoPackedData_NewBlock(mTags, mEnds, static_cast<uint32>(mRowCount), mBytes); }
 
 private:
-    bool Reserve(size_t aCount, uint64 aSize)
+    bool HasRoom(size_t aCount, uint64 aSize) const
     {
-        return (aSize <= mByteCapacity - mByteCount && aCount <= mRowCapacity - mRowCount) || Grow(aCount, aSize);
+        return aSize <= mByteCapacity - mByteCount && aCount <= mRowCapacity - mRowCount;
     }
+    bool Reserve(size_t aCount, uint64 aSize) { return HasRoom(aCount, aSize) || Grow(aCount, aSize); }
     [[gnu::cold]] bool Grow(size_t aCount, uint64 aSize);
+    [[gnu::cold, gnu::noinline]] void GrowAndAddText(uint16 aTag, std::string_view aText);
+    char* AddRow(uint16 aTag, size_t aSize);
 
     enum : size_t
     {

@@ -6,9 +6,11 @@
 namespace DIDL
 {
 
-bool NameSet::IsInTable(std::string_view aName) const
+bool NameSet::Find(std::string_view aName) const
 {
-    return mTable && zoCustomHashTable_Get(mTable, NulTerminated(aName).c_str()) != nullptr;
+    for (size_t i = 0; i < mCount; ++i)
+        if (Shared::Equals({ mInline[i].mData, mInline[i].mSize }, aName)) { return true; }
+    return mTable && aName.size() <= mLongest && zoCustomHashTable_Get(mTable, NulTerminated(aName).c_str()) != nullptr;
 }
 
 void NameSet::AddToTable(std::string_view aName)
@@ -23,6 +25,7 @@ void NameSet::Clear()
     zoCustomHashTable_Delete(mTable);
     mTable = nullptr;
     mLongest = 0;
+    mSlots = 0;
     mCount = 0;
 }
 

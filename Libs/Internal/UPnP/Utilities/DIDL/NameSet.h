@@ -16,16 +16,12 @@ public:
     NameSet(const NameSet&) = delete;
     NameSet& operator=(const NameSet&) = delete;
 
-    bool Contains(std::string_view aName) const
-    {
-        for (size_t i = 0; i < mCount; ++i)
-            if (Shared::Equals({ mInline[i].mData, mInline[i].mSize }, aName)) { return true; }
-        return aName.size() <= mLongest && IsInTable(aName);
-    }
+    bool Contains(std::string_view aName) const { return (mSlots & SlotOf(aName)) != 0 && Find(aName); }
 
     // Adds a name that the set does not contain.
     void Add(std::string_view aName)
     {
+        mSlots |= SlotOf(aName);
         if (mCount < kInline) { mInline[mCount++] = { aName.data(), aName.size() }; }
         else { AddToTable(aName); }
     }
@@ -40,19 +36,27 @@ public:
     // Makes a set without names equal to one that is inline.
     void AssignInline(const NameSet& aNames)
     {
+        mSlots = aNames.mSlots;
         mCount = aNames.mCount;
         for (size_t i = 0; i < mCount; ++i)
             mInline[i] = aNames.mInline[i];
     }
 
 private:
-    bool IsInTable(std::string_view aName) const;
+    // A bit that differs for most names: of the length and the last letter.
+    static uint64 SlotOf(std::string_view aName)
+    {
+        const uint32 theLast = aName.empty() ? 0 : static_cast<uint8>(aName.back());
+        return uint64{ 1 } << ((aName.size() * 5 + theLast) % 64);
+    }
+    bool Find(std::string_view aName) const;
     void AddToTable(std::string_view aName);
 
     enum : size_t
     {
         kInline = 16 // few documents declare more namespaces
     };
+    uint64 mSlots = 0;                   // the bits of all names
     size_t mCount = 0;                   // in mInline
     zoCustomHashTable* mTable = nullptr; // NULL until mInline is full
     size_t mLongest = 0;                 // of the names in the table: longer ones, of any length, are not hashed

@@ -90,13 +90,9 @@ static bool AppendAttribute(NamespaceList* aList, const ILibXMLAttribute* anAttr
 
 // ---- The declarations of the object's elements ----
 
-void NamespaceList::AddXMLNameSpaces(const ILibXMLAttribute* anAttributes)
+void NamespaceList::AddXMLNameSpace(const ILibXMLAttribute* anAttribute)
 {
-    for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
-    {
-        const bool fIsDeclaration = Shared::Equals(Shared::Prefix(theAttribute), kXMLNS);
-        if (fIsDeclaration) { AppendAttribute(this, theAttribute, ValueSource::Attribute, SIZE_MAX); }
-    }
+    AppendAttribute(this, anAttribute, ValueSource::Attribute, SIZE_MAX);
 }
 
 // ---- The declarations of the root ----

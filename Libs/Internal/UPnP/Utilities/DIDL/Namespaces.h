@@ -39,7 +39,11 @@ public:
                                    size_t aMaxSize = SIZE_MAX);
 
     // Adds the xmlns: attributes of an element inside the object, or of the object itself.
-    void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes);
+    void AddXMLNameSpaces(const ILibXMLAttribute* anAttributes)
+    {
+        for (const ILibXMLAttribute* theAttribute = anAttributes; theAttribute; theAttribute = theAttribute->Next)
+            if (Shared::Equals(Shared::Prefix(theAttribute), "xmlns")) { AddXMLNameSpace(theAttribute); }
+    }
 
     // Adds the declarations of the root, and each attribute of it that has no prefix.
     void AddAllOfRoot(ILibXMLNode* aRoot);
@@ -67,6 +71,7 @@ public:
 
 private:
     void Clear();
+    [[gnu::cold]] void AddXMLNameSpace(const ILibXMLAttribute* anAttribute);
     [[gnu::cold]] void AppendEscaped(std::string_view aText, ValueSource aSource);
     [[gnu::cold]] bool AppendEscapedXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
                                           size_t aMaxSize);

@@ -153,7 +153,7 @@ static bool HasScheme(const char* aURI)
 [[gnu::noinline]] static char* NewAbsoluteURI(ObjectParser* aParser, std::string_view aURI)
 {
     const NulTerminated theURI(aURI);
-    if (!aParser->mBaseURL || aURI.empty() || HasScheme(theURI.c_str())) { return nullptr; }
+    if (aURI.empty() || HasScheme(theURI.c_str())) { return nullptr; }
     char* theAbsolute = zoURI_S_Combine(aParser->mBaseURL, theURI.c_str());
     const size_t theLength = strlen(theAbsolute);
     if (theLength > aParser->mMaxAbsolute - aParser->mAbsoluteLength)
@@ -169,7 +169,7 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 {
     std::string_view theURI;
     aParser->ReadText(aNode, kRepeatedText_URI, &theURI); // "" when enough is stored: each resource has an entry
-    char* theAbsolute = NewAbsoluteURI(aParser, theURI);
+    char* theAbsolute = aParser->mBaseURL ? NewAbsoluteURI(aParser, theURI) : nullptr;
     aParser->mResource.AddText(kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
     free(theAbsolute);
 }
