@@ -11,8 +11,8 @@
  * - Target addresses are the IPv4 addresses, in network byte order, of the devices that will fetch the resource: a host
  *   that shares the first three, two or one octets with a target is nearer. May be NULL when the count is 0.
  *
- * A choice takes time linear in the resources, and for each up to the length of a list of at most 2048 elements or the
- * number of targets. */
+ * A choice takes time linear in the resources. For each it takes at most as long as it takes to go through the targets
+ * and through the list, the parameters of its MIME types included; a list made of a text has at most 2048 elements. */
 
 #include <UPnP/Utilities/Export.h>
 #include <UPnP/Utilities/UPnPConst.h>
@@ -274,8 +274,9 @@ public:
      * Of several, one with a DLNA profile is taken (with Should only), then one on an IPv4 host, then the nearest, then
      * the best in the scheme order, then one that is not converted (not at the last stage, which takes them in document
      * order, and not without a list), then the first. A resource without protocol info matches at the first stage
-     * already, with the transport protocol of its URI: the MIME type that the URI suggests is not compared. Thumbnails
-     * are not considered.
+     * already, with the transport protocol of its URI: the MIME type that the URI suggests is not compared. A resource
+     * without URI is considered when it has a protocol info, so the URI of the result may be "". Thumbnails are not
+     * considered.
      * @param aSinkProtocolInfoList  what the renderer plays. NULL when that is unknown: everything matches then, at the
      *                               first stage, so the confidence is Should.
      * @param aConfidence out, may be NULL: the confidence.
