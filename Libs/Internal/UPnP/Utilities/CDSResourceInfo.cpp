@@ -426,8 +426,7 @@ int CDSResourceInfo_GetResourceIndexForThumbnail(const zoPackedData_t* aResource
     if (!aThumbnailType) { return -1; }
     const CDS::Targets theTargets(aTargetIPAddresses, aTargetIPCount);
     if (strchr(aThumbnailType, ',')) { return ChooseThumbnailFromStr(aResourceInfo, aThumbnailType, theTargets); }
-    CDS::Resources theResources(aResourceInfo);
-    return CDS::ChooseThumbnailOfType(&theResources, aThumbnailType, theTargets);
+    return CDS::ChooseThumbnailOfType(CDS::Resources(aResourceInfo), aThumbnailType, theTargets);
 }
 
 int CDSResourceInfo::GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses,
@@ -468,8 +467,8 @@ static void ChoosePicture(const Pictures& aPictures, const char* aProfileList, C
     const bool fHasAlbumArt = *theAlbumArt.mURI != '\0';
     if (!fHasAlbumArt || !CDS::HasListedProfile(theAlbumArt, theProfiles))
     {
-        CDS::Resources theResources(aPictures.mResourceInfo);
-        const int theIndex = CDS::ChooseThumbnail(&theResources, theProfiles, aTargets);
+        const CDS::Resources theResources(aPictures.mResourceInfo);
+        const int theIndex = CDS::ChooseThumbnail(theResources, theProfiles, aTargets);
         if (theIndex >= 0)
         {
             const uint32 theResource = static_cast<uint32>(theIndex);

@@ -38,7 +38,7 @@ public:
     const char* c_str() const { return mText ? mText : mShort; }
     /** @return the number of bytes. */
     size_t length() const { return mLength; }
-    /** @return whether the text is "". */
+    /** True if the text is "". */
     bool IsEmpty() const { return mLength == 0; }
 
     /** @return 0 when equal, below 0 when this text sorts before aString by its bytes, else above 0. */
@@ -46,7 +46,7 @@ public:
 
     /** @return the position of the first aNeedle at aStart or after it; zoNotFound when there is none or it is "". */
     int Find(const zoCString& aNeedle, size_t aStart = 0) const;
-    /** @return whether Find finds it. */
+    /** True if Find finds it. */
     bool Contains(const zoCString& aNeedle) const { return Find(aNeedle) != zoNotFound; }
 
     /** @return the text before the first aCharacter; the whole text when there is none. */
@@ -66,11 +66,11 @@ private:
     char mShort[16] = {};
 };
 
-/** Whether the texts have the same bytes. */
+/** True if the texts have the same bytes. */
 ZO_API bool operator==(const zoCString& aLeft, const zoCString& aRight);
-/** Whether the texts differ. */
+/** True if the texts differ. */
 ZO_API bool operator!=(const zoCString& aLeft, const zoCString& aRight);
-/** The text with a character behind it. */
+/** The text with a character after it. */
 ZO_API zoCString operator+(const zoCString& aString, char aCharacter);
-/** The two texts, one behind the other. */
+/** The two texts, one after the other. */
 ZO_API zoCString operator+(const zoCString& aLeft, const zoCString& aRight);

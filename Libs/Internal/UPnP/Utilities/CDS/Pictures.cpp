@@ -152,7 +152,7 @@ namespace
 class ThumbnailSearch
 {
 public:
-    ThumbnailSearch(Resources* aResources, Targets aTargets);
+    ThumbnailSearch(const Resources& aResources, Targets aTargets);
     ~ThumbnailSearch() { free(mByProfile); }
     ThumbnailSearch(const ThumbnailSearch&) = delete;
     ThumbnailSearch& operator=(const ThumbnailSearch&) = delete;
@@ -187,12 +187,12 @@ private:
 
 } // namespace
 
-ThumbnailSearch::ThumbnailSearch(Resources* aResources, Targets aTargets)
-    : mResources(*aResources), mTargets(aTargets), mInfos(aResources->GetRoom()), mCount(0)
+ThumbnailSearch::ThumbnailSearch(const Resources& aResources, Targets aTargets)
+    : mResources(aResources), mTargets(aTargets), mInfos(aResources.GetRoom()), mCount(0)
 {
-    for (uint32 i = 0; i < aResources->GetCount(); ++i)
+    for (uint32 i = 0; i < aResources.GetCount(); ++i)
     {
-        const Resource& theResource = aResources->At(i);
+        const Resource& theResource = aResources.At(i);
         if (!theResource.mInfo) { continue; }
         mInfos[mCount++] = theResource.mInfo;
         if (!theResource.mfHasProtocolInfo) { mWithoutInfo = kUnknown; }
@@ -317,12 +317,12 @@ int ThumbnailSearch::FindOfType(string_view aThumbnailType)
     return theFound < 0 ? FindOfMimeType(fIsPNG, theProfile.empty()) : theFound;
 }
 
-int ChooseThumbnailOfType(Resources* aResources, string_view aThumbnailType, Targets aTargets)
+int ChooseThumbnailOfType(const Resources& aResources, string_view aThumbnailType, Targets aTargets)
 {
     return ThumbnailSearch(aResources, aTargets).FindOfType(aThumbnailType);
 }
 
-int ChooseThumbnail(Resources* aResources, string_view aProfiles, Targets aTargets)
+int ChooseThumbnail(const Resources& aResources, string_view aProfiles, Targets aTargets)
 {
     ThumbnailSearch theSearch(aResources, aTargets);
     int theFound = -1;

@@ -31,9 +31,9 @@ bool HasListedFamily(const AlbumArt& anAlbumArt, std::string_view aProfiles);
 /** @param aThumbnailType  a DLNA profile, without commas.
  *  @return the thumbnail of that profile, or else a picture of its MIME type without a profile; -1 when there is
  *          none. */
-int ChooseThumbnailOfType(Resources* aResources, std::string_view aThumbnailType, Targets aTargets);
+int ChooseThumbnailOfType(const Resources& aResources, std::string_view aThumbnailType, Targets aTargets);
 /** @return the thumbnail of the first listed profile for which there is one; -1 when there is none. Takes time linear
  *  in resources and profiles together. */
-int ChooseThumbnail(Resources* aResources, std::string_view aProfiles, Targets aTargets);
+int ChooseThumbnail(const Resources& aResources, std::string_view aProfiles, Targets aTargets);
 
 } // namespace CDS

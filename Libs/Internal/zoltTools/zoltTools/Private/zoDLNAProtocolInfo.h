@@ -1,6 +1,6 @@
 #pragma once
 
-/* The record behind zoDLNAProtocolInfo.h. */
+/* The record of zoDLNAProtocolInfo.h. */
 
 #include <Shared/ASCII.h>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-/* The record behind zoDLNAProtocolInfoList.h. */
+/* The record of zoDLNAProtocolInfoList.h. */
 
 #include <atomic>
 #include <zoltTools/Private/zoDLNAProtocolInfo.h>
@@ -17,7 +17,7 @@ struct Slot
     uint32 mRank; // while there is a cursor: the first item of the order that covers the element; else meaningless
 };
 
-// Where draining stands: no element before mPosition has rank mRank, and none at all has a smaller one.
+// How far draining is: no element before mPosition has rank mRank, and none at all has a smaller one.
 struct Cursor
 {
     char* mOrder; // NULL while there is no cursor
@@ -59,7 +59,7 @@ inline Slot* SlotAt(const zoDLNAProtocolInfoList_t* aList, size_t aPosition)
     return aList->mSlots + (aPosition < aList->mGapBegin ? aPosition : aPosition + theGap);
 }
 
-/** Forgets where draining stands. */
+/** Forgets how far draining is. */
 void DropCursor(zoDLNAProtocolInfoList_t* aList);
 /** Releases the index, which the next match makes anew. */
 void DropMatchIndex(zoDLNAProtocolInfoList_t* aList);

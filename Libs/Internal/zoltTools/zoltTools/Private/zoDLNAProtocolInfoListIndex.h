@@ -147,7 +147,7 @@ inline uint32 HashOf(uint64 aKey, std::string_view aText)
     return Shorten(KeyedHash::Hash<afIsExact>(aKey, aText));
 }
 
-/** Takes what stands before the next slash off the rest of a MIME type, and adds it to the hash of what stood before.
+/** Takes what is before the next slash off the rest of a MIME type, and adds it to the hash of what was before it.
  *  @return false when there is no slash. */
 inline bool AddToBeginning(uint64 aKey, std::string_view* aRest, uint64* aHash)
 {
