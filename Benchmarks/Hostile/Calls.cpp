@@ -72,7 +72,7 @@ void AddProtocolInfos(Shapes& aShapes)
 {
     for (const std::string theParameter : { ";a#=1", ";a", ";", " ;", ";DLNA.ORG_PN=" })
     {
-        AddPair(aShapes, "protocol info: two with parameters " + theParameter, theParameter, theParameter,
+        AddPair(aShapes, "protocol: two with parameters " + theParameter, theParameter, theParameter,
                 [](const std::string& aFirst, const std::string& aSecond)
                 {
             const std::string theFirst = "http-get:*:a/b" + aFirst + ":" + aSecond;
@@ -88,7 +88,7 @@ void AddProtocolInfos(Shapes& aShapes)
     }
     for (const std::string thePart : { ".", "/", "a.mp3/", "%" })
     {
-        AddPair(aShapes, "protocol info of a URI of " + thePart, thePart, "a",
+        AddPair(aShapes, "protocol: info of a URI of " + thePart, thePart, "a",
                 [](const std::string& aFirst, const std::string& aSecond)
                 { zoDLNAProtocolInfo_Delete(zoDLNAProtocolInfo_NewFromURI((aSecond + ":" + aFirst).c_str())); });
     }
@@ -331,7 +331,7 @@ void AddHooks(Shapes& aShapes)
             UPnPHook_Delete(theHook);
         });
     }
-    AddPair(aShapes, "an agent and one token", "aaaaaaab", "a",
+    AddPair(aShapes, "hook: an agent and one token", "aaaaaaab", "a",
             [](const std::string& aFirst, const std::string& aSecond)
             { UseNumber(static_cast<uint64>(ILibUserAgentHas(aFirst.c_str(), aSecond.c_str(), aSecond.size()))); });
     Add(aShapes, "hook: parts with many names",
@@ -369,7 +369,7 @@ zoArray_t* MakeAddresses(const zoSocketPolicy*)
 
 void AddAddressesAndTimers(Shapes& aShapes)
 {
-    Add(aShapes, "addresses of the host",
+    Add(aShapes, "host: addresses",
         [](size_t aSize, Meter& aMeter)
         {
         sAddressCount = aSize / 16;
@@ -383,7 +383,7 @@ void AddAddressesAndTimers(Shapes& aShapes)
         });
         zoIPAddressMonitor_SetSource(nullptr);
     });
-    Add(aShapes, "timers armed, removed and called back",
+    Add(aShapes, "host: timers armed, removed and called back",
         [](size_t aSize, Meter& aMeter)
         {
         const size_t theCount = aSize / 64;
@@ -408,7 +408,7 @@ void AddAddressesAndTimers(Shapes& aShapes)
 
 void AddTexts(Shapes& aShapes)
 {
-    AddPair(aShapes, "list and separator", "aab", "a",
+    AddPair(aShapes, "text: list and separator", "aab", "a",
             [](const std::string& aFirst, const std::string& aSecond)
             {
         UseNumber(static_cast<uint64>(zoCStringParser_ListContains(aFirst.c_str(), aSecond.c_str(), "item")));
@@ -417,7 +417,7 @@ void AddTexts(Shapes& aShapes)
     });
     for (const std::string theText : { ",", "\\,", "a," })
     {
-        AddPair(aShapes, "tokens of " + theText, theText, theText,
+        AddPair(aShapes, "text: tokens of " + theText, theText, theText,
                 [](const std::string& aFirst, const std::string& aSecond)
                 {
             zoCStringParser_Delete(zoCStringParser_Tokenize(aFirst.data(), 0, aFirst.size(), ",", 1));
@@ -428,7 +428,7 @@ void AddTexts(Shapes& aShapes)
     }
     for (const std::string theText : { "0", "9", "1:", "1.", ".", "-", "true;" })
     {
-        AddPair(aShapes, "words and numbers of " + theText, theText, theText,
+        AddPair(aShapes, "text: words and numbers of " + theText, theText, theText,
                 [](const std::string& aFirst, const std::string& aSecond)
                 {
             int32 theParts[kzoDLNADatePart_Count] = {};
@@ -446,7 +446,7 @@ void AddTexts(Shapes& aShapes)
     }
     for (const std::string theAttribute : { " a#='1'", " val=''", " a:val='&amp;'" })
     {
-        AddPair(aShapes, "event: attributes" + theAttribute, theAttribute, theAttribute,
+        AddPair(aShapes, "text: event attributes" + theAttribute, theAttribute, theAttribute,
                 [](const std::string& aFirst, const std::string& aSecond)
                 {
             std::string theText = "<e" + aFirst + "><f" + aSecond + "/></e>";
@@ -464,7 +464,7 @@ void AddTexts(Shapes& aShapes)
             ILibDestructXMLNodeList(theNodes);
         });
     }
-    AddPair(aShapes, "inner text of each element", "<a>", "</a>",
+    AddPair(aShapes, "text: inner text of each element", "<a>", "</a>",
             [](const std::string& aFirst, const std::string& aSecond)
             {
         std::string theText = aFirst + aSecond;
@@ -477,7 +477,7 @@ void AddTexts(Shapes& aShapes)
         }
         ILibDestructXMLNodeList(theNodes);
     });
-    AddPair(aShapes, "escaped", "'", "&",
+    AddPair(aShapes, "text: escaped", "'", "&",
             [](const std::string& aFirst, const std::string& aSecond)
             {
         for (const std::string* theText : { &aFirst, &aSecond })

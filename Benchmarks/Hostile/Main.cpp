@@ -188,11 +188,13 @@ int main(int argc, char** argv)
                "256 KiB", "1 MiB", "growth", "peak", "kept");
     }
     int theFailed = 0;
+    int theCount = 0;
     for (size_t i = 0; i < theShapes.size(); ++i)
     {
         if (theShapes[i].mName.find(theFilter) == std::string::npos) { continue; }
+        ++theCount;
         theFailed += !(fMemoryOnly ? ReportMemory(theShapes[i], theSize) : Report(argv[0], theShapes, i));
     }
-    if (theFailed > 0) { printf("%d of %zu shapes over a bound\n", theFailed, theShapes.size()); }
-    return theFailed > 0;
+    printf("%d of %d shapes over a bound\n", theFailed, theCount);
+    return theFailed > 0 || theCount == 0;
 }

@@ -206,7 +206,8 @@ void AddURIShapes(Shapes& aShapes)
          { "&a#=b", "&a=b", "&", "/", "../", "%", "%41", "?", "#", "@", ":", "&lock=a", " " })
     {
         AddText(
-            aShapes, "URI of " + theText, [=](size_t aSize) { return "http://192.0.2.1/a?x=y" + Fill(theText, aSize); },
+            aShapes, "URI: of " + theText,
+            [=](size_t aSize) { return "http://192.0.2.1/a?x=y" + Fill(theText, aSize); },
             [](std::string& aText)
             {
             zoURI* theURI = zoURI_NewFromEscapedStr(aText.c_str());
@@ -217,7 +218,7 @@ void AddURIShapes(Shapes& aShapes)
             free(zoURI_GetStr(theURI));
             zoURI_Delete(theURI);
             });
-        Add(aShapes, "URI combined: base and reference of " + theText,
+        Add(aShapes, "URI: combined, base and reference of " + theText,
             [=](size_t aSize, Meter& aMeter)
             {
             const std::string theBase = "http://h/" + Fill(theText, aSize / 2);
@@ -225,7 +226,7 @@ void AddURIShapes(Shapes& aShapes)
             aMeter.Run(theBase.size() + theReference.size(),
                        [&] { free(zoURI_S_Combine(theBase.c_str(), theReference.c_str())); });
         });
-        Add(aShapes, "URI unlocked: " + theText,
+        Add(aShapes, "URI: unlocked, " + theText,
             [=](size_t aSize, Meter& aMeter)
             {
             const std::string theURI = "http://h/a?lock=" + Fill(theText, aSize / 2);
@@ -273,7 +274,7 @@ void AddHookShapes(Shapes& aShapes)
     }
     for (const std::string theItem : { "a#,", "a,", ",", "aaaaaaab," })
     {
-        Add(aShapes, "list of " + theItem + " and an agent",
+        Add(aShapes, "hook: list of " + theItem + " and an agent",
             [=](size_t aSize, Meter& aMeter)
             {
             const std::string theList = Fill(theItem, aSize / 2);
@@ -307,7 +308,7 @@ void AddOtherShapes(Shapes& aShapes)
     for (const std::string theText : { "&", "&amp;", "<![CDATA[]]>", "<![CDATA[", "&#", "&#x41;", "<" })
     {
         AddText(
-            aShapes, "unescaped: " + theText, [=](size_t aSize) { return Fill(theText, aSize); },
+            aShapes, "text: unescaped, " + theText, [=](size_t aSize) { return Fill(theText, aSize); },
             [](std::string& aText) { ILibInPlaceXmlUnEscape(aText.data()); });
     }
 }

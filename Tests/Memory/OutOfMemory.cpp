@@ -1,14 +1,17 @@
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <UPnP/Utilities/CDSResourceInfo.h>
+#include <UPnP/Utilities/CDSResourceReport.h>
 #include <UPnP/Utilities/UPnPCPUtility.h>
 #include <UPnP/Utilities/UPnPConfig.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <UPnP/Utilities/UPnPGroupCapabilities.h>
 #include <UPnP/Utilities/UPnPHook.h>
+#include <UPnP/Utilities/UPnPUtility.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <zoLog/Log.h>
@@ -65,6 +68,59 @@ void ParseWriteAndChoose()
     theResources.GetThumbnailURI("JPEG_TN", &theProfile, nullptr, 0);
     UPnPCPUtility::GetURIUnlocked(theResources.GetInfoAsCString(0, kCDSResourceInfo_URI), "1234");
     zoDLNAProtocolInfoList_Delete(theList);
+}
+
+// A text of pieces with growing numbers.
+std::string Repeat(const char* aBegin, const char* anEnd, int aCount)
+{
+    std::string theText;
+    for (int i = 0; i < aCount; ++i)
+        theText += aBegin + std::to_string(i) + anEnd;
+    return theText;
+}
+
+// More than fits the memory that records, lists and sets begin with. The texts are made once: making them may not fail.
+void ReadLargeObjects()
+{
+    static const std::string kResource = "<res protocolInfo=\"http-get:*:a/b;p=1:*ZOLT.COM_SUB\" " +
+                                         Repeat(" a:x", "=\"&lt;\" b:x=\"\"", 20) + ">" + std::string(2000, 'u') +
+                                         "</res>";
+    static const std::string kDocument =
+        "<DIDL-Lite xmlns:b=\"u\" xmlns:a=\"u\"" + Repeat(" xmlns:n", "=\",&#x41;\"", 40) + "><container><item>" +
+        Repeat("<a:b>&amp;", "</a:b>", 60) + kResource + kResource + Repeat("<res>", "</res>", 10) +
+        Repeat("<upnp:createClass>", "</upnp:createClass>", 3) + "</item></container></DIDL-Lite>";
+    static const std::string kList = Repeat("http-get:*:a/b;p=", ":DLNA.ORG_PN=X,", 20) + "*:*:a/*:*";
+    UPnPDIDLDocument* theObjects = UPnPDIDLDocument_New(kDocument.c_str(), "http://192.0.2.1/");
+    for (int theType = kDIDLItemType_Item; theType != kDIDLItemType_None;)
+    {
+        char* theBlocks[2];
+        UPnPDIDLDocument_NextObject(theObjects, &theBlocks[0], &theBlocks[1], &theType);
+        zoPackedData_t* theEntry = zoPackedData_NewData(theBlocks[0]);
+        zoPackedData_t* theResources = zoPackedData_NewData(theBlocks[1]);
+        free(UPnPDIDL_GetSendable(theEntry, theResources, 1, 1, nullptr, nullptr));
+        free(UPnPDIDL_GetForCreateObjectResponse(theEntry, "u", "i", nullptr, "1", "0", 1, 1));
+        CDSResourceInfo_GetResourceIndexForSubtitle(theResources, 1);
+        zoPackedData_AddData(theResources, 0x1000, "value", 6);
+        zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New(kList.c_str(), 0);
+        free(CDSResourceInfo_NewReport(theResources, theSink, kCDSResourceChoice_PreferOriginals, "rtsp,http,*",
+                                       nullptr, 0, nullptr));
+        free(CDSResourceInfo_FetchThumbnailURI(theResources, theEntry, "JPEG_SM,PNG_TN", nullptr, 0, nullptr));
+        zoDLNAProtocolInfoList_Delete(theSink);
+        theResources = CDSResourceInfo_ReduceSize(theResources, 1000, "u", 1);
+        zoPackedData_Free(theResources);
+        zoPackedData_Free(theEntry);
+    }
+    UPnPDIDLDocument_Delete(theObjects);
+}
+
+void FindErrors()
+{
+    static const std::string kDeep = Repeat("<a b", "=\"&#65;\" xmlns:a=\"u\"><c></c>", 20);
+    uint32 theLine, theColumn;
+    free(UPnPUtil_FindXMLError(kDeep.data(), kDeep.size(), &theLine, &theColumn));
+    const char kBadFlag[] = "<item restricted=\"x\"/>";
+    free(UPnPDIDL_FindError(kBadFlag, strlen(kBadFlag), &theLine, &theColumn));
+    UPnPDIDL_IsSendable(kDeep.data(), kDeep.size());
 }
 
 void AskTheHook()
@@ -129,6 +185,8 @@ const struct
     void (*mRun)();
 } kScenarios[] = {
     { "parse, write and choose", ParseWriteAndChoose },
+    { "large objects", ReadLargeObjects },
+    { "errors", FindErrors },
     { "hook", AskTheHook },
     { "group", KeepAGroup },
     { "configuration", Configure },
