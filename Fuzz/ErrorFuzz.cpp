@@ -103,6 +103,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     Require(!theError.mfIsOne || theMeaning.mReason == theError.mReason, "what is wrong with the tags comes first");
     const int theResult = ResultOfParsing(theText);
     Require((theResult == kUPnPError_InvalidXML) == theError.mfIsOne, "parsing refuses the same");
+    Require(theResult != kUPnPError_None || theMeaning.mReason != "there is no item and no container",
+            "there is an object in what is accepted");
     Require(theResult != kUPnPError_InvalidDIDL || theMeaning.mfIsOne || HasSeveralObjects(theText),
             "what is refused has a reason, unless it is a second object");
     return 0;

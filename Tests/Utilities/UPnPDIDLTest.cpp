@@ -298,6 +298,8 @@ TEST(UPnPDIDLParseTest, TellsWhatADocumentMeansWrongly)
         { "<DIDL-Lite><x><item/></x></DIDL-Lite>", kNoObject, 1, 1 },
         { "<item>\n<item restricted='1' x:Searchable='so'/></item>", "a flag is neither true nor false", 2, 36 },
         { "<DIDL-Lite><item/><item restricted=''/></DIDL-Lite>", nullptr, 0, 0 },
+        { "<Result><item/></Result>", nullptr, 0, 0 }, // a root of another name
+        { "<Result><item restricted='2'/></Result>", "a flag is neither true nor false", 1, 27 },
     };
     for (const auto& [theText, theReason, theLine, theColumn] : kCases)
     {

@@ -270,21 +270,27 @@ static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
     return aNode->Parent ? aNode->Parent->Peer : aNode->Next;
 }
 
+// aNode or the node after it where the walk finds an object; NULL without one.
+[[gnu::always_inline]] static inline ILibXMLNode* FindObject(ILibXMLNode* aNode, ILibXMLNode** aDIDLNode)
+{
+    ILibXMLNode* theNode = aNode;
+    while (theNode && (!theNode->StartTag || !IsObject(theNode)))
+    {
+        const bool fIsDIDL = theNode->StartTag && IsNamed(theNode, "DIDL-Lite");
+        if (fIsDIDL) { *aDIDLNode = theNode; }
+        theNode = fIsDIDL || !theNode->StartTag ? theNode->Next : SkipElement(theNode);
+    }
+    return theNode;
+}
+
 static int WalkDocument(DocumentWalk* aWalk, ILibXMLNode* aNodeList)
 {
-    ILibXMLNode* theNext;
-    for (ILibXMLNode* theNode = aNodeList; theNode; theNode = theNext)
+    ILibXMLNode* theNode = aNodeList;
+    while ((theNode = FindObject(theNode, &aWalk->mDIDLNode)) != nullptr)
     {
-        theNext = theNode->Next;
-        if (!theNode->StartTag) { continue; }
-        const int theType = TypeOf(theNode);
-        if (theType != kDIDLItemType_None)
-        {
-            const int theResult = ParseOnlyObject(aWalk, theNode, theType);
-            if (theResult != kUPnPError_None) { return theResult; }
-        }
-        else if (IsNamed(theNode, "DIDL-Lite")) { aWalk->mDIDLNode = theNode; }
-        else { theNext = SkipElement(theNode); }
+        const int theResult = ParseOnlyObject(aWalk, theNode, TypeOf(theNode));
+        if (theResult != kUPnPError_None) { return theResult; }
+        theNode = theNode->Next;
     }
     return aWalk->mDIDLType == kDIDLItemType_None ? kUPnPError_InvalidDIDL : kUPnPError_None;
 }
@@ -396,22 +402,30 @@ int UPnPDIDLDocument_NextObject(UPnPDIDLDocument* aDocument, char** aData, char*
 
 // ---- Errors ----
 
-// The reason why an object is invalid; it begins at the byte of the value that makes it so.
+// The value of a flag of the object that is neither true nor false; NULL without one.
+static const char* FindInvalidFlagOf(ILibXMLNode* anObject)
+{
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(anObject);
+    const char* theValue = FindInvalidFlag(theAttributes);
+    ILibDestructXMLAttributeList(theAttributes);
+    return theValue;
+}
+
+// The reason why an object is invalid; it begins at the byte of the value that makes it so. UPnPDIDL_ParseElements also
+// finds one in a root of another name.
 static const char* FindInvalidObject(char* aText, const char** aPlace)
 {
     UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText, nullptr);
-    const char* theReason = "there is no item and no container";
+    ILibXMLNode* theObject = TakeObject(theDocument);
+    if (!theObject) { theObject = FindObject(theDocument->mNodes, &theDocument->mDIDLNode); }
+    const char* theReason = theObject ? nullptr : "there is no item and no container";
     *aPlace = aText;
-    while (ILibXMLNode* theNode = TakeObject(theDocument))
+    for (; theObject && !theReason; theObject = TakeObject(theDocument))
     {
-        ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
-        const char* theValue = FindInvalidFlag(theAttributes);
-        ILibDestructXMLAttributeList(theAttributes);
-        theReason = nullptr;
+        const char* theValue = FindInvalidFlagOf(theObject);
         if (!theValue) { continue; }
         *aPlace = theValue;
         theReason = "a flag is neither true nor false";
-        break;
     }
     UPnPDIDLDocument_Delete(theDocument);
     return theReason;

@@ -162,8 +162,9 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
 
 /**
  * Says why a document was refused by UPnPDIDL_ParseElements, UPnPDIDLDocument_New or UPnPDIDLDocument_NextObject: what
- * is wrong with its tags (see UPnPUtil_FindXMLError), or else with what they mean: a flag (restricted, searchable) that
- * is neither true nor false, or no object at all. That there are several objects is not an error here.
+ * is wrong with its tags (see UPnPUtil_FindXMLError), or else with what they mean: no object at all, or the first flag
+ * (restricted, searchable) that is neither true nor false, of objects inside others, too. That there are several objects
+ * is not an error here, and UPnPDIDLDocument_NextObject alone finds none in a root of another name than DIDL-Lite.
  * @param aText           aLength bytes. They are only read; a NUL among them ends the text. NULL counts as "".
  * @param aLine, aColumn  out: where it is, as for UPnPUtil_FindXMLError; 0 without an error.
  * @return the reason in English, such as "end tag </b> where </a> was expected"; NULL when nothing is wrong. A new text
