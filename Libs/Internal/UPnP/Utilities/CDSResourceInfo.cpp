@@ -342,27 +342,20 @@ void CDSResourceInfo::ReduceSize(size_t aTargetSize, const zoCString& anURIToKee
 
 // ---- The choice ----
 
-static int ChooseFor(const CDS::Renderer& aRenderer, const zoPackedData_t* aResourceInfo, int* aConfidence)
-{
-    const CDS::Resources theResources(aResourceInfo);
-    const CDS::Choice theChoice = CDS::Choose(theResources, aRenderer);
-    if (aConfidence) { *aConfidence = theChoice.mConfidence; }
-    return theChoice.mResource;
-}
-
 int CDSResourceInfo::GetBestResourceIndexEx(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList,
                                             const zoCString& aSupportedProtocolSchemeList,
                                             zoPackedData_t* aResourceInfo, int* aConfidence,
                                             const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
                                             uint32 aTargetIpCount, bool afSearchingThumbnail)
 {
-    return ChooseFor({ aSinkProtocolInfoList,
-                       aSupportedProtocolSchemeList.c_str(),
-                       aPreferredSchemeOrder.c_str(),
-                       { aTargetIPAddresses, aTargetIpCount },
-                       afSearchingThumbnail,
-                       false },
-                     aResourceInfo, aConfidence);
+    const CDS::Choice theChoice = CDS::Choose(CDS::Resources(aResourceInfo), { aSinkProtocolInfoList,
+                                                                               aSupportedProtocolSchemeList.c_str(),
+                                                                               aPreferredSchemeOrder.c_str(),
+                                                                               { aTargetIPAddresses, aTargetIpCount },
+                                                                               afSearchingThumbnail,
+                                                                               false });
+    if (aConfidence) { *aConfidence = theChoice.mConfidence; }
+    return theChoice.mResource;
 }
 
 int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtocolInfoList, int* aConfidence,
@@ -383,6 +376,17 @@ int CDSResourceInfo::GetBestResourceIndex(zoDLNAProtocolInfoList_t* aSinkProtoco
                                           aConfidence);
 }
 
+// Chooses for a renderer that plays a list in text form.
+static int ChooseFromStr(const zoCString& aSinkProtocolInfo, const zoPackedData_t* aResourceInfo, int aFlags,
+                         const char* aPreferredSchemeOrder, CDS::Targets aTargets, int* aConfidence)
+{
+    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(aSinkProtocolInfo.c_str(), 0);
+    const int theBest = CDSResourceInfo_ChooseResource(aResourceInfo, theList, aFlags, aPreferredSchemeOrder,
+                                                       aTargets.mAddresses, aTargets.mCount, aConfidence);
+    zoDLNAProtocolInfoList_Delete(theList);
+    return theBest;
+}
+
 int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolInfo, int* aConfidence,
                                                  const zoCString& aPreferredSchemeOrder, uint32* aTargetIPAddresses,
                                                  uint32 aTargetIPCount, bool afSearchForThumbnail)
@@ -396,12 +400,9 @@ int CDSResourceInfo::GetBestResourceIndexFromStr(const zoCString& aSinkProtocolI
                                                  uint32* aTargetIPAddresses, uint32 aTargetIPCount,
                                                  bool afSearchForThumbnail)
 {
-    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(aSinkProtocolInfo.c_str(), 0);
-    const int theFlags = afSearchForThumbnail ? kCDSResourceChoice_WithThumbnails : kCDSResourceChoice_Default;
-    const int theBest = CDSResourceInfo_ChooseResource(aResourceInfo, theList, theFlags, aPreferredSchemeOrder.c_str(),
-                                                       aTargetIPAddresses, aTargetIPCount, aConfidence);
-    zoDLNAProtocolInfoList_Delete(theList);
-    return theBest;
+    return ChooseFromStr(aSinkProtocolInfo, aResourceInfo,
+                         afSearchForThumbnail ? kCDSResourceChoice_WithThumbnails : kCDSResourceChoice_Default,
+                         aPreferredSchemeOrder.c_str(), { aTargetIPAddresses, aTargetIPCount }, aConfidence);
 }
 
 // ---- Pictures ----
@@ -413,10 +414,9 @@ static int ChooseThumbnailFromStr(const zoPackedData_t* aResourceInfo, const cha
     zoCString theSink;
     theSink.Format("http-get:*:%s:DLNA.ORG_PN=%s", strncmp(aThumbnailType, "PNG_", 4) == 0 ? "image/png" : "image/jpeg",
                    aThumbnailType);
-    zoDLNAProtocolInfoList_t* theList = zoDLNAProtocolInfoList_New(theSink.c_str(), 0);
-    int theConfidence = kRendererPlayConfidence_WillNot;
-    const int theBest = ChooseFor({ theList, nullptr, "http", aTargets, true, false }, aResourceInfo, &theConfidence);
-    zoDLNAProtocolInfoList_Delete(theList);
+    int theConfidence;
+    const int theBest =
+        ChooseFromStr(theSink, aResourceInfo, kCDSResourceChoice_WithThumbnails, "http", aTargets, &theConfidence);
     return theConfidence >= kRendererPlayConfidence_May ? theBest : -1;
 }
 

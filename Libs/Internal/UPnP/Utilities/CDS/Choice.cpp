@@ -71,11 +71,6 @@ static size_t PutResourceIndexInArray(const Resources& aResources, const Rendere
     return theCount > 0 ? RankByTransport(aRenderer, theArray, theCount) : 0;
 }
 
-static uint32 IndexOf(const zoDLNAProtocolInfo_t* anInfo)
-{
-    return static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(anInfo));
-}
-
 // @return the earliest stage at which one of the ranked resources matches.
 // @param aBest out: the first one of those that match at that stage that no other outweighs.
 static uint32 FindBest(const Resources& aResources, const Renderer& aRenderer, size_t aCount, Best* aBest)

@@ -148,7 +148,7 @@ bool HasListedFamily(const AlbumArt& anAlbumArt, string_view aProfiles)
 namespace
 {
 
-// A search over resources whose transport protocol is known to suit.
+// A search over resources whose transport protocol is known to suit, by their protocol infos.
 class ThumbnailSearch
 {
 public:
@@ -163,12 +163,7 @@ private:
     static const uint32 kFew = 8; // resources whose profiles are compared one by one
     static const int kUnknown = -2;
 
-    int IndexAt(uint32 aPosition) const { return zoDLNAProtocolInfo_GetUserData(mInfos[aPosition]); }
-    const char* ProfileAt(uint32 aPosition) const;                 // "" without one
-    bool HasProfile(uint32 aPosition, string_view aProfile) const; // exactly
-    bool IsWithoutInfo(uint32 aPosition) const;
-
-    void AddTo(Best* aBest, uint32 aPosition) const;
+    void AddTo(Best* aBest, const zoDLNAProtocolInfo_t* anInfo) const;
     template <typename Predicate>
     int FindBest(Predicate afIsMeant) const;
     int FindOfProfile(string_view aProfile);
@@ -180,7 +175,7 @@ private:
     Targets mTargets;
     zoDLNAProtocolInfo_t** mInfos; // in the order of the resources
     uint32 mCount;
-    uint32* mByProfile = nullptr; // positions in mInfos in the order of their profiles; NULL until they are asked for
+    const zoDLNAProtocolInfo_t** mByProfile = nullptr; // in the order of their profiles; NULL until they are asked for
     int mWithoutInfo = -1;
     int mOfMimeType[2][2] = { { kUnknown, kUnknown }, { kUnknown, kUnknown } };
 };
@@ -201,27 +196,23 @@ ThumbnailSearch::ThumbnailSearch(const Resources& aResources, Targets aTargets)
     mCount = static_cast<uint32>(zoDLNAProtocolInfoList_RankByScheme(nullptr, "http-get", "", mInfos, mCount));
 }
 
-const char* ThumbnailSearch::ProfileAt(uint32 aPosition) const
+// @return the profile; "" without one.
+static const char* ProfileOf(const zoDLNAProtocolInfo_t* anInfo)
 {
-    const char* theProfile = zoDLNAProtocolInfo_GetProfile(mInfos[aPosition]);
+    const char* theProfile = zoDLNAProtocolInfo_GetProfile(anInfo);
     return theProfile ? theProfile : "";
 }
 
-bool ThumbnailSearch::HasProfile(uint32 aPosition, string_view aProfile) const
+// True if the protocol info has exactly this profile.
+static bool HasProfile(const zoDLNAProtocolInfo_t* anInfo, string_view aProfile)
 {
-    const char* theProfile = ProfileAt(aPosition);
+    const char* theProfile = ProfileOf(anInfo);
     return strncmp(theProfile, aProfile.data(), aProfile.size()) == 0 && theProfile[aProfile.size()] == '\0';
 }
 
-bool ThumbnailSearch::IsWithoutInfo(uint32 aPosition) const
+void ThumbnailSearch::AddTo(Best* aBest, const zoDLNAProtocolInfo_t* anInfo) const
 {
-    return !mResources.At(static_cast<uint32>(IndexAt(aPosition))).mfHasProtocolInfo;
-}
-
-void ThumbnailSearch::AddTo(Best* aBest, uint32 aPosition) const
-{
-    const uint32 theIndex = static_cast<uint32>(IndexAt(aPosition));
-    aBest->Add(theIndex, 0, !mResources.At(theIndex).IsConverted());
+    aBest->Add(IndexOf(anInfo), 0, zoDLNAProtocolInfo_GetConversionIndicator(anInfo) == 0);
 }
 
 template <typename Predicate>
@@ -230,23 +221,24 @@ int ThumbnailSearch::FindBest(Predicate afIsMeant) const
     Best theBest(mResources, mTargets);
     for (uint32 i = 0; i < mCount; ++i)
     {
-        if (afIsMeant(i)) { AddTo(&theBest, i); }
+        if (afIsMeant(mInfos[i])) { AddTo(&theBest, mInfos[i]); }
     }
     return theBest.GetIndex();
 }
 
-// No profile is read further than to where it differs: a long one may be compared with many.
+// Orders by profile; those of one keep their order. No profile is read further than to where it differs: a long one may
+// be compared with many.
+static bool IsBefore(const zoDLNAProtocolInfo_t* aLeft, const zoDLNAProtocolInfo_t* aRight)
+{
+    const int theOrder = strcmp(ProfileOf(aLeft), ProfileOf(aRight));
+    return theOrder != 0 ? theOrder < 0 : IndexOf(aLeft) < IndexOf(aRight);
+}
+
 void ThumbnailSearch::SortByProfile()
 {
-    mByProfile = Shared::NewArray<uint32>(mCount);
-    for (uint32 i = 0; i < mCount; ++i)
-        mByProfile[i] = i;
-    Shared::Sort(mByProfile, mByProfile + mCount,
-                 [this](uint32 aLeft, uint32 aRight)
-                 {
-        const int theOrder = strcmp(ProfileAt(aLeft), ProfileAt(aRight));
-        return theOrder != 0 ? theOrder < 0 : aLeft < aRight;
-    });
+    mByProfile = Shared::NewArray<const zoDLNAProtocolInfo_t*>(mCount);
+    std::copy_n(mInfos, mCount, mByProfile);
+    Shared::Sort(mByProfile, mByProfile + mCount, IsBefore);
 }
 
 // @return the best of those that have exactly this profile, which is not empty.
@@ -254,14 +246,14 @@ int ThumbnailSearch::FindOfProfile(string_view aProfile)
 {
     if (mCount <= kFew)
     {
-        return FindBest([=](uint32 aPosition) { return HasProfile(aPosition, aProfile); });
+        return FindBest([=](const zoDLNAProtocolInfo_t* anInfo) { return HasProfile(anInfo, aProfile); });
     }
     if (!mByProfile) { SortByProfile(); }
-    const uint32* theEnd = mByProfile + mCount;
-    const uint32* thePosition = std::lower_bound(static_cast<const uint32*>(mByProfile), theEnd, aProfile,
-                                                 [this](uint32 aLeft, string_view aRight) {
-        return strncmp(ProfileAt(aLeft), aRight.data(), aRight.size()) < 0;
-    });
+    const zoDLNAProtocolInfo_t** theEnd = mByProfile + mCount;
+    const zoDLNAProtocolInfo_t** thePosition =
+        std::lower_bound(mByProfile, theEnd, aProfile,
+                         [](const zoDLNAProtocolInfo_t* aLeft, string_view aRight)
+                         { return strncmp(ProfileOf(aLeft), aRight.data(), aRight.size()) < 0; });
     Best theBest(mResources, mTargets);
     for (; thePosition < theEnd && HasProfile(*thePosition, aProfile); ++thePosition)
         AddTo(&theBest, *thePosition);
@@ -272,7 +264,8 @@ int ThumbnailSearch::FindWithoutInfo()
 {
     if (mWithoutInfo == kUnknown)
     {
-        mWithoutInfo = FindBest([this](uint32 aPosition) { return IsWithoutInfo(aPosition); });
+        mWithoutInfo = FindBest([this](const zoDLNAProtocolInfo_t* anInfo)
+                                { return !mResources.At(IndexOf(anInfo)).mfHasProtocolInfo; });
     }
     return mWithoutInfo;
 }
@@ -284,15 +277,15 @@ int ThumbnailSearch::FindOfMimeType(bool afIsPNG, bool afWithAnyProfile)
     alignas(void*) char theMemory[kInfoSize];
     zoDLNAProtocolInfo_t* theSink = nullptr; // most often not needed
     *theFound = FindBest(
-        [&](uint32 aPosition)
+        [&](const zoDLNAProtocolInfo_t* anInfo)
         {
-        if (!afWithAnyProfile && zoDLNAProtocolInfo_GetProfile(mInfos[aPosition])) { return false; }
+        if (!afWithAnyProfile && zoDLNAProtocolInfo_GetProfile(anInfo)) { return false; }
         if (!theSink)
         {
             const string_view theText = afIsPNG ? "http-get:*:image/png:*" : "http-get:*:image/jpeg:*";
             theSink = zoDLNAProtocolInfo_NewInPlace(theMemory, sizeof(theMemory), theText.data(), theText.size());
         }
-        return zoDLNAProtocolInfo_Match(theSink, mInfos[aPosition], kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
+        return zoDLNAProtocolInfo_Match(theSink, anInfo, kzoDLNAProtocolInfoMatch_AnyProfile) != 0;
     });
     zoDLNAProtocolInfo_Delete(theSink);
     return *theFound;

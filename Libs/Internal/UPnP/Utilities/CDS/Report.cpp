@@ -99,18 +99,13 @@ static int WhyNot(const Decision& aDecision, uint32 anIndex, bool afIsTransportW
     return fIsConverted ? kCDSResourceReason_Converted : kCDSResourceReason_LaterInDocument;
 }
 
-static uint32 IndexOf(const zoDLNAProtocolInfo_t* anInfo)
-{
-    return static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(anInfo));
-}
-
 // Tells of those whose transport protocol suits, which are ranked.
 static void Compare(const Decision& aDecision, size_t aCount, CDSResourceReport_t* aReports)
 {
     zoDLNAProtocolInfo_t* const* theRanked = aDecision.mResources->GetRoom();
     for (size_t i = 0; i < aCount; ++i)
     {
-        const uint32 theIndex = IndexOf(theRanked[i]);
+        const uint32 theIndex = CDS::IndexOf(theRanked[i]);
         const uint32 theStage =
             CDS::FindStage(aDecision.mResources->At(theIndex), aDecision.mRenderer, CDS::kLastStage);
         aReports[theIndex].mStage = static_cast<int>(theStage) + 1;
@@ -119,7 +114,7 @@ static void Compare(const Decision& aDecision, size_t aCount, CDSResourceReport_
     bool fIsTransportWorse = false; // after the chosen one, which is the last of its transport protocol's rank
     for (size_t i = 0; i < aCount; ++i)
     {
-        const uint32 theIndex = IndexOf(theRanked[i]);
+        const uint32 theIndex = CDS::IndexOf(theRanked[i]);
         aReports[theIndex].mReason = WhyNot(aDecision, theIndex, fIsTransportWorse, aReports);
         if (static_cast<int>(theIndex) == aDecision.mChosen) { fIsTransportWorse = true; }
     }
@@ -133,7 +128,7 @@ static CDSResourceReport_t* NewReports(const Decision& aDecision)
         Describe(aDecision, i, &theReports[i]);
     const size_t theSupportedCount = Rank(aDecision, nullptr);
     for (size_t i = 0; i < theSupportedCount; ++i)
-        theReports[IndexOf(aDecision.mResources->GetRoom()[i])].mReason = kCDSResourceReason_TransportNotListed;
+        theReports[CDS::IndexOf(aDecision.mResources->GetRoom()[i])].mReason = kCDSResourceReason_TransportNotListed;
     Compare(aDecision, Rank(aDecision, aDecision.mRenderer.mSchemeOrder), theReports);
     return theReports;
 }

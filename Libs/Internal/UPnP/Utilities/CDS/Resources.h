@@ -24,8 +24,13 @@ struct Resource
     bool IsConverted() const { return zoDLNAProtocolInfo_GetConversionIndicator(mInfo) != 0; }
 };
 
-/** All resources. Each one's protocol info carries its index as user data. The first kFew take no memory from the
- *  heap. */
+/** @return the index of the resource whose protocol info it is. */
+inline uint32 IndexOf(const zoDLNAProtocolInfo_t* anInfo)
+{
+    return static_cast<uint32>(zoDLNAProtocolInfo_GetUserData(anInfo));
+}
+
+/** All resources. The first kFew take no memory from the heap. */
 class Resources
 {
 public:
