@@ -7,7 +7,7 @@ of each that a renderer plays best, and the metadata to send along.
             set_av_transport_uri(choice.resource.uri, media.metadata(choice.resource))
 
 The library is the one that the environment variable UPNPUTILITIES_LIBRARY names, or else what the dynamic linker finds.
-Texts are UTF-8; bytes that are not come out as U+FFFD. Several threads may use one object. As a program:
+What is not UTF-8, as a lone surrogate, comes out as U+FFFD. Several threads may use one object. As a program:
 
     python3 upnputilities.py BROWSE-RESULT.xml [SINKS.txt [RENDERER-ADDRESS]]
 """
@@ -25,8 +25,7 @@ from functools import cached_property
 from pathlib import Path
 from typing import Any, Iterator, NamedTuple, Optional, Union
 
-# The interface's version is in the name: another one may have other functions.
-LIBRARY = "libUPnPUtilities.so.0.1"
+LIBRARY = "libUPnPUtilities.so.0.1"  # with the interface's version: another one may have other functions
 
 
 class EntryTag(IntEnum):
@@ -80,9 +79,8 @@ _UNKNOWN = 0xFFFFFFFF  # a number of the library's that the document doesn't tel
 _SUBTITLES = {  # MIME types that servers give to subtitles, and the formats
     "text/srt": "srt", "text/x-srt": "srt", "application/x-srt": "srt", "application/x-subrip": "srt",
     "text/vtt": "vtt", "application/x-subtitle-vtt": "vtt", "text/x-ass": "ass", "application/x-ass": "ass",
-    "text/x-ssa": "ssa", "application/x-ssa": "ssa", "application/ttml+xml": "ttml", "text/sub": "sub",
-    "application/x-sami": "smi", "application/x-subtitle-sami": "smi", "smi/caption": "smi",
-    "application/x-subtitle": "",
+    "text/x-ssa": "ssa", "application/x-ssa": "ssa", "application/ttml+xml": "ttml", "smi/caption": "smi",
+    "application/x-sami": "smi", "application/x-subtitle-sami": "smi", "text/sub": "sub", "application/x-subtitle": "",
 }
 
 # The functions that are used here: results and arguments. A pointer as a result is a new block, record or text.
@@ -127,6 +125,10 @@ def _decode(text: bytes) -> str:
     return text.decode("utf-8", "replace")
 
 
+def _encode(text: str) -> bytes:
+    return text.encode("utf-8", "surrogatepass")
+
+
 def _take(text: int) -> str:
     """A text that the library gave out as new."""
     result = _decode(ctypes.string_at(text) if text else b"")
@@ -152,8 +154,7 @@ class SinkList:
     """What a renderer plays: the Sink of its GetProtocolInfo answer. Made once, it serves for many choices."""
 
     def __init__(self, protocol_infos: str) -> None:
-        """protocol_infos: separated by commas."""
-        self._list = _lib.zoDLNAProtocolInfoList_New(protocol_infos.encode(), 0)
+        self._list = _lib.zoDLNAProtocolInfoList_New(_encode(protocol_infos), 0)
         weakref.finalize(self, _lib.zoDLNAProtocolInfoList_Delete, self._list)
 
 
@@ -225,12 +226,12 @@ class MediaObject:
     def album_art(self, profiles: str = "", host: Optional[str] = None) -> str:
         """The URI of the album art of the best of the DLNA profiles ("JPEG_TN,PNG_TN"), or of any; "" without one.
         host: the IPv4 address of who will fetch it."""
-        return _take(_lib.CDSResourceInfo_FetchAlbumArtURI(self._entry, profiles.encode(), *_targets(host), None))
+        return _take(_lib.CDSResourceInfo_FetchAlbumArtURI(self._entry, _encode(profiles), *_targets(host), None))
 
     def thumbnail(self, profiles: str = "", host: Optional[str] = None) -> str:
         """As `album_art`, among the album art and the thumbnails that are resources; only of the profiles' kinds."""
         return _take(_lib.CDSResourceInfo_FetchThumbnailURI(
-            self._resources, self._entry, profiles.encode(), *_targets(host), None))
+            self._resources, self._entry, _encode(profiles), *_targets(host), None))
 
     def choose(self, sinks: Union[SinkList, str, None], host: Optional[str] = None, *,
                scheme_order: str = "*", prefer_originals: bool = False) -> Optional[Choice]:
@@ -244,14 +245,13 @@ class MediaObject:
         sinks = SinkList(sinks) if isinstance(sinks, str) else sinks
         confidence = c_int()
         index: int = _lib.CDSResourceInfo_ChooseResource(
-            self._resources, sinks._list if sinks else None, int(prefer_originals), scheme_order.encode(),
+            self._resources, sinks._list if sinks else None, int(prefer_originals), _encode(scheme_order),
             *_targets(host), byref(confidence))
         return None if index < 0 else Choice(self.resources[index], Confidence(confidence.value))
 
     def metadata(self, resource: Optional[Resource] = None) -> str:
         """DIDL-Lite of this object that strict readers take, to be sent with a resource's URI: that one comes first."""
-        where = (self._resources, resource.position, ResourceTag.URI) if resource else None
-        selected = _lib.CDSResourceInfo_GetInfoAsStr(*where) if where else None
+        selected = resource and _lib.CDSResourceInfo_GetInfoAsStr(self._resources, resource.position, ResourceTag.URI)
         return _take(_lib.UPnPDIDL_GetSendable(self._entry, self._resources, 1, 1, selected, None))
 
 
@@ -260,22 +260,21 @@ def browse(result: Union[str, bytes], base_url: Optional[str] = None) -> Iterato
 
     result: the Result argument, DIDL-Lite, unescaped. It ends at a NUL.
     base_url: what relative URIs are made absolute against.
-    Raises DIDLError when tags don't match.
+    Raises DIDLError when tags don't match: where the first object is asked for, not at the call.
     """
-    text = ctypes.create_string_buffer(result.encode() if isinstance(result, str) else result)
-    url = base_url.encode() if base_url else None  # has to outlive the document, as the text has
+    text = ctypes.create_string_buffer(_encode(result) if isinstance(result, str) else result)
+    url = _encode(base_url) if base_url else None  # has to outlive the document, as the text has
     document = _lib.UPnPDIDLDocument_New(text, url)
     if not document:
         line, column = c_uint32(), c_uint32()
         reason = _take(_lib.UPnPDIDL_FindError(text, len(text) - 1, byref(line), byref(column)))
         raise DIDLError(f"line {line.value}, column {column.value}: {reason}")
     try:
-        while True:
-            entry, resources, kind = c_void_p(), c_void_p(), c_int()
-            failure = _lib.UPnPDIDLDocument_NextObject(document, byref(entry), byref(resources), byref(kind))
-            if kind.value == 0:
-                return
-            if not failure:
+        kind = c_int(1)
+        while kind.value:
+            entry, resources = c_void_p(), c_void_p()
+            _lib.UPnPDIDLDocument_NextObject(document, byref(entry), byref(resources), byref(kind))
+            if entry.value:
                 yield MediaObject(entry.value, resources.value)
     finally:
         _lib.UPnPDIDLDocument_Delete(document)
@@ -286,7 +285,7 @@ def main(arguments: list[str]) -> int:
     if not 1 <= len(arguments) <= 3:
         print(__doc__, file=sys.stderr)
         return 2
-    sinks = SinkList(Path(arguments[1]).read_text().strip()) if len(arguments) > 1 else None
+    sinks = SinkList(_decode(Path(arguments[1]).read_bytes()).strip()) if len(arguments) > 1 else None
     for media in browse(Path(arguments[0]).read_bytes()):
         choice = media.choose(sinks, arguments[2] if len(arguments) > 2 else None)
         print(f"{media.title}: " + (f"{choice.resource.uri} ({choice.confidence.name})" if choice else "not played"))
@@ -294,4 +293,7 @@ def main(arguments: list[str]) -> int:
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    try:
+        sys.exit(main(sys.argv[1:]))
+    except (DIDLError, OSError) as failure:
+        sys.exit(str(failure))

@@ -103,6 +103,8 @@ class ModuleTest(unittest.TestCase):
         self.assertEqual((True, 0, "8"), (folder.is_container, folder.number(upnp.EntryTag.ChildCount), folder.id))
         self.assertIsNone(folder.choose(None))
         self.assertEqual([], list(upnp.browse("")))
+        surrogate = next(upnp.browse("<item><dc:title>\ud83d</dc:title></item>"))
+        self.assertEqual(("\ufffd" * 3, None), (surrogate.title, surrogate.choose("\udcff")))
         with self.assertRaisesRegex(upnp.DIDLError, "^line 2, column 1: .*DIDL-Lite"):
             list(upnp.browse("<DIDL-Lite><item>\n</DIDL-Lite>"))
         self.assertIn("A \ufffd film", "".join(ElementTree.fromstring(film.metadata()).itertext()))  # strict
