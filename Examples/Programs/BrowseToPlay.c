@@ -49,11 +49,24 @@ static void ShowObject(const Renderer* aRenderer, zoPackedData_t* anEntry, zoPac
     else { printf("  has nothing to play here\n"); }
 }
 
+/* Tells what is wrong with a document whose tags don't match. */
+static void ShowError(const char* aText)
+{
+    uint32 theLine, theColumn;
+    char* theReason = UPnPDIDL_FindError(aText, strlen(aText), &theLine, &theColumn);
+    fprintf(stderr, "line %lu, column %lu: %s\n", (unsigned long)theLine, (unsigned long)theColumn, theReason);
+    free(theReason);
+}
+
 /* @return whether the text's tags match. */
 static int ShowObjects(const Renderer* aRenderer, const char* aText)
 {
     UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText, NULL);
-    if (!theDocument) { return 0; }
+    if (!theDocument)
+    {
+        ShowError(aText);
+        return 0;
+    }
     for (;;)
     {
         char* theEntryBlock;
@@ -100,7 +113,8 @@ int main(int argc, char** argv)
     char* theSinks = argc >= 3 ? NewTextOfFile(argv[2]) : NULL;
     Renderer theRenderer = { NULL, 0, 0 };
     int fIsWellFormed = 0;
-    if (!theText || !theSinks) { fprintf(stderr, "usage: %s FILE SINKS [ADDRESS]\n", argv[0]); }
+    if (argc < 3) { fprintf(stderr, "usage: %s FILE SINKS [ADDRESS]\n", argv[0]); }
+    else if (!theText || !theSinks) { fprintf(stderr, "%s can't be read\n", argv[theText ? 2 : 1]); }
     else
     {
         theSinks[strcspn(theSinks, "\r\n")] = '\0';

@@ -32,7 +32,8 @@ static void PlayOn(zoDLNAProtocolInfoList_t* aSinks, char* anEntryBlock, char* a
     }
     const zoCString theURI = theResources.GetInfoAsCString(static_cast<uint32>(theIndex), kCDSResourceInfo_URI);
     const zoCString theUnlockedURI = UPnPCPUtility::GetURIUnlocked(theURI, "1234"); // itself, unless it is locked
-    char* theMetadata = UPnPDIDL_Get(theEntry.mPackedData, theResources.mPackedData, 1, 0, theURI.c_str());
+    char* theMetadata =
+        UPnPDIDL_GetSendable(theEntry.mPackedData, theResources.mPackedData, 1, 0, theURI.c_str(), nullptr);
     std::printf("%s, with %zu bytes of metadata\n", theUnlockedURI.c_str(), std::string(theMetadata).size());
     std::free(theMetadata);
 }
@@ -45,6 +46,7 @@ int main(int argc, char** argv)
         return 2;
     }
     std::ifstream theFile(argv[1], std::ios::binary);
+    if (!theFile) { std::fprintf(stderr, "%s can't be read\n", argv[1]); }
     std::string theText{ std::istreambuf_iterator<char>(theFile), {} };
     zoDLNAProtocolInfoList_t* theSinks = zoDLNAProtocolInfoList_New(kSinks, 0);
     UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(theText.data(), nullptr);
@@ -56,8 +58,9 @@ int main(int argc, char** argv)
         if (theType == kDIDLItemType_None) { break; }
         if (theResult == kUPnPError_None) { PlayOn(theSinks, theEntryBlock, theResourceBlock); }
     }
-    const bool fIsWellFormed = theDocument != nullptr;
+    const bool fIsRead = theFile && theDocument;
+    if (!theDocument) { std::fprintf(stderr, "the tags of %s don't match\n", argv[1]); }
     UPnPDIDLDocument_Delete(theDocument);
     zoDLNAProtocolInfoList_Delete(theSinks);
-    return fIsWellFormed ? 0 : 1;
+    return fIsRead ? 0 : 1;
 }
