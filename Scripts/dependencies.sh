@@ -47,6 +47,15 @@ require() {
     quietly apt-get install -y --no-install-recommends "${missing[@]}"
 }
 
+# require_stopped PACKAGE...: as require, as root, and keeps the services among them from starting, now and with the machine.
+require_stopped() {
+    # shellcheck disable=SC2016 # expanded by the shell within
+    unshare --mount bash -euo pipefail -c 'mount --bind /bin/true /usr/sbin/invoke-rc.d && mount --bind /bin/true /usr/bin/deb-systemd-invoke
+        script=$0 && . "$1" && shift && require "$@"' "$0" "${BASH_SOURCE[0]}" "$@" || return
+    local service
+    for service in "$@"; do update-rc.d "$service" disable >/dev/null 2>&1 || true; done
+}
+
 # quietly COMMAND...: what it prints is shown, on standard error, when it fails; on a terminal, its last line meanwhile.
 quietly() { stage "" "$@"; }
 

@@ -343,7 +343,7 @@ def main() -> int:
         check_upload(bench, servers[-1], kind, mime, bench.folder / "media/bases" / file)
     for template, options in DESCRIPTIONS:
         check_description(bench, template, options)
-    session = [HERE.parent / "Pages/run.sh", EXAMPLES / "ControlPoint/README.md"]  # with what it shows
+    session = [HERE.parents[1] / "Scripts/pages.sh", EXAMPLES / "ControlPoint/README.md"]  # with what it shows
     done = subprocess.run(session, capture_output=True, text=True)
     bench.check(done.returncode == 0, f"the example's session: {done.stdout}{done.stderr}")
     for title, counts in (("Counts", bench.counts), ("What the library changes", bench.model.rules),

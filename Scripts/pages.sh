@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Runs what README.md, Examples/README.md and the pages of Docs say to type, and compares what comes out with what they
-# show: Tests/Pages/run.sh [PAGE...]. A block "sh" is run in the repository's root, all blocks of a page by one shell; a
+# show: Scripts/pages.sh [PAGE...]. A block "sh" is run in the repository's root, all blocks of a page by one shell; a
 # block "text" right after it is what it prints, where " ..." stands for the rest of a line. A comment in front of a
 # block, "<!-- needs: PROGRAM -->" or "<!-- not run: WHY -->", keeps it from being run where there is no such program,
 # or everywhere.
 set -euo pipefail
-root=$(cd "$(dirname "$0")/../.." && pwd -P)
+root=$(cd "$(dirname "$0")/.." && pwd -P)
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 

@@ -1,18 +1,15 @@
 #!/usr/bin/env bash
 # Does what a new user does, in a Debian 12 root with nothing in it but a clone: the commands of the README, a first and
-# a second time, as root and as another user. Needs root, debootstrap and a Debian mirror among apt's sources; without
-# them it says so and ends with status 77, which stands for a skip.
-#   Tests/BareMachine/run.sh [COMMIT]   (HEAD)
-# Packages are kept in build/bare, so that a second run does not fetch them again.
+# a second time, as root and as another user, and ./test.sh devices, for which it takes root. Needs root, debootstrap and a
+# Debian mirror among apt's sources.
+#   Scripts/bare-machine.sh [COMMIT]   (HEAD)
+# The root is made in build/bare, where packages are kept, so that a second run does not fetch them again.
 set -euo pipefail
-root=$(cd "$(dirname "$0")/../.." && pwd -P)
+root=$(cd "$(dirname "$0")/.." && pwd -P)
+. "$root/Scripts/namespaces.sh"
+bare=$root/build/bare/root
 user=visitor
 moment=5 # seconds within which a command is done that has nothing to do
-
-skip() {
-    echo "$0: skipped: $*" >&2
-    exit 77
-}
 
 fail() {
     echo "$0: $*" >&2
@@ -31,7 +28,7 @@ sources() {
 mirror() { sources | sed -n 's/ bookworm$//p' | head -n 1; }
 
 make_root() {
-    mkdir -p "$root/build/bare/archives"
+    mount --bind "$bare" "$bare" # what is mounted can be the root of namespaces
     debootstrap --variant=minbase --cache-dir="$root/build/bare/archives" bookworm "$bare" "$(mirror)" >"$bare.log" 2>&1 ||
         fail "debootstrap failed: $(tail -n 5 "$bare.log")"
     sources | sed 's/.*/deb & main/' >"$bare/etc/apt/sources.list"
@@ -60,7 +57,9 @@ check() {
     shift 2
     within "$name" "$@" >"$bare.log" 2>&1 </dev/null || status=$?
     printf '%5d s  %s: %s\n' $((SECONDS - start)) "$name" "$*"
-    if [ "$status" -ne 0 ]; then
+    if [ "$status" -eq 77 ]; then
+        tail -n 1 "$bare.log"
+    elif [ "$status" -ne 0 ]; then
         cat "$bare.log"
         fail "\"$*\" ended with status $status"
     fi
@@ -81,7 +80,7 @@ check_commands() {
     grep -q $'\r\e\\[K\\[[0-9]*/[0-9]*\\] ' "$bare.log" || fail "on a terminal ./run.sh shows no progress: $(cat "$bare.log")"
     check "$moment" "$1" ./run.sh
     grep -qx 'choice: 0' "$bare.log" || fail "./run.sh makes no choice: $(cat "$bare.log")"
-    check 900 "$1" Tests/Pages/run.sh README.md # with what ./run.sh has installed alone
+    check 900 "$1" Scripts/pages.sh README.md # with what ./run.sh has installed alone
     check 900 "$1" ./test.sh
     check 120 "$1" ./test.sh
     grep -q '100% tests passed' "$bare.log" || fail "./test.sh runs no tests: $(cat "$bare.log")"
@@ -95,6 +94,7 @@ run_all() {
     git -C "$bare/home/$user/clone" -c advice.detachedHead=false checkout -q "$commit"
     check_refusal
     check_commands root
+    check 900 root ./test.sh devices
     rm -rf "$bare/home/$user/clone/build"
     # The compiler's results are handed on: what is tried now is who needs which rights.
     mv "$bare/root/.cache" "$bare/home/$user/"
@@ -106,21 +106,19 @@ run_all() {
 # ---- The way there and back ----
 
 if [ "${1-}" = --in-namespace ]; then
-    bare=$2 commit=$3
+    commit=$2
     run_all
     exit
 fi
 
-[ "$(id -u)" -eq 0 ] || skip "needs root"
+require_namespaces --mount
 command -v debootstrap >/dev/null || skip "needs debootstrap"
 if ! command -v apt-get >/dev/null || [ -z "$(mirror)" ]; then
     skip "needs Debian 12 (bookworm) among apt's sources"
 fi
-unshare --mount --pid --fork true 2>/dev/null || skip "needs namespaces of its own"
 commit=$(git -c safe.directory='*' -C "$root" rev-parse --verify "${1-HEAD}^{commit}") || skip "needs a git checkout"
 
-folder=$(mktemp -d)
-# Mounts and processes end with their namespaces, so that only files are left to remove.
-trap 'rm -rf --one-file-system "$folder"' EXIT
-trap 'exit 130' INT TERM HUP
-unshare --mount --propagation private --pid --fork --kill-child "$0" --in-namespace "$folder/root" "$commit"
+rm -rf --one-file-system "$bare" # of a run that was killed
+mkdir -p "$bare" "$root/build/bare/archives"
+trap 'rm -rf --one-file-system "$bare" "$bare.log"' EXIT
+in_namespaces "$0" --in-namespace "$commit"
