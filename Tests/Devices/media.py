@@ -1,5 +1,6 @@
 """Media of every kind that servers index, a few kilobytes each, with names and tags that make trouble."""
 
+import itertools
 import os
 import subprocess
 from pathlib import Path
@@ -26,59 +27,52 @@ BASES = {  # contents of three seconds, without tags, and what makes them
     "p.png": "convert -size 320x200 plasma:red-blue",
     "cover.jpg": "convert -size 160x160 plasma:red-blue",
 }
+TAGS = [  # names for ffmpeg and of ID3's frames, and texts, in which * stands for a word
+    (b"title", b"TIT2", b"*"), (b"artist", b"TPE1", b"Artist of *"), (b"album", b"TALB", b"* (album)"),
+    (b"genre", b"TCON", b"Genre & *"), (b"date", b"TDRC", b"2019-05-04"), (b"album_artist", b"TPE2", b"Band of *"),
+    (b"composer", b"TCOM", b"Composer <3>"), (b"track", b"TRCK", b"7"),
+]
+FILES = {  # for each word: an album with its cover, pictures, and videos with subtitles
+    "a.mp3": [b"Music/*/*.mp3", b"Music/*/latin *.mp3"], "a.flac": [b"Music/*/*.flac"], "a.wav": [b"Music/*/*.wav"],
+    "cover.jpg": [b"Music/*/cover.jpg"], "p.jpg": [b"Pictures/*.jpg"], "p.png": [b"Pictures/*.png"],
+    "v.mp4": [b"Videos/*.mp4", b"Videos/*.mkv"], "v.mpg": [b"Videos/*.mpg"], "v.srt": [b"Videos/*.srt"],
+}
 
 
-def tags(word: bytes) -> dict[bytes, bytes]:
-    return {b"title": word, b"artist": b"Artist of " + word, b"album": word + b" (album)", b"genre": b"Genre & " + word,
-            b"date": b"2019-05-04"}
-
-
-def seven_bits(size: int) -> bytes:
-    return bytes(size >> shift & 0x7F for shift in (21, 14, 7, 0))
-
-
-def id3(word: bytes, number: int, encoding: int = 3) -> bytes:
+def id3(word: bytes, encoding: int) -> bytes:
     """Tags of an mp3 file, as ID3v2.4: frames of a name, a size, flags, an encoding and a text."""
-    texts = dict(zip((b"TIT2", b"TPE1", b"TALB", b"TCON", b"TDRC"), tags(word).values()))
-    texts |= {b"TPE2": b"Band of " + word, b"TCOM": b"Composer <%d>" % number, b"TRCK": b"%d" % number}
-    frames = ((name, bytes([encoding]) + text) for name, text in texts.items())
-    body = b"".join(name + seven_bits(len(text)) + b"\0\0" + text for name, text in frames)
-    return b"ID3\4\0\0" + seven_bits(len(body)) + body
+    def sized(name: bytes, flags: bytes, content: bytes) -> bytes:
+        return name + bytes(len(content) >> shift & 0x7F for shift in (21, 14, 7, 0)) + flags + content
+
+    frames = (sized(name, b"\0\0", bytes([encoding]) + text.replace(b"*", word)) for _, name, text in TAGS)
+    return sized(b"ID3\4\0\0", b"", b"".join(frames))
 
 
-def make_word(bases: Path, root: bytes, number: int, word: bytes) -> None:
-    """Media with one word in their names and tags: an album with its cover, pictures, and videos with subtitles."""
-    name = word[:119]
-    album, pictures, videos = root + b"/Music/%02d " % number + name + b"/", root + b"/Pictures/", root + b"/Videos/"
-    for folder in (album, pictures, videos):
-        os.makedirs(folder, exist_ok=True)
-    song = (bases / "a.mp3").read_bytes()
-    for path, content in ((album + name + b".mp3", id3(word, number) + song),
-                          (album + b"latin " + name + b".mp3", id3(word, number, 0) + song),
-                          (videos + name + b".srt", b"1\n00:00:00,000 --> 00:00:02,000\nHello\n")):
-        Path(os.fsdecode(path)).write_bytes(content)
-    options = [part for tag in tags(word).items() for part in (b"-metadata", b"=".join(tag))]
-    for base, target in (("a.flac", album + name + b".flac"), ("v.mp4", videos + name + b".mp4"),
-                         ("v.mp4", videos + name + b".mkv")):
-        subprocess.run([*FFMPEG.split(), "-i", bases / base, "-c", "copy", *options, target], check=True)
-    for base, target in (("a.wav", album), ("v.mpg", videos), ("p.jpg", pictures), ("p.png", pictures)):
-        os.link(bases / base, target + name + base[1:].encode())
-    os.link(bases / "cover.jpg", album + b"cover.jpg")
+def make_file(base: Path, target: bytes, word: bytes) -> None:
+    """A file with the content of a base, and with tags where ffmpeg or ID3 can say them."""
+    os.makedirs(os.path.dirname(target), exist_ok=True)
+    if base.suffix == ".mp3":
+        Path(os.fsdecode(target)).write_bytes(id3(word, 0 if b"/latin " in target else 3) + base.read_bytes())
+    elif base.suffix in (".flac", ".mp4"):
+        options = [part for name, _, text in TAGS for part in (b"-metadata", name + b"=" + text.replace(b"*", word))]
+        subprocess.run([*FFMPEG.split(), "-i", base, "-c", "copy", *options, target], check=True)
+    else:
+        os.link(base, target)
 
 
-def make(root: Path) -> int:
-    """Makes the media: those of WORDS and a folder of many in root/whole, those of BROKEN in root/broken, contents to
-    upload in root/bases; returns the number of files."""
-    bases = root / "bases"
-    bases.mkdir(parents=True)
+def make(folder: Path) -> int:
+    """Makes the media: those of WORDS and a folder of many in media/whole, those of BROKEN in media/broken, contents to
+    upload in bases; returns the number of files."""
+    bases, media = folder / "bases", bytes(folder / "media")
+    bases.mkdir()
+    (bases / "v.srt").write_text("1\n00:00:00,000 --> 00:00:02,000\nHello\n")
     for name, command in BASES.items():
         subprocess.run([*command.split(), bases / name], check=True)
-    for name, words in (("whole", WORDS), ("broken", BROKEN)):
-        for number, word in enumerate(words):
-            make_word(bases, bytes(root / name), number, word)
-    many = root / "whole/Music/Many"
-    many.mkdir()
+    for part, words in ((b"/whole/", WORDS), (b"/broken/", BROKEN)):
+        for word, (name, places) in itertools.product(words, FILES.items()):
+            for place in places:
+                make_file(bases / name, media + part + place.replace(b"*", word[:119]), word)
     for number in range(MANY):
         word = WORDS[number % len(WORDS)] + b" %d" % number
-        (many / f"{number:03}.mp3").write_bytes(id3(word, number) + (bases / "short.mp3").read_bytes())
-    return sum(len(files) for _, _, files in os.walk(root))
+        make_file(bases / "short.mp3", media + b"/whole/Music/Many/%03d.mp3" % number, word)
+    return sum(len(files) for _, _, files in os.walk(media))
