@@ -2,6 +2,7 @@
 #include "Support/ChildProcess.h"
 #include "Support/Config.h"
 #include "Support/Texts.h"
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -62,6 +63,11 @@ bool SaveKey(const std::string& aPath, const char* aValue)
     const ConfigFile theFile = zoConfigFile_New(aPath.c_str());
     zoConfigFile_SetString(theFile, "s", "k", aValue);
     return zoConfigFile_Save(theFile) != 0;
+}
+
+std::ptrdiff_t CountFiles(const std::string& aFolder)
+{
+    return std::distance(std::filesystem::directory_iterator(aFolder), {});
 }
 
 unsigned ModeOf(const std::string& aPath)
@@ -282,6 +288,44 @@ TEST(zoConfigFileTest, RemovesWhatKilledSaversLeft)
         EXPECT_FALSE(std::filesystem::exists(thePrefix + theDigit)) << theDigit;
     for (const char* theDigit : { "", "f", "1", "2", "3" }) // not ours: too short, in lower case, no file
         EXPECT_TRUE(std::filesystem::exists(thePrefix + theDigit)) << theDigit;
+}
+
+// Two processes that save the same file over and over are killed at any moment.
+TEST(zoConfigFileTest, IsWholeWheneverSaversAreKilled)
+{
+    const ScratchFolder theFolder;
+    const std::string thePath = theFolder.mPath + "/device.conf";
+    const std::string theValues[] = { std::string(50000, 'a'), std::string(70000, 'b') };
+    int theCounts[] = { 0, 0 };
+    bool fWasLeft = false;
+    ASSERT_TRUE(SaveKey(thePath, theValues[0].c_str()));
+    for (int i = 0; i < 100; ++i)
+    {
+        pid_t theSavers[2];
+        for (pid_t& theSaver : theSavers)
+        {
+            theSaver = fork();
+            for (int j = i; theSaver == 0; ++j)
+                if (!SaveKey(thePath, theValues[j % 2].c_str())) { _exit(1); }
+        }
+        usleep(1000 * (i % 20 + 5));
+        for (const pid_t theSaver : theSavers)
+        {
+            int theStatus = 0;
+            kill(theSaver, SIGKILL);
+            waitpid(theSaver, &theStatus, 0);
+            ASSERT_TRUE(WIFSIGNALED(theStatus)) << "a save failed";
+        }
+        const std::string theText = theFolder.Read("device.conf");
+        const int theIndex = theText.size() > 60000;
+        ASSERT_TRUE(theText == "[s]\nk=" + theValues[theIndex] + "\n")
+            << "neither value, but " << theText.size() << " bytes";
+        theCounts[theIndex] += 1;
+        fWasLeft = fWasLeft || CountFiles(theFolder.mPath) > 1;
+    }
+    EXPECT_TRUE(theCounts[0] > 0 && theCounts[1] > 0 && fWasLeft) << "nothing was killed while it saved";
+    EXPECT_TRUE(SaveKey(thePath, "1"));
+    EXPECT_EQ(1, CountFiles(theFolder.mPath)) << "the next save removes what is left";
 }
 
 // As on a file system without owners, modes and locks, with what another user has left.
