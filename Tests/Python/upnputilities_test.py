@@ -25,6 +25,7 @@ except OSError as failure:
 
 BROWSE = (ROOT / "Tests/Data/didl-multi/minidlna-generic-photo.xml").read_bytes()
 SINKS = (ROOT / "Tests/Data/sinks/handmade-dlna-tv.txt").read_text()
+ESCAPES = str.maketrans({"\\": r"\\", "\n": r"\n", "\r": r"\r", "\t": r"\t"})  # of facts
 VIDEO = b"""<DIDL-Lite><item id="7" parentID="5" restricted="1"><dc:title>A \xff film</dc:title>
 <res protocolInfo="http-get:*:video/mp4:*" size="5000000000" duration="1:00:01" bitrate="100"
 pv:subtitleFileType="srt" pv:subtitleFileUri="/a.srt">/film.mp4</res><res protocolInfo="http-get:*:text/srt:*">http://h/b.srt</res>
@@ -32,46 +33,31 @@ pv:subtitleFileType="srt" pv:subtitleFileUri="/a.srt">/film.mp4</res><res protoc
 </sec:CaptionInfoEx></item><item restricted="maybe"/><container id="8" childCount="0"/></DIDL-Lite>"""
 
 
-def escape(text: str) -> str:
-    """A value as the facts have it."""
-    return text.replace("\\", "\\\\").replace("\n", "\\n").replace("\r", "\\r").replace("\t", "\\t")
-
-
 def say(media: upnp.MediaObject, sinks: dict[str, upnp.SinkList], shown: str, chosen: str) -> dict[str, str]:
     """What the module says of an object, as facts in the form of the expected ones."""
-    said = {f"show {shown}{key}": value for key, value in (
+    said = {f"{shown} {key}": value for key, value in (
         ("id", media.id), ("parent id", media.parent_id), ("title", media.title), ("class", media.media_class),
         ("kind", "container" if media.is_container else "item"), ("resources", str(len(media.resources))))}
     for r in media.resources:
-        said.update({f"show {shown}resource {r.position} {key}": str(value) for key, value in (
-            ("uri", r.uri), ("protocol info", r.protocol_info), ("resolution", r.resolution), ("size", r.size),
-            ("bit rate", r.bit_rate), ("audio channels", r.audio_channels))})
-    for name, list_ in sinks.items():
-        choice = media.choose(list_)
+        for name in ("uri", "protocol_info", "resolution", "size", "bit_rate", "audio_channels"):
+            said[f"{shown} resource {r.position} {name.replace('_', ' ')}"] = str(getattr(r, name))
+    for name, sink in sinks.items():
+        choice = media.choose(sink)
         confidence = choice.confidence if choice else upnp.Confidence.WillNot
         words = re.sub("(?<=[a-z])N", " n", confidence.name).lower()
-        said[f"{name} {chosen}confidence"] = f"{words} ({confidence.value})"
-        said[f"{name} {chosen}choice"] = str(choice.resource.position) if choice else "none"
-        said[f"{name} {chosen}uri"] = choice.resource.uri if choice else ""
-        said[f"{name} {chosen}mime type"] = choice.resource.mime_type if choice else ""
-    said[f"television {chosen}thumbnail"] = media.thumbnail()
-    said[f"television {chosen}album art"] = media.album_art()
-    return said
+        said |= {f"{name} {chosen}{key}": value for key, value in (
+            ("confidence", f"{words} ({confidence.value})"), ("choice", str(choice.resource.position) if choice else "none"),
+            ("uri", choice.resource.uri if choice else ""), ("mime type", choice.resource.mime_type if choice else ""))}
+    said |= {f"television {chosen}thumbnail": media.thumbnail(), f"television {chosen}album art": media.album_art()}
+    return {key: value.translate(ESCAPES) for key, value in said.items()}
 
 
 class ModuleTest(unittest.TestCase):
-    def test_reads_and_chooses(self) -> None:
-        sinks = upnp.SinkList(SINKS)
-        objects = list(upnp.browse(BROWSE))
-        self.assertEqual(["67", "71", "72", "76", "77"], [Path(media.resources[0].uri).stem for media in objects])
-        first = objects[0]
-        del objects
+    def test_chooses_for_a_renderer(self) -> None:
+        first = next(upnp.browse(BROWSE))
         gc.collect()  # the object lives on without the others
-        self.assertEqual("grand 4000x3000 'été'", first.title)
-        choice = first.choose(sinks, "10.77.0.9")
+        choice = first.choose(SINKS, "10.77.0.9")
         assert choice
-        self.assertEqual(("http://10.77.0.2:8200/MediaItems/67.jpg", upnp.Confidence.Should, "image/jpeg"),
-                         (choice.resource.uri, choice.confidence, choice.resource.mime_type))
         self.assertEqual(choice, first.choose(SINKS, prefer_originals=True))
         self.assertIsNone(first.choose("rtsp-rtp-udp:*:image/jpeg:*"))
         again = next(upnp.browse(first.metadata(choice.resource)))
@@ -85,12 +71,12 @@ class ModuleTest(unittest.TestCase):
         compared = 0
         for facts in (ROOT / "Tests/Data").glob("didl*/*.expected"):
             objects = list(upnp.browse(facts.with_suffix("").read_bytes()))
-            expected = [line.split(": ", 1) for line in facts.read_text().splitlines()]
+            expected = dict(line.split(": ", 1) for line in facts.read_text().splitlines())
             for number, media in enumerate(objects):
-                said = say(media, sinks, f"object {number} ", f"object {number} " if len(objects) > 1 else "")
-                for key, value in (fact for fact in expected if fact[0] in said):
-                    compared += 1
-                    self.assertEqual(value, escape(said[key]), f"{facts.name}: {key}")
+                said = say(media, sinks, f"show object {number}", f"object {number} " if len(objects) > 1 else "")
+                known = expected.keys() & said.keys()
+                compared += len(known)
+                self.assertEqual({key: expected[key] for key in known}, {key: said[key] for key in known}, facts.name)
         self.assertGreater(compared, 600)
 
     def test_reads_what_is_odd(self) -> None:
