@@ -2,7 +2,7 @@
 # Builds as shipped and measures: allocations per operation, and times and ratios over the documents of real servers.
 # ./run.sh --growth measures how time grows with the input; --hostile [SHAPE] what inputs made to be expensive cost, for
 # the shapes whose name contains the text, and fails when one is past its bounds; --plot draws the pictures of
-# Docs/Plots and writes the figures in them beside them; other arguments go to Google Benchmark.
+# Docs/Plots and writes the figures in them next to them; other arguments go to Google Benchmark.
 # Wants a quiet machine.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd -P)

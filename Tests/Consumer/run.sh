@@ -7,7 +7,7 @@
 #   run.sh subproject TREE VERSION   the library as a part of the consumers' project, shared and as archives; installed with
 #                                    them, and the archives found from outside
 #   run.sh tool TREE VERSION         versions, and the tool with its manual page and its completion
-# CMAKE, CC, CXX and PKG_CONFIG name the programs to use. Everything is written beside TREE.
+# CMAKE, CC, CXX and PKG_CONFIG name the programs to use. Everything is written next to TREE.
 set -eu
 here=$(cd "$(dirname "$0")" && pwd -P)
 

@@ -103,7 +103,7 @@ char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResource
 
 int UPnPDIDL_IsSendable(const char* aText, size_t aLength) { return aText && IsSendable({ aText, aLength }); }
 
-// Documents of uploads are rare beside the others: cold functions are compiled for size.
+// Documents of uploads are rare: cold functions are compiled for size.
 
 [[gnu::cold]] char* UPnPDIDL_GetForCreateContainerRequest(const char* aParentID, const char* aTitle,
                                                           uint32 aDLNAManagedFlags, const char* aClassName,
