@@ -196,7 +196,7 @@ TEST(HookToolTest, AnswersForClients)
 TEST(HookToolTest, RefusesInOneLine)
 {
     ExpectRefusals({
-        { { "describe", "-" }, "standard input: its end is no \">\"" },
+        { { "describe", "-" }, "standard input: its end is not \">\"" },
         { { "describe", "-" }, "1 \"%@\" in the template, but 0 --part", "<a>%@</a>" },
         { { "describe", "-", "--part=:x=" }, "0 \"%@\" in the template, but 1 --part", "<a>% @</a>" },
         { { "describe", "-", "--part=:x=-" }, "standard input can't be more than one", "%@<a>" },
@@ -208,9 +208,9 @@ TEST(HookToolTest, RefusesInOneLine)
           "<a>" },
         { { "hook", "--property=PlayMode=" }, "\"PlayMode\"; known: UserAgent, PlaySpeedList, " },
         { { "hook", "--property=PlayModeList=", "--property=PlayModeList=" }, "PlayModeList is given twice" },
-        { { "hook", "--count=4294967296" }, "\"4294967296\" is no number" },
+        { { "hook", "--count=4294967296" }, "\"4294967296\" is not a number" },
         { { "create" }, "container, item or response" },
-        { { "create", "item", "--length=-1" }, "\"-1\" is no number" },
+        { { "create", "item", "--length=-1" }, "\"-1\" is not a number" },
         { { "create", "item", "--length", "9223372036854775808" }, "no number from 0 to 9223372036854775807" },
         { { "create", "item", "--flags=1,Movable" }, "--flags: \"Movable\"" },
         { { "create", "item", "--flags=1," }, "--flags: \"\"" },

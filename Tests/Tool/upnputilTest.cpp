@@ -88,8 +88,8 @@ TEST(ToolTest, RefusesInOneLine)
         { { "show", "-" }, "standard input, Result:1:", "<R>\n<Result>&lt;item></Result></R>" },
         { { "select", "-", "--sink", "x" }, "no object", "", 1 },
         { { "select", "-", "--sink", "x" }, "input:1:7: end tag </itm>", "<item></itm>" },
-        { { "select", "-", "--sink", "x", "--object", "1" }, "no object 1", "<item id='1'/>", 1 },
-        { { "select", "-", "--sink", "x", "--object", "b" }, "no object b", "<item id='a'/>", 1 },
+        { { "select", "-", "--sink", "x", "--object", "1" }, "no object \"1\"", "<item id='1'/>", 1 },
+        { { "select", "-", "--sink", "x", "--object", "b" }, "no object \"b\"", "<item id='a'/>", 1 },
     });
     const int theFull = open("/dev/full", O_WRONLY);
     EXPECT_NE(std::string::npos, RunTool({ "show", "--help" }, "", theFull).mError.find("standard output: No space"));

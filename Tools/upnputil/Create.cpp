@@ -130,7 +130,7 @@ static int ReadLength(const Arguments& anArguments, zoFileOffset* aLength)
     const bool fIsNumber = zoConvert_strntoULongLong(theText, strlen(theText), &theLength) == kzoConvertError_None;
     if (!fIsNumber || zoULongLong_ToUInt64(&theLength) > INT64_MAX)
     {
-        return anArguments.BadUsage("--length \"" + std::string(theText) + "\" is no number from 0 to " +
+        return anArguments.BadUsage("--length \"" + std::string(theText) + "\" is not a number from 0 to " +
                                     std::to_string(INT64_MAX));
     }
     *aLength = static_cast<zoFileOffset>(zoULongLong_ToUInt64(&theLength));

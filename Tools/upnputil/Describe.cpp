@@ -104,7 +104,7 @@ static int CheckTemplate(const Arguments& anArguments, const Text& aTemplate, si
 {
     const std::string theName = InputName(anArguments.Operand());
     const size_t theLength = LengthOf(aTemplate);
-    if (theLength == 0 || aTemplate[theLength - 1] != '>') { return Fail(theName + ": its end is no \">\""); }
+    if (theLength == 0 || aTemplate[theLength - 1] != '>') { return Fail(theName + ": its end is not \">\""); }
     const size_t theCount = CountMarkers(aTemplate);
     if (theCount == aPartCount) { return kExit_Done; }
     return Fail(theName + ": " + std::to_string(theCount) + " \"" + kMarker + "\" in the template, but " +

@@ -196,7 +196,8 @@ static int Hook(const Arguments& anArguments, Output& anOutput)
     uint32 theCount = 0;
     if (theCountText && zoConvert_strtouint32(theCountText, &theCount) != kzoConvertError_None)
     {
-        return anArguments.BadUsage("--count \"" + std::string(theCountText) + "\" is no number from 0 to 4294967295");
+        return anArguments.BadUsage("--count \"" + std::string(theCountText) +
+                                    "\" is not a number from 0 to 4294967295");
     }
     const HookPtr theHook = NewHook(anArguments);
     if (!theHook) { return kExit_Bad; }

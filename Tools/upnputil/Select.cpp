@@ -71,7 +71,7 @@ static bool ReadTargets(const Arguments& anArguments, std::vector<uint32>& aTarg
     {
         aTargets.push_back(zoSocketGetAddressFromDotForm(theTarget));
         if (aTargets.back() != 0) { continue; }
-        *aStatus = anArguments.BadUsage("--target " + std::string(theTarget) + " is no IPv4 address");
+        *aStatus = anArguments.BadUsage("--target " + std::string(theTarget) + " is not an IPv4 address");
         return false;
     }
     return true;
@@ -312,7 +312,7 @@ static int PrintObjects(Document& aDocument, const char* aWanted, const std::str
     }
     if (theObjects.GetCount() == 0)
     {
-        return FailToFind(aName + ": no object" + (aWanted ? std::string(" ") + aWanted : ""));
+        return FailToFind(aName + ": no object" + (aWanted ? " \"" + std::string(aWanted) + "\"" : ""));
     }
     return theInvalid.Report(aDocument, fIsOneUseful ? kExit_Done : kExit_NotFound);
 }
