@@ -211,7 +211,7 @@ TEST(HookToolTest, RefusesInOneLine)
         { { "hook", "--count=4294967296" }, "\"4294967296\" is not a number" },
         { { "create" }, "container, item or response" },
         { { "create", "item", "--length=-1" }, "\"-1\" is not a number" },
-        { { "create", "item", "--length", "9223372036854775808" }, "no number from 0 to 9223372036854775807" },
+        { { "create", "item", "--length", "9223372036854775808" }, "not a number from 0 to 9223372036854775807" },
         { { "create", "item", "--flags=1,Movable" }, "--flags: \"Movable\"" },
         { { "create", "item", "--flags=1," }, "--flags: \"\"" },
         { { "create", "item", "--dtcp=0x100000000" }, "nor one of None, Movable, V1SE104, CMI" },
