@@ -83,6 +83,7 @@ TEST(UPnPDIDLSendableTest, RepairsDeclarations)
     } kCases[] = {
         { kDefault + "," + kUPnP + "," + kDC + ",lang=\"en\",xml:lang='a\\,b'", theBase + " lang=\"en\" xml:lang='a,b'",
           "0 0 0 0" },
+        { kDefault + "," + kUPnP + "," + kDC + ", ,", theBase + "   ", "0 0 0 0" }, // as it is
         { "", theBase, "0 0 0 3" },
         { kDefault + ",xmlns:dc=\"\"," + kUPnP, kDefault + " " + kUPnP + " " + kDC, "0 0 1 1" },
         { "xmlns=\"\",xmlns:dc=\"d\",xmlns:upnp=\"u\"", "xmlns:dc=\"d\" xmlns:upnp=\"u\" " + kDefault, "0 0 1 1" },

@@ -226,6 +226,9 @@ void Repairer::RepairDeclarations(std::string_view aList)
             else { ReadDeclarations(thePart); }
         }
     }
+    if (mNeeded != 0 || mRepairs.mDeclarationsLeftOut != 0) { return; }
+    mBuffer->mPos = mDeclarationsBegin; // they were sendable, with the blanks at their end, too
+    Shared::Append(mBuffer, theParts.Text());
 }
 
 // ---- Pairs ----
