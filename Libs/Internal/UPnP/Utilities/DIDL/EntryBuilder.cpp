@@ -69,7 +69,7 @@ void EntryBuilder::AddText(uint16 aTag, std::string_view aText)
     if (!HasRoom(1, uint64{ aText.size() } + 1)) { return GrowAndAddText(aTag, aText); }
     char* theTarget = AddRow(aTag, aText.size() + 1);
     theTarget[aText.size()] = 0;
-    if (!aText.empty()) { memcpy(theTarget, aText.data(), aText.size()); }
+    CopyBytes(theTarget, aText.data(), aText.size());
 }
 
 } // namespace DIDL

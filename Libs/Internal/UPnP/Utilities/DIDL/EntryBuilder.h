@@ -2,6 +2,7 @@
 
 /* An entry of a record, which is collected value by value and then stored at once. */
 
+#include <Shared/Integers.h>
 #include <UPnP/Utilities/DIDL/Entities.h>
 #include <string.h>
 #include <zoltTools/zoPackedData.h>
@@ -9,11 +10,40 @@
 namespace DIDL
 {
 
+// Copies the first and the last Word of a text that has at least one, and at most two.
+template <typename Word>
+inline void CopyEnds(char* aTarget, const char* aText, size_t aLength)
+{
+    const size_t theEnd = aLength - sizeof(Word);
+    const Word theFirst = Shared::Load<Word>(aText);
+    const Word theLast = Shared::Load<Word>(aText + theEnd);
+    memcpy(aTarget, &theFirst, sizeof(Word));
+    memcpy(aTarget + theEnd, &theLast, sizeof(Word));
+}
+
+// Copies up to 32 bytes, as most texts have, without a call.
+inline void CopyBytes(char* aTarget, const char* aText, size_t aLength)
+{
+    struct TwoWords
+    {
+        uint64 mWords[2];
+    };
+    if (aLength > 32) { memcpy(aTarget, aText, aLength); }
+    else if (aLength >= 16) { CopyEnds<TwoWords>(aTarget, aText, aLength); }
+    else if (aLength >= 8) { CopyEnds<uint64>(aTarget, aText, aLength); }
+    else if (aLength >= 4) { CopyEnds<uint32>(aTarget, aText, aLength); }
+    else
+    {
+        for (size_t i = 0; i < aLength; ++i)
+            aTarget[i] = aText[i];
+    }
+}
+
 // Copies a text with a NUL. Returns the position after that. Not inline: an entry has many texts.
 [[gnu::noinline]] inline char* CopyText(char* aTarget, const char* aText, size_t aLength)
 {
-    memcpy(aTarget, aText, aLength);
     aTarget[aLength] = 0;
+    CopyBytes(aTarget, aText, aLength);
     return aTarget + aLength + 1;
 }
 
