@@ -6,9 +6,12 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     check_ipo_supported(RESULT UPNP_CAN_OPTIMISE_LINKS OUTPUT theReason LANGUAGES CXX)
 endif()
 
-# gcc sets records of 100 bytes and more to zero by an instruction that takes 30 cycles to begin (rep stos), on x86.
+# On x86, gcc copies and sets to zero what has some 100 bytes by instructions that take 30 cycles to begin (rep movs, rep
+# stos).
 include(CheckCXXCompilerFlag)
-check_cxx_compiler_flag(-mmemset-strategy=libcall:-1:noalign UPNP_CAN_CHOOSE_MEMSET)
+set(UPNP_NO_REP -mmemset-strategy=libcall:-1:noalign -mmemcpy-strategy=libcall:-1:noalign)
+string(REPLACE ";" " " theFlags "${UPNP_NO_REP}")
+check_cxx_compiler_flag("${theFlags}" UPNP_CAN_AVOID_REP)
 
 # While the version is 0.x, the interface may change with the minor version.
 if(PROJECT_VERSION_MAJOR EQUAL 0)
@@ -75,7 +78,7 @@ function(upnp_add_library aName aRoot)
     target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti
         -fasynchronous-unwind-tables # a crash report tells the way through the library
         -fno-semantic-interposition -fno-plt # calls between the libraries are many and short
-        $<$<BOOL:${UPNP_CAN_CHOOSE_MEMSET}>:-mmemset-strategy=libcall:-1:noalign>)
+        $<$<BOOL:${UPNP_CAN_AVOID_REP}>:${UPNP_NO_REP}>)
     set_target_properties(${aName} PROPERTIES
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
