@@ -14,12 +14,19 @@ EntryBuilder::~EntryBuilder()
     free(mEnds);
 }
 
-// The array with room for aCapacity elements, of which aCount are in use.
+// The array with room for aSize bytes, of which aUsed are in use.
+[[gnu::cold, gnu::noinline]] static void* MovedArray(void* anArray, const void* anInlineArray, size_t aUsed,
+                                                     size_t aSize)
+{
+    if (anArray != anInlineArray) { return zoRealloc(anArray, aSize); }
+    return memcpy(zoMalloc(aSize), anArray, aUsed);
+}
+
 template <typename Element>
 static Element* Grown(Element* anArray, const Element* anInlineArray, size_t aCount, size_t aCapacity)
 {
-    if (anArray != anInlineArray) { return Shared::ResizeArray(anArray, aCapacity); }
-    return static_cast<Element*>(memcpy(Shared::NewArray<Element>(aCapacity), anArray, aCount * sizeof(Element)));
+    return static_cast<Element*>(MovedArray(anArray, anInlineArray, aCount * sizeof(Element),
+                                            Shared::MultiplySizes(aCapacity, sizeof(Element))));
 }
 
 bool EntryBuilder::Grow(size_t aCount, uint64 aSize)
@@ -67,9 +74,7 @@ void EntryBuilder::GrowAndAddText(uint16 aTag, std::string_view aText)
 void EntryBuilder::AddText(uint16 aTag, std::string_view aText)
 {
     if (!HasRoom(1, uint64{ aText.size() } + 1)) { return GrowAndAddText(aTag, aText); }
-    char* theTarget = AddRow(aTag, aText.size() + 1);
-    theTarget[aText.size()] = 0;
-    CopyBytes(theTarget, aText.data(), aText.size());
+    CopyText(AddRow(aTag, aText.size() + 1), aText.data(), aText.size());
 }
 
 } // namespace DIDL

@@ -21,13 +21,15 @@ inline void CopyEnds(char* aTarget, const char* aText, size_t aLength)
     memcpy(aTarget + theEnd, &theLast, sizeof(Word));
 }
 
-// Copies up to 32 bytes, as most texts have, without a call.
-inline void CopyBytes(char* aTarget, const char* aText, size_t aLength)
+// Copies a text with a NUL, up to 32 bytes, as most texts have, without a call. Returns the position after that. Not
+// inline: an entry has many texts.
+[[gnu::noinline]] inline char* CopyText(char* aTarget, const char* aText, size_t aLength)
 {
     struct TwoWords
     {
         uint64 mWords[2];
     };
+    aTarget[aLength] = 0;
     if (aLength > 32) { memcpy(aTarget, aText, aLength); }
     else if (aLength >= 16) { CopyEnds<TwoWords>(aTarget, aText, aLength); }
     else if (aLength >= 8) { CopyEnds<uint64>(aTarget, aText, aLength); }
@@ -37,13 +39,6 @@ inline void CopyBytes(char* aTarget, const char* aText, size_t aLength)
         for (size_t i = 0; i < aLength; ++i)
             aTarget[i] = aText[i];
     }
-}
-
-// Copies a text with a NUL. Returns the position after that. Not inline: an entry has many texts.
-[[gnu::noinline]] inline char* CopyText(char* aTarget, const char* aText, size_t aLength)
-{
-    aTarget[aLength] = 0;
-    CopyBytes(aTarget, aText, aLength);
     return aTarget + aLength + 1;
 }
 
