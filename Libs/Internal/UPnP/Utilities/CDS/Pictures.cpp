@@ -163,16 +163,16 @@ private:
     static const uint32 kFew = 8; // resources whose profiles are compared one by one
     static const int kUnknown = -2;
 
-    void AddTo(Best* aBest, const zoDLNAProtocolInfo_t* anInfo) const;
+    void Add(const zoDLNAProtocolInfo_t* anInfo);
     template <typename Predicate>
-    int FindBest(Predicate afIsMeant) const;
+    int FindBest(Predicate afIsMeant);
     int FindOfProfile(string_view aProfile);
     int FindWithoutInfo();
     int FindOfMimeType(bool afIsPNG, bool afWithAnyProfile);
     void SortByProfile();
 
     const Resources& mResources;
-    Targets mTargets;
+    Best mBest;                    // of what is looked for
     zoDLNAProtocolInfo_t** mInfos; // in the order of the resources
     uint32 mCount;
     const zoDLNAProtocolInfo_t** mByProfile = nullptr; // in the order of their profiles; NULL until they are asked for
@@ -183,7 +183,7 @@ private:
 } // namespace
 
 ThumbnailSearch::ThumbnailSearch(const Resources& aResources, Targets aTargets)
-    : mResources(aResources), mTargets(aTargets), mInfos(aResources.GetRoom()), mCount(0)
+    : mResources(aResources), mBest(aResources, aTargets), mInfos(aResources.GetRoom()), mCount(0)
 {
     for (uint32 i = 0; i < aResources.GetCount(); ++i)
     {
@@ -210,20 +210,20 @@ static bool HasProfile(const zoDLNAProtocolInfo_t* anInfo, string_view aProfile)
     return strncmp(theProfile, aProfile.data(), aProfile.size()) == 0 && theProfile[aProfile.size()] == '\0';
 }
 
-void ThumbnailSearch::AddTo(Best* aBest, const zoDLNAProtocolInfo_t* anInfo) const
+void ThumbnailSearch::Add(const zoDLNAProtocolInfo_t* anInfo)
 {
-    aBest->Add(IndexOf(anInfo), 0, zoDLNAProtocolInfo_GetConversionIndicator(anInfo) == 0);
+    mBest.Add(IndexOf(anInfo), 0, zoDLNAProtocolInfo_GetConversionIndicator(anInfo) == 0);
 }
 
 template <typename Predicate>
-int ThumbnailSearch::FindBest(Predicate afIsMeant) const
+int ThumbnailSearch::FindBest(Predicate afIsMeant)
 {
-    Best theBest(mResources, mTargets);
+    mBest.Clear();
     for (uint32 i = 0; i < mCount; ++i)
     {
-        if (afIsMeant(mInfos[i])) { AddTo(&theBest, mInfos[i]); }
+        if (afIsMeant(mInfos[i])) { Add(mInfos[i]); }
     }
-    return theBest.GetIndex();
+    return mBest.GetIndex();
 }
 
 // Orders by profile; those of one keep their order. No profile is read further than to where it differs: a long one may
@@ -254,10 +254,10 @@ int ThumbnailSearch::FindOfProfile(string_view aProfile)
         std::lower_bound(mByProfile, theEnd, aProfile,
                          [](const zoDLNAProtocolInfo_t* aLeft, string_view aRight)
                          { return strncmp(ProfileOf(aLeft), aRight.data(), aRight.size()) < 0; });
-    Best theBest(mResources, mTargets);
+    mBest.Clear();
     for (; thePosition < theEnd && HasProfile(*thePosition, aProfile); ++thePosition)
-        AddTo(&theBest, *thePosition);
-    return theBest.GetIndex();
+        Add(*thePosition);
+    return mBest.GetIndex();
 }
 
 int ThumbnailSearch::FindWithoutInfo()
