@@ -227,7 +227,7 @@ TEST(UPnPDIDLSendableTest, JudgesTexts)
         { "<a xmlns='http://www.w3.org/2000/xmlns/'/>", false },
         { "<a xmlns='u'><b xml:id='c'/></a>", false }, // some readers check it
         { "<a xmlns='u' xml:lang='c'><xml:id/></a>", true },
-        { "<a xmlns='http://h-1.x:8080/p?q:r#f:?'/>", true },
+        { "<a xmlns='http://h_1.x:8080/p?q:r#f:?'/>", true },
         { "<a xmlns='urn:a:b//c' xmlns:x='http:/h'/>", true },
         { "<a xmlns='u&#10;'/>", false }, // not a URI, as the rest
         { "<a xmlns='http://h:80:8/'/>", false },

@@ -27,7 +27,7 @@ struct ByteClasses
     {
         kEscapedMask = 7, // 1 to 5: the place in kEscaped of one that is escaped
         kInName = 8,
-        kInHost = 16,       // and in schemes
+        kInScheme = 16,
         kNotPrintable = 32, // and every byte that is not ASCII
         kNUL = 64,
         kInURI = 128 // in its path, and after that but for the first "#"; escapes aside
@@ -40,9 +40,9 @@ struct ByteClasses
         for (size_t i = 0; i < 256; ++i)
             mClasses[i] = i < ' ' || i >= 0x80 ? kNotPrintable : 0;
         mClasses[0] |= kNUL;
-        Add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.", kInName | kInHost | kInURI);
+        Add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.", kInName | kInScheme | kInURI);
         Add("_", kInName | kInURI);
-        Add("+", kInHost | kInURI);
+        Add("+", kInScheme | kInURI);
         Add("~:/?@!$&'()*,;=", kInURI);
         for (size_t i = 0; i < kEscaped.size(); ++i)
             mClasses[static_cast<uint8>(kEscaped[i])] |= static_cast<uint8>(i + 1);

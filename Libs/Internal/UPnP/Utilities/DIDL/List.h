@@ -3,6 +3,7 @@
 #include <Shared/Sizes.h>
 #include <stdlib.h>
 #include <string.h>
+#include <type_traits>
 
 namespace DIDL
 {

@@ -119,7 +119,7 @@ bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes)
 // With the port, up to the path.
 static bool ReadHost(std::string_view* aText)
 {
-    aText->remove_prefix(LengthOf(ByteClasses::kInHost, *aText));
+    aText->remove_prefix(LengthOf(ByteClasses::kInName, *aText));
     if (Read(aText, ":"))
     {
         size_t theCount = 0;
@@ -133,7 +133,7 @@ static bool ReadHost(std::string_view* aText)
 bool IsURI(std::string_view aText)
 {
     std::string_view theRest = aText;
-    theRest.remove_prefix(LengthOf(ByteClasses::kInHost, theRest));
+    theRest.remove_prefix(LengthOf(ByteClasses::kInScheme, theRest));
     const bool fHasScheme = !aText.empty() && Shared::IsLetter(aText[0]) && Read(&theRest, ":");
     if (!fHasScheme && aText.find(':') != aText.npos) { return false; }
     if (Read(&theRest, "//") && !ReadHost(&theRest)) { return false; }
