@@ -14,16 +14,18 @@ import os
 import sys
 import time
 from collections.abc import Iterator
-from dataclasses import dataclass
+from typing import NamedTuple
 
 import upnp
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.realpath(__file__)), "..", "Python"))
-import upnputilities  # noqa: E402
+try:
+    import upnputilities
+except OSError as error:
+    sys.exit(f"{sys.argv[0]}: the library is missing; README.md says how to build and name it: {error}")
 
 
-@dataclass(frozen=True)
-class Position:
+class Position(NamedTuple):
     state: str
     seconds: float
     duration: float  # 0 when it is not known
@@ -109,8 +111,8 @@ def seconds(time_text: str) -> float:
 def find(target: str, name: str) -> upnp.Device:
     """The device of that name, or the only one whose name begins so."""
     devices = upnp.discover(target)
-    begin = [device for device in devices if device.name.lower().startswith(name.lower())]
-    found = [device for device in devices if device.name == name] or begin
+    found = ([device for device in devices if device.name == name]
+             or [device for device in devices if device.name.lower().startswith(name.lower())])
     if len(found) == 1:
         return found[0]
     names = ", ".join(device.name for device in found or devices) or "none"
@@ -169,7 +171,7 @@ def main() -> None:
 if __name__ == "__main__":
     try:
         main()
-    except upnp.DeviceError as error:
-        sys.exit(shown(f"{sys.argv[0]}: {error}"))
     except (KeyboardInterrupt, BrokenPipeError):
         os._exit(130)  # nobody reads what would still be printed
+    except (upnp.DeviceError, OSError) as error:
+        sys.exit(shown(f"{sys.argv[0]}: {error}"))

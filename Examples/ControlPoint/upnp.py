@@ -8,7 +8,7 @@ import re
 import socket
 import sys
 import time
-from dataclasses import dataclass
+from typing import NamedTuple
 from urllib.parse import urljoin, urlsplit
 
 SSDP = ("239.255.255.250", 1900)
@@ -22,8 +22,7 @@ class DeviceError(Exception):
     """What a device answered instead of doing what it was asked, or that it did not answer."""
 
 
-@dataclass(frozen=True)
-class Device:
+class Device(NamedTuple):
     name: str
     model: str
     address: str  # IPv4
@@ -99,8 +98,7 @@ def discover(target: str, wait: float = 2) -> list[Device]:
             sender.settimeout(left)
             try:
                 match = re.search(rb"^location:\s*(\S+)", sender.recv(65536), re.IGNORECASE | re.MULTILINE)
-                location = match[1].decode(errors="replace") if match else ""
-                if location and location not in found:
+                if match and (location := match[1].decode(errors="replace")) not in found:
                     found[location] = describe(location)
             except TimeoutError:
                 break
