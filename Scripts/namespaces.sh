@@ -16,7 +16,7 @@ require_namespaces() {
 # in_namespaces [OPTION...] COMMAND...: runs it with processes and mounts of its own, which end with it. It ends with this
 # script, however that is ended: the kernel sees to it.
 in_namespaces() {
-    trap 'kill -KILL $! && wait $!; exit 130' INT TERM HUP
+    trap '{ kill -KILL $!; wait $!; } 2>/dev/null; exit 130' INT TERM HUP
     setpriv --pdeathsig KILL unshare --mount-proc --pid --fork --kill-child "$@" &
     wait $!
 }
