@@ -32,9 +32,9 @@ CONVERTED = f"{RYGEL} offers a converted resource that does not play"  # the ori
 CRASHED = f"{RYGEL} crashes or hangs, and plays the same once it is started again"
 FAULTS = {  # that are known, and what is said then: who does it, and for a renderer also what it plays of whom
     f"{GERBERA} refuses Search": rf"{GERBERA}: Search: 501 Action Failed$",
-    f"{GMEDIARENDER} ends a picture at once": rf"{GMEDIARENDER}: .*:image/.*: (Play: 501 |.* not begin|.* is not '')",
-    CONVERTED: rf".*: {RYGEL}: .*DLNA.ORG_CI=1",
-    CRASHED: rf"{RYGEL}: ",
+    f"{GMEDIARENDER} ends a picture at once": rf"{GMEDIARENDER} plays .*:image/.*: (Play: 501 |.* not begin|.* is not '')",
+    CONVERTED: rf".* plays of {RYGEL}: .*DLNA.ORG_CI=1",
+    CRASHED: rf"{RYGEL} plays of ",
 }
 LEAST = {"objects": 3000, "fields": 30000, "texts written": 3000, "plays": 60, "uploads": 3, "descriptions": 6}
 FILTERS = ["dc:title", "dc:title,upnp:albumArtURI,res,res@duration,res@size,@childCount"]
@@ -185,7 +185,7 @@ def check_renderer(servers: list[upnp.Device], name: str) -> None:
 
 def play(renderer: upnp.Device, server: upnp.Device, object_id: str, prefers_originals: bool) -> str:
     """Plays an object as the example does, and asks the renderer what it plays; returns the fault that prevents it."""
-    what = f"{renderer.model}: {server.model}"
+    what = f"{renderer.model} plays of {server.model}"
     try:
         found = controlpoint.fetch(server, object_id)
         choice = found.choose(controlpoint.sink(renderer), prefer_originals=prefers_originals)
