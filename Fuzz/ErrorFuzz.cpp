@@ -3,6 +3,7 @@
 #include <UPnP/Utilities/UPnPDIDL.h>
 #include <UPnP/Utilities/UPnPUtility.h>
 #include <string>
+#include <strings.h>
 #include <zoLog/Log.h>
 
 // The bytes are a document, well-formed or not.
@@ -71,20 +72,21 @@ int ResultOfParsing(const std::string& aText)
     return theResult;
 }
 
-bool HasSeveralObjects(const std::string& aText)
+// UPnPDIDL_ParseElements also finds a second one in a root that UPnPDIDLDocument passes over.
+bool HasSeveralObjects(std::string aText)
 {
-    UPnPDIDLDocument* theDocument = UPnPDIDLDocument_New(aText.c_str(), nullptr);
-    int theType = kDIDLItemType_None;
-    for (int i = 0; i < 2; ++i)
+    ILibXMLNode* theNodes = ILibParseXML(aText.data(), 0, aText.size());
+    ILibProcessXMLNodeList(theNodes);
+    int theCount = 0;
+    for (const ILibXMLNode* theNode = theNodes; theNode; theNode = theNode->Next)
     {
-        char* theData = nullptr;
-        char* theRes = nullptr;
-        UPnPDIDLDocument_NextObject(theDocument, &theData, &theRes, &theType);
-        free(theData);
-        free(theRes);
+        const std::string theName(theNode->Name, static_cast<size_t>(theNode->NameLength));
+        const bool fIsObject =
+            strcasecmp(theName.c_str(), "item") == 0 || strcasecmp(theName.c_str(), "container") == 0;
+        theCount += theNode->StartTag && fIsObject;
     }
-    UPnPDIDLDocument_Delete(theDocument);
-    return theType != kDIDLItemType_None;
+    ILibDestructXMLNodeList(theNodes);
+    return theCount > 1;
 }
 
 } // namespace
