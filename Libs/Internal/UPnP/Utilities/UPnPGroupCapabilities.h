@@ -21,7 +21,8 @@
  * XML texts may come from strangers' devices: they are not changed, nothing recurses, time and memory are linear in the
  * text. Comparisons of element names, without their prefix, and of attribute names, with it, ignore the case of ASCII
  * letters; all others are exact. One thread at a time uses a set or a group. A NULL group counts as one without
- * members, a NULL table as an empty one, unless a comment says otherwise. */
+ * members, a NULL table as an empty one, unless a comment says otherwise. Operations that take a grouped UDN compare it
+ * with those of members, each time. */
 
 #include <UPnP/Utilities/Export.h>
 #include <zoOS/zoTypes.h>

@@ -51,7 +51,8 @@ UPNPUTILITIES_API int UPnPUtil_FindStringInArray(const char* aStr, const char** 
 /** As UPnPUtil_FindStringInArray, for the first aStrLen bytes of aStr, which is at least as long. */
 UPNPUTILITIES_API int UPnPUtil_FindSubStringInArray(const char* aStr, size_t aStrLen, const char** aStrArray);
 /**
- * Checks that every part of a list is a known word. Despite the name, ";" separates the parts.
+ * Checks that every part of a list is a known word: compares each with the words, one by one. Despite the name, ";"
+ * separates the parts.
  * @param aStr  a text of at least aStrLen bytes; NULL counts as "". Empty parts are skipped.
  * @return 0 when the NULL-terminated array has all parts, ignoring case, and for a list without parts; else -1.
  */

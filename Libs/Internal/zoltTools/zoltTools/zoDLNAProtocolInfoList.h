@@ -87,7 +87,8 @@ ZOLTTOOLS_API char* zoDLNAProtocolInfoList_GetSupportedProtocolList(const zoDLNA
  * @param aSupported   protocols separated by commas: only elements with one of them take part; "" or one that contains
  *                     "*": all do.
  * @return the position of the first element that the earliest item of anOrder covers; -1 when no element takes part.
- *         Draining a list (ask, remove, ask again with the same texts) takes time linear in its length.
+ *         Draining a list (ask, remove, ask again with the same texts) takes time linear in its length; the texts are
+ *         compared with those of the question before.
  */
 ZOLTTOOLS_API int zoDLNAProtocolInfoList_GetBestIndexForScheme(zoDLNAProtocolInfoList_t* aList, const char* anOrder,
                                                                const char* aSupported);
