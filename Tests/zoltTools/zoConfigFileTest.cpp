@@ -298,9 +298,9 @@ TEST(zoConfigFileTest, IsWholeWheneverSaversAreKilled)
     const std::string theValues[] = { std::string(50000, 'a'), std::string(70000, 'b') };
     int theCounts[] = { 0, 0 };
     bool fWasLeft = false;
-    ASSERT_TRUE(SaveKey(thePath, theValues[0].c_str()));
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 50; ++i)
     {
+        std::filesystem::remove(thePath);
         pid_t theSavers[2];
         for (pid_t& theSaver : theSavers)
         {
@@ -308,7 +308,9 @@ TEST(zoConfigFileTest, IsWholeWheneverSaversAreKilled)
             for (int j = i; theSaver == 0; ++j)
                 if (!SaveKey(thePath, theValues[j % 2].c_str())) { _exit(1); }
         }
-        usleep(1000 * (i % 20 + 5));
+        for (int k = 0; k < 10000 && !std::filesystem::exists(thePath); ++k)
+            usleep(1000); // until one has saved
+        usleep(1000 * (i % 20));
         for (const pid_t theSaver : theSavers)
         {
             int theStatus = 0;
