@@ -77,10 +77,10 @@ typedef struct UPnPDIDLRepairs_t
  *   record does not declare them.
  *
  * The limits count what is written: U+FFFD is three bytes.
- * @param aMediaData             as for UPnPDIDL_Get; NULL counts as a record without values.
+ * @param aMediaData             as for UPnPDIDL_Get, but for NULL, too, the start tag's declaration and ">" are written.
  * @param afIncludeHeaderFooter  0: the text is sendable once "<DIDL-Lite" and "</DIDL-Lite>" are around it.
  * @param aRepairs               out: all 0 when the text is that of UPnPDIDL_Get; NULL when it is not asked for.
- * @return as UPnPDIDL_Get. It logs as that does.
+ * @return as UPnPDIDL_Get. As that does, it logs how many resources are left out.
  */
 UPNPUTILITIES_API char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPackedData_t* aResourceInfo,
                                              int afIncludeHeaderFooter, int afIncludeResExtraInfo,
@@ -94,7 +94,8 @@ UPNPUTILITIES_API char* UPnPDIDL_GetSendable(zoPackedData_t* aMediaData, zoPacke
 UPNPUTILITIES_API int UPnPDIDL_IsSendable(const char* aText, size_t aLength);
 
 /* The documents of an upload (UPnP ContentDirectory, CreateObject; DLNA, upload of content). Texts are escaped and cut
- * as in UPnPDIDL_Get, and NULL counts as "". Each is a new NUL-terminated text that the caller releases with free. */
+ * as in UPnPDIDL_Get, and NULL counts as "". Each is a new NUL-terminated text that the caller releases with free.
+ * Nothing declares the prefix of dtcp:uploadInfo: with DTCP information, strict readers refuse it. */
 
 /**
  * Writes the Elements of a request to create a container.
