@@ -47,10 +47,10 @@ UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t*
  *
  * A text is sendable when it is well-formed UTF-8 of characters that XML 1.0 allows and well-formed XML 1.0 with
  * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, and its XML declaration names UTF-8
- * or no encoding. Where readers differ, it has what all take: namespaces are URIs (RFC 3986), or relative ones without a
- * colon, that have no escapes, and no host but a name or an IPv4 address; no attribute is xml:id; and names consist of
- * ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek, Cyrillic, Hebrew,
- * Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
+ * or no encoding. Where readers differ, it has what all take: namespaces are URIs (RFC 3986), or relative ones without
+ * a colon, that have no escapes, and no host but a name or an IPv4 address; no attribute is xml:id; and names consist
+ * of ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek, Cyrillic,
+ * Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
 
 /* What UPnPDIDL_GetSendable changed. */
 typedef struct UPnPDIDLRepairs_t
@@ -77,7 +77,7 @@ typedef struct UPnPDIDLRepairs_t
  *   record does not declare them.
  *
  * The limits count what is written: U+FFFD is three bytes.
- * @param aMediaData             as for UPnPDIDL_Get, but for NULL, too, the start tag's declaration and ">" are written.
+ * @param aMediaData             as for UPnPDIDL_Get; but for NULL, too, what ends the start tag is always written.
  * @param afIncludeHeaderFooter  0: the text is sendable once "<DIDL-Lite" and "</DIDL-Lite>" are around it.
  * @param aRepairs               out: all 0 when the text is that of UPnPDIDL_Get; NULL when it is not asked for.
  * @return as UPnPDIDL_Get. As that does, it logs how many resources are left out.
@@ -164,8 +164,9 @@ UPNPUTILITIES_API int UPnPDIDL_ParseElements(const char* anElements, char** aDat
 /**
  * Says why a document was refused by UPnPDIDL_ParseElements, UPnPDIDLDocument_New or UPnPDIDLDocument_NextObject: what
  * is wrong with its tags (see UPnPUtil_FindXMLError), or else with what they mean: no object at all, or the first flag
- * (restricted, searchable) that is neither true nor false, of objects inside others, too. That there are several objects
- * is not an error here, and UPnPDIDLDocument_NextObject alone finds none in a root of another name than DIDL-Lite.
+ * (restricted, searchable) that is neither true nor false, of objects inside others, too. That there are several
+ * objects is not an error here, and UPnPDIDLDocument_NextObject alone finds none in a root of another name than
+ * DIDL-Lite.
  * @param aText           aLength bytes. They are only read; a NUL among them ends the text. NULL counts as "".
  * @param aLine, aColumn  out: where it is, as for UPnPUtil_FindXMLError; 0 without an error.
  * @return the reason in English, such as "end tag </b> where </a> was expected"; NULL when nothing is wrong. A new text
