@@ -48,9 +48,9 @@ UPNPUTILITIES_API char* UPnPDIDL_Get(zoPackedData_t* aMediaData, zoPackedData_t*
  * A text is sendable when it is well-formed UTF-8 of characters that XML 1.0 allows and well-formed XML 1.0 with
  * namespaces, each of whose elements is in a namespace. Further it has no DOCTYPE, and its XML declaration names UTF-8
  * or no encoding. Where readers differ, it has what all take: namespaces are URIs (RFC 3986), or relative ones without
- * a colon, that have no escapes, and no host but a name or an IPv4 address; no attribute is xml:id; and names consist
- * of ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek, Cyrillic,
- * Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
+ * a colon, that have no escapes, no "&", and no host but a name or an IPv4 address; no attribute is xml:id; and names
+ * consist of ASCII characters and of letters that are in names since the first edition of XML 1.0 (Latin, Greek,
+ * Cyrillic, Hebrew, Arabic, Devanagari, Thai, kana, Han, Hangul), up to 1024 bytes before and after the colon. */
 
 /* What UPnPDIDL_GetSendable changed. */
 typedef struct UPnPDIDLRepairs_t

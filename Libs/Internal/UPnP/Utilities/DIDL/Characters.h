@@ -30,7 +30,7 @@ struct ByteClasses
         kInScheme = 16,
         kNotPrintable = 32, // and every byte that is not ASCII
         kNUL = 64,
-        kInURI = 128 // in its path, and after that but for the first "#"; escapes aside
+        kInURI = 128 // in its path, and after that but for the first "#"; escapes and "&" aside
     };
     static constexpr std::string_view kEscaped = "\"'<>&";
 
@@ -43,7 +43,7 @@ struct ByteClasses
         Add("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.", kInName | kInScheme | kInURI);
         Add("_", kInName | kInURI);
         Add("+", kInScheme | kInURI);
-        Add("~:/?@!$&'()*,;=", kInURI);
+        Add("~:/?@!$'()*,;=", kInURI);
         for (size_t i = 0; i < kEscaped.size(); ++i)
             mClasses[static_cast<uint8>(kEscaped[i])] |= static_cast<uint8>(i + 1);
     }

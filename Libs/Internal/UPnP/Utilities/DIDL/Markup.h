@@ -26,8 +26,9 @@ size_t ReadSpaces(std::string_view* aText);
 bool ReadAttributes(std::string_view* aText, List<Attribute>* anAttributes);
 // Reads up to aStop: "<" in an element, where the end of the text stops, too, or the quote of a value.
 bool ReadCharacters(std::string_view* aText, char aStop);
-// True for a URI (RFC 3986), or a relative one without a colon, that has no escapes, and no host but a name or an IPv4
-// address: of other texts, readers differ.
+// True for a URI (RFC 3986), or a relative one without a colon, that has no escapes, no "&", and no host but a name or
+// an IPv4 address: of other texts, readers differ. Some check "&" as the reference "&#38;", and its "#" is a second
+// one.
 bool IsURI(std::string_view aText);
 // True if the text has only characters that XML allows.
 bool IsAllowed(std::string_view aText);
