@@ -163,9 +163,14 @@ TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
         { "a:*:b/c:*,a:*:b/c:DLNA.ORG_PN=P", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime, 1 },
         { "a:*:b/c:*", "a:*:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime | kAny, 0 },
     };
-    std::string theOthers; // that make the list long enough for an index, twice each
+    std::string theOthers; // that make the list long enough for an index, twice each, and of many transports
     for (int i = 0; i < 40; ++i)
-        theOthers += ",none:none:none/n" + std::to_string(i / 2) + ";n=" + std::to_string(i / 2) + ":DLNA.ORG_PN=N";
+    {
+        const std::string theNumber = std::to_string(i / 2);
+        theOthers += ",none:none:none/n" + theNumber + ";n=" + theNumber + ":DLNA.ORG_PN=N";
+        for (const char* theFormat : { "b/c:*", "b/c:DLNA.ORG_PN=P", "*:*", "audio/L16;rate=44100:*" })
+            theOthers += ",none" + theNumber + ":n" + theNumber + ':' + theFormat;
+    }
     for (const auto& [theList, theText, theFlags, fMatches] : kCases)
     {
         alignas(void*) char theMemory[160];

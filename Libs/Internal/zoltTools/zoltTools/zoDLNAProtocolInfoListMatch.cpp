@@ -157,7 +157,8 @@ static uint64 FindField(uint32 anElement, uint32 aField)
     return anElement <= aField ? aField : uint64{ 1 } << 32;
 }
 
-// @return the least transport, equal to an element's or above, that may match, or one below that. Our own is known.
+// @return an element's transport if it may match; else one above it, and none from the element's up to there may match.
+// The hashes of the protocol info's fields are known.
 uint64 Query::FindTransport(const Entry& anEntry) const
 {
     const uint64 theProtocol = FindField(anEntry.mProtocol, mProtocol);
