@@ -40,30 +40,46 @@ static bool IsFractionOrEnd(const char* aText)
     return *theDenominatorEnd == '\0' && IsLess(theNumerator, theNumeratorEnd, theDenominator, theDenominatorEnd);
 }
 
+// Reads a number past its last digit; false without a digit. What is above 32 bits stays above.
+static bool ReadNumber(const char** aText, uint64* aNumber)
+{
+    const char* thePosition = *aText;
+    uint64 theNumber = 0;
+    for (; IsDigit(*thePosition); ++thePosition)
+        if (theNumber <= UINT32_MAX) { theNumber = theNumber * 10 + static_cast<uint64>(*thePosition - '0'); }
+    const bool fHasDigits = thePosition != *aText;
+    *aText = thePosition;
+    *aNumber = theNumber;
+    return fHasDigits;
+}
+
+// Reads minutes or seconds, one or two digits below 60, past the last one.
+static bool ReadSixtieths(const char** aText, uint64* aNumber)
+{
+    const char* theText = *aText;
+    if (!IsDigit(theText[0])) { return false; }
+    const bool fHasTwo = IsDigit(theText[1]);
+    const int theFirst = theText[0] - '0';
+    const int theNumber = fHasTwo ? theFirst * 10 + theText[1] - '0' : theFirst;
+    *aText = theText + 1 + fHasTwo;
+    *aNumber = static_cast<uint64>(theNumber);
+    return theNumber < 60 && !IsDigit(**aText);
+}
+
 uint32 ILibString_ParseTimeString(const char* aText)
 {
-    if (!aText) { return kUPnP_UnknownTime; }
-    const char* thePosition = aText;
-    uint64 theSeconds = 0;
-    for (int theUnit = 0; theUnit < 3; ++theUnit)
+    const char* thePosition = aText ? aText : "";
+    uint64 theSeconds;
+    if (!ReadNumber(&thePosition, &theSeconds) || theSeconds > UINT32_MAX) { return kUPnP_UnknownTime; }
+    for (int i = 0; i < 2 && *thePosition == ':'; ++i)
     {
-        uint64 theNumber = 0;
-        const char* theEnd = thePosition;
-        for (; IsDigit(*theEnd); ++theEnd)
-        {
-            if (theNumber <= UINT32_MAX) { theNumber = theNumber * 10 + static_cast<uint64>(*theEnd - '0'); }
-        }
-        if (theEnd == thePosition || (theUnit > 0 && theEnd - thePosition > 2)) { return kUPnP_UnknownTime; }
-        if (theNumber > UINT32_MAX || (theUnit > 0 && theNumber >= 60)) { return kUPnP_UnknownTime; }
+        uint64 theNumber;
+        ++thePosition;
+        if (!ReadSixtieths(&thePosition, &theNumber)) { return kUPnP_UnknownTime; }
         theSeconds = theSeconds * 60 + theNumber;
-        if (*theEnd != ':')
-        {
-            return theSeconds < kUPnP_UnknownTime && IsFractionOrEnd(theEnd) ? static_cast<uint32>(theSeconds)
-                                                                             : kUPnP_UnknownTime;
-        }
-        thePosition = theEnd + 1;
     }
-    return kUPnP_UnknownTime;
+    const bool fIsValid = theSeconds < kUPnP_UnknownTime && IsFractionOrEnd(thePosition);
+    return fIsValid ? static_cast<uint32>(theSeconds) : kUPnP_UnknownTime;
 }
 
 // ---- Words ----
