@@ -167,10 +167,10 @@ def playable(server: upnp.Device) -> list[Any]:
     return [each for (_, is_broken), titles in kinds.items() for each in list(titles.values())[:2 - is_broken]]
 
 
-def check_renderer(servers: list[upnp.Device], name: str) -> None:
-    """Plays objects of all servers; one more attempt after a known fault, with the original, and a player that works."""
+def check_renderer(name: str, items: list[tuple[upnp.Device, Any]]) -> None:
+    """Plays items of servers; one more attempt after a known fault, with the original, and a player that works."""
     renderer = find_renderer(name)
-    for server, found in [(server, found) for server in servers for found in playable(server)]:
+    for server, found in items:
         for attempt in range(3):
             fault = play(renderer, server, found.id, attempt > 0)
             if fault == CRASHED:
@@ -270,8 +270,9 @@ def main() -> int:
     servers = find_servers()
     for server in servers:
         check_server(server)
+    items = [(server, found) for server in servers for found in playable(server)]
     with ThreadPoolExecutor() as pool:
-        list(pool.map(lambda name: check_renderer(servers, name), ("gmediarender", "playbin")))
+        list(pool.map(check_renderer, ("gmediarender", "playbin"), (items, items)))
     for file, (kind, mime) in UPLOADS.items():
         check_upload(servers[-1], file, kind, mime)
     for template, options in CLIENTS:
