@@ -38,7 +38,7 @@ def fetch(method: str, url: str, body: bytes | None = None, headers: dict[str, s
     """Makes an HTTP request; returns the status and the body of the answer."""
     try:
         parts = urlsplit(url)
-        with contextlib.closing(http.client.HTTPConnection(parts.hostname or "", parts.port or 80, timeout=20)) as connection:
+        with contextlib.closing(http.client.HTTPConnection(parts.hostname or "", parts.port or 80, timeout=60)) as connection:
             connection.request(method, parts._replace(scheme="", netloc="").geturl() or "/", body, headers or {})
             answer = connection.getresponse()
             return answer.status, answer.read()

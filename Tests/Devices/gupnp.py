@@ -51,7 +51,7 @@ def introspect(folder: Path, service: str, port: int) -> didl.Object:
     finder.connect("device-proxy-available", lambda _, found: found.get_service(service).introspect_async(
         None, lambda proxy, answer: answers.append(proxy.introspect_finish(answer))))
     finder.set_active(True)
-    GLib.timeout_add_seconds(20, answers.append, None)
+    GLib.timeout_add_seconds(60, answers.append, None)
     while not answers:
         GLib.MainContext.default().iteration()
     device.set_available(False)
