@@ -55,7 +55,7 @@ def introspect(folder: Path, service: str, port: int) -> didl.Object:
     while not answers:
         GLib.MainContext.default().iteration()
     device.set_available(False)
-    assert answers[0], f"gupnp does not read {service} within 20 s"
+    assert answers[0], f"gupnp does not read {service} within 60 s"
     variables = {variable.name for variable in answers[0].list_state_variables()}
     return {action.name: {each.name: ({each.related_state_variable} & variables).pop() for each in action.arguments}
             for action in answers[0].list_actions()}
