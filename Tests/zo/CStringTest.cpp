@@ -23,7 +23,7 @@ TEST(CStringTest, CopiesAreIndependentAndMovesLeaveNothing)
     theCopy.Format("%s, %s and %d", theCopy.c_str(), std::string(500, 'x').c_str(), 7);
     EXPECT_EQ("longer one, " + std::string(500, 'x') + " and 7", theCopy.c_str());
 
-    for (const size_t theLength : { 0, 1, 15, 16, 100 }) // in the object, and not
+    for (const size_t theLength : { 0u, 1u, 15u, 16u, 100u }) // in the object, and not
     {
         const std::string theBytes(theLength, 'x');
         zoCString theString(theBytes.c_str());

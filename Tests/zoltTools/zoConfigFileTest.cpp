@@ -305,12 +305,15 @@ TEST(zoConfigFileTest, IsWholeWheneverSaversAreKilled)
         for (pid_t& theSaver : theSavers)
         {
             theSaver = fork();
-            for (int j = i; theSaver == 0; ++j)
-                if (!SaveKey(thePath, theValues[j % 2].c_str())) { _exit(1); }
+            if (theSaver == 0)
+            {
+                for (int j = i; SaveKey(thePath, theValues[j % 2].c_str()); ++j) {}
+                _exit(1);
+            }
         }
         for (int k = 0; k < 10000 && !std::filesystem::exists(thePath); ++k)
             usleep(1000); // until one has saved
-        usleep(1000 * (i % 20));
+        usleep(1000u * (static_cast<unsigned>(i) % 20));
         for (const pid_t theSaver : theSavers)
         {
             int theStatus = 0;
