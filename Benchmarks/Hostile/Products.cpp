@@ -258,7 +258,7 @@ void AddErrors(Shapes& aShapes)
 
 // ---- Choices ----
 
-// Resources, and album art, on many hosts, with targets that share no octet with them: more than a program has.
+// Resources, and album art, on many hosts, with more targets than a program has. None shares an octet with them.
 void AddTargets(Shapes& aShapes)
 {
     const auto AddHosts = [&aShapes](const std::string& aName, bool afIsArt, auto aChoose)
@@ -286,7 +286,7 @@ void AddTargets(Shapes& aShapes)
             {
                 zoPackedData_AddArray(theEntry, kCDSEntryInfo_AlbumArtURI, theArt, zoStringArray_FlattenerFunc);
             }
-            std::vector<uint32> theTargets(64);
+            std::vector<uint32> theTargets(aSize / 8);
             for (size_t i = 0; i < theTargets.size(); ++i)
                 theTargets[i] = static_cast<uint32>(i * 2654435761u) | 0x80;
             const size_t theBytes = zoPackedData_GetMemoryUsage(theEntry) + zoPackedData_GetMemoryUsage(theResources);

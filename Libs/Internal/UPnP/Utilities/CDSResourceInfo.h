@@ -11,8 +11,9 @@
  * - Target addresses are the IPv4 addresses, in network byte order, of the devices that will fetch the resource: a host
  *   that shares the first three, two or one octets with a target is nearer. May be NULL when the count is 0.
  *
- * A choice takes time linear in the resources. For each it takes at most as long as it takes to go through the targets
- * and through the list, the parameters of its MIME types included; a list made of a text has at most 2048 elements. */
+ * A choice takes time linear in the resources. For each it takes at most as long as it takes to go through the list,
+ * the parameters of its MIME types included; a list made of a text has at most 2048 elements. Targets are sorted once.
+ */
 
 #include <UPnP/Utilities/Export.h>
 #include <UPnP/Utilities/UPnPConst.h>

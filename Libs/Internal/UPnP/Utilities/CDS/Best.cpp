@@ -15,9 +15,9 @@ bool Best::MayHaveOtherHost(uint32 anIndex)
 int Best::CompareHost(uint32 anIndex)
 {
     if (!MayHaveOtherHost(anIndex)) { return 0; }
-    if (!mfHasHostWeight) { mHostWeight = mResources.WeighHost(static_cast<uint32>(mIndex), mTargets); }
+    if (!mfHasHostWeight) { mHostWeight = mResources.WeighHost(static_cast<uint32>(mIndex), &mLocalities); }
     mfHasHostWeight = true;
-    const uint32 theWeight = mResources.WeighHost(anIndex, mTargets);
+    const uint32 theWeight = mResources.WeighHost(anIndex, &mLocalities);
     if (theWeight == mHostWeight) { return 0; }
     if (theWeight < mHostWeight) { return -1; }
     mHostWeight = theWeight;

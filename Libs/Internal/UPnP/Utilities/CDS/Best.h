@@ -13,7 +13,7 @@ namespace CDS
 class Best
 {
 public:
-    Best(const Resources& aResources, Targets aTargets) : mResources(aResources), mTargets(aTargets) {}
+    Best(const Resources& aResources, Targets aTargets) : mResources(aResources), mLocalities(aTargets) {}
 
     /** @return the resource's index; -1 when none was added. */
     int GetIndex() const { return mIndex; }
@@ -25,7 +25,7 @@ private:
     int CompareHost(uint32 anIndex);
 
     const Resources& mResources;
-    Targets mTargets;
+    Localities mLocalities;
     int mIndex = -1;
     uint32 mFirstWeight = 0;
     uint32 mLastWeight = 0;

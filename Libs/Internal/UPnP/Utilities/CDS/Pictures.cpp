@@ -2,7 +2,6 @@
 
 #include <Shared/ASCII.h>
 #include <Shared/Sizes.h>
-#include <Shared/Sort.h>
 #include <Shared/Split.h>
 #include <UPnP/Utilities/CDS/Best.h>
 #include <algorithm>
@@ -85,14 +84,10 @@ static uint32 WeighProfile(const ListedProfiles& aList, string_view aProfile)
     return theWeight;
 }
 
-static uint32 WeighAlbumArtHost(const char* anURI, Targets aTargets)
+static uint32 WeighAlbumArtHost(const char* anURI, Localities* aLocalities)
 {
     const uint32 theAddress = FindHostAddress(anURI);
-    if (theAddress == kNoAddress) { return 0; }
-    uint32 theWeight = kIsAddressWeight;
-    for (uint32 i = 0; i < aTargets.mCount; ++i)
-        theWeight += GetLocality(theAddress, aTargets.mAddresses[i]);
-    return theWeight;
+    return theAddress != kNoAddress ? kIsAddressWeight + aLocalities->GetSum(theAddress) : 0;
 }
 
 AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, string_view aProfiles, Targets aTargets)
@@ -101,12 +96,13 @@ AlbumArt ChooseAlbumArt(const zoArray_t* aPairs, string_view aProfiles, Targets 
     const size_t theCount = zoArray_GetCount(aPairs);
     if (theCount < 2) { return theBest; }
     const ListedProfiles theProfiles = SplitProfiles(aProfiles);
+    Localities theLocalities(aTargets);
     uint32 theBestWeight = 0;
     for (size_t i = 0; i + 1 < theCount; i += 2)
     {
         const char* theURI = static_cast<const char*>(zoArray_At(aPairs, i));
         const char* theProfile = static_cast<const char*>(zoArray_At(aPairs, i + 1));
-        const uint32 theWeight = WeighAlbumArtHost(theURI, aTargets) + WeighProfile(theProfiles, theProfile);
+        const uint32 theWeight = WeighAlbumArtHost(theURI, &theLocalities) + WeighProfile(theProfiles, theProfile);
         if (theBestWeight == 0) { theBest.mURI = theURI; } // better than nothing
         if (theWeight <= theBestWeight) { continue; }
         theBest = { theURI, theProfile };
@@ -228,17 +224,19 @@ int ThumbnailSearch::FindBest(Predicate afIsMeant)
 
 // Orders by profile; those of one keep their order. No profile is read further than to where it differs: a long one may
 // be compared with many.
-static bool IsBefore(const zoDLNAProtocolInfo_t* aLeft, const zoDLNAProtocolInfo_t* aRight)
+static int CompareProfiles(const void* aLeft, const void* aRight)
 {
-    const int theOrder = strcmp(ProfileOf(aLeft), ProfileOf(aRight));
-    return theOrder != 0 ? theOrder < 0 : IndexOf(aLeft) < IndexOf(aRight);
+    const zoDLNAProtocolInfo_t* theLeft = *static_cast<const zoDLNAProtocolInfo_t* const*>(aLeft);
+    const zoDLNAProtocolInfo_t* theRight = *static_cast<const zoDLNAProtocolInfo_t* const*>(aRight);
+    const int theOrder = strcmp(ProfileOf(theLeft), ProfileOf(theRight));
+    return theOrder != 0 ? theOrder : static_cast<int>(IndexOf(theLeft) - IndexOf(theRight));
 }
 
 void ThumbnailSearch::SortByProfile()
 {
     mByProfile = Shared::NewArray<const zoDLNAProtocolInfo_t*>(mCount);
     std::copy_n(mInfos, mCount, mByProfile);
-    Shared::Sort(mByProfile, mByProfile + mCount, IsBefore);
+    qsort(mByProfile, mCount, sizeof(*mByProfile), CompareProfiles);
 }
 
 // @return the best of those that have exactly this profile, which is not empty.

@@ -36,10 +36,11 @@ static int WhyNotConsidered(const Resource& aResource, const Renderer& aRenderer
 }
 
 // Tells what does not depend on other resources.
-static void Describe(const Decision& aDecision, uint32 anIndex, CDSResourceReport_t* aReport)
+static void Describe(const Decision& aDecision, uint32 anIndex, CDS::Localities* aLocalities,
+                     CDSResourceReport_t* aReport)
 {
     const Resource& theResource = aDecision.mResources->At(anIndex);
-    const uint32 theHost = aDecision.mResources->WeighHost(anIndex, aDecision.mRenderer.mTargets);
+    const uint32 theHost = aDecision.mResources->WeighHost(anIndex, aLocalities);
     aReport->mReason = CDS::IsConsidered(theResource, aDecision.mRenderer)
                            ? kCDSResourceReason_TransportMissing
                            : WhyNotConsidered(theResource, aDecision.mRenderer);
@@ -124,8 +125,9 @@ static CDSResourceReport_t* NewReports(const Decision& aDecision)
 {
     const uint32 theCount = aDecision.mResources->GetCount();
     CDSResourceReport_t* theReports = Shared::NewZeroedArray<CDSResourceReport_t>(theCount);
+    CDS::Localities theLocalities(aDecision.mRenderer.mTargets);
     for (uint32 i = 0; i < theCount; ++i)
-        Describe(aDecision, i, &theReports[i]);
+        Describe(aDecision, i, &theLocalities, &theReports[i]);
     const size_t theSupportedCount = Rank(aDecision, nullptr);
     for (size_t i = 0; i < theSupportedCount; ++i)
         theReports[CDS::IndexOf(aDecision.mResources->GetRoom()[i])].mReason = kCDSResourceReason_TransportNotListed;

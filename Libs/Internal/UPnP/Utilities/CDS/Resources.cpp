@@ -60,14 +60,10 @@ std::string_view Resources::GetURI(uint32 anIndex) const
     return { theURI, theSize };
 }
 
-uint32 Resources::WeighHost(uint32 anIndex, Targets aTargets) const
+uint32 Resources::WeighHost(uint32 anIndex, Localities* aLocalities) const
 {
     const uint32 theAddress = FindHostAddress(GetURI(anIndex));
-    if (theAddress == kNoAddress) { return 0; }
-    uint32 theNearest = 0;
-    for (uint32 i = 0; i < aTargets.mCount; ++i)
-        theNearest = std::max(theNearest, GetLocality(theAddress, aTargets.mAddresses[i]));
-    return kIsAddressWeight + theNearest;
+    return theAddress != kNoAddress ? kIsAddressWeight + aLocalities->GetHighest(theAddress) : 0;
 }
 
 } // namespace CDS

@@ -47,7 +47,7 @@ public:
     /** @return the DLNA profile of the resource's protocol info, borrowed; NULL without one. */
     const char* GetProfile(uint32 anIndex) const;
     /** @return the weight of the resource's host: 0 for a name, else kIsAddressWeight and the highest locality. */
-    uint32 WeighHost(uint32 anIndex, Targets aTargets) const;
+    uint32 WeighHost(uint32 anIndex, Localities* aLocalities) const;
     /** @return the bytes of the resource's URI; the text may end before them. */
     std::string_view GetURI(uint32 anIndex) const;
 
