@@ -78,7 +78,7 @@ function(upnp_add_library aName aRoot)
     target_compile_options(${aName} PRIVATE -fno-exceptions -fno-rtti
         -fasynchronous-unwind-tables # a crash report tells the way through the library
         -fno-semantic-interposition -fno-plt # calls between the libraries are many and short
-        $<$<BOOL:${UPNP_CAN_AVOID_REP}>:${UPNP_NO_REP}>)
+        $<$<AND:$<CONFIG:Release>,$<BOOL:${UPNP_CAN_AVOID_REP}>>:${UPNP_NO_REP}>)
     set_target_properties(${aName} PROPERTIES
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
