@@ -1,4 +1,5 @@
 #include "Shapes.h"
+#include "Support/ParsedObject.h"
 
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <UPnP/Utilities/CDSResourceInfo.h>
@@ -24,40 +25,9 @@ void Add(Shapes& aShapes, const std::string& aName, const std::function<void(siz
 
 // ---- Records ----
 
-// The records of a document of one object. They grow when a program adds to them.
-struct Records
-{
-    explicit Records(const std::string& aText)
-    {
-        char* theData = nullptr;
-        char* theRes = nullptr;
-        int theType;
-        UPnPDIDL_ParseElements(aText.c_str(), &theData, &theRes, &theType);
-        mEntry = zoPackedData_NewData(theData);
-        mResources = zoPackedData_NewData(theRes);
-    }
-    ~Records()
-    {
-        zoPackedData_Free(mEntry);
-        zoPackedData_Free(mResources);
-    }
-    Records(const Records&) = delete;
-    Records& operator=(const Records&) = delete;
-
-    size_t Size() const { return zoPackedData_GetMemoryUsage(mEntry) + zoPackedData_GetMemoryUsage(mResources); }
-
-    zoPackedData_t* mEntry;
-    zoPackedData_t* mResources;
-};
-
 std::string Document(const std::string& anAttributes, const std::string& aContent)
 {
     return "<DIDL-Lite" + anAttributes + "><item>" + aContent + "</item></DIDL-Lite>";
-}
-
-void AddText(zoPackedData_t* aRecord, uint32 aTag, const std::string& aText)
-{
-    zoPackedData_AddData(aRecord, static_cast<uint16>(aTag), aText.c_str(), aText.size() + 1);
 }
 
 // Adds pairs to the last entry of a record, whose pairs begin at a tag.
@@ -66,7 +36,7 @@ void AddPairs(zoPackedData_t* aRecord, uint32 aFirstTag, uint32 aCount)
     const uint32 theEntry = zoPackedData_GetEntryCount(aRecord) - 1;
     uint32 theTag = aFirstTag + zoPackedData_CountTagsFrom(aRecord, theEntry, static_cast<uint16>(aFirstTag));
     for (uint32 i = 0; i < 2 * aCount && theTag < 0xFFFF; ++i)
-        AddText(aRecord, theTag++, "a:b");
+        AddText(aRecord, static_cast<uint16>(theTag++), "a:b");
 }
 
 // Reads each pair of the last resource, counted by its tags and in the order of storage.
@@ -89,7 +59,7 @@ zoPackedData_t* NewResource(size_t aValueCount, size_t aFieldAfter)
     for (size_t i = 0; i < aValueCount; ++i)
     {
         if (i == aFieldAfter) { zoPackedData_AddData(theRecord, kCDSResourceInfo_URI, nullptr, 0); }
-        AddText(theRecord, kCDSResourceInfo_Count + static_cast<uint32>(i), "1234567890");
+        AddText(theRecord, static_cast<uint16>(kCDSResourceInfo_Count + i), "1234567890");
     }
     return theRecord;
 }
@@ -101,7 +71,8 @@ void AddRecords(Shapes& aShapes)
         Add(aShapes, "record: pairs of a resource after " + std::to_string(theAdded) + " were added",
             [theAdded](size_t aSize, Meter& aMeter)
             {
-            const Records theRecords(Document("", "<res" + Fill(" abcdefgh:#='12345678'", aSize / 2) + ">u</res>"));
+            const ParsedObject theRecords(
+                Document("", "<res" + Fill(" abcdefgh:#='12345678'", aSize / 2) + ">u</res>"));
             AddPairs(theRecords.mResources, kCDSResourceInfo_Count, theAdded);
             aMeter.Run(theRecords.Size(), [&] { ReadPairs(theRecords.mResources); });
         });
@@ -122,7 +93,7 @@ void AddRecords(Shapes& aShapes)
         [](size_t aSize, Meter& aMeter)
         {
         const char kSubtitle[] = "<res protocolInfo='http-get:*:text/srt:ZOLT.COM_SUB=1'>u</res>";
-        const Records theRecords(Document("", Fill(kSubtitle, aSize)));
+        const ParsedObject theRecords(Document("", Fill(kSubtitle, aSize)));
         aMeter.Run(theRecords.Size(),
                    [&]
                    {
@@ -144,7 +115,7 @@ void AddSent(Shapes& aShapes, const std::string& aName, const std::function<std:
     Add(aShapes, "sent: " + aName,
         [aMake](size_t aSize, Meter& aMeter)
         {
-        const Records theRecords(aMake(aSize));
+        const ParsedObject theRecords(aMake(aSize));
         aMeter.Run(theRecords.Size(),
                    [&]
                    {
@@ -165,8 +136,8 @@ void AddSentList(Shapes& aShapes, const std::string& aDeclaration)
         AddText(theEntry, kCDSEntryInfo_XMLNS, Fill(aDeclaration, aSize / 2));
         for (uint32 i = 0; i < std::min<size_t>(aSize / 32, 32000); ++i)
         {
-            AddText(theEntry, kCDSEntryInfo_Count + 2 * i, "a" + std::to_string(i) + ":b");
-            AddText(theEntry, kCDSEntryInfo_Count + 2 * i + 1, "c");
+            AddText(theEntry, static_cast<uint16>(kCDSEntryInfo_Count + 2 * i), "a" + std::to_string(i) + ":b");
+            AddText(theEntry, static_cast<uint16>(kCDSEntryInfo_Count + 2 * i + 1), "c");
         }
         aMeter.Run(zoPackedData_GetMemoryUsage(theEntry),
                    [&] { free(UPnPDIDL_GetSendable(theEntry, nullptr, 1, 1, nullptr, nullptr)); });

@@ -1,4 +1,5 @@
 #include "Shapes.h"
+#include "Support/ParsedObject.h"
 
 #include <UPnP/Utilities/CDSEntryInfo.h>
 #include <UPnP/Utilities/CDSResourceInfo.h>
@@ -15,26 +16,6 @@ void Add(Shapes& aShapes, const std::string& aName, const std::function<void(siz
     aShapes.push_back({ "record: " + aName, kMaxPeakOfObject, kMaxPeakOfObject, aRun });
 }
 
-struct ParsedRecords
-{
-    explicit ParsedRecords(std::string aText)
-    {
-        char* theData = nullptr;
-        char* theRes = nullptr;
-        int theType;
-        UPnPDIDL_ParseElements(aText.c_str(), &theData, &theRes, &theType);
-        mEntry = zoPackedData_NewData(theData);
-        mResources = zoPackedData_NewData(theRes);
-        mSize = zoPackedData_GetMemoryUsage(mEntry) + zoPackedData_GetMemoryUsage(mResources);
-    }
-    ParsedRecords(const ParsedRecords&) = delete;
-    ParsedRecords& operator=(const ParsedRecords&) = delete;
-
-    zoPackedData_t* mEntry;
-    zoPackedData_t* mResources;
-    size_t mSize;
-};
-
 typedef std::function<void(CDSEntryInfo& anEntry, CDSResourceInfo& aResources)> Loop;
 
 void AddLoop(Shapes& aShapes, const std::string& aName, const std::string& anAttributes, const std::string& aContent,
@@ -45,10 +26,11 @@ void AddLoop(Shapes& aShapes, const std::string& aName, const std::string& anAtt
         {
         const std::string theContent =
             aContent.empty() ? "<res" + Fill(anAttributes, aSize) + ">u</res>" : Fill(aContent, aSize);
-        const ParsedRecords theRecords("<DIDL-Lite><item>" + theContent + "</item></DIDL-Lite>");
-        CDSEntryInfo theEntry(theRecords.mEntry);
-        CDSResourceInfo theResources(theRecords.mResources, theRecords.mEntry);
-        aMeter.Run(theRecords.mSize, [&] { aLoop(theEntry, theResources); });
+        ParsedObject theRecords("<DIDL-Lite><item>" + theContent + "</item></DIDL-Lite>");
+        const size_t theBytes = theRecords.Size();
+        CDSResourceInfo theResources(std::exchange(theRecords.mResources.mRecord, nullptr), theRecords.mEntry);
+        CDSEntryInfo theEntry(std::exchange(theRecords.mEntry.mRecord, nullptr));
+        aMeter.Run(theBytes, [&] { aLoop(theEntry, theResources); });
     });
 }
 

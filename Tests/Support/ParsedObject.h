@@ -17,6 +17,8 @@ struct ParsedObject
         return Taken(UPnPDIDL_Get(mEntry, mResources, 1, afResExtraInfo, aSelectedURI));
     }
 
+    size_t Size() const { return zoPackedData_GetMemoryUsage(mEntry) + zoPackedData_GetMemoryUsage(mResources); }
+
     char* mText;
     char* mData = nullptr; // belongs to mEntry
     char* mRes = nullptr;  // belongs to mResources
