@@ -16,6 +16,21 @@ TEST(zoArrayTest, KeepsStringsThroughTheRecord)
     EXPECT_EQ("", TextsOf(theRecord, 0, 18));
 }
 
+TEST(zoArrayTest, PacksStringsWithoutAnArray)
+{
+    zoArray_t* theArray = NewStringArray({ "first", "", "third" });
+    size_t theSize = 0;
+    char* theBytes = zoStringArray_FlattenerFunc(theArray, &theSize);
+    std::string theTarget(theSize, 'x');
+    EXPECT_EQ(theSize, zoStringArray_Pack("first\0\0third", 13, theTarget.data(), theSize - 1));
+    EXPECT_EQ(std::string(theSize, 'x'), theTarget);
+    EXPECT_EQ(theSize, zoStringArray_Pack("first\0\0third", 13, theTarget.data(), theSize));
+    EXPECT_EQ(std::string(theBytes, theSize), theTarget);
+    EXPECT_EQ(0U, zoStringArray_Pack(nullptr, 0, theTarget.data(), theSize));
+    zoArray_Delete(theArray);
+    free(theBytes);
+}
+
 TEST(zoArrayTest, IsAQueue)
 {
     static char sBytes[64];

@@ -120,6 +120,12 @@ char* zoStringArray_FlattenerFunc(const zoArray_t* anArray, size_t* aSize)
     return theBytes;
 }
 
+size_t zoStringArray_Pack(const char* aStrings, size_t aSize, char* aTarget, size_t aCapacity)
+{
+    if (aSize > 0 && aSize <= aCapacity) { memcpy(aTarget, aStrings, aSize); }
+    return aSize;
+}
+
 zoArray_t* zoStringArray_UnFlattenerFunc(const char* aData, size_t aSize)
 {
     zoArray_t* theArray = zoArray_New();

@@ -40,6 +40,13 @@ ZOLTTOOLS_API void zoArray_Delete(zoArray_t* anArray);
 ZOLTTOOLS_API void zoStringArray_FreeFunc(void* aString);
 /** Packs the strings; a NULL element counts as "". */
 ZOLTTOOLS_API char* zoStringArray_FlattenerFunc(const zoArray_t* anArray, size_t* aSize);
+/**
+ * Packs strings as zoStringArray_FlattenerFunc does, without an array of them.
+ * @param aStrings   aSize bytes: the strings one after the other, each with its NUL.
+ * @param aTarget    out: the packed strings, when they take at most aCapacity bytes; else it is left alone.
+ * @return the size of the packed strings.
+ */
+ZOLTTOOLS_API size_t zoStringArray_Pack(const char* aStrings, size_t aSize, char* aTarget, size_t aCapacity);
 /** Unpacks new strings. A last string without its NUL ends with the bytes. */
 ZOLTTOOLS_API zoArray_t* zoStringArray_UnFlattenerFunc(const char* aData, size_t aSize);
 

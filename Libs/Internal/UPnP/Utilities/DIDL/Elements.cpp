@@ -3,7 +3,6 @@
 #include <UPnP/Utilities/DIDL/NameIndex.h>
 #include <UPnP/Utilities/DIDL/Names.h>
 #include <zoltTools/zoConvert.h>
-#include <zoltTools/zoMemory.h>
 
 namespace DIDL
 {
@@ -42,11 +41,6 @@ static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILi
     zoConvert_strntouint32(theText.data(), theText.size(), &aParser->mFields.mChannelNr);
 }
 
-static void AppendCopy(zoArray_t* anArray, std::string_view aText)
-{
-    zoArray_Append(anArray, zoStrndup(aText.empty() ? "" : aText.data(), aText.size()));
-}
-
 [[gnu::cold]] static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode,
                                            const ILibXMLAttribute* anAttributes)
 {
@@ -54,13 +48,11 @@ static void AppendCopy(zoArray_t* anArray, std::string_view aText)
     if (!aParser->ReadText(aNode, kRepeatedText_AlbumArt, &theURI) || theURI.empty()) { return; }
     std::string_view theProfile;
     GetXMLAttribute(anAttributes, "dlna", kDIDL_Attribute_DLNAProfileID, &theProfile);
-    if (!aParser->mAlbumArt)
+    for (const std::string_view theText : { theURI, theProfile })
     {
-        aParser->mAlbumArt = zoArray_New();
-        zoArray_SetFreeFunc(aParser->mAlbumArt, zoStringArray_FreeFunc);
+        aParser->mAlbumArt.Append(theText);
+        aParser->mAlbumArt.Append('\0');
     }
-    AppendCopy(aParser->mAlbumArt, theURI);
-    AppendCopy(aParser->mAlbumArt, theProfile);
 }
 
 // The first attribute of that name decides: one character other than "0" includes the derived classes.

@@ -2,6 +2,7 @@
 
 #include <Shared/Sizes.h>
 #include <stdlib.h>
+#include <zoltTools/zoArray.h>
 
 namespace DIDL
 {
@@ -58,11 +59,17 @@ char* EntryBuilder::AddRow(uint16 aTag, size_t aSize)
     return theTarget;
 }
 
-void EntryBuilder::AddBytes(uint16 aTag, const char* aBytes, size_t aSize)
+void EntryBuilder::AddStrings(uint16 aTag, std::string_view aStrings)
 {
-    if (!Reserve(1, aSize)) { return; }
-    char* theTarget = AddRow(aTag, aSize);
-    if (aSize > 0) { memcpy(theTarget, aBytes, aSize); }
+    const auto Pack = [&]
+    { return zoStringArray_Pack(aStrings.data(), aStrings.size(), mBytes + mByteCount, mByteCapacity - mByteCount); };
+    const size_t theSize = Pack();
+    if (!HasRoom(1, theSize))
+    {
+        if (!Grow(1, theSize)) { return; }
+        Pack();
+    }
+    AddRow(aTag, theSize);
 }
 
 void EntryBuilder::GrowAndAddText(uint16 aTag, std::string_view aText)

@@ -131,9 +131,11 @@ public:
     EntryBuilder(const EntryBuilder&) = delete;
     EntryBuilder& operator=(const EntryBuilder&) = delete;
 
-    // Adds bytes, or a text with a NUL, unless they would not fit a block.
-    void AddBytes(uint16 aTag, const char* aBytes, size_t aSize);
+    // Adds a text with a NUL, unless it would not fit a block.
     void AddText(uint16 aTag, std::string_view aText);
+
+    // The same for an array of strings, which are one after the other, each with its NUL.
+    void AddStrings(uint16 aTag, std::string_view aStrings);
 
     // Adds the values that aAdd adds to an EntrySize*, to make room for them, and then to an EntryEnd*. What would not
     // fit a block is not added.

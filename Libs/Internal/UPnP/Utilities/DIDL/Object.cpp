@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <stddef.h>
 #include <stdint.h>
-#include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoConvert.h>
 
@@ -146,19 +145,11 @@ static const EntityResolver* ResolverFor(const ObjectParser& aParser)
     return fIsPlain ? nullptr : theResolver;
 }
 
-static void AddAlbumArt(ObjectParser* aParser)
-{
-    size_t theSize = 0;
-    char* theBytes = zoStringArray_FlattenerFunc(aParser->mAlbumArt, &theSize);
-    aParser->mEntry.AddBytes(kCDSEntryInfo_AlbumArtURI, theBytes, theSize);
-    free(theBytes);
-}
-
 void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
 {
     const LastTexts theTexts(aParser);
     aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theTexts, anEnd); });
-    AddAlbumArt(aParser);
+    aParser->mEntry.AddStrings(kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt.Text());
     *aData = aParser->mEntry.NewBlock();
     *aRes = zoPackedData_TakeData(aParser->mResources);
     zoPackedData_Free(aParser->mResources);

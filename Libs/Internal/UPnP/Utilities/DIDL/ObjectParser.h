@@ -5,7 +5,6 @@
 #include <UPnP/Utilities/DIDL/Namespaces.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <stddef.h>
-#include <zoltTools/zoArray.h>
 
 namespace DIDL
 {
@@ -74,7 +73,7 @@ struct ObjectParser
     size_t mMaxAbsolute = 0;
 
     ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL without such an element
-    zoArray_t* mAlbumArt = nullptr;             // NULL without album art
+    TextBuilder mAlbumArt;                      // URI and profile of each, with a NUL after either
     TextBuilder mCreateClass;
     EntryBuilder mEntry;
     EntryBuilder mResource; // the one that is being read
@@ -85,7 +84,6 @@ struct ObjectParser
     alignas(max_align_t) char mResourceMemory[2048];
 
     ObjectParser() {} // leaves the memory as it is
-    ~ObjectParser() { zoArray_Delete(mAlbumArt); }
     ObjectParser(const ObjectParser&) = delete;
     ObjectParser& operator=(const ObjectParser&) = delete;
 

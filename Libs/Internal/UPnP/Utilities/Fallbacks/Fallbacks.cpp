@@ -254,6 +254,22 @@ zoPackedData_t* zoPackedData_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, uin
 }
 #endif
 
+#ifdef UPNP_LACKS_zoStringArray_Pack
+size_t zoStringArray_Pack(const char* aStrings, size_t aSize, char* aTarget, size_t aCapacity)
+{
+    zoArray_t* theArray = zoArray_New();
+    zoArray_SetFreeFunc(theArray, zoStringArray_FreeFunc);
+    for (size_t thePosition = 0; thePosition < aSize; thePosition += strlen(aStrings + thePosition) + 1)
+        zoArray_Append(theArray, zoStrdup(aStrings + thePosition));
+    size_t theSize = 0;
+    char* theBytes = zoStringArray_FlattenerFunc(theArray, &theSize);
+    if (theSize > 0 && theSize <= aCapacity) { memcpy(aTarget, theBytes, theSize); }
+    free(theBytes);
+    zoArray_Delete(theArray);
+    return theSize;
+}
+#endif
+
 #ifdef UPNP_LACKS_zoURI_S_GetHostIP
 uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength)
 {

@@ -10,6 +10,7 @@
 #include <UPnP/Stack/ILibXML.h>
 #include <stdarg.h>
 #include <zoLog/Log.h>
+#include <zoltTools/zoArray.h>
 #include <zoltTools/zoBuffer.h>
 #include <zoltTools/zoDLNAProtocolInfo.h>
 #include <zoltTools/zoDLNAProtocolInfoList.h>
@@ -106,6 +107,10 @@ char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aC
 
 #ifdef UPNP_LACKS_zoPackedData_NewInPlace
 zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
+#endif
+
+#ifdef UPNP_LACKS_zoStringArray_Pack
+size_t zoStringArray_Pack(const char* aStrings, size_t aSize, char* aTarget, size_t aCapacity);
 #endif
 
 #ifdef UPNP_LACKS_zoURI_S_GetHostIP
