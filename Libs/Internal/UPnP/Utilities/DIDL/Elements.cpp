@@ -15,20 +15,15 @@ typedef void (*ElementHandler_t)(ObjectParser* aParser, ILibXMLNode* aNode, cons
 struct Element
 {
     std::string_view mIdentifier; // the qualified name
-    ElementHandler_t mHandler;
+    SingleText mText;             // kSingleText_Count: it is not a single text
+    ElementHandler_t mHandler;    // reads what else there is; NULL: nothing
 };
 
 } // namespace
 
-template <SingleText Kind>
-static void ParseSingleText(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* /*anAttributes*/)
+[[gnu::cold]] static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* /*aNode*/,
+                                      const ILibXMLAttribute* anAttributes)
 {
-    aParser->mLast[Kind] = aNode;
-}
-
-[[gnu::cold]] static void ParseBGMURI(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
-{
-    aParser->mLast[kSingleText_BGMURI] = aNode;
     GetXMLAttribute(anAttributes, "av", kDIDL_Attribute_DLNAProtocolInfo, &aParser->mFields.mBGMProtocolInfo);
 }
 
@@ -78,17 +73,17 @@ static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
 }
 
 static constexpr Element kElements[] = {
-    { kDIDL_Tag_Title, ParseSingleText<kSingleText_Title> },
-    { kDIDL_Tag_Class, ParseSingleText<kSingleText_Class> },
-    { kDIDL_Tag_Creator, ParseSingleText<kSingleText_Creator> },
-    { kDIDL_Tag_Date, ParseSingleText<kSingleText_Date> },
-    { kDIDL_Tag_Genre, ParseSingleText<kSingleText_Genre> },
-    { kDIDL_Tag_Album, ParseSingleText<kSingleText_Album> },
-    { kDIDL_Tag_AlbumArtURI, ParseAlbumArtURI },
-    { kDIDL_Tag_ChannelNr, ParseChannelNr },
-    { kDIDL_Tag_CreateClass, ParseCreateClass },
-    { kDIDL_Tag_StorageMedium, ParseSingleText<kSingleText_StorageMedium> },
-    { kDIDL_Tag_BGMURI, ParseBGMURI },
+    { kDIDL_Tag_Title, kSingleText_Title, nullptr },
+    { kDIDL_Tag_Class, kSingleText_Class, nullptr },
+    { kDIDL_Tag_Creator, kSingleText_Creator, nullptr },
+    { kDIDL_Tag_Date, kSingleText_Date, nullptr },
+    { kDIDL_Tag_Genre, kSingleText_Genre, nullptr },
+    { kDIDL_Tag_Album, kSingleText_Album, nullptr },
+    { kDIDL_Tag_AlbumArtURI, kSingleText_Count, ParseAlbumArtURI },
+    { kDIDL_Tag_ChannelNr, kSingleText_Count, ParseChannelNr },
+    { kDIDL_Tag_CreateClass, kSingleText_Count, ParseCreateClass },
+    { kDIDL_Tag_StorageMedium, kSingleText_StorageMedium, nullptr },
+    { kDIDL_Tag_BGMURI, kSingleText_BGMURI, ParseBGMURI },
 };
 
 static constexpr NameIndex kElementIndex(kElements);
@@ -110,13 +105,20 @@ static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode, std::st
     aParser->mNextExtraTag += 2;
 }
 
+static void ParseKnownElement(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes,
+                              const Element& anElement)
+{
+    if (anElement.mText != kSingleText_Count) { aParser->mTexts[anElement.mText] = GetInnerXML(aNode); }
+    if (anElement.mHandler) { anElement.mHandler(aParser, aNode, anAttributes); }
+}
+
 void ParseElement(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttribute* anAttributes)
 {
     if (aNode->NSTag)
     {
         const std::string_view theName = Shared::QualifiedName(aNode);
         const Element* theElement = kElementIndex.Find(theName);
-        if (theElement) { theElement->mHandler(aParser, aNode, anAttributes); }
+        if (theElement) { ParseKnownElement(aParser, aNode, anAttributes, *theElement); }
         else if (BeginsWithXMLNS(theName)) { ParseDeclaration(aParser, aNode, theName); }
         else { ParseExtraElement(aParser, aNode, theName); }
     }

@@ -75,61 +75,41 @@ static bool IsDate(std::string_view aText)
     return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), theParts) == 0;
 }
 
-namespace
+// The date, resolved; empty without a valid one. It may be a copy, until the resolver resolves another text.
+static std::string_view ReadDate(ObjectParser* aParser)
 {
-
-// The texts of the last element of each kind, as written; an invalid date is empty.
-struct LastTexts
-{
-    explicit LastTexts(ObjectParser* aParser)
-    {
-        for (size_t i = 0; i < kSingleText_Count; ++i)
-            Set(i, GetInnerXML(aParser->mLast[i]));
-        const std::string_view theDate = aParser->mResolver.Resolve((*this)[kSingleText_Date]);
-        Set(kSingleText_Date, theDate.empty() || IsDate(theDate) ? theDate : std::string_view());
-    }
-    std::string_view operator[](size_t aKind) const { return { mTexts[aKind].mData, mTexts[aKind].mSize }; }
-
-private:
-    void Set(size_t aKind, std::string_view aText) { mTexts[aKind] = { aText.data(), aText.size() }; }
-
-    struct
-    {
-        const char* mData;
-        size_t mSize;
-    } mTexts[kSingleText_Count]; // std::string_view would be set to zero first
-};
-
-} // namespace
+    const std::string_view theDate = aParser->mResolver.Resolve(aParser->mTexts[kSingleText_Date]);
+    return theDate.empty() || IsDate(theDate) ? theDate : std::string_view();
+}
 
 template <typename End>
-static void AddFields(const ObjectParser& aParser, const LastTexts& aTexts, End* anEnd)
+static void AddFields(const ObjectParser& aParser, std::string_view aDate, End* anEnd)
 {
     const EntryFields& theFields = aParser.mFields;
-    ILibXMLNode* const* theLast = aParser.mLast;
+    const std::string_view* theTexts = aParser.mTexts;
 
-    anEnd->AddMarkup(kCDSEntryInfo_Title, aTexts[kSingleText_Title]);
-    anEnd->AddMarkup(kCDSEntryInfo_Creator, aTexts[kSingleText_Creator]);
-    if (theLast[kSingleText_Date]) { anEnd->AddText(kCDSEntryInfo_Date, aTexts[kSingleText_Date]); }
+    anEnd->AddMarkup(kCDSEntryInfo_Title, theTexts[kSingleText_Title]);
+    anEnd->AddMarkup(kCDSEntryInfo_Creator, theTexts[kSingleText_Creator]);
+    if (theTexts[kSingleText_Date].data()) { anEnd->AddText(kCDSEntryInfo_Date, aDate); }
     else { anEnd->AddNoBytes(kCDSEntryInfo_Date); }
-    anEnd->AddMarkup(kCDSEntryInfo_Genre, aTexts[kSingleText_Genre]);
-    anEnd->AddMarkup(kCDSEntryInfo_Album, aTexts[kSingleText_Album]);
+    anEnd->AddMarkup(kCDSEntryInfo_Genre, theTexts[kSingleText_Genre]);
+    anEnd->AddMarkup(kCDSEntryInfo_Album, theTexts[kSingleText_Album]);
     anEnd->AddText(kCDSEntryInfo_CreateClass, aParser.mCreateClass.Text());
     anEnd->AddMarkup(kCDSEntryInfo_ParentID, theFields.mParentID);
     anEnd->AddNumber(kCDSEntryInfo_IsContainer, theFields.mIsContainer);
     anEnd->AddNumber(kCDSEntryInfo_UpdateID, uint32{ 0 });
     anEnd->AddNumber(kCDSEntryInfo_ChildCount, theFields.mChildCount);
-    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, aTexts[kSingleText_Class]);
+    anEnd->AddMarkup(kCDSEntryInfo_ItemClassName, theTexts[kSingleText_Class]);
     anEnd->AddMarkup(kCDSEntryInfo_ItemID, theFields.mItemID);
     anEnd->AddNumber(kCDSEntryInfo_ChannelNr, theFields.mChannelNr);
     anEnd->AddNumber(kCDSEntryInfo_Flags, theFields.mFlags);
-    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, aTexts[kSingleText_BGMURI]);
+    anEnd->AddMarkup(kCDSEntryInfo_BGMURI, theTexts[kSingleText_BGMURI]);
     anEnd->AddText(kCDSEntryInfo_BGMURIProtocolInfo, theFields.mBGMProtocolInfo);
     anEnd->AddNumber(kCDSEntryInfo_DLNAManaged, theFields.mManaged);
     anEnd->AddMarkup(kCDSEntryInfo_RefID, theFields.mRefID);
-    if (theLast[kSingleText_StorageMedium])
+    if (theTexts[kSingleText_StorageMedium].data())
     {
-        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, aTexts[kSingleText_StorageMedium]);
+        anEnd->AddMarkup(kCDSEntryInfo_StorageMedium, theTexts[kSingleText_StorageMedium]);
     }
     else { anEnd->AddNoBytes(kCDSEntryInfo_StorageMedium); }
     if (!aParser.mNamespaces.empty()) { anEnd->AddText(kCDSEntryInfo_XMLNS, aParser.mNamespaces.Text()); }
@@ -147,8 +127,8 @@ static const EntityResolver* ResolverFor(const ObjectParser& aParser)
 
 void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
 {
-    const LastTexts theTexts(aParser);
-    aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theTexts, anEnd); });
+    const std::string_view theDate = ReadDate(aParser);
+    aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theDate, anEnd); });
     aParser->mEntry.AddStrings(kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt.Text());
     *aData = aParser->mEntry.NewBlock();
     *aRes = zoPackedData_TakeData(aParser->mResources);

@@ -9,7 +9,7 @@
 namespace DIDL
 {
 
-// Elements of which the last one counts; read when all are known.
+// Elements of which the last one counts.
 enum SingleText
 {
     kSingleText_Title,
@@ -72,7 +72,7 @@ struct ObjectParser
     size_t mAbsoluteLength = 0; // of the URIs that were made absolute
     size_t mMaxAbsolute = 0;
 
-    ILibXMLNode* mLast[kSingleText_Count] = {}; // NULL without such an element
+    std::string_view mTexts[kSingleText_Count]; // as written, without data when there is no such element
     TextBuilder mAlbumArt;                      // URI and profile of each, with a NUL after either
     TextBuilder mCreateClass;
     EntryBuilder mEntry;
