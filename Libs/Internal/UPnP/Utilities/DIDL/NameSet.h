@@ -27,9 +27,6 @@ public:
     }
     void Clear();
 
-    // True if a further name takes no memory from the heap.
-    bool HasRoom() const { return mCount < kInline; }
-
     // True if a set can be made equal by AssignInline.
     bool fIsInline() const { return !mTable; }
 

@@ -55,7 +55,7 @@ bool NamespaceList::AppendXMLNS(std::string_view aName, std::string_view aValue,
     const size_t theBefore = mText.size();
     const size_t theLeastSize = theBefore + (theBefore > 0) + aName.size() + aValue.size() + 3; // with ="" around it
     if (theLeastSize > aMaxSize) { return false; }
-    if (mNames.Contains(aName)) { return true; }
+    if (Has(aName)) { return true; }
     if (aSource == ValueSource::AttributeWithoutAny && IsWrittenAsStored(aName, aValue))
     {
         char* theTarget = mText.Extend(theLeastSize - theBefore);
@@ -105,15 +105,19 @@ static bool IsDeclaration(const ILibXMLAttribute* anAttribute)
     return thePrefix.empty() || Shared::Equals(kXMLNS.substr(0, thePrefix.size()), thePrefix);
 }
 
-// Tells of all attributes at once whether they can be copied as they are, when they are not much longer than aMaxSize.
-// They end where the root's content begins.
-static ValueSource SourceOf(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
+// The text of the attributes, from the first name up to the root's content; empty when it is not known.
+static std::string_view TextOfAttributes(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst)
 {
     const char* theBegin = Shared::QualifiedName(aFirst).data();
     const char* theEnd = GetInnerXML(aRoot).data();
-    const size_t theLength = theEnd ? static_cast<size_t>(theEnd - theBegin) : 0;
-    if (theLength == 0 || theLength / kReadPerByte > aMaxSize) { return ValueSource::Attribute; }
-    const bool fHasAny = memchr(theBegin, ',', theLength) || memchr(theBegin, '<', theLength);
+    return { theBegin, theEnd ? static_cast<size_t>(theEnd - theBegin) : 0 };
+}
+
+// Tells of all attributes at once whether they can be copied as they are, when they are not much longer than aMaxSize.
+static ValueSource SourceOf(std::string_view aText, size_t aMaxSize)
+{
+    if (aText.empty() || aText.size() / kReadPerByte > aMaxSize) { return ValueSource::Attribute; }
+    const bool fHasAny = memchr(aText.data(), ',', aText.size()) || memchr(aText.data(), '<', aText.size());
     return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutAny;
 }
 
@@ -148,49 +152,77 @@ private:
 
 } // namespace
 
-// Copies the attributes of most roots in one piece: all are declarations, few, of different names, in the form that the
-// list has, with one blank between each two. False, with nothing added, for any other root.
-bool NamespaceList::CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize)
+// True if an attribute declares a namespace and is written as it is stored.
+static bool IsCopyable(const ILibXMLAttribute* anAttribute, std::string_view aName)
 {
-    const char* theBegin = Shared::QualifiedName(aFirst).data();
-    const char* theEnd = theBegin;
-    size_t theCount = 0;
+    const int theLength = anAttribute->Prefix ? anAttribute->PrefixLength : anAttribute->NameLength;
+    return theLength == static_cast<int>(kXMLNS.size()) && memcmp(aName.data(), kXMLNS.data(), kXMLNS.size()) == 0 &&
+           IsWrittenAsStored(aName, ValueAsWritten(anAttribute));
+}
+
+// A bit that differs for the names of most roots, and is the same for the same name.
+static uint64 SlotOf(const ILibXMLAttribute* anAttribute, std::string_view aName)
+{
+    const size_t theFirst = static_cast<uint8>(*anAttribute->Name); // of the local name
+    const size_t theLast = static_cast<uint8>(aName.data()[aName.size() - 1]);
+    return uint64{ 1 } << ((theFirst * 8 + theLast + aName.size() * 5) % 64);
+}
+
+// Copies the attributes of most roots in one piece: all declare namespaces by names with different slots, in the form
+// that the list has, with one blank between each two. False, with nothing added, for any other root. Those that fit are
+// always few enough for a ReadBudget.
+bool NamespaceList::CopyAll(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, std::string_view aText)
+{
+    char* theCopy = mText.Extend(aText.size());
+    memcpy(theCopy, aText.data(), aText.size());
+    const char* theNext = aText.data();
+    uint64 theSlots = 0;
     const ILibXMLAttribute* theAttribute = aFirst;
     for (; theAttribute; theAttribute = theAttribute->Next)
     {
         const std::string_view theName = Shared::QualifiedName(theAttribute);
-        const std::string_view theValue = ValueAsWritten(theAttribute);
-        const bool fIsNext = theName.data() == theEnd + (theAttribute != aFirst) && IsDeclaration(theAttribute) &&
-                             IsWrittenAsStored(theName, theValue) && !Has(theName);
-        if (!fIsNext || !mNames.HasRoom()) { break; }
-        mNames.Add(theName);
-        theEnd = theValue.data() + theValue.size() + 1;
-        ++theCount;
+        if (theName.data() != theNext || !IsCopyable(theAttribute, theName)) { break; }
+        const uint64 theSlot = SlotOf(theAttribute, theName);
+        if ((theSlots & theSlot) != 0) { break; }
+        theSlots |= theSlot;
+        const char* theEnd = theAttribute->Value + theAttribute->ValueLength + 1; // after the quote
+        theCopy[theEnd - aText.data()] = ',';
+        theNext = theEnd + 1;
     }
-    const size_t theSize = static_cast<size_t>(theEnd - theBegin);
-    if (theAttribute || theSize > aMaxSize || (theSize + theCount * kReadPerAttribute) / kReadPerByte >= aMaxSize)
-    {
-        mNames.Clear();
-        return false;
-    }
-    char* theText = mText.Extend(theSize);
-    memcpy(theText, theBegin, theSize);
-    for (theAttribute = aFirst->Next; theAttribute; theAttribute = theAttribute->Next)
-        theText[Shared::QualifiedName(theAttribute).data() - 1 - theBegin] = ',';
-    return true;
+    mText.CutTo(theAttribute ? 0 : static_cast<size_t>(theNext - 1 - aText.data()));
+    mCopiedRoot = theAttribute ? nullptr : aRoot;
+    return !theAttribute;
+}
+
+// Looks at 64 names at most: so many slots there are.
+bool NamespaceList::HasCopied(std::string_view aName) const
+{
+    ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(mCopiedRoot);
+    const ILibXMLAttribute* theAttribute = theAttributes;
+    while (theAttribute && !Shared::Equals(Shared::QualifiedName(theAttribute), aName))
+        theAttribute = theAttribute->Next;
+    ILibDestructXMLAttributeList(theAttributes);
+    return theAttribute != nullptr;
 }
 
 // False when one did not fit, or when there is more than is read.
 bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize)
 {
-    const ValueSource theSource = SourceOf(aRoot, aFirst, aMaxSize);
-    if (theSource == ValueSource::AttributeWithoutAny && CopyAll(aFirst, aMaxSize)) { return true; }
+    const std::string_view theText = TextOfAttributes(aRoot, aFirst);
+    const ValueSource theSource = SourceOf(theText, aMaxSize);
+    const bool fIsCopied =
+        theSource == ValueSource::AttributeWithoutAny && theText.size() <= aMaxSize && CopyAll(aRoot, aFirst, theText);
+    return fIsCopied || AddOneByOne(aFirst, theSource, aMaxSize);
+}
+
+bool NamespaceList::AddOneByOne(const ILibXMLAttribute* aFirst, ValueSource aSource, size_t aMaxSize)
+{
     ReadBudget theBudget(aMaxSize);
     for (const ILibXMLAttribute* theAttribute = aFirst; theAttribute; theAttribute = theAttribute->Next)
     {
         if (!theBudget.Take(theAttribute)) { return false; }
         if (!IsDeclaration(theAttribute)) { continue; }
-        if (AppendAttribute(this, theAttribute, theSource, aMaxSize)) { continue; }
+        if (AppendAttribute(this, theAttribute, aSource, aMaxSize)) { continue; }
         if (!Has(Shared::QualifiedName(theAttribute))) { return false; }
     }
     return true;
@@ -200,6 +232,7 @@ void NamespaceList::Clear()
 {
     mText.CutTo(0);
     mNames.Clear();
+    mCopiedRoot = nullptr;
 }
 
 void NamespaceList::CollectShared(ILibXMLNode* aRoot)

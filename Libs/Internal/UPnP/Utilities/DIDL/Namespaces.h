@@ -31,7 +31,7 @@ public:
     // The list, until more is added.
     std::string_view Text() const { return mText.Text(); }
 
-    bool Has(std::string_view aName) const { return mNames.Contains(aName); }
+    bool Has(std::string_view aName) const { return (mCopiedRoot && HasCopied(aName)) || mNames.Contains(aName); }
 
     // Adds a declaration, unless its name is declared already. False, with nothing added, when the list with it would
     // be longer than aMaxSize.
@@ -62,6 +62,7 @@ public:
     {
         mText.Append(aList.Text());
         mNames.AssignInline(aList.mNames);
+        mCopiedRoot = aList.mCopiedRoot;
     }
 
     enum : size_t
@@ -75,13 +76,16 @@ private:
     [[gnu::cold]] void AppendEscaped(std::string_view aText, ValueSource aSource);
     [[gnu::cold]] bool AppendEscapedXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
                                           size_t aMaxSize);
-    bool CopyAll(const ILibXMLAttribute* aFirst, size_t aMaxSize);
+    [[gnu::cold]] bool HasCopied(std::string_view aName) const;
+    bool CopyAll(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, std::string_view aText);
     bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
+    [[gnu::cold, gnu::noinline]] bool AddOneByOne(const ILibXMLAttribute* aFirst, ValueSource aSource, size_t aMaxSize);
     [[gnu::cold]] void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
                                       const ILibXMLAttribute* anAttributes, size_t aMaxSize);
 
     TextBuilder mText;
-    NameSet mNames;
+    NameSet mNames;                     // of the declarations that were added one by one
+    ILibXMLNode* mCopiedRoot = nullptr; // the root whose attributes were copied in one piece; NULL without one
 };
 
 // True if an element or an attribute of this qualified name declares a namespace.
