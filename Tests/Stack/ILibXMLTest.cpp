@@ -99,6 +99,7 @@ TEST(ILibXMLTest, ResolvesReferences)
         { "&#xE9;&#x20AC;&#x1F600;&#x10FFFF;", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF" },
         { "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1", "&#0;&#xD800;&#x110000;&#99999999999;&#;&#x;&#1" },
         { "&AMP;&nbsp;&amp &;&", "&AMP;&nbsp;&amp &;&" },
+        { "&quo;&quox;&lt &ampx;&apo&quot", "&quo;&quox;&lt &ampx;&apo&quot" }, // almost
         { "<![CDATA[a&amp;b]]>&amp;<![CDATA[]]]]><![CDATA[>]]>", "a&amp;b&]]>" },
         { "<b>&lt;<![CDATA[x", "<b><<![CDATA[x" },
         { "<![CDATA[ <![CDATA[ ]]> ]]>", " <![CDATA[  ]]>" },

@@ -2,6 +2,7 @@
 
 #include <Shared/Append.h>
 #include <Shared/Digits.h>
+#include <Shared/Integers.h>
 #include <Shared/Sizes.h>
 #include <UPnP/Stack/XML/Bytes.h>
 #include <stdint.h>
@@ -51,100 +52,100 @@ static size_t ReadCharacterReference(const char* aText, uint32* aCharacter)
     return static_cast<size_t>(thePosition + 1 - aText);
 }
 
-// Resolves the reference at aText into aTarget. @return the length of the reference; 0 when it stays as it is.
-static size_t ResolveReference(const char* aText, char* aTarget, size_t* aTargetLength)
+// The entity that the text begins with; NULL when it is none of the five. All have four bytes or more, which are
+// compared at once.
+static const Entity* FindEntity(const char* aText, const char* anEnd)
 {
-    uint32 theCharacter = 0;
-    if (aText[1] == '#')
-    {
-        const size_t theLength = ReadCharacterReference(aText, &theCharacter);
-        if (theLength > 0) { *aTargetLength = WriteUTF8(theCharacter, aTarget); }
-        return theLength;
-    }
+    if (anEnd - aText < 4) { return nullptr; }
+    const uint32 theBegin = Shared::Load<uint32>(aText);
     for (const Entity& theEntity : kEntities)
     {
-        if (aText[1] != theEntity.mName[1] || strncmp(aText, theEntity.mName, theEntity.mLength) != 0) { continue; }
-        *aTarget = theEntity.mCharacter;
-        *aTargetLength = 1;
-        return theEntity.mLength;
+        if (Shared::Load<uint32>(theEntity.mName) != theBegin) { continue; }
+        size_t theLength = 4; // ends at the NUL after the text at the latest
+        while (theLength < theEntity.mLength && aText[theLength] == theEntity.mName[theLength])
+            ++theLength;
+        if (theLength == theEntity.mLength) { return &theEntity; }
     }
-    return 0;
+    return nullptr;
 }
 
 namespace
 {
 
-// Text that is resolved in place: writing never overtakes reading.
-struct Unescaper
+struct Resolved
 {
-    char* mRead;
-    char* mWrite;
-    char* mEnd;
-
-    void Keep(size_t aLength)
-    {
-        if (mRead != mWrite) { memmove(mWrite, mRead, aLength); }
-        mRead += aLength;
-        mWrite += aLength;
-    }
-    void KeepTo(const char* aPosition) { Keep(static_cast<size_t>(aPosition - mRead)); }
+    size_t mLength; // of the reference
+    size_t mWritten;
 };
 
 } // namespace
 
-// At "<". Unwraps a CDATA section; other markup is kept as text. @return false when a section has no end: then no later
-// one has.
-static bool UnescapeSection(Unescaper* aText)
+// Writes what the reference at aText stands for; the "&" alone of one that can't be resolved.
+static Resolved ResolveReference(const char* aText, const char* anEnd, char* aTarget)
 {
-    if (!XML::StartsWith(aText->mRead, aText->mEnd, "<![CDATA["))
+    if (const Entity* theEntity = FindEntity(aText, anEnd))
     {
-        aText->Keep(1);
-        return true;
+        *aTarget = theEntity->mCharacter;
+        return { theEntity->mLength, 1 };
     }
-    char* theContent = aText->mRead + 9;
-    const char* thePast = XML::FindPast(theContent, aText->mEnd, "]]>");
-    if (!thePast) { return false; }
-    aText->mRead = theContent;
-    aText->KeepTo(thePast - 3);
-    aText->mRead += 3;
-    return true;
+    uint32 theCharacter = 0;
+    const size_t theLength = aText[1] == '#' ? ReadCharacterReference(aText, &theCharacter) : 0;
+    if (theLength > 0) { return { theLength, WriteUTF8(theCharacter, aTarget) }; }
+    *aTarget = '&';
+    return { 1, 1 };
 }
 
-static void UnescapeReference(Unescaper* aText)
+// Moves text to the left, or to where it is. @return the end of the moved text.
+static char* Move(char* aTarget, const char* aText, const char* anEnd)
 {
-    size_t theWritten = 0;
-    const size_t theLength = ResolveReference(aText->mRead, aText->mWrite, &theWritten);
-    if (theLength == 0)
+    const size_t theLength = static_cast<size_t>(anEnd - aText);
+    if (aTarget != aText) { memmove(aTarget, aText, theLength); }
+    return aTarget + theLength;
+}
+
+// Moves text to the left with its references resolved, which makes none longer. @return the end of the moved text.
+static char* MoveResolved(char* aTarget, char* aText, const char* anEnd)
+{
+    while (char* theReference = XML::Find(aText, anEnd, '&'))
     {
-        aText->Keep(1);
-        return;
+        aTarget = Move(aTarget, aText, theReference);
+        const Resolved theResolved = ResolveReference(theReference, anEnd, aTarget);
+        aText = theReference + theResolved.mLength;
+        aTarget += theResolved.mWritten;
     }
-    aText->mRead += theLength;
-    aText->mWrite += theWritten;
+    return Move(aTarget, aText, anEnd);
+}
+
+static const char kSection[] = "<![CDATA[";
+static const char kSectionEnd[] = "]]>";
+
+// The next CDATA section; NULL when there is none. Other markup is text.
+static char* FindSection(char* aText, const char* anEnd)
+{
+    char* theSection = aText;
+    while ((theSection = XML::Find(theSection, anEnd, '<')) && !XML::StartsWith(theSection, anEnd, kSection))
+        ++theSection;
+    return theSection;
 }
 
 int ILibInPlaceXmlUnEscape(char* aText)
 {
     if (!aText) { return 0; }
-    Unescaper theText = { aText, aText, aText + strlen(aText) };
-    const auto FindOrEnd = [&theText](char aByte)
+    char* theRead = aText;
+    char* theWrite = aText; // never overtakes theRead
+    const char* theEnd = aText + strlen(aText);
+    while (char* theSection = FindSection(theRead, theEnd))
     {
-        char* theByte = XML::Find(theText.mRead, theText.mEnd, aByte);
-        return theByte ? theByte : theText.mEnd;
-    };
-    char* theReference = FindOrEnd('&');
-    char* theSection = FindOrEnd('<');
-    while (theReference < theText.mEnd || theSection < theText.mEnd)
-    {
-        theText.KeepTo(theReference < theSection ? theReference : theSection);
-        if (theReference < theSection) { UnescapeReference(&theText); }
-        else if (!UnescapeSection(&theText)) { theSection = theText.mEnd; }
-        if (theReference < theText.mRead) { theReference = FindOrEnd('&'); }
-        if (theSection < theText.mRead) { theSection = FindOrEnd('<'); }
+        char* theContent = theSection + strlen(kSection);
+        char* thePast = XML::FindPast(theContent, theEnd, kSectionEnd);
+        if (!thePast) { break; } // nor has any later one an end
+        theWrite = MoveResolved(theWrite, theRead, theSection);
+        theWrite = Move(theWrite, theContent, thePast - strlen(kSectionEnd));
+        theRead = thePast;
     }
-    theText.KeepTo(theText.mEnd);
-    *theText.mWrite = 0;
-    return static_cast<int>(theText.mWrite - aText);
+    theWrite = MoveResolved(theWrite, theRead, theEnd);
+    *theWrite = 0;
+    return static_cast<int>(theWrite - aText);
 }
 
 // NULL when the character is written as it is.
