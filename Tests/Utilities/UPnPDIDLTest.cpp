@@ -1,6 +1,7 @@
 #include "Support/Catchers.h"
 #include "Support/ParsedObject.h"
 #include <UPnP/Stack/ILibString.h>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
 #include <zoLog/Log.h>
@@ -538,6 +539,16 @@ std::string Declarations(const char* aPrefix, int aCount)
 }
 
 } // namespace
+
+// A text that a caller reads by its length may have NULs; they don't make two strings of one.
+TEST(UPnPDIDLTest, EndsAlbumArtAtANul)
+{
+    std::string theText =
+        "<DIDL-Lite><item><upnp:albumArtURI dlna:profileID='P_Q'>x_y</upnp:albumArtURI></item></DIDL-Lite>";
+    std::replace(theText.begin(), theText.end(), '_', '\0');
+    const ParsedMember theObject(theText, nullptr);
+    EXPECT_EQ("x|P|", TextsOf(theObject.mEntry, 0, kCDSEntryInfo_AlbumArtURI));
+}
 
 TEST(UPnPDIDLTest, InheritsDeclarationsWithinBounds)
 {

@@ -1,5 +1,6 @@
 #include <UPnP/Utilities/DIDL/Elements.h>
 
+#include <Shared/Text.h>
 #include <UPnP/Utilities/DIDL/NameIndex.h>
 #include <UPnP/Utilities/DIDL/Names.h>
 #include <zoltTools/zoConvert.h>
@@ -45,7 +46,7 @@ struct Element
     GetXMLAttribute(anAttributes, "dlna", kDIDL_Attribute_DLNAProfileID, &theProfile);
     for (const std::string_view theText : { theURI, theProfile })
     {
-        aParser->mAlbumArt.Append(theText);
+        aParser->mAlbumArt.Append(Shared::TextOf(theText.data(), theText.size())); // a NUL would make it two strings
         aParser->mAlbumArt.Append('\0');
     }
 }
