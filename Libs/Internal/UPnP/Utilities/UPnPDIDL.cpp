@@ -164,26 +164,24 @@ int UPnPDIDL_IsSendable(const char* aText, size_t aLength) { return aText && IsS
 
 // ---- Parsing: one object ----
 
-// The next start tag of an object after aNode; NULL without another one.
-static ILibXMLNode* NextStartTag(const ObjectNodes& anObject, ILibXMLNode* aNode)
+// The node after aNode, NULL at the object's end tag.
+static ILibXMLNode* NextNode(const ILibXMLNode* anObject, ILibXMLNode* aNode)
 {
-    do
-    {
-        aNode = aNode->Next;
-        if (!zoAssert(aNode != NULL)) { return nullptr; }
-        aNode = anObject.SkipInnerObject(aNode);
-        if (aNode == anObject.mStartTag->ClosingTag) { return nullptr; }
-    } while (!aNode->StartTag);
-    return aNode;
+    aNode = aNode->Next;
+    if (!zoAssert(aNode != NULL)) { return nullptr; }
+    return aNode != anObject->ClosingTag ? aNode : nullptr;
 }
 
 static void ParseElementsOf(ObjectParser* aParser)
 {
-    ILibXMLNode* theNode = aParser->mNodes.mStartTag;
-    while (theNode && (theNode = NextStartTag(aParser->mNodes, theNode)) != nullptr)
+    const ObjectNodes& theNodes = aParser->mNodes;
+    ILibXMLNode* theNode = theNodes.mStartTag;
+    while (theNode && (theNode = NextNode(theNodes.mStartTag, theNode)) != nullptr)
     {
+        if (!theNode->StartTag) { continue; }
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
-        if (IsResource(theNode)) { ParseResource(aParser, theNode, theAttributes); }
+        if (theNodes.IsSkipped(theNode)) { theNode = theNode->ClosingTag; }
+        else if (IsResource(theNode)) { ParseResource(aParser, theNode, theAttributes); }
         else { ParseElement(aParser, theNode, theAttributes); }
         ILibDestructXMLAttributeList(theAttributes);
     }
@@ -263,22 +261,27 @@ static int ParseOnlyObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLTyp
     return kUPnPError_None;
 }
 
-// Where the walk goes on after an element that holds no objects.
+// Where the walk goes on after an element that holds no objects, past those of its peers that don't, either.
 static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
 {
-    if (aNode->Peer) { return aNode->Peer; }
+    ILibXMLNode* thePeer = aNode->Peer;
+    while (thePeer && !HasObjectLength(thePeer) && thePeer->Peer)
+        thePeer = thePeer->Peer;
+    if (thePeer) { return thePeer; }
     return aNode->Parent ? aNode->Parent->Peer : aNode->Next;
 }
 
 // aNode or the node after it where the walk finds an object; NULL without one.
-[[gnu::always_inline]] static inline ILibXMLNode* FindObject(ILibXMLNode* aNode, ILibXMLNode** aDIDLNode)
+static ILibXMLNode* FindObject(ILibXMLNode* aNode, ILibXMLNode** aDIDLNode)
 {
     ILibXMLNode* theNode = aNode;
-    while (theNode && (!theNode->StartTag || !IsObject(theNode)))
+    while (theNode)
     {
         const bool fIsDIDL = theNode->StartTag && IsNamed(theNode, "DIDL-Lite");
         if (fIsDIDL) { *aDIDLNode = theNode; }
-        theNode = fIsDIDL || !theNode->StartTag ? theNode->Next : SkipElement(theNode);
+        if (fIsDIDL || !theNode->StartTag) { theNode = theNode->Next; }
+        else if (IsObject(theNode)) { break; }
+        else { theNode = SkipElement(theNode); }
     }
     return theNode;
 }

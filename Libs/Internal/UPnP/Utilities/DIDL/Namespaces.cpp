@@ -333,8 +333,12 @@ void NeededDeclarations::Find(const ObjectNodes& anObject, const ILibXMLAttribut
     const ILibXMLNode* theEnd = anObject.mStartTag->ClosingTag;
     for (ILibXMLNode* theNode = anObject.mStartTag->Next; theNode && theNode != theEnd; theNode = theNode->Next)
     {
-        theNode = anObject.SkipInnerObject(theNode);
         if (!theNode->StartTag) { continue; }
+        if (anObject.IsSkipped(theNode))
+        {
+            theNode = theNode->ClosingTag;
+            continue;
+        }
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
         FindPrefixes(theNode, theAttributes);
         ILibDestructXMLAttributeList(theAttributes);

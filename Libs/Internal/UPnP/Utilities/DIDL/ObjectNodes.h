@@ -13,12 +13,11 @@ namespace DIDL
     return IsNamed(aNode, "container") ? kDIDLItemType_Container : kDIDLItemType_None;
 }
 
+// True if the name of an element is as long as that of an object or of DIDL-Lite.
+inline bool HasObjectLength(const ILibXMLNode* aNode) { return aNode->NameLength == 4 || aNode->NameLength == 9; }
+
 // kDIDLItemType_None for an element that is not an object.
-inline int TypeOf(const ILibXMLNode* aNode)
-{
-    const bool fHasLength = aNode->NameLength == 4 || aNode->NameLength == 9;
-    return fHasLength ? TypeOfName(aNode) : kDIDLItemType_None;
-}
+inline int TypeOf(const ILibXMLNode* aNode) { return HasObjectLength(aNode) ? TypeOfName(aNode) : kDIDLItemType_None; }
 
 inline bool IsObject(const ILibXMLNode* aNode) { return TypeOf(aNode) != kDIDLItemType_None; }
 
@@ -38,11 +37,12 @@ struct ObjectNodes
     ILibXMLNode* mStartTag;   // NULL for an object without nodes
     bool mfSkipsInnerObjects; // of which there are some
 
-    // aNode, or the end tag of the object inside that begins there when those are skipped.
-    ILibXMLNode* SkipInnerObject(ILibXMLNode* aNode) const
+    // True if an element is one of the objects inside, which are skipped.
+    bool IsSkipped(const ILibXMLNode* aStartTag) const { return mfSkipsInnerObjects && IsInnerObject(aStartTag); }
+
+    [[gnu::cold, gnu::noinline]] bool IsInnerObject(const ILibXMLNode* aStartTag) const
     {
-        const bool fIsSkipped = mfSkipsInnerObjects && aNode->StartTag && aNode->Parent == mStartTag && IsObject(aNode);
-        return fIsSkipped ? aNode->ClosingTag : aNode;
+        return aStartTag->Parent == mStartTag && IsObject(aStartTag);
     }
 
     // The length of the object's text, given that of its inner XML.
