@@ -74,10 +74,9 @@ inline std::string_view RemoveQuotesFromAttributeValue(const ILibXMLAttribute* a
     return fIsQuoted ? theValue.substr(1, theValue.size() - 2) : theValue;
 }
 
-// The text between an element's tags as written, with its child elements; empty for NULL.
+// The text between an element's tags as written, with its child elements.
 inline std::string_view GetInnerXML(ILibXMLNode* aNode)
 {
-    if (!aNode) { return {}; }
     char* theBegin = nullptr;
     const int theLength = ILibReadInnerXML(aNode, &theBegin);
     return { theBegin, static_cast<size_t>(theLength) };

@@ -40,8 +40,8 @@ struct Element
 [[gnu::cold]] static void ParseAlbumArtURI(ObjectParser* aParser, ILibXMLNode* aNode,
                                            const ILibXMLAttribute* anAttributes)
 {
-    std::string_view theURI;
-    if (!aParser->ReadText(aNode, kRepeatedText_AlbumArt, &theURI) || theURI.empty()) { return; }
+    const std::string_view theURI = aParser->ReadText(aNode, kRepeatedText_AlbumArt);
+    if (theURI.empty()) { return; }
     std::string_view theProfile;
     GetXMLAttribute(anAttributes, "dlna", kDIDL_Attribute_DLNAProfileID, &theProfile);
     for (const std::string_view theText : { theURI, theProfile })
@@ -65,8 +65,8 @@ static bool IncludesDerived(const ILibXMLAttribute* anAttributes)
 [[gnu::cold]] static void ParseCreateClass(ObjectParser* aParser, ILibXMLNode* aNode,
                                            const ILibXMLAttribute* anAttributes)
 {
-    std::string_view theClass;
-    if (!aParser->ReadText(aNode, kRepeatedText_CreateClass, &theClass) || theClass.empty()) { return; }
+    const std::string_view theClass = aParser->ReadText(aNode, kRepeatedText_CreateClass);
+    if (theClass.empty()) { return; }
     TextBuilder* theList = &aParser->mCreateClass;
     if (!theList->empty()) { theList->Append(';'); }
     theList->Append(theClass);
@@ -91,16 +91,16 @@ static constexpr NameIndex kElementIndex(kElements);
 
 [[gnu::cold]] static void ParseDeclaration(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
 {
-    std::string_view theText;
-    if (aParser->mNamespaces.Has(aName) || !aParser->ReadText(aNode, kRepeatedText_Namespace, &theText)) { return; }
-    aParser->mNamespaces.AppendXMLNS(aName, theText, ValueSource::Element);
+    if (aParser->mNamespaces.Has(aName)) { return; }
+    const std::string_view theText = aParser->ReadText(aNode, kRepeatedText_Namespace);
+    if (theText.data()) { aParser->mNamespaces.AppendXMLNS(aName, theText, ValueSource::Element); }
 }
 
 static void ParseExtraElement(ObjectParser* aParser, ILibXMLNode* aNode, std::string_view aName)
 {
-    std::string_view theText;
     if (aParser->mNextExtraTag + 1 > kLastExtraTag) { return; }
-    if (!aParser->ReadText(aNode, kRepeatedText_ExtraInfo, &theText)) { return; }
+    const std::string_view theText = aParser->ReadText(aNode, kRepeatedText_ExtraInfo);
+    if (!theText.data()) { return; }
     aParser->mEntry.AddText(static_cast<uint16>(aParser->mNextExtraTag), aName);
     aParser->mEntry.AddText(static_cast<uint16>(aParser->mNextExtraTag + 1), theText);
     aParser->mNextExtraTag += 2;

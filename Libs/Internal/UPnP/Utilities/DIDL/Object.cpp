@@ -29,21 +29,21 @@ static size_t Multiple(size_t aSize, size_t aFactor)
     return aSize <= SIZE_MAX / aFactor ? aSize * aFactor : SIZE_MAX;
 }
 
-bool ObjectParser::ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText)
+std::string_view ObjectParser::ReadText(ILibXMLNode* aNode, RepeatedText aKind)
 {
     TextSizes* theSizes = &mSizes[aKind];
-    if (theSizes->mStored > mMaxStored || theSizes->mRead > mMaxRead) { return false; }
+    if (theSizes->mStored > mMaxStored || theSizes->mRead > mMaxRead) { return {}; }
     const std::string_view theText = GetInnerXML(aNode);
-    *aText = mResolver.Resolve(theText);
+    const std::string_view theResolved = mResolver.Resolve(theText);
     theSizes->mRead += theText.size();
-    theSizes->mStored += aText->size();
-    return true;
+    theSizes->mStored += theResolved.size();
+    return theResolved;
 }
 
 void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* aBaseURL, int afIsItem)
 {
     aParser->mNodes = aNodes;
-    const std::string_view theText = GetInnerXML(aNodes.mStartTag);
+    const std::string_view theText = aNodes.mStartTag ? GetInnerXML(aNodes.mStartTag) : std::string_view();
     aParser->mTextLength = aNodes.TextLength(theText.size());
     aParser->mMaxStored = std::max(Multiple(aParser->mTextLength, kStoredPerText), kLeastStored);
     aParser->mMaxRead = Multiple(aParser->mMaxStored, kReadPerStored);

@@ -87,8 +87,8 @@ struct ObjectParser
     ObjectParser(const ObjectParser&) = delete;
     ObjectParser& operator=(const ObjectParser&) = delete;
 
-    // Reads the text of an element, resolved. False when enough of its kind is stored.
-    bool ReadText(ILibXMLNode* aNode, RepeatedText aKind, std::string_view* aText);
+    // Reads the text of an element, resolved. Without data when enough of its kind is stored.
+    std::string_view ReadText(ILibXMLNode* aNode, RepeatedText aKind);
 };
 
 // The last tag that a pair's value may have: a tag is 16 bits wide, and an entry holds 65535 values.

@@ -167,8 +167,8 @@ static bool HasScheme(const char* aURI)
 
 static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
 {
-    std::string_view theURI;
-    aParser->ReadText(aNode, kRepeatedText_URI, &theURI); // "" when enough is stored: each resource has an entry
+    // "" when enough is stored: each resource has an entry.
+    const std::string_view theURI = aParser->ReadText(aNode, kRepeatedText_URI);
     char* theAbsolute = aParser->mBaseURL ? NewAbsoluteURI(aParser, theURI) : nullptr;
     aParser->mResource.AddText(kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
     free(theAbsolute);
