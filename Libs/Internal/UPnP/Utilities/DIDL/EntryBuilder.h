@@ -89,7 +89,7 @@ public:
     void AddMarkup(uint16 aTag, std::string_view aText)
     {
         AppendText(aText);
-        if (mResolver) { mValue = mResolver->ResolveStored(aText, mValue); }
+        if (mResolver && !aText.empty()) { mValue = mResolver->ResolveStored(aText, mValue); }
         AddRow(aTag);
     }
     template <typename Number>
