@@ -84,12 +84,22 @@ uint32 ILibString_ParseTimeString(const char* aText)
 
 // ---- Words ----
 
-// Whether aWord is the text, which may have a NUL in it. Most words differ at their first letter.
+// True if two bytes are the same but for the case of a letter.
+static bool AreSame(char aLeft, char aRight) { return Shared::EqualsIgnoringCase(&aLeft, &aRight, 1); }
+
+// True if aWord is the text, which may have a NUL in it. Most words differ at their first letter.
 static bool IsWord(const char* aText, size_t aLength, const char* aWord)
 {
     for (size_t i = 0; i < aLength; ++i)
-        if (aWord[i] == 0 || Shared::ToLower(aText[i]) != Shared::ToLower(aWord[i])) { return false; }
+        if (aWord[i] == 0 || !AreSame(aText[i], aWord[i])) { return false; }
     return aWord[aLength] == 0;
+}
+
+static bool IsWord(const char* aText, const char* aWord)
+{
+    for (; AreSame(*aText, *aWord); ++aText, ++aWord)
+        if (*aWord == 0) { return true; }
+    return false;
 }
 
 int ILibString_FindSubStringInArray(const char* aText, size_t aLength, const char** anArray)
@@ -104,7 +114,12 @@ int ILibString_FindSubStringInArray(const char* aText, size_t aLength, const cha
 
 int ILibString_FindStringInArray(const char* aText, const char** anArray)
 {
-    return ILibString_FindSubStringInArray(aText, aText ? strlen(aText) : 0, anArray);
+    if (!aText || !anArray) { return -1; }
+    for (int i = 0; anArray[i]; ++i)
+    {
+        if (IsWord(aText, anArray[i])) { return i; }
+    }
+    return -1;
 }
 
 int ILibFindEntryInTable(const char* aText, const char** aTable)

@@ -2,6 +2,7 @@
 
 #include <Shared/ASCII.h>
 #include <Shared/Digits.h>
+#include <limits>
 #include <string.h>
 
 // ---- Numbers ----
@@ -36,9 +37,24 @@ static inline int ReadNumber(const char* aText, const char* anEnd, uint32 aBase,
     return kzoConvertError_None;
 }
 
+// Reads a decimal number. Nearly all have so few digits that they fit: only longer ones are checked for an overflow.
+template <typename Number>
+static inline int ReadDecimal(const char* aText, size_t aLength, Number* aValue)
+{
+    if (!aText) { return kzoConvertError_Invalid; }
+    Number theNumber = 0;
+    size_t i = 0;
+    for (; i < aLength && Shared::IsDigit(aText[i]); ++i)
+        theNumber = theNumber * 10 + static_cast<Number>(aText[i] - '0');
+    const bool fIsShort = aLength > 0 && aLength <= static_cast<size_t>(std::numeric_limits<Number>::digits10);
+    if (i < aLength || !fIsShort) { return ReadNumber(aText, aText + aLength, 10, aValue); }
+    *aValue = theNumber;
+    return kzoConvertError_None;
+}
+
 int zoConvert_strntouint32(const char* aText, size_t aLength, uint32* aValue)
 {
-    return aText ? ReadNumber(aText, aText + aLength, 10, aValue) : kzoConvertError_Invalid;
+    return ReadDecimal(aText, aLength, aValue);
 }
 
 int zoConvert_strtouint32(const char* aText, uint32* aValue)
@@ -60,7 +76,7 @@ int zoConvert_strtouint32_base(const char* aText, uint32* aValue, int aBase)
 int zoConvert_strntoULongLong(const char* aText, size_t aLength, zoULongLong* aValue)
 {
     uint64 theNumber = 0;
-    const int theResult = aText ? ReadNumber(aText, aText + aLength, 10, &theNumber) : kzoConvertError_Invalid;
+    const int theResult = ReadDecimal(aText, aLength, &theNumber);
     if (theResult == kzoConvertError_None)
     {
         *aValue = { static_cast<uint32>(theNumber), static_cast<uint32>(theNumber >> 32) };
