@@ -228,7 +228,7 @@ TEST(UPnPDIDLSendableTest, JudgesTexts)
         { "<a xmlns='u'><b xml:id='c'/></a>", false }, // some readers check it
         { "<a xmlns='u' xml:lang='c'><xml:id/></a>", true },
         { "<a xmlns='http://h_1.x:8080/p?q:r#f:?'/>", true },
-        { "<a xmlns='urn:a:b//c' xmlns:x='http:/h'/>", true },
+        { "<a xmlns='urn:a:b//c' xmlns:x='http:/h' xmlns:y='p//='/>", true },
         { "<a xmlns='u&#10;'/>", false }, // not a URI, as the rest
         { "<a xmlns='http://h:80:8/'/>", false },
         { "<a xmlns='http://h:/'/>", false },

@@ -135,7 +135,11 @@ bool IsURI(std::string_view aText)
     std::string_view theRest = aText;
     theRest.remove_prefix(LengthOf(ByteClasses::kInScheme, theRest));
     const bool fHasScheme = !aText.empty() && Shared::IsLetter(aText[0]) && Read(&theRest, ":");
-    if (!fHasScheme && aText.find(':') != aText.npos) { return false; }
+    if (!fHasScheme)
+    {
+        if (aText.find(':') != aText.npos) { return false; }
+        theRest = aText;
+    }
     if (Read(&theRest, "//") && !ReadHost(&theRest)) { return false; }
     theRest.remove_prefix(LengthOf(ByteClasses::kInURI, theRest));
     if (Read(&theRest, "#")) { theRest.remove_prefix(LengthOf(ByteClasses::kInURI, theRest)); }

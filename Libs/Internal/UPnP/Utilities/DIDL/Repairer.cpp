@@ -108,7 +108,7 @@ bool Repairer::IsOrdinary(std::string_view aDeclaration)
     mPrefixes.Add(thePrefix);
     mDeclaredOtherwise |= KnownPrefix(thePrefix);
     const bool fIsOther = fIsFirst && !fIsReserved && theRest.size() > 1 && theRest.back() == '"';
-    return fIsOther && theRest.find('&') == theRest.npos && IsURI(theRest.substr(0, theRest.size() - 1));
+    return fIsOther && IsURI(theRest.substr(0, theRest.size() - 1));
 }
 
 // As DIDL::AppendDeclarations. False when one is not ordinary: what is appended then does not count.
