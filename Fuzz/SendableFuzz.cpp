@@ -72,7 +72,8 @@ void CheckRecords(zoPackedData_t* anEntry, zoPackedData_t* aResources)
                              theRepairs.mDeclarationsLeftOut > 0 || theRepairs.mDeclarationsAdded > 0;
     Require(fIsRepaired || theText == theAsItIs, "without repairs it is the text of the records as they are");
     Require(!IsSendable(theAsItIs) || theRepairs.mPairsLeftOut > 0 || theText == theAsItIs, "what is sendable stays");
-    Require("<DIDL-Lite" + theInner + "</DIDL-Lite>" == theText || aResources, "the header is around the rest");
+    Require("<DIDL-Lite" + theInner + "</DIDL-Lite>" == theText || theText.size() > 15360,
+            "the header is around the rest, unless it leaves out resources");
 }
 
 } // namespace
