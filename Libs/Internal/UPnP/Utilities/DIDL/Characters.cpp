@@ -6,7 +6,7 @@
 namespace DIDL
 {
 
-// The least and the greatest byte that may come second: no longer forms, no surrogates, nothing past U+10FFFF.
+// True if the bytes begin neither an overlong form, nor a surrogate, nor anything past U+10FFFF.
 static bool CanFollow(uint8 aFirst, uint8 aSecond)
 {
     const uint8 theLeast = aFirst == 0xE0 ? 0xA0 : aFirst == 0xF0 ? 0x90 : 0x80;

@@ -32,14 +32,14 @@ public:
     // Appends the declarations of a namespace list that can be written, and those that are needed. The list outlives
     // the repairer; it has no data when the record has none.
     void AppendDeclarations(std::string_view aList);
-    // As AppendStr.
+    // As AppendAllowed; replacements are counted.
     void AppendText(std::string_view aStr, size_t aMaxSize)
     {
         AppendAllowed(mBuffer, aStr, aMaxSize, &mRepairs.mReplaced);
     }
     // The text uses these namespaces.
     void Use(uint32 aNamespaces) { mUsed |= aNamespaces; }
-    // True if their declarations are written as the writer would; then they need no Use.
+    // True if the list declares them as the writer would: they need no Use.
     bool HasDeclared(uint32 aNamespaces) const { return (~mDeclared & aNamespaces) == 0; }
 
     // True if the pair can be written as an element; else it is counted.

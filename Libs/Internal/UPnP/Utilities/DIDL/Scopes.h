@@ -14,7 +14,7 @@ inline bool IsDeclaration(const QName& aName)
     return aName.mPrefix.empty() ? aName.mLocal == "xmlns" : aName.mPrefix == "xmlns";
 }
 
-// True for xml:id, whose value some readers check: a name that is in the document once.
+// True for xml:id, whose value some readers check: it has to be a name, and unique in the document.
 inline bool IsID(const QName& aName) { return aName.mPrefix == "xml" && aName.mLocal == "id"; }
 
 // The names of a tag's attributes, so that none comes twice.
@@ -28,7 +28,6 @@ public:
 
     // False when the tag has the local name in that namespace already.
     bool Add(std::string_view aNamespace, std::string_view aLocalName);
-    bool empty() const { return !mTable; }
     void Clear()
     {
         if (mTable) { zoCustomHashTable_Delete(mTable); }
