@@ -136,11 +136,8 @@ expect_help() {
     expect "completion of upnputil $*" "$options" "$(offered upnputil "$@" --)"
     section=$(sed -n "/^\.SS $*\$/,/^\.S[SH]/p" "$page" | sed 's/\\-/-/g')
     [ -n "$section" ] || fail "the manual page lacks $*"
-    for option in $options; do
-        case $option in
-        --help | --json | --json-lines) ;;
-        *) echo "$section" | grep -q -e "$option\b" || fail "the manual page lacks $option of $*" ;;
-        esac
+    for option in $(echo "$options" | grep -vxE -e '--help|--json(-lines)?'); do
+        echo "$section" | grep -q -e "$option\b" || fail "the manual page lacks $option of $*"
     done
 }
 

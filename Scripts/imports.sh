@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Compares the functions that Docs/Porting.md says a device has to have with the undefined symbols of the product, built
-# where none of the others is: ./functions.sh LIBRARY PORTING.MD
+# where none of the others is: ./imports.sh LIBRARY PORTING.MD
 set -euo pipefail
 export LC_ALL=C
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what upnputil takes for large Browse answers, made of real servers' objects: bars.py TOOL REPOSITORY SECONDS.
+"""Checks what upnputil takes for large Browse answers, made of real servers' objects: tool.py TOOL REPOSITORY SECONDS.
 
 At most 5 times their text of memory, and SECONDS of processor time for select among 1,000 objects.
 """
