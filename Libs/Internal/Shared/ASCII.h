@@ -74,9 +74,8 @@ inline bool EqualNames(const char* aLeft, const char* aRight, size_t aLength)
     if (aLength > 16) { return memcmp(aLeft, aRight, aLength) == 0; }
     if (aLength >= 8) { return EqualEnds<uint64_t>(aLeft, aRight, aLength); }
     if (aLength >= 4) { return EqualEnds<uint32_t>(aLeft, aRight, aLength); }
-    while (aLength > 0 && aLeft[aLength - 1] == aRight[aLength - 1])
-        --aLength;
-    return aLength == 0;
+    if (aLength >= 2) { return EqualEnds<uint16_t>(aLeft, aRight, aLength); }
+    return aLength == 0 || *aLeft == *aRight;
 }
 
 /** Compares exactly. Texts without bytes may have a NULL pointer, which memcmp must not get. */
