@@ -104,7 +104,7 @@ def seconds(time_text: str) -> float:
     try:
         hours, minutes, rest = time_text.split(":")
         return int(hours) * 3600 + int(minutes) * 60 + float(rest)
-    except ValueError:
+    except (OverflowError, ValueError):
         return 0
 
 
@@ -137,7 +137,7 @@ def play(renderer: upnp.Device, found: upnputilities.MediaObject, only_choose: b
     try:
         for now in watch(renderer):
             if sys.stdout.isatty():
-                print(f"\r  {now.state.lower():14} {now.seconds:6.1f} of {now.duration:.1f} s ", end="", flush=True)
+                print(f"\r  {shown(now.state.lower()):14} {now.seconds:6.1f} of {now.duration:.1f} s ", end="", flush=True)
         print("\r  played to the end\033[K" if sys.stdout.isatty() else "  played to the end")
     except KeyboardInterrupt:
         control(renderer, "Stop")
