@@ -41,7 +41,7 @@ void CheckDate(const char* aText)
     if (theResult != kzoConvertError_None)
     {
         for (const int32 thePart : theParts)
-            Require(static_cast<uint32>(thePart) == kUntouched, "what is no date changes nothing");
+            Require(static_cast<uint32>(thePart) == kUntouched, "what is not a date changes nothing");
         return;
     }
     const int theZoneHour = theParts[kzoDLNADatePart_TimeZoneHour];
@@ -61,7 +61,7 @@ void CheckNumbers(const char* aText)
     uint32 theNumber = kUntouched;
     uint32 theOther = kUntouched;
     const int theResult = zoConvert_strtouint32(aText, &theNumber);
-    Require(theResult == kzoConvertError_None || theNumber == kUntouched, "what is no number changes nothing");
+    Require(theResult == kzoConvertError_None || theNumber == kUntouched, "what is not a number changes nothing");
     Require(zoConvert_strntouint32(aText, theLength, &theOther) == theResult && theOther == theNumber,
             "with its length a text reads the same");
     Require(zoConvert_strtouint32_base(aText, &theOther, 10) == theResult && theOther == theNumber,
@@ -164,7 +164,7 @@ void CheckValues(char* aText)
         const bool fIsSigned = UPnPUtil_GetInt32Attribute(theNode, &theSigned) != 0;
         const bool fHasValue = UPnPUtil_GetStrAttribute(theNode, &theValue) != 0;
         Require(fHasValue == (theValue != nullptr) && (fHasValue || !(fIsNumber || fIsSigned)), "a value has a text");
-        Require(fIsNumber || theNumber == kUntouched, "what is no number changes nothing");
+        Require(fIsNumber || theNumber == kUntouched, "what is not a number changes nothing");
         const int theIndex = UPnPUtil_GetTableAttributeIndex(theNode, theTable);
         const bool fIsKnown = theValue && (*theValue == 0 || strcmp(theValue, "a") == 0);
         Require(theIndex < 0 || fIsKnown, "a word of the table is the text");

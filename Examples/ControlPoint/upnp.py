@@ -53,7 +53,7 @@ def values(document: bytes, name: str) -> list[bytes]:
 
 
 def unescape(content: bytes) -> bytes:
-    """A text without its references; bytes that are no UTF-8 stay as they are."""
+    """A text without its references; bytes that are not UTF-8 stay as they are."""
     def character(match: re.Match[bytes]) -> bytes:
         if (name := match[1].decode()) in NAMED:
             return NAMED[name]

@@ -22,13 +22,13 @@ DERIVED = {"index", "kindNumber", "flags", "dlnaManaged", "duration", "subtitles
 UNWRITTEN = {"refId", "childCount", "createClass", "dlnaManagedNumber", "importUri"}
 LIMITS = dict.fromkeys(("id", "parentId", "value"), 1024) | dict.fromkeys(("title", "class", "creator", "genre", "album"), 255)
 FORBIDDEN = [*range(9), 11, 12, *range(14, 32), 0xFFFE, 0xFFFF]  # by XML
-BYTES = range(0xDC80, 0xDD00)  # that are no UTF-8, as Python has them
+BYTES = range(0xDC80, 0xDD00)  # that are not UTF-8, as Python has them
 ARMOUR = {code: 0xE000 + index for index, code in enumerate([*FORBIDDEN, *BYTES])}
 BARE = {private: 0xFFFD if code in BYTES else code for code, private in ARMOUR.items()}  # as in JSON
 
 
 def parse(document: bytes | str) -> Any:
-    """The document, with private characters in place of bytes that are no UTF-8, and of what XML forbids."""
+    """The document, with private characters in place of bytes that are not UTF-8, and of what XML forbids."""
     text = document if isinstance(document, str) else document.decode("utf-8", "surrogateescape").translate(ARMOUR)
     return etree.fromstring(re.sub(r"^\s*<\?xml[^>]*\?>", "", text), etree.XMLParser(huge_tree=True, resolve_entities=False))
 

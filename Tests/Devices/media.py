@@ -5,7 +5,7 @@ import os
 import subprocess
 from pathlib import Path
 
-# Parts of file names and tags. What is no UTF-8, and control characters, come from real collections, too.
+# Parts of file names and tags. What is not UTF-8, and control characters, come from real collections, too.
 WORDS = [
     b"plain", b"Rock & Roll <live> \"quoted\" 'single'", "Äpfel, Übermut; ß".encode(), "日本語のタイトル".encode(),
     "song 🎵 e\u0301".encode(), b"100% #1 a+b=c?d ]]> &amp; &#65;", "right \u202eto\u202c left\u200b".encode(),

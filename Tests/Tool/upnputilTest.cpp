@@ -305,7 +305,7 @@ TEST(ToolTest, ShowGoesDeep)
     ExpectLines({ "object 49999 title: t", "objects: 50000" }, RunTool({ "show", "-" }, theText));
 }
 
-// Bytes that are no UTF-8, control characters and what JSON needs a backslash for.
+// Bytes that are not UTF-8, control characters and what JSON needs a backslash for.
 TEST(ToolTest, PrintsFactsAsJSON)
 {
     const Result theResult =
