@@ -99,38 +99,41 @@ TEST(zoPackedDataTest, ReadsWhatWasAddedInEveryForm)
     }
 }
 
-TEST(zoPackedDataTest, TakesWholeEntriesInTheCallersMemory)
+TEST(zoPackedDataTest, MakesABlockOfWholeEntries)
 {
-    std::vector<PlainEntry> thePlain = Fill().mPlain;
-    thePlain.push_back({ { 7, std::string(70000, 'w') }, { 3, "" }, { 65535, "x" } });
-    alignas(max_align_t) char theMemory[2048];
-    for (const size_t theSize : { sizeof(theMemory), size_t{ 1024 }, size_t{ 100 } })
+    std::vector<PlainEntry> thePlain = { {}, { { 7, "small" }, { 3, "" }, { 65535, "x" } }, {}, { { 1, "y" } } };
+    for (const size_t theSize : { 0, 65534, 65535, 65536 }) // the last one with wide ends
+        thePlain.push_back({ { 7, std::string(theSize, 'w') }, { 9, "" } });
+    const std::vector<PlainEntry> theFilled = Fill().mPlain;
+    thePlain.insert(thePlain.end(), theFilled.begin(), theFilled.end());
+    for (size_t theCount = 0; theCount <= thePlain.size(); ++theCount)
     {
-        const PackedData theRecord = zoPackedData_NewInPlace(theMemory, theSize, 1);
-        EXPECT_EQ(theSize >= 1024, static_cast<void*>(theRecord.mRecord) == theMemory);
-        for (const PlainEntry& theEntry : thePlain)
+        Tags theTags;
+        Tags theCounts;
+        std::vector<uint32> theEnds;
+        std::string theBytes;
+        const PackedData theAdded = zoPackedData_New(0);
+        const std::vector<PlainEntry> theEntries(thePlain.begin(), thePlain.begin() + static_cast<long>(theCount));
+        for (const PlainEntry& theEntry : theEntries)
         {
-            Tags theTags;
-            std::vector<uint32> theEnds;
-            std::string theBytes;
+            const size_t theBegin = theBytes.size();
+            zoPackedData_AddNewEntry(theAdded);
             for (const auto& [theTag, theValue] : theEntry)
             {
                 theTags.push_back(theTag);
                 theBytes += theValue;
-                theEnds.push_back(static_cast<uint32>(theBytes.size()));
+                theEnds.push_back(static_cast<uint32>(theBytes.size() - theBegin));
+                zoPackedData_AddData(theAdded, theTag, theValue.data(), theValue.size());
             }
-            const uint32 theCount = static_cast<uint32>(theTags.size());
-            zoPackedData_AddEntry(theRecord, theTags.data(), theEnds.data(), theCount, theBytes.data());
-            char* theBlock = zoPackedData_NewBlock(theTags.data(), theEnds.data(), theCount, theBytes.data());
-            ExpectSame({ theEntry }, PackedData(zoPackedData_NewData(theBlock)));
+            theCounts.push_back(static_cast<uint16>(theEntry.size()));
         }
-        ExpectSame(thePlain, theRecord);
-        zoPackedData_AddData(theRecord, 3, "ignored", 7);
-        ExpectSame(thePlain, PackedData(zoPackedData_NewData(zoPackedData_TakeData(theRecord))));
-        zoPackedData_AddEntry(theRecord, nullptr, nullptr, 0, nullptr);
-        ExpectSame({ {} }, theRecord);
+        char* theBlock = zoPackedData_NewBlock(theTags.data(), theEnds.data(), theCounts.data(),
+                                               static_cast<uint32>(theCount), theBytes.data());
+        char* theSame = zoPackedData_TakeData(theAdded);
+        const PackedData theRead = zoPackedData_NewData(theSame);
+        EXPECT_EQ(0, memcmp(theBlock, theSame, zoPackedData_GetMemoryUsage(theRead))) << theCount;
+        ExpectSame(theEntries, PackedData(zoPackedData_NewData(theBlock)));
     }
-    zoPackedData_AddEntry(nullptr, nullptr, nullptr, 0, nullptr);
 }
 
 TEST(zoPackedDataTest, ReadsNumbersAtTheirWidth)
@@ -306,8 +309,6 @@ TEST(zoPackedDataTest, FindsEntriesByTheirText)
     }
     EXPECT_EQ("1-1-22222232", theFound);
     EXPECT_EQ(kzoPackedData_NoEntry, zoPackedData_FindEntryWithText(theRecord, 5, "", 0, nullptr));
-    const uint16 theTag = 5;
-    const uint32 theEnd = 5;
-    zoPackedData_AddEntry(theRecord, &theTag, &theEnd, 1, "mark");
+    zoPackedData_CopyEntry(theRecord, 2, theRecord);
     EXPECT_EQ(6u, zoPackedData_FindEntryWithText(theRecord, 5, "mark", 3, nullptr));
 }

@@ -135,16 +135,12 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
 void PackedData::Clear(zoPackedData_t* aRecord)
 {
     Room* theRoom = aRecord->mRoom;
-    const size_t theRoomSize = aRecord->mRoomSize;
-    const bool fIsCallers = aRecord->mfIsCallers;
     *aRecord = {};
     aRecord->mUsed = sizeof(Header);
     if (!theRoom) { return; }
     aRecord->mRoom = theRoom;
-    aRecord->mRoomSize = theRoomSize;
-    aRecord->mfIsCallers = fIsCallers;
     aRecord->mBlock = theRoom->mBytes;
-    aRecord->mCapacity = theRoomSize - offsetof(Room, mBytes);
+    aRecord->mCapacity = sizeof(theRoom->mBytes);
     aRecord->mEnds = theRoom->mEnds;
     aRecord->mTags = theRoom->mTags;
     aRecord->mRowCapacity = kSmallCount;
@@ -212,27 +208,14 @@ static bool HasRoom(const zoPackedData_t* aRecord, uint64 aSize)
     return aSize < kMaxBlockSize && BlockSize(aRecord) + theWidening + aSize <= kMaxBlockSize;
 }
 
-// A record in aSize bytes, which are its own or the caller's.
-static zoPackedData_t* NewIn(void* aMemory, size_t aSize, bool afIsCallers, uint32 aCount)
+zoPackedData_t* zoPackedData_New(uint32 aCount)
 {
     const uint32 kMostExpected = 0x10000; // a hint is no reason to run out of memory
-    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(aMemory);
+    zoPackedData_t* theRecord = static_cast<zoPackedData_t*>(zoMalloc(sizeof(zoPackedData_t) + sizeof(Room)));
     theRecord->mRoom = reinterpret_cast<Room*>(theRecord + 1);
-    theRecord->mRoomSize = aSize - sizeof(zoPackedData_t);
-    theRecord->mfIsCallers = afIsCallers;
     Clear(theRecord);
     ReserveEntries(theRecord, std::min(aCount, kMostExpected));
     return theRecord;
-}
-
-static const size_t kLeastSize = sizeof(zoPackedData_t) + sizeof(Room);
-static_assert(kLeastSize <= 1024, "the header says so");
-
-zoPackedData_t* zoPackedData_New(uint32 aCount) { return NewIn(zoMalloc(kLeastSize), kLeastSize, false, aCount); }
-
-zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount)
-{
-    return aMemory && aSize >= kLeastSize ? NewIn(aMemory, aSize, true, aCount) : zoPackedData_New(aCount);
 }
 
 // ---- Opening and closing an entry ----
@@ -454,81 +437,6 @@ void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aDat
     AppendValue(aRecord, aTag, aData, aSize);
 }
 
-namespace
-{
-
-// An entry of few values with narrow ends.
-struct SmallEntry
-{
-    const uint16* mTags;
-    const uint32* mEnds;
-    uint32 mCount;
-    const char* mValues;
-
-    size_t ValuesSize() const { return mCount > 0 ? mEnds[mCount - 1] : 0; }
-    size_t Size() const { return ValuesSize() + DirectorySize(mCount, false); }
-    bool IsSmall() const { return mCount <= kSmallCount && ValuesSize() <= kMaxNarrowSize; }
-
-    // Returns the position after the entry.
-    char* Write(char* aTarget) const
-    {
-        const size_t theSize = ValuesSize();
-        if (theSize > 0) { memcpy(aTarget, mValues, theSize); }
-        aTarget = WriteRows(mEnds, mTags, mCount, aTarget + theSize);
-        const uint16 theCount = static_cast<uint16>(mCount);
-        memcpy(aTarget, &theCount, sizeof(theCount));
-        return aTarget + sizeof(theCount);
-    }
-};
-
-} // namespace
-
-void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
-                           const char* aValues)
-{
-    if (!aRecord) { return; }
-    const SmallEntry theEntry = { aTags, anEnds, aCount, aValues };
-    if (theEntry.IsSmall() && !aRecord->mfSerialized && IsFarFromFull(aRecord))
-    {
-        if (aRecord->mSelection) { DropSelection(aRecord); }
-        CloseEntry(aRecord);
-        ReserveEntries(aRecord, aRecord->mEntryCount + 1);
-        ReserveBytes(aRecord, theEntry.Size());
-        char* theEnd = theEntry.Write(aRecord->mBlock + aRecord->mUsed);
-        *theEnd = 0;
-        aRecord->mUsed = static_cast<size_t>(theEnd - aRecord->mBlock);
-        aRecord->mEntryEnds[aRecord->mEntryCount++] = static_cast<uint32>(aRecord->mUsed);
-        return;
-    }
-    if (!AddNewEntry(aRecord)) { return; }
-    for (uint32 i = 0; i < aCount; ++i)
-    {
-        const uint32 theBegin = i > 0 ? anEnds[i - 1] : 0;
-        zoPackedData_AddData(aRecord, aTags[i], aValues + theBegin, anEnds[i] - theBegin);
-    }
-}
-
-char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues)
-{
-    const SmallEntry theEntry = { aTags, anEnds, aCount, aValues };
-    if (!theEntry.IsSmall())
-    {
-        zoPackedData_t* theRecord = zoPackedData_New(1);
-        zoPackedData_AddEntry(theRecord, aTags, anEnds, aCount, aValues);
-        char* theBlock = zoPackedData_TakeData(theRecord);
-        zoPackedData_Free(theRecord);
-        return theBlock;
-    }
-    const uint32 theEnd = static_cast<uint32>(sizeof(Header) + theEntry.Size());
-    const size_t theSize = theEnd + sizeof(theEnd) + kTrailerSize;
-    char* theBlock = static_cast<char*>(zoMalloc(theSize));
-    WriteHeader(theBlock, theSize, 1);
-    char* theTarget = theEntry.Write(theBlock + sizeof(Header));
-    memcpy(theTarget, &theEnd, sizeof(theEnd));
-    theTarget[sizeof(theEnd)] = 0;
-    return theBlock;
-}
-
 void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,
                            zoArray_FlattenerFunc_t aFlattener)
 {
@@ -547,4 +455,98 @@ void zoPackedData_CopyEntry(const zoPackedData_t* aSource, uint32 anEntry, zoPac
         const zoPackedData_Value theValue = ValueAt(EntryAt(aSource, anEntry), i); // which may have moved
         zoPackedData_AddData(aDestination, theValue.mTag, theValue.mData, theValue.mSize);
     }
+}
+
+// ---- Whole blocks ----
+
+namespace
+{
+
+// Entries whose values are known all at once, one after the other.
+struct WholeEntries
+{
+    const uint16* mTags;
+    const uint32* mEnds;
+    const uint16* mCounts;
+    uint32 mEntryCount;
+    const char* mValues;
+
+    size_t ValuesSize() const { return *mCounts > 0 ? mEnds[*mCounts - 1] : 0; } // of the first one
+    bool IsSmall() const { return *mCounts <= kSmallCount && ValuesSize() <= kMaxNarrowSize; }
+
+    void SkipEntry()
+    {
+        mValues += ValuesSize();
+        mTags += *mCounts;
+        mEnds += *mCounts;
+        ++mCounts;
+        --mEntryCount;
+    }
+};
+
+} // namespace
+
+// The size of the block; 0 when it is too large, or an entry is not small.
+static size_t SmallBlockSize(WholeEntries anEntries)
+{
+    uint64 theSize = sizeof(Header) + uint64{ anEntries.mEntryCount } * sizeof(uint32) + kTrailerSize;
+    for (; anEntries.mEntryCount > 0; anEntries.SkipEntry())
+    {
+        if (!anEntries.IsSmall()) { return 0; }
+        theSize += anEntries.ValuesSize() + DirectorySize(*anEntries.mCounts, false);
+    }
+    return theSize <= kMaxBlockSize ? static_cast<size_t>(theSize) : 0;
+}
+
+// Writes a small entry. Returns the position after it.
+static char* WriteEntry(const WholeEntries& anEntries, char* aTarget)
+{
+    const size_t theSize = anEntries.ValuesSize();
+    if (theSize > 0) { memcpy(aTarget, anEntries.mValues, theSize); }
+    aTarget = WriteRows(anEntries.mEnds, anEntries.mTags, *anEntries.mCounts, aTarget + theSize);
+    memcpy(aTarget, anEntries.mCounts, sizeof(uint16));
+    return aTarget + sizeof(uint16);
+}
+
+static char* NewSmallBlock(WholeEntries anEntries, size_t aSize)
+{
+    char* theBlock = static_cast<char*>(zoMalloc(aSize));
+    WriteHeader(theBlock, aSize, anEntries.mEntryCount);
+    char* theTarget = theBlock + sizeof(Header);
+    char* theTable = theBlock + aSize - kTrailerSize - size_t{ anEntries.mEntryCount } * sizeof(uint32);
+    for (; anEntries.mEntryCount > 0; anEntries.SkipEntry(), theTable += sizeof(uint32))
+    {
+        theTarget = WriteEntry(anEntries, theTarget);
+        const uint32 theEnd = static_cast<uint32>(theTarget - theBlock);
+        memcpy(theTable, &theEnd, sizeof(theEnd));
+    }
+    *theTable = 0;
+    return theBlock;
+}
+
+[[gnu::cold]] static char* NewLargeBlock(WholeEntries anEntries)
+{
+    zoPackedData_t* theRecord = zoPackedData_New(anEntries.mEntryCount);
+    for (; anEntries.mEntryCount > 0; anEntries.SkipEntry())
+    {
+        zoPackedData_AddNewEntry(theRecord);
+        uint32 theBegin = 0;
+        for (uint32 i = 0; i < *anEntries.mCounts; ++i)
+        {
+            const uint32 theEnd = anEntries.mEnds[i];
+            zoPackedData_AddData(theRecord, anEntries.mTags[i], anEntries.mValues + theBegin, theEnd - theBegin);
+            theBegin = theEnd;
+        }
+    }
+    char* theBlock = zoPackedData_TakeData(theRecord);
+    zoPackedData_Free(theRecord);
+    return theBlock;
+}
+
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, const uint16* aCounts, uint32 anEntryCount,
+                            const char* aValues)
+{
+    const WholeEntries theEntries = { aTags, anEnds, aCounts, anEntryCount, aValues };
+    const size_t theSize = SmallBlockSize(theEntries);
+    return theSize > 0 ? NewSmallBlock(theEntries, theSize) : NewLargeBlock(theEntries);
 }

@@ -41,13 +41,6 @@ typedef struct zoPackedData_t zoPackedData_t;
 
 /** @return a new record without entries, released with zoPackedData_Free; aCount: entries expected, a hint. */
 ZOLTTOOLS_API zoPackedData_t* zoPackedData_New(uint32 aCount);
-/**
- * As zoPackedData_New, in memory of the caller's while that is enough, so that a record that is only made for its block
- * costs no other memory from the heap.
- * @param aMemory  aSize bytes, aligned for pointers and uint64; fewer than 1024 are not used. They must live as long as
- *                 the record.
- */
-ZOLTTOOLS_API zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
 /** Appends an empty entry; later values go into it. */
 ZOLTTOOLS_API void zoPackedData_AddNewEntry(zoPackedData_t* aRecord);
 /**
@@ -57,15 +50,6 @@ ZOLTTOOLS_API void zoPackedData_AddNewEntry(zoPackedData_t* aRecord);
  *               has no bytes.
  */
 ZOLTTOOLS_API void zoPackedData_AddData(zoPackedData_t* aRecord, uint16 aTag, const void* aData, size_t aSize);
-/**
- * Appends an entry with values that are known all at once, as zoPackedData_AddNewEntry and zoPackedData_AddData do one
- * by one.
- * @param aTags    aCount tags in the order of adding, no two of them the same.
- * @param anEnds   where each value ends, counted from aValues; it begins where the one before it ends.
- * @param aValues  the bytes of the values, which are not those of this record.
- */
-ZOLTTOOLS_API void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds,
-                                         uint32 aCount, const char* aValues);
 /** Stores the flattened array in the last entry; the array stays the caller's. NULL counts as an empty array. */
 ZOLTTOOLS_API void zoPackedData_AddArray(zoPackedData_t* aRecord, uint16 aTag, const zoArray_t* anArray,
                                          zoArray_FlattenerFunc_t aFlattener);
@@ -134,11 +118,18 @@ ZOLTTOOLS_API uint32 zoPackedData_FindEntryWithText(const zoPackedData_t* aRecor
  *          gives it to zoPackedData_NewData. */
 ZOLTTOOLS_API char* zoPackedData_TakeData(zoPackedData_t* aRecord);
 /**
- * @return the serialized block of a record with one entry, whose values are known all at once: as from a record that
- *         zoPackedData_AddEntry with these arguments was called with. The caller releases it with free.
+ * Makes the serialized block of a record whose values are known all at once: the same as that of a record to which each
+ * entry was added by zoPackedData_AddNewEntry, and each of its values by zoPackedData_AddData.
+ * @param aTags    the tags of all entries, one entry after the other, in the order of adding; no tag comes twice in an
+ *                 entry.
+ * @param anEnds   where each value ends, counted from the begin of its entry's values; it begins where the one before
+ *                 it ends.
+ * @param aCounts  the number of values of each of the anEntryCount entries.
+ * @param aValues  the bytes of all values, one after the other.
+ * @return a new block, released with free.
  */
-ZOLTTOOLS_API char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount,
-                                          const char* aValues);
+ZOLTTOOLS_API char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, const uint16* aCounts,
+                                          uint32 anEntryCount, const char* aValues);
 /** @return a new record over a block made by zoPackedData_TakeData in this process, at least as long as its header
  *          says. The record takes the block over and frees it; no value is copied. NULL, or a block that doesn't add
  *          up, gives a record without entries. */

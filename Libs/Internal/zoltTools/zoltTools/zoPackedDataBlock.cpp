@@ -159,5 +159,5 @@ void zoPackedData_Free(zoPackedData_t* aRecord)
     if (!aRecord) { return; }
     FreeArrays(aRecord);
     FreeArray(aRecord, aRecord->mBlock);
-    if (!aRecord->mfIsCallers) { free(aRecord); }
+    free(aRecord);
 }

@@ -59,7 +59,6 @@ void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* a
     aParser->mFields.mIsContainer = !afIsItem;
     aParser->mFields.mFlags = kDIDL_Flags_Restricted | (afIsItem ? 0 : kDIDL_Flags_Searchable);
     aParser->mFields.mChildCount = kUnknownChildCount;
-    aParser->mResources = zoPackedData_NewInPlace(aParser->mResourceMemory, sizeof(aParser->mResourceMemory), 0);
 }
 
 size_t MaxInheritedSize(const ObjectParser& aParser)
@@ -130,9 +129,9 @@ void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
     const std::string_view theDate = ReadDate(aParser);
     aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theDate, anEnd); });
     aParser->mEntry.AddStrings(kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt.Text());
+    aParser->mEntry.EndEntry();
     *aData = aParser->mEntry.NewBlock();
-    *aRes = zoPackedData_TakeData(aParser->mResources);
-    zoPackedData_Free(aParser->mResources);
+    *aRes = aParser->mResources.NewBlock();
 }
 
 } // namespace DIDL

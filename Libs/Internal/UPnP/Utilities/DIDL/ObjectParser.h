@@ -1,8 +1,8 @@
 #pragma once
 
 #include <UPnP/Utilities/DIDL/Entities.h>
-#include <UPnP/Utilities/DIDL/EntryBuilder.h>
 #include <UPnP/Utilities/DIDL/Namespaces.h>
+#include <UPnP/Utilities/DIDL/RecordBuilder.h>
 #include <UPnP/Utilities/UPnPConst.h>
 #include <stddef.h>
 
@@ -62,7 +62,6 @@ struct ObjectParser
     ObjectNodes mNodes = { nullptr, false };
     const char* mBaseURL = nullptr; // NULL when URIs stay as they are
     size_t mTextLength = 0;         // of the object
-    zoPackedData_t* mResources = nullptr;
     EntityResolver mResolver;
     NamespaceList mNamespaces;
 
@@ -75,15 +74,18 @@ struct ObjectParser
     std::string_view mTexts[kSingleText_Count]; // as written, without data when there is no such element
     TextBuilder mAlbumArt;                      // URI and profile of each, with a NUL after either
     TextBuilder mCreateClass;
-    EntryBuilder mEntry;
-    EntryBuilder mResource; // the one that is being read
+    RecordBuilder mEntry;     // of one entry
+    RecordBuilder mResources; // of an entry for each
     uint32 mNextExtraTag = kCDSEntryInfo_Count;
     EntryFields mFields = {};
 
-    // The resource record, while it is small.
-    alignas(max_align_t) char mResourceMemory[2048];
+    // What most records take.
+    char mEntryBytes[1024];
+    char mResourceBytes[4096];
 
-    ObjectParser() {} // leaves the memory as it is
+    ObjectParser() // leaves the memory as it is
+        : mEntry(mEntryBytes, sizeof(mEntryBytes)), mResources(mResourceBytes, sizeof(mResourceBytes))
+    {}
     ObjectParser(const ObjectParser&) = delete;
     ObjectParser& operator=(const ObjectParser&) = delete;
 

@@ -125,8 +125,8 @@ static void ParseExtraAttribute(ObjectParser* aParser, const ILibXMLAttribute* a
         return;
     }
     if (*aNextTag + 1 > kLastExtraTag) { return; }
-    aParser->mResource.AddText(static_cast<uint16>(*aNextTag), theName);
-    aParser->mResource.AddText(static_cast<uint16>(*aNextTag + 1), theValue);
+    aParser->mResources.AddText(static_cast<uint16>(*aNextTag), theName);
+    aParser->mResources.AddText(static_cast<uint16>(*aNextTag + 1), theValue);
     *aNextTag += 2;
 }
 
@@ -170,7 +170,7 @@ static void AddURI(ObjectParser* aParser, ILibXMLNode* aNode)
     // "" when enough is stored: each resource has an entry.
     const std::string_view theURI = aParser->ReadText(aNode, kRepeatedText_URI);
     char* theAbsolute = aParser->mBaseURL ? NewAbsoluteURI(aParser, theURI) : nullptr;
-    aParser->mResource.AddText(kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
+    aParser->mResources.AddText(kCDSResourceInfo_URI, theAbsolute ? std::string_view(theAbsolute) : theURI);
     free(theAbsolute);
 }
 
@@ -179,7 +179,7 @@ static void AddProtocolInfo(ObjectParser* aParser, std::string_view aProtocolInf
     const std::string_view theText = aParser->mResolver.Resolve(aProtocolInfo);
     const bool fIsNormal = zoDLNAProtocolInfo_IsNormal(theText.data(), theText.size());
     char* theTextForm = fIsNormal ? nullptr : NewTextForm(theText.data(), theText.size());
-    aParser->mResource.AddText(kCDSResourceInfo_ProtocolInfo, fIsNormal ? theText : std::string_view(theTextForm));
+    aParser->mResources.AddText(kCDSResourceInfo_ProtocolInfo, fIsNormal ? theText : std::string_view(theTextForm));
     free(theTextForm);
 }
 
@@ -209,8 +209,8 @@ void ParseResource(ObjectParser* aParser, ILibXMLNode* aNode, const ILibXMLAttri
     AddURI(aParser, aNode);
     AddProtocolInfo(aParser, theResource.mProtocolInfo);
     const EntityResolver* theResolver = aParser->mResolver.IsObjectPlain() ? nullptr : &aParser->mResolver;
-    aParser->mResource.AddValues(theResolver, [&theResource](auto* anEnd) { AddFields(theResource, anEnd); });
-    aParser->mResource.Store(aParser->mResources);
+    aParser->mResources.AddValues(theResolver, [&theResource](auto* anEnd) { AddFields(theResource, anEnd); });
+    aParser->mResources.EndEntry();
 }
 
 } // namespace DIDL

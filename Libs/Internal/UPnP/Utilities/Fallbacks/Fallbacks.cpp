@@ -164,20 +164,6 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* /*aRecord*/, const char* /*aFile*/, int /*aLine*/) {}
 #endif
 
-#ifdef UPNP_LACKS_zoPackedData_AddEntry
-void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
-                           const char* aValues)
-{
-    zoPackedData_AddNewEntry(aRecord);
-    for (uint32 i = 0; i < aCount; ++i)
-    {
-        const uint32 theBegin = i > 0 ? anEnds[i - 1] : 0;
-        const uint32 theSize = anEnds[i] - theBegin;
-        zoPackedData_AddData(aRecord, aTags[i], theSize > 0 ? aValues + theBegin : nullptr, theSize);
-    }
-}
-#endif
-
 #ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
 uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag)
 {
@@ -237,20 +223,25 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
 #endif
 
 #ifdef UPNP_LACKS_zoPackedData_NewBlock
-char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues)
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, const uint16* aCounts, uint32 anEntryCount,
+                            const char* aValues)
 {
-    zoPackedData_t* theRecord = zoPackedData_New(1);
-    zoPackedData_AddEntry(theRecord, aTags, anEnds, aCount, aValues);
+    zoPackedData_t* theRecord = zoPackedData_New(anEntryCount);
+    for (uint32 i = 0; i < anEntryCount; ++i)
+    {
+        zoPackedData_AddNewEntry(theRecord);
+        uint32 theBegin = 0;
+        for (const uint16* theLast = aTags + aCounts[i]; aTags < theLast; ++aTags, ++anEnds)
+        {
+            const uint32 theSize = *anEnds - theBegin;
+            zoPackedData_AddData(theRecord, *aTags, theSize > 0 ? aValues : nullptr, theSize);
+            aValues += theSize;
+            theBegin = *anEnds;
+        }
+    }
     char* theBlock = zoPackedData_TakeData(theRecord);
     zoPackedData_Free(theRecord);
     return theBlock;
-}
-#endif
-
-#ifdef UPNP_LACKS_zoPackedData_NewInPlace
-zoPackedData_t* zoPackedData_NewInPlace(void* /*aMemory*/, size_t /*aSize*/, uint32 aCount)
-{
-    return zoPackedData_New(aCount);
 }
 #endif
 

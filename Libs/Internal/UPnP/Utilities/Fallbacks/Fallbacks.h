@@ -72,11 +72,6 @@ void zoLog_Append_V(zoLogRecord_t* aRecord, const char* aFormat, va_list anArgum
 void zoLog_SetLocation(zoLogRecord_t* aRecord, const char* aFile, int aLine);
 #endif
 
-#ifdef UPNP_LACKS_zoPackedData_AddEntry
-void zoPackedData_AddEntry(zoPackedData_t* aRecord, const uint16* aTags, const uint32* anEnds, uint32 aCount,
-                           const char* aValues);
-#endif
-
 #ifdef UPNP_LACKS_zoPackedData_CountTagsFrom
 uint32 zoPackedData_CountTagsFrom(const zoPackedData_t* aRecord, uint32 anEntry, uint16 aTag);
 #endif
@@ -102,11 +97,8 @@ uint32 zoPackedData_GetValues(const zoPackedData_t* aRecord, uint32 anEntry, uin
 #endif
 
 #ifdef UPNP_LACKS_zoPackedData_NewBlock
-char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, uint32 aCount, const char* aValues);
-#endif
-
-#ifdef UPNP_LACKS_zoPackedData_NewInPlace
-zoPackedData_t* zoPackedData_NewInPlace(void* aMemory, size_t aSize, uint32 aCount);
+char* zoPackedData_NewBlock(const uint16* aTags, const uint32* anEnds, const uint16* aCounts, uint32 anEntryCount,
+                            const char* aValues);
 #endif
 
 #ifdef UPNP_LACKS_zoStringArray_Pack

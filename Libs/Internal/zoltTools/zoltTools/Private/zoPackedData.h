@@ -55,7 +55,7 @@ struct Room
     uint32 mEnds[kSmallCount];
     uint32 mEntryEnds[kFirstEntries];
     uint16 mTags[kSmallCount];
-    char mBytes[kFirstBytes]; // and more in a large room
+    char mBytes[kFirstBytes];
 };
 
 struct Selection;
@@ -77,10 +77,8 @@ struct Entry
 struct zoPackedData_t
 {
     PackedData::Room* mRoom; // follows the record; NULL in a record over a serialized block
-    size_t mRoomSize;
-    bool mfIsCallers; // the memory of the record and its room
-    char* mBlock;     // the room's bytes, or owned; NULL when the record is empty and has no room
-    size_t mUsed;     // bytes of header, closed entries and the open entry's values; unless mfSerialized, a 0 follows
+    char* mBlock;            // the room's bytes, or owned; NULL when the record is empty and has no room
+    size_t mUsed; // bytes of header, closed entries and the open entry's values; unless mfSerialized, a 0 follows
     size_t mCapacity;
     bool mfSerialized;  // the table of entries follows in the block
     uint32 mEntryCount; // the open entry included
@@ -205,7 +203,7 @@ template <typename Element>
 bool IsInRoom(const zoPackedData_t* aRecord, const Element* anArray)
 {
     const uintptr_t theRoom = reinterpret_cast<uintptr_t>(aRecord->mRoom);
-    return reinterpret_cast<uintptr_t>(anArray) - theRoom < aRecord->mRoomSize;
+    return theRoom && reinterpret_cast<uintptr_t>(anArray) - theRoom < sizeof(Room);
 }
 
 /* The array, aUsed elements of it, moved to where there is place for aCapacity elements. */

@@ -1,6 +1,6 @@
 #pragma once
 
-/* An entry of a record, which is collected value by value and then stored at once. */
+/* A record, whose entries are collected value by value and then made a block at once. */
 
 #include <Shared/Integers.h>
 #include <UPnP/Utilities/DIDL/Entities.h>
@@ -74,6 +74,7 @@ private:
 class EntryEnd
 {
 public:
+    // @param aBegin     of the entry's values.
     // @param aResolver  NULL when there is nothing to resolve.
     EntryEnd(const char* aBegin, char* aValue, uint16* aTag, uint32* anEnd, const EntityResolver* aResolver)
         : mBegin(aBegin), mValue(aValue), mTag(aTag), mEnd(anEnd), mResolver(aResolver)
@@ -82,14 +83,19 @@ public:
     // Adds a text with a NUL.
     void AddText(uint16 aTag, std::string_view aText)
     {
-        AppendText(aText);
+        if (aText.empty()) { *mValue++ = 0; }
+        else { mValue = CopyText(mValue, aText.data(), aText.size()); }
         AddRow(aTag);
     }
     // The same, with the text's entities resolved.
     void AddMarkup(uint16 aTag, std::string_view aText)
     {
-        AppendText(aText);
-        if (mResolver && !aText.empty()) { mValue = mResolver->ResolveStored(aText, mValue); }
+        if (aText.empty()) { *mValue++ = 0; }
+        else
+        {
+            mValue = CopyText(mValue, aText.data(), aText.size());
+            if (mResolver) { mValue = mResolver->ResolveStored(aText, mValue); }
+        }
         AddRow(aTag);
     }
     template <typename Number>
@@ -105,31 +111,31 @@ public:
     const uint16* GetTag() const { return mTag; }
 
 private:
-    void AppendText(std::string_view aText)
-    {
-        if (aText.empty()) { *mValue++ = 0; }
-        else { mValue = CopyText(mValue, aText.data(), aText.size()); }
-    }
     void AddRow(uint16 aTag)
     {
         *mTag++ = aTag;
         *mEnd++ = static_cast<uint32>(mValue - mBegin);
     }
 
-    const char* mBegin; // of the entry's values
+    const char* mBegin;
     char* mValue;
     uint16* mTag;
     uint32* mEnd;
     const EntityResolver* mResolver;
 };
 
-class EntryBuilder
+// A value is added to the open entry, which the next EndEntry makes one of the record.
+class RecordBuilder
 {
 public:
-    EntryBuilder() {} // leaves the inline arrays as they are
-    ~EntryBuilder();
-    EntryBuilder(const EntryBuilder&) = delete;
-    EntryBuilder& operator=(const EntryBuilder&) = delete;
+    // @param aBytes  room for aSize bytes, in which small records are collected; it outlives the builder.
+    RecordBuilder(char* aBytes, size_t aSize) : mBytes(aBytes), mByteCapacity(aSize) {}
+    ~RecordBuilder()
+    {
+        if (mRecord) { FreeRecord(); }
+    }
+    RecordBuilder(const RecordBuilder&) = delete;
+    RecordBuilder& operator=(const RecordBuilder&) = delete;
 
     // Adds a text with a NUL, unless it would not fit a block.
     void AddText(uint16 aTag, std::string_view aText);
@@ -139,6 +145,7 @@ public:
 
     // Adds the values that aAdd adds to an EntrySize*, to make room for them, and then to an EntryEnd*. What would not
     // fit a block is not added.
+    // @param aAdd       adds at most kMaxRows values.
     // @param aResolver  NULL when there is nothing to resolve in them.
     template <typename Add>
     void AddValues(const EntityResolver* aResolver, Add aAdd)
@@ -146,48 +153,60 @@ public:
         EntrySize theSize;
         aAdd(&theSize);
         if (!Reserve(theSize.GetCount(), theSize.GetSize())) { return; }
-        EntryEnd theEnd(mBytes, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount, aResolver);
+        EntryEnd theEnd(mBytes + mEntryBegin, mBytes + mByteCount, mTags + mRowCount, mEnds + mRowCount, aResolver);
         aAdd(&theEnd);
         mByteCount = static_cast<size_t>(theEnd.GetValue() - mBytes);
         mRowCount = static_cast<size_t>(theEnd.GetTag() - mTags);
     }
 
-    // Stores what was added as a new entry of a record, and begins anew.
-    void Store(zoPackedData_t* aRecord)
+    void EndEntry()
     {
-        zoPackedData_AddEntry(aRecord, mTags, mEnds, static_cast<uint32>(mRowCount), mBytes);
-        mByteCount = 0;
-        mRowCount = 0;
+        if (mEntryCount == kMaxEntries) { MoveAll(); }
+        mCounts[mEntryCount++] = static_cast<uint16>(mRowCount - mFirstRow);
+        mFirstRow = mRowCount;
+        mEntryBegin = mByteCount;
     }
 
-    // What was added as the block of a record with that entry alone.
-    char* NewBlock() const { return zoPackedData_NewBlock(mTags, mEnds, static_cast<uint32>(mRowCount), mBytes); }
+    // The block of the record; called once, when all entries were ended.
+    char* NewBlock()
+    {
+        return mRecord ? TakeRecord() : zoPackedData_NewBlock(mTags, mEnds, mCounts, mEntryCount, mBytes);
+    }
 
 private:
     bool HasRoom(size_t aCount, uint64 aSize) const
     {
-        return aSize <= mByteCapacity - mByteCount && aCount <= mRowCapacity - mRowCount;
+        return mByteCount + aSize <= mByteCapacity && mRowCount + aCount <= kMaxRows;
     }
-    bool Reserve(size_t aCount, uint64 aSize) { return HasRoom(aCount, aSize) || Grow(aCount, aSize); }
-    [[gnu::cold]] bool Grow(size_t aCount, uint64 aSize);
-    [[gnu::cold, gnu::noinline]] void GrowAndAddText(uint16 aTag, std::string_view aText);
+    bool Reserve(size_t aCount, uint64 aSize) { return HasRoom(aCount, aSize) || MakeRoom(aSize); }
+    [[gnu::cold]] bool MakeRoom(uint64 aSize);
+    [[gnu::cold, gnu::noinline]] void MakeRoomAndAddText(uint16 aTag, std::string_view aText);
+    [[gnu::cold]] void MoveEntries(uint32 aCount);
+    [[gnu::cold]] void MoveAll();
+    [[gnu::cold]] char* TakeRecord();
+    [[gnu::cold]] void FreeRecord();
     char* AddRow(uint16 aTag, size_t aSize);
 
     enum : size_t
     {
-        kInlineBytes = 1024, // most entries fit
-        kInlineRows = 48
+        kMaxRows = 128,
+        kMaxEntries = 10
     };
-    char* mBytes = mInlineBytes; // the values; mInlineBytes or owned, as the other two
-    uint16* mTags = mInlineTags;
-    uint32* mEnds = mInlineEnds;
+    char* mBytes; // the values that are not yet in mRecord; the caller's or mOwnBytes
+    size_t mByteCapacity;
     size_t mByteCount = 0;
-    size_t mByteCapacity = kInlineBytes;
+    size_t mEntryBegin = 0; // of the open entry's values
     size_t mRowCount = 0;
-    size_t mRowCapacity = kInlineRows;
-    uint16 mInlineTags[kInlineRows];
-    uint32 mInlineEnds[kInlineRows];
-    char mInlineBytes[kInlineBytes];
+    size_t mFirstRow = 0; // of the open entry
+    uint32 mEntryCount = 0;
+    uint16 mCounts[kMaxEntries + 1]; // the open entry's is written when it is moved
+    uint16 mTags[kMaxRows];
+    uint32 mEnds[kMaxRows]; // counted from the entry's begin
+
+    // What has become too large for the arrays.
+    zoPackedData_t* mRecord = nullptr; // owned; NULL while nothing has
+    char* mOwnBytes = nullptr;         // for large values
+    bool mfIsContinued = false;        // the first entry here has its first values in mRecord
 };
 
 } // namespace DIDL
