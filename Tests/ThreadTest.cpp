@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <string_view>
 #include <thread>
 #include <vector>
 #include <zoLog/Log.h>
@@ -88,7 +89,8 @@ TEST(ThreadTest, AllThreadsReadOneRecord)
     CDSEntryInfo theEntry(zoPackedData_Duplicate(theObject.mEntry));
     const std::string theTitle = theEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str();
     ASSERT_NE("", theTitle);
-    zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New("http-get:*:image/jpeg:*,http-get:*:*:*", 0);
+    // The parameter makes the list have an index.
+    zoDLNAProtocolInfoList_t* theSink = zoDLNAProtocolInfoList_New("http-get:*:image/jpeg:*,a:one:b/c;d=1:*", 0);
     RunOnThreads(
         [&](int)
         {
@@ -96,9 +98,12 @@ TEST(ThreadTest, AllThreadsReadOneRecord)
         {
             EXPECT_EQ(theExpected, theObject.Write());
             EXPECT_STREQ(theTitle.c_str(), theEntry.GetInfoAsCString(kCDSEntryInfo_Title).c_str());
-            zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_NewFromURI("http://h/a.jpg");
-            EXPECT_EQ(1, zoDLNAProtocolInfoList_Match(theSink, theInfo, kzoDLNAProtocolInfoMatch_NoProfileCheck));
-            zoDLNAProtocolInfo_Delete(theInfo);
+            for (const std::string_view theText : { "http-get:*:image/jpeg:*", "*:one:b/c;d=1:*" })
+            {
+                zoDLNAProtocolInfo_t* theInfo = zoDLNAProtocolInfo_New(theText.data(), theText.size(), 0);
+                EXPECT_EQ(1, zoDLNAProtocolInfoList_Match(theSink, theInfo, kzoDLNAProtocolInfoMatch_Default));
+                zoDLNAProtocolInfo_Delete(theInfo);
+            }
         }
     });
     zoDLNAProtocolInfoList_Delete(theSink);

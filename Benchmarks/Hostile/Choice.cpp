@@ -246,6 +246,10 @@ void AddChoiceShapes(Shapes& aShapes)
                            "" });
     theChoices.push_back(
         { "any of many transport protocols", { "u#", "*:n#:a/b:*" }, Repeat("*:n:c/d:*,p#:m#:a/b:*"), "" });
+    theChoices.push_back({ "any of many transport protocols and a profile",
+                           { "", "*:n:a/b:DLNA.ORG_PN=P" },
+                           [](size_t aSize) { return "*:m:c/d:*," + ListOf("p#:m:a/b:DLNA.ORG_PN=P", aSize); },
+                           "" });
     theChoices.push_back({ "many transport protocols", { "u#", "p#:*:a/b:*" }, Repeat("q#:*:a/b:*"), "q0" });
     theChoices.push_back(
         { "wildcards", { "u#", "http-get:*:a/b:DLNA.ORG_PN=P#" }, Repeat("*:*:c/*:DLNA.ORG_PN=Q#"), "" });

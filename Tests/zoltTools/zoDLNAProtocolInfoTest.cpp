@@ -136,6 +136,11 @@ TEST(zoDLNAProtocolInfoListTest, MatchesByTheFlagsGiven)
         { "x:*:b/c:*,HTTP-get:*:Audio/MPEG:*", "http-get:net:audio/mpeg:*", 0, 1 },
         { "http-get:one:b/c:*", "http-get:two:b/c:*", 0, 0 },
         { "*:one:b/c:*", "http-get:*:b/c:*", 0, 1 },
+        { "a:one:b/c:*", "*:ONE:b/c:*", 0, 1 }, // any protocol: the network decides
+        { "a:one:b/c:*", "*:two:b/c:*", 0, 0 },
+        { "a:one:b/c:DLNA.ORG_PN=P", "*:one:b/c:DLNA.ORG_PN=P", 0, 1 },
+        { "a:one:b/c:DLNA.ORG_PN=P", "*:one:x/y:DLNA.ORG_PN=P", kNotNull | kNoMime, 1 },
+        { "a:*:b/*:*", "*:one:b/c:*", kWild, 1 },
         { "http-get:*:b/c:*", "http:*:b/c:*", 0, 0 },
         { "a:*:b/c", "a:*:b/c:*", 0, 1 },
         { "a:*:b/c:*", "a:*:b/cd:*", kNoMime, 1 },

@@ -191,21 +191,49 @@ static void SortEntries(MatchIndex* anIndex)
     });
 }
 
-// @return the positions of all entries in the order of one of their hashes and, where it is the same, of transports.
-static uint32* NewOrder(const MatchIndex* anIndex, uint32 Entry::*aHash)
+// Puts the positions of all entries in an order into an array of as many.
+static void WriteOrder(const MatchIndex* anIndex, Order anOrder, bool afNetworkFirst, uint32* anArray)
 {
-    uint32* thePositions = Shared::NewArray<uint32>(anIndex->mCount);
+    const auto theFormatOf = [=](const Entry& anEntry)
+    {
+        const uint64 theMimeType = anOrder != kByProfile ? anEntry.mMimeType : 0;
+        return theMimeType << 32 | (anOrder != kByMimeType ? anEntry.mProfile : 0);
+    };
     for (uint32 i = 0; i < anIndex->mCount; ++i)
-        thePositions[i] = i;
-    std::sort(thePositions, thePositions + anIndex->mCount,
+        anArray[i] = i;
+    std::sort(anArray, anArray + anIndex->mCount,
               [=](uint32 aLeft, uint32 aRight)
               {
         const Entry& theLeft = anIndex->mEntries[aLeft];
         const Entry& theRight = anIndex->mEntries[aRight];
-        return theLeft.*aHash != theRight.*aHash ? theLeft.*aHash < theRight.*aHash
-                                                 : theLeft.GetTransport() < theRight.GetTransport();
+        const uint64 theLeftFormat = theFormatOf(theLeft);
+        const uint64 theRightFormat = theFormatOf(theRight);
+        return theLeftFormat != theRightFormat
+                   ? theLeftFormat < theRightFormat
+                   : theLeft.GetTransport(afNetworkFirst) < theRight.GetTransport(afNetworkFirst);
     });
-    return thePositions;
+}
+
+static uint32* NewOrder(const MatchIndex* anIndex, Order anOrder)
+{
+    uint32* theOrder = Shared::NewArray<uint32>(anIndex->mCount);
+    WriteOrder(anIndex, anOrder, false, theOrder);
+    return theOrder;
+}
+
+const uint32* ProtocolInfo::FindNetworkFirst(const MatchIndex* anIndex)
+{
+    uint32** theKept = &const_cast<MatchIndex*>(anIndex)->mNetworkFirst;
+    uint32* theOrders = __atomic_load_n(theKept, __ATOMIC_ACQUIRE);
+    if (theOrders) { return theOrders; }
+    uint32* theNewOrders = Shared::NewArray<uint32>(Shared::MultiplySizes(kOrderCount, anIndex->mCount));
+    for (const Order theOrder : { kByFormat, kByMimeType, kByProfile })
+        WriteOrder(anIndex, theOrder, true, theNewOrders + size_t{ theOrder } * anIndex->mCount);
+    const bool fIsKept =
+        __atomic_compare_exchange_n(theKept, &theOrders, theNewOrders, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE);
+    if (fIsKept) { return theNewOrders; }
+    free(theNewOrders); // another thread was faster
+    return theOrders;
 }
 
 static void CollectWildCards(MatchIndex* anIndex)
@@ -252,8 +280,8 @@ static MatchIndex* NewMatchIndex(const zoDLNAProtocolInfoList_t* aList)
     AddParameterSets(theIndex);
     SortEntries(theIndex);
     CollectWildCards(theIndex);
-    theIndex->mByProfile = NewOrder(theIndex, &Entry::mProfile);
-    theIndex->mByTransport = theIndex->mfHasOneTransport ? nullptr : NewOrder(theIndex, &Entry::mMimeType);
+    theIndex->mOrders[kByProfile] = NewOrder(theIndex, kByProfile);
+    if (!theIndex->mfHasOneTransport) { theIndex->mOrders[kByMimeType] = NewOrder(theIndex, kByMimeType); }
     theIndex->mMimeTypes = NewHashTable(theIndex->mCount, MimeTypeAt(theIndex));
     theIndex->mProfiles = NewHashTable(theIndex->mCount, ProfileAt(theIndex));
     return theIndex;
@@ -264,8 +292,9 @@ static void DeleteMatchIndex(MatchIndex* anIndex)
     if (!anIndex) { return; }
     free(anIndex->mEntries);
     free(anIndex->mMimeTypes.mSlots);
-    free(anIndex->mByTransport);
-    free(anIndex->mByProfile);
+    for (uint32* theOrder : anIndex->mOrders)
+        free(theOrder);
+    free(anIndex->mNetworkFirst);
     free(anIndex->mProfiles.mSlots);
     free(anIndex->mWildCards);
     free(anIndex->mParameterHashes);

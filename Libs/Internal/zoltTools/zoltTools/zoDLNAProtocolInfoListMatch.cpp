@@ -77,7 +77,7 @@ namespace
 class Query
 {
 public:
-    Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo) : mIndex(anIndex), mInfo(anInfo) {}
+    Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo);
     ~Query() { free(mAllocatedNumbers); }
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
@@ -90,8 +90,8 @@ private:
     bool ProfileMayMatch(const Entry& anEntry);
     bool TransportMayMatch(const Entry& anEntry);
     uint64 FindTransport(const Entry& anEntry) const;
-    template <typename EntryAt, typename IsOfRun>
-    bool MatchesRun(uint32 aFirst, EntryAt anEntryAt, IsOfRun afIsOfRun);
+    template <typename IsOfRun>
+    bool MatchesRun(Order anOrder, uint32 aFirst, IsOfRun afIsOfRun);
     const ParameterSet& GetSet();
     bool HasParametersOf(const Entry& anEntry);
     uint32 GetProfile();
@@ -105,14 +105,15 @@ private:
 
     const MatchIndex* mIndex;
     const zoDLNAProtocolInfo_t* mInfo;
+    const uint32* mNetworkFirst; // of the index; NULL unless any protocol matches, and not any network
     int mFlags = 0;
 
     int mMismatchFlags = -1; // those for which no element of the MIME type matches, without WildCardMimeTypeCheck
     uint32 mMimeType = 0;    // hashes; 0 until they are asked for
     uint32 mProfile = 0;
     bool mfHasTransport = false;
-    uint32 mProtocol = 0;
-    uint32 mNetwork = 0;
+    uint32 mFirstField = 0; // hashes of protocol and network, or the other way round
+    uint32 mSecondField = 0;
     bool mfHasSet = false;
     ParameterSet mSet = {};
     uint32 mMissingNumber = kNone; // of a parameter that an element has and the protocol info lacks
@@ -121,6 +122,12 @@ private:
 };
 
 } // namespace
+
+Query::Query(const MatchIndex* anIndex, const zoDLNAProtocolInfo_t* anInfo) : mIndex(anIndex), mInfo(anInfo)
+{
+    const bool fNetworkDecides = !anIndex->mfHasOneTransport && IsAny(anInfo->mProtocol) && !IsAny(anInfo->mNetwork);
+    mNetworkFirst = fNetworkDecides ? FindNetworkFirst(anIndex) : nullptr;
+}
 
 // @return the hash of the protocol info's profile; 0 without one.
 uint32 Query::GetProfile()
@@ -143,10 +150,10 @@ bool Query::TransportMayMatch(const Entry& anEntry)
     {
         if (HaveCommonTransport(anEntry.mInfo, mInfo)) { return true; }
         mfHasTransport = true;
-        mProtocol = HashOfField(mIndex->mKey, mInfo->mProtocol);
-        mNetwork = HashOfField(mIndex->mKey, mInfo->mNetwork);
+        mFirstField = HashOfField(mIndex->mKey, mNetworkFirst ? mInfo->mNetwork : mInfo->mProtocol);
+        mSecondField = HashOfField(mIndex->mKey, mNetworkFirst ? mInfo->mProtocol : mInfo->mNetwork);
     }
-    return FindTransport(anEntry) == anEntry.GetTransport();
+    return FindTransport(anEntry) == anEntry.GetTransport(mNetworkFirst != nullptr);
 }
 
 // @return the least hash, equal to that of an element's field or above, that may match a field; above all others when
@@ -161,10 +168,12 @@ static uint64 FindField(uint32 anElement, uint32 aField)
 // The hashes of the protocol info's fields are known.
 uint64 Query::FindTransport(const Entry& anEntry) const
 {
-    const uint64 theProtocol = FindField(anEntry.mProtocol, mProtocol);
-    if (theProtocol > UINT32_MAX) { return UINT64_MAX; }
-    if (theProtocol > anEntry.mProtocol) { return theProtocol << 32; }
-    return (theProtocol << 32) + FindField(anEntry.mNetwork, mNetwork); // or where the next protocol begins
+    const uint64 theTransport = anEntry.GetTransport(mNetworkFirst != nullptr);
+    const uint64 theFirst = FindField(static_cast<uint32>(theTransport >> 32), mFirstField);
+    if (theFirst > UINT32_MAX) { return UINT64_MAX; }
+    if (theFirst > theTransport >> 32) { return theFirst << 32; }
+    // Or where the next first field begins.
+    return (theFirst << 32) + FindField(static_cast<uint32>(theTransport), mSecondField);
 }
 
 const ParameterSet& Query::GetSet()
@@ -197,19 +206,23 @@ bool Query::Matches(const Entry& anEntry)
            (mIndex->mfHasOneTransport || TransportMatches(anEntry.mInfo, mInfo));
 }
 
-// Looks at a run of elements, which are in the order of their transports, and passes over those whose transport does
-// not match. anEntryAt gives the element at a position, afIsOfRun tells where the run ends.
-template <typename EntryAt, typename IsOfRun>
-bool Query::MatchesRun(uint32 aFirst, EntryAt anEntryAt, IsOfRun afIsOfRun)
+// Looks at a run of elements in an order, and passes over those whose transport does not match. afIsOfRun tells where
+// the run ends.
+template <typename IsOfRun>
+bool Query::MatchesRun(Order anOrder, uint32 aFirst, IsOfRun afIsOfRun)
 {
-    for (uint32 i = aFirst; i < mIndex->mCount && afIsOfRun(anEntryAt(i)); ++i)
+    const uint32* theOrder =
+        mNetworkFirst ? mNetworkFirst + size_t{ anOrder } * mIndex->mCount : mIndex->mOrders[anOrder];
+    const auto theEntryAt = [theEntries = mIndex->mEntries, theOrder](uint32 aPosition) -> const Entry&
+    { return theEntries[theOrder ? theOrder[aPosition] : aPosition]; };
+    for (uint32 i = aFirst; i < mIndex->mCount && afIsOfRun(theEntryAt(i)); ++i)
     {
-        if (Matches(anEntryAt(i))) { return true; }
-        if (TransportMayMatch(anEntryAt(i))) { continue; }
-        const auto fIsPassedOver = [&, theTransport = FindTransport(anEntryAt(i))](uint32 aPosition)
+        if (Matches(theEntryAt(i))) { return true; }
+        if (TransportMayMatch(theEntryAt(i))) { continue; }
+        const auto fIsPassedOver = [&, theTransport = FindTransport(theEntryAt(i))](uint32 aPosition)
         {
-            return aPosition < mIndex->mCount && afIsOfRun(anEntryAt(aPosition)) &&
-                   anEntryAt(aPosition).GetTransport() < theTransport;
+            return aPosition < mIndex->mCount && afIsOfRun(theEntryAt(aPosition)) &&
+                   theEntryAt(aPosition).GetTransport(mNetworkFirst != nullptr) < theTransport;
         };
         uint32 theStep = 1;
         for (; fIsPassedOver(i + theStep); theStep *= 2)
@@ -224,27 +237,21 @@ bool Query::MatchesRun(uint32 aFirst, EntryAt anEntryAt, IsOfRun afIsOfRun)
 bool Query::MatchesProfiles()
 {
     const uint32 theProfile = GetProfile();
-    return MatchesRun(
-        mIndex->mProfiles.Find(theProfile, ProfileAt(mIndex)),
-        [this](uint32 aPosition) -> const Entry& { return mIndex->mEntries[mIndex->mByProfile[aPosition]]; },
-        [theProfile](const Entry& anEntry) { return anEntry.mProfile == theProfile; });
+    return MatchesRun(kByProfile, mIndex->mProfiles.Find(theProfile, ProfileAt(mIndex)),
+                      [theProfile](const Entry& anEntry) { return anEntry.mProfile == theProfile; });
 }
 
 // Looks at the elements of one hash of the MIME type: at all of them or at those of one profile, of 0 at those without
-// one.
+// one. All orders by MIME type or format begin a MIME type at one position, those by format a profile of it, too.
 bool Query::MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
 {
     uint32 theFirst = mIndex->mMimeTypes.Find(aMimeType, MimeTypeAt(mIndex));
     if (theFirst == kNone) { return false; }
-    const Entry* theEntries = mIndex->mEntries;
     if (afAnyProfile)
     {
-        const uint32* theOrder = mIndex->mByTransport; // begins a MIME type where the entries do
-        return MatchesRun(
-            theFirst,
-            [=](uint32 aPosition) -> const Entry& { return theEntries[theOrder ? theOrder[aPosition] : aPosition]; },
-            [=](const Entry& anEntry) { return anEntry.mMimeType == aMimeType; });
+        return MatchesRun(kByMimeType, theFirst, [=](const Entry& anEntry) { return anEntry.mMimeType == aMimeType; });
     }
+    const Entry* theEntries = mIndex->mEntries;
     if (aProfile != theEntries[theFirst].mProfile)
     {
         const Entry* theFound = std::lower_bound(theEntries + theFirst, theEntries + mIndex->mCount, aProfile,
@@ -253,9 +260,9 @@ bool Query::MatchesHash(uint32 aMimeType, bool afAnyProfile, uint32 aProfile)
         });
         theFirst = static_cast<uint32>(theFound - theEntries);
     }
-    return MatchesRun(
-        theFirst, [=](uint32 aPosition) -> const Entry& { return theEntries[aPosition]; },
-        [=](const Entry& anEntry) { return anEntry.mMimeType == aMimeType && anEntry.mProfile == aProfile; });
+    return MatchesRun(kByFormat, theFirst,
+                      [=](const Entry& anEntry)
+                      { return anEntry.mMimeType == aMimeType && anEntry.mProfile == aProfile; });
 }
 
 // Looks at the elements of a MIME type without parameters, and at those with one of the protocol info's.

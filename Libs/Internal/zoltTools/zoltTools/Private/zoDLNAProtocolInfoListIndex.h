@@ -23,7 +23,10 @@ struct Entry
     uint32 mNetwork;    // as mProtocol
     uint32 mParameters; // position of the set; kNone without one
 
-    uint64 GetTransport() const { return uint64{ mProtocol } << 32 | mNetwork; }
+    uint64 GetTransport(bool afNetworkFirst) const
+    {
+        return afNetworkFirst ? uint64{ mNetwork } << 32 | mProtocol : uint64{ mProtocol } << 32 | mNetwork;
+    }
 };
 
 // An element whose MIME type is a wild card.
@@ -93,20 +96,28 @@ struct HashTable
     }
 };
 
-// The elements of a list in three orders of their hashes, and the parameters of their MIME types by numbers, the rarest
+// What elements are ordered by; those that are alike are in the order of their transports.
+enum Order
+{
+    kByFormat, // MIME type, then profile
+    kByMimeType,
+    kByProfile,
+    kOrderCount
+};
+
+// The elements of a list in orders of their hashes, and the parameters of their MIME types by numbers, the rarest
 // first. Parameters are compared by hash alone: all 61 bits of it. Everything else that has one hash is compared,
 // too.
 struct MatchIndex
 {
     uint64 mKey;
-    Entry* mEntries; // in the order of MIME types, profiles and transports
+    Entry* mEntries; // in the order of MIME types, profiles, protocols and networks
     uint32 mCount;
     HashTable mMimeTypes;
-    uint32*
-        mByTransport;   // positions in mEntries in the order of MIME types and transports; NULL when those are the same
-    uint32* mByProfile; // positions in mEntries in the order of profiles and transports
-    HashTable mProfiles;  // of positions in mByProfile
-    WildCard* mWildCards; // in the order of their types
+    uint32* mOrders[kOrderCount]; // positions in mEntries; NULL for the order that mEntries has
+    uint32* mNetworkFirst; // as mOrders, one after the other, but by network, then protocol; NULL until asked for
+    HashTable mProfiles;   // of positions in the order by profile
+    WildCard* mWildCards;  // in the order of their types
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
@@ -184,7 +195,7 @@ inline auto MimeTypeAt(const MatchIndex* anIndex)
 
 inline auto ProfileAt(const MatchIndex* anIndex)
 {
-    return [theEntries = anIndex->mEntries, theOrder = anIndex->mByProfile](uint32 aPosition)
+    return [theEntries = anIndex->mEntries, theOrder = anIndex->mOrders[kByProfile]](uint32 aPosition)
     { return theEntries[theOrder[aPosition]].mProfile; };
 }
 
@@ -197,5 +208,8 @@ ParameterSet ReadSet(const MatchIndex* anIndex, std::string_view aParameters, ui
 /** @return the index of a list, made by the first of the threads that ask for it and kept by the list; NULL when the
  *          list does not need one. */
 const MatchIndex* FindMatchIndex(const zoDLNAProtocolInfoList_t* aList);
+
+/** @return the mNetworkFirst of an index, made by the first of the threads that ask for it. */
+const uint32* FindNetworkFirst(const MatchIndex* anIndex);
 
 } // namespace ProtocolInfo
