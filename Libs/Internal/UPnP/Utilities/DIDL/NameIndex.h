@@ -5,49 +5,61 @@
 namespace DIDL
 {
 
-// Finds the rows of a table by their mIdentifier, ignoring case. An empty one ends the table. Built at compile time.
+// Finds the rows of a table by their mIdentifier, ignoring case. An empty one ends the table. Built at compile time, so
+// that each row has a slot of its own: a look-up is one comparison.
 template <typename Row, size_t Size>
 class NameIndex
 {
 public:
-    constexpr explicit NameIndex(const Row (&aTable)[Size]) : mTable(aTable), mRows()
+    constexpr explicit NameIndex(const Row (&aTable)[Size]) : mTable(aTable), mFactor(0), mSlots()
     {
-        for (size_t i = 0; i < Size && !aTable[i].mIdentifier.empty(); ++i)
-        {
-            size_t theSlot = SlotOf(aTable[i].mIdentifier);
-            for (; mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots) {}
-            mRows[theSlot] = static_cast<uint8>(i + 1);
-        }
+        while (!FillSlots())
+            ++mFactor;
     }
 
     // NULL without a row of that name, which is not empty.
     const Row* Find(std::string_view aName) const
     {
-        for (size_t theSlot = SlotOf(aName); mRows[theSlot] != 0; theSlot = (theSlot + 1) % kSlots)
-        {
-            const Row* theRow = mTable + (mRows[theSlot] - 1);
-            const std::string_view theName = theRow->mIdentifier; // of a length that IsSameName would call memcmp for
-            if (theName.size() == aName.size() && (Shared::EqualNames(theName.data(), aName.data(), aName.size()) ||
-                                                   IsSameButForCase(theName.data(), aName.data(), aName.size())))
-            {
-                return theRow;
-            }
-        }
-        return nullptr;
+        const Slot theSlot = mSlots[SlotOf(aName)];
+        if (theSlot.mLength != aName.size()) { return nullptr; }
+        const Row* theRow = mTable + theSlot.mRow;
+        const char* theName = theRow->mIdentifier.data();
+        const bool fIsSame = Shared::EqualNames(theName, aName.data(), aName.size()) ||
+                             IsSameButForCase(theName, aName.data(), aName.size());
+        return fIsSame ? theRow : nullptr;
     }
 
 private:
-    static const size_t kSlots = 64;
-    static_assert(Size < kSlots, "a search ends at a free slot");
-
-    // Length and last letter, without its case, differ for nearly all names of a table.
-    static constexpr size_t SlotOf(std::string_view aName)
+    struct Slot
     {
-        return (aName.size() * 5 + (static_cast<uint8>(aName[aName.size() - 1]) & 0x1Fu)) % kSlots;
+        uint8 mRow;
+        uint8 mLength; // of its name; 0 when the slot is free
+    };
+    static const size_t kSlots = 64;
+
+    // False when two rows have the same slot.
+    constexpr bool FillSlots()
+    {
+        for (Slot& theSlot : mSlots)
+            theSlot = {};
+        for (size_t i = 0; i < Size && !mTable[i].mIdentifier.empty(); ++i)
+        {
+            Slot* theSlot = &mSlots[SlotOf(mTable[i].mIdentifier)];
+            if (theSlot->mLength != 0) { return false; }
+            *theSlot = { static_cast<uint8>(i), static_cast<uint8>(mTable[i].mIdentifier.size()) };
+        }
+        return true;
+    }
+
+    // By the length and the last letter, without its case.
+    constexpr size_t SlotOf(std::string_view aName) const
+    {
+        return (aName.size() * mFactor + (static_cast<uint8>(aName[aName.size() - 1]) & 0x1Fu)) % kSlots;
     }
 
     const Row* mTable;
-    uint8 mRows[kSlots]; // 1 plus the row's index; 0 is free
+    size_t mFactor;
+    Slot mSlots[kSlots];
 };
 
 } // namespace DIDL
