@@ -40,21 +40,17 @@ void EntityResolver::SetObject(std::string_view anObject)
     }
 }
 
-// The text ends with a NUL. Returns its length then.
-size_t EntityResolver::ResolveInPlace(char* aText, size_t aLength)
-{
-    return DIDL::HasMarkup({ aText, aLength }) ? static_cast<size_t>(ILibInPlaceXmlUnEscape(aText)) : aLength;
-}
-
+// Looks at the document's text and not at the copy: bytes that were written a moment ago are slow to read.
 char* EntityResolver::ResolveStored(std::string_view aText, char* anEnd) const
 {
-    if (IsPlain(aText)) { return anEnd; }
+    if (IsPlain(aText) || !HasMarkup(aText)) { return anEnd; }
     char* theCopy = anEnd - 1 - aText.size();
-    return theCopy + ResolveInPlace(theCopy, aText.size()) + 1;
+    return theCopy + ILibInPlaceXmlUnEscape(theCopy) + 1;
 }
 
 std::string_view EntityResolver::ResolveCopy(std::string_view aText)
 {
+    if (!HasMarkup(aText)) { return aText; }
     if (mCopySize <= aText.size())
     {
         mCopySize = Shared::GrowCapacity(mCopySize, aText.size() + 1, kInlineSize);
@@ -63,7 +59,7 @@ std::string_view EntityResolver::ResolveCopy(std::string_view aText)
     }
     memcpy(mCopy, aText.data(), aText.size());
     mCopy[aText.size()] = 0;
-    return { mCopy, ResolveInPlace(mCopy, aText.size()) };
+    return { mCopy, static_cast<size_t>(ILibInPlaceXmlUnEscape(mCopy)) };
 }
 
 } // namespace DIDL

@@ -50,7 +50,6 @@ public:
 
 private:
     std::string_view ResolveCopy(std::string_view aText);
-    static size_t ResolveInPlace(char* aText, size_t aLength);
 
     enum : size_t
     {

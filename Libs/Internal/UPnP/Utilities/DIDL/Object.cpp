@@ -130,8 +130,8 @@ void FinishObject(ObjectParser* aParser, char** aData, char** aRes)
     aParser->mEntry.AddValues(ResolverFor(*aParser), [&](auto* anEnd) { AddFields(*aParser, theDate, anEnd); });
     aParser->mEntry.AddStrings(kCDSEntryInfo_AlbumArtURI, aParser->mAlbumArt.Text());
     aParser->mEntry.EndEntry();
+    *aRes = aParser->mResources.NewBlock(); // first: the entry's bytes were written a moment ago, and are slow to read
     *aData = aParser->mEntry.NewBlock();
-    *aRes = aParser->mResources.NewBlock();
 }
 
 } // namespace DIDL
