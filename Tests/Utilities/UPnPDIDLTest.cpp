@@ -570,6 +570,8 @@ TEST(UPnPDIDLTest, InheritsDeclarationsWithinBounds)
         { Declarations("n", 40) + " xmlns:y='2' xmlns:x='1' xmlns:y='3'", "<p x:r='1'><y:r/></p>",
           "xmlns:y=\"2\",xmlns:x=\"1\",xmlns:n0=\"0\"" },
         { Declarations("n", 300) + Declarations("n", 300), "", "xmlns:n0=\"0\",xmlns:n1=\"1\"" },
+        { " xmlns:a=\"1\" xmlns:b=\"2\"", "<p xmlns:b='3' xmlns:c='4'/>", "xmlns:a=\"1\",xmlns:b=\"2\",xmlns:c=\"4\"" },
+        { " xmlns:ax=\"1\" xmlns:ix=\"2\" xmlns:ax=\"3\"", "", "xmlns:ax=\"1\",xmlns:ix=\"2\"" },
     };
     for (const auto& theCase : kCases)
     {
