@@ -309,10 +309,10 @@ public:
      * none, and for NULL. */
     int GetResourceIndexForThumbnail(const char* aThumbnailType, uint32* aTargetIPAddresses, uint32 aTargetIPCount);
     /**
-     * Chooses the picture that is shown for the object: album art whose profile the list contains, as a part of its
-     * text; else the resource that GetResourceIndexForThumbnail finds for the first listed profile for which there is
-     * one; else album art whose family the list contains so: its profile's text up to the first "_", with a "_" after
-     * it; "_" when it has no profile.
+     * Chooses the picture that is shown for the object. Unless the list contains the profile of the album art, as a
+     * part of its text, it is the resource that GetResourceIndexForThumbnail finds for the first listed profile for
+     * which there is one. In all other cases it is the album art, if the list contains its family so: its profile's
+     * text up to the first "_", with a "_" after it; "_" when it has no profile.
      * @param aPreferedProfileIDList  DLNA profiles separated by commas, best first; "" means "JPEG_TN,PNG_TN".
      * @param aProfileID out, may be NULL: the picture's profile, "" when it has none.
      * @return its URI; "" when there is none.

@@ -10,8 +10,9 @@ enum
 };
 
 /**
- * A text of bytes that ends with a NUL. Up to 15 bytes are in the object itself and cost no memory from the heap.
- * Copies are independent. Comparisons look at bytes, so they are case-sensitive. A NULL text counts as "".
+ * A text of bytes that ends with a NUL. Up to 15 bytes are copied into the object itself and cost no memory from the
+ * heap; a text that is formatted, joined or taken over is on the heap. Copies are independent. Comparisons look at
+ * bytes, so they are case-sensitive. A NULL text counts as "".
  */
 class ZO_API zoCString
 {
