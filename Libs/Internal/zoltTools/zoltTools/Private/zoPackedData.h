@@ -8,6 +8,7 @@
 
 #include <Shared/Integers.h>
 #include <Shared/Sizes.h>
+#include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
 #include <zoltTools/zoMemory.h>
@@ -45,8 +46,9 @@ inline uint32 MagicOf(size_t aSize, uint32 anEntryCount)
 
 inline void WriteHeader(char* aBlock, size_t aSize, uint32 anEntryCount)
 {
-    const Header theHeader = { MagicOf(aSize, anEntryCount), static_cast<uint32>(aSize), anEntryCount };
-    memcpy(aBlock, &theHeader, sizeof(theHeader));
+    Shared::StoreAs<uint32>(aBlock + offsetof(Header, mMagic), MagicOf(aSize, anEntryCount));
+    Shared::StoreAs<uint32>(aBlock + offsetof(Header, mSize), aSize);
+    Shared::StoreAs<uint32>(aBlock + offsetof(Header, mEntryCount), anEntryCount);
 }
 
 // What a new record begins with, in one piece with it, so that a small one needs no other memory.
