@@ -25,7 +25,7 @@ public:
         if (mCount < kInline) { mInline[mCount++] = { aName.data(), aName.size() }; }
         else { AddToTable(aName); }
     }
-    void Clear();
+    [[gnu::cold]] void Clear();
 
     // True if a set can be made equal by AssignInline.
     bool fIsInline() const { return !mTable; }
@@ -46,8 +46,8 @@ private:
         const uint32 theLast = aName.empty() ? 0 : static_cast<uint8>(aName.back());
         return uint64{ 1 } << ((aName.size() * 5 + theLast) % 64);
     }
-    bool Find(std::string_view aName) const;
-    void AddToTable(std::string_view aName);
+    [[gnu::cold]] bool Find(std::string_view aName) const;
+    [[gnu::cold]] void AddToTable(std::string_view aName);
 
     enum : size_t
     {

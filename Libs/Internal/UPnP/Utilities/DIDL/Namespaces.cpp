@@ -2,6 +2,7 @@
 
 #include <Shared/Sizes.h>
 #include <Shared/Sort.h>
+#include <algorithm>
 
 namespace DIDL
 {
@@ -194,7 +195,7 @@ bool NamespaceList::CopyAll(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, 
     return !theAttribute;
 }
 
-// Looks at 64 names at most: so many slots there are.
+// Only short roots are copied, so it costs little to read one again for each question.
 bool NamespaceList::HasCopied(std::string_view aName) const
 {
     ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(mCopiedRoot);
@@ -210,8 +211,8 @@ bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* a
 {
     const std::string_view theText = TextOfAttributes(aRoot, aFirst);
     const ValueSource theSource = SourceOf(theText, aMaxSize);
-    const bool fIsCopied =
-        theSource == ValueSource::AttributeWithoutAny && theText.size() <= aMaxSize && CopyAll(aRoot, aFirst, theText);
+    const bool fIsShort = theText.size() <= std::min<size_t>(aMaxSize, kMaxSharedSize);
+    const bool fIsCopied = fIsShort && theSource == ValueSource::AttributeWithoutAny && CopyAll(aRoot, aFirst, theText);
     return fIsCopied || AddOneByOne(aFirst, theSource, aMaxSize);
 }
 

@@ -50,12 +50,12 @@ public:
 
     // The same, but at most aMaxSize bytes: when not all fit, first those that the names of the object's elements and
     // attributes need, then the others, each while it fits.
-    void AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
-                   size_t aMaxSize);
+    [[gnu::cold]] void AddOfRoot(ILibXMLNode* aRoot, const ObjectNodes& anObject, const ILibXMLAttribute* anAttributes,
+                                 size_t aMaxSize);
 
     // Replaces the list with that of a root, which AddOfRoot adds for each object that may inherit kMaxSharedSize;
     // empty when it depends on the object.
-    void CollectShared(ILibXMLNode* aRoot);
+    [[gnu::cold]] void CollectShared(ILibXMLNode* aRoot);
 
     // Adds such a list to an empty one.
     void AddShared(const NamespaceList& aList)
@@ -71,7 +71,7 @@ public:
     };
 
 private:
-    void Clear();
+    [[gnu::cold]] void Clear();
     [[gnu::cold]] void AddXMLNameSpace(const ILibXMLAttribute* anAttribute);
     [[gnu::cold]] void AppendEscaped(std::string_view aText, ValueSource aSource);
     [[gnu::cold]] bool AppendEscapedXMLNS(std::string_view aName, std::string_view aValue, ValueSource aSource,
