@@ -337,7 +337,9 @@ struct UPnPDIDLDocument
     NamespaceList mShared;  // what the objects of mDIDLNode inherit; empty when it depends on the object
 };
 
-UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
+// What is called once for many objects is cold, too.
+
+[[gnu::cold]] UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
 {
     ILibXMLNode* theNodes = ILibParseXML(const_cast<char*>(aText), 0, aText ? strlen(aText) : 0);
     if (ILibProcessXMLNodeList(theNodes) != kILibProcessXML_NoError)
@@ -348,7 +350,7 @@ UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
     return new (zoMalloc(sizeof(UPnPDIDLDocument))) UPnPDIDLDocument{ aBaseURL, theNodes, theNodes, nullptr, 0, {} };
 }
 
-void UPnPDIDLDocument_Delete(UPnPDIDLDocument* aDocument)
+[[gnu::cold]] void UPnPDIDLDocument_Delete(UPnPDIDLDocument* aDocument)
 {
     if (!aDocument) { return; }
     ILibDestructXMLNodeList(aDocument->mNodes);
