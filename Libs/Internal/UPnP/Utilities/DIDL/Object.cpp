@@ -70,8 +70,7 @@ size_t MaxInheritedSize(const ObjectParser& aParser)
 
 static bool IsDate(std::string_view aText)
 {
-    int32 theParts[kzoDLNADatePart_Count];
-    return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), theParts) == 0;
+    return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), nullptr) == kzoConvertError_None;
 }
 
 // The date, resolved; empty without a valid one. It may be a copy, until the resolver resolves another text.
