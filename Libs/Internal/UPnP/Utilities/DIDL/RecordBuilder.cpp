@@ -20,15 +20,10 @@ char* RecordBuilder::AddRow(uint16 aTag, size_t aSize)
 
 void RecordBuilder::AddStrings(uint16 aTag, std::string_view aStrings)
 {
-    const auto Pack = [&]
-    { return zoStringArray_Pack(aStrings.data(), aStrings.size(), mBytes + mByteCount, mByteCapacity - mByteCount); };
-    const size_t theSize = Pack();
-    if (!HasRoom(1, theSize))
-    {
-        if (!MakeRoom(theSize)) { return; }
-        Pack();
-    }
-    AddRow(aTag, theSize);
+    char* theTarget = mBytes + mByteCount;
+    const size_t theSize = zoStringArray_Pack(aStrings.data(), aStrings.size(), theTarget, mByteCapacity - mByteCount);
+    if (HasRoom(1, theSize)) { AddRow(aTag, theSize); }
+    else if (MakeRoom(theSize)) { AddStrings(aTag, aStrings); } // now they fit
 }
 
 void RecordBuilder::MakeRoomAndAddText(uint16 aTag, std::string_view aText)
@@ -41,6 +36,11 @@ void RecordBuilder::AddText(uint16 aTag, std::string_view aText)
 {
     if (!HasRoom(1, uint64{ aText.size() } + 1)) { return MakeRoomAndAddText(aTag, aText); }
     CopyText(AddRow(aTag, aText.size() + 1), aText.data(), aText.size());
+}
+
+char* RecordBuilder::NewBlock()
+{
+    return mRecord ? TakeRecord() : zoPackedData_NewBlock(mTags, mEnds, mCounts, mEntryCount, mBytes);
 }
 
 // ---- Large records ----

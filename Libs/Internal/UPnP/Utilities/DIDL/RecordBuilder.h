@@ -168,10 +168,7 @@ public:
     }
 
     // The block of the record; called once, when all entries were ended.
-    char* NewBlock()
-    {
-        return mRecord ? TakeRecord() : zoPackedData_NewBlock(mTags, mEnds, mCounts, mEntryCount, mBytes);
-    }
+    char* NewBlock();
 
 private:
     bool HasRoom(size_t aCount, uint64 aSize) const
