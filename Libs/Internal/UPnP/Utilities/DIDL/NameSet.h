@@ -46,8 +46,8 @@ private:
         const uint32 theLast = aName.empty() ? 0 : static_cast<uint8>(aName.back());
         return uint64{ 1 } << ((aName.size() * 5 + theLast) % 64);
     }
-    [[gnu::cold]] bool Find(std::string_view aName) const;
-    [[gnu::cold]] void AddToTable(std::string_view aName);
+    bool Find(std::string_view aName) const;
+    void AddToTable(std::string_view aName);
 
     enum : size_t
     {

@@ -79,7 +79,7 @@ private:
     [[gnu::cold]] bool HasCopied(std::string_view aName) const;
     bool CopyAll(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, std::string_view aText);
     bool AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* aFirst, size_t aMaxSize);
-    [[gnu::cold, gnu::noinline]] bool AddOneByOne(const ILibXMLAttribute* aFirst, ValueSource aSource, size_t aMaxSize);
+    [[gnu::noinline]] bool AddOneByOne(const ILibXMLAttribute* aFirst, ValueSource aSource, size_t aMaxSize);
     [[gnu::cold]] void AddNeededFirst(ILibXMLAttribute* aFirst, const ObjectNodes& anObject,
                                       const ILibXMLAttribute* anAttributes, size_t aMaxSize);
 
