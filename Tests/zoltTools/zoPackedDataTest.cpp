@@ -102,7 +102,7 @@ TEST(zoPackedDataTest, ReadsWhatWasAddedInEveryForm)
 TEST(zoPackedDataTest, MakesABlockOfWholeEntries)
 {
     std::vector<PlainEntry> thePlain = { {}, { { 7, "small" }, { 3, "" }, { 65535, "x" } }, {}, { { 1, "y" } } };
-    for (const size_t theSize : { 0, 65534, 65535, 65536 }) // the last one with wide ends
+    for (const size_t theSize : { 0u, 65534u, 65535u, 65536u }) // the last one with wide ends
         thePlain.push_back({ { 7, std::string(theSize, 'w') }, { 9, "" } });
     const std::vector<PlainEntry> theFilled = Fill().mPlain;
     thePlain.insert(thePlain.end(), theFilled.begin(), theFilled.end());
