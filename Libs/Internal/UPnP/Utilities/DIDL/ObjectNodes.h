@@ -48,7 +48,7 @@ struct ObjectNodes
     // The length of the object's text, given that of its inner XML.
     size_t TextLength(size_t aLength) const
     {
-        if (!mfSkipsInnerObjects) { return aLength; }
+        if (!mStartTag || !mfSkipsInnerObjects) { return aLength; }
         for (ILibXMLNode* theChild = mStartTag->Next; theChild; theChild = theChild->Peer)
             if (IsObject(theChild)) { aLength -= GetInnerXML(theChild).size(); }
         return aLength;
