@@ -52,8 +52,8 @@ static size_t ReadCharacterReference(const char* aText, uint32* aCharacter)
     return static_cast<size_t>(thePosition + 1 - aText);
 }
 
-// The entity that the text begins with; NULL when it is none of the five. All have four bytes or more, which are
-// compared at once.
+// The one of the five entities that the text begins with; NULL for any other text. All have four bytes or more, which
+// are compared at once.
 static const Entity* FindEntity(const char* aText, const char* anEnd)
 {
     if (anEnd - aText < 4) { return nullptr; }
