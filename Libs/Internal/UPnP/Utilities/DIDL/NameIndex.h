@@ -17,11 +17,11 @@ public:
             ++mFactor;
     }
 
-    // NULL without a row of that name, which is not empty.
+    // NULL without a row of that name. An empty name comes after a colon: the byte before a name is read then.
     const Row* Find(std::string_view aName) const
     {
         const Slot theSlot = mSlots[SlotOf(aName)];
-        if (theSlot.mLength != aName.size()) { return nullptr; }
+        if (theSlot.mLength != static_cast<ptrdiff_t>(aName.size())) { return nullptr; }
         const Row* theRow = mTable + theSlot.mRow;
         const char* theName = theRow->mIdentifier.data();
         const bool fIsSame = Shared::EqualNames(theName, aName.data(), aName.size()) ||
@@ -33,20 +33,21 @@ private:
     struct Slot
     {
         uint8 mRow;
-        uint8 mLength; // of its name; 0 when the slot is free
+        int8 mLength; // of its name; kFree when the slot has no row
     };
     static const size_t kSlots = 64;
+    static const int8 kFree = -1; // not even the length of an empty name
 
     // False when two rows have the same slot.
     constexpr bool FillSlots()
     {
         for (Slot& theSlot : mSlots)
-            theSlot = {};
+            theSlot = { 0, kFree };
         for (size_t i = 0; i < Size && !mTable[i].mIdentifier.empty(); ++i)
         {
             Slot* theSlot = &mSlots[SlotOf(mTable[i].mIdentifier)];
-            if (theSlot->mLength != 0) { return false; }
-            *theSlot = { static_cast<uint8>(i), static_cast<uint8>(mTable[i].mIdentifier.size()) };
+            if (theSlot->mLength != kFree) { return false; }
+            *theSlot = { static_cast<uint8>(i), static_cast<int8>(mTable[i].mIdentifier.size()) };
         }
         return true;
     }
@@ -54,7 +55,7 @@ private:
     // By the length and the last letter, without its case.
     constexpr size_t SlotOf(std::string_view aName) const
     {
-        return (aName.size() * mFactor + (static_cast<uint8>(aName[aName.size() - 1]) & 0x1Fu)) % kSlots;
+        return (aName.size() * mFactor + (static_cast<uint8>(*(aName.data() + aName.size() - 1)) & 0x1Fu)) % kSlots;
     }
 
     const Row* mTable;
