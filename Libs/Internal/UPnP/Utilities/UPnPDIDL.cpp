@@ -179,9 +179,13 @@ static void ParseElementsOf(ObjectParser* aParser)
     while (theNode && (theNode = NextNode(theNodes.mStartTag, theNode)) != nullptr)
     {
         if (!theNode->StartTag) { continue; }
+        if (theNodes.IsSkipped(theNode))
+        {
+            theNode = theNode->ClosingTag;
+            continue;
+        }
         ILibXMLAttribute* theAttributes = ILibGetXMLAttributes(theNode);
-        if (theNodes.IsSkipped(theNode)) { theNode = theNode->ClosingTag; }
-        else if (IsResource(theNode)) { ParseResource(aParser, theNode, theAttributes); }
+        if (IsResource(theNode)) { ParseResource(aParser, theNode, theAttributes); }
         else { ParseElement(aParser, theNode, theAttributes); }
         ILibDestructXMLAttributeList(theAttributes);
     }
