@@ -223,15 +223,13 @@ static uint32* NewOrder(const MatchIndex* anIndex, Order anOrder)
 
 const uint32* ProtocolInfo::FindNetworkFirst(const MatchIndex* anIndex)
 {
-    uint32** theKept = &const_cast<MatchIndex*>(anIndex)->mNetworkFirst;
-    uint32* theOrders = __atomic_load_n(theKept, __ATOMIC_ACQUIRE);
+    uint32* theOrders = anIndex->mNetworkFirst.load(std::memory_order_acquire);
     if (theOrders) { return theOrders; }
     uint32* theNewOrders = Shared::NewArray<uint32>(Shared::MultiplySizes(kOrderCount, anIndex->mCount));
     for (const Order theOrder : { kByFormat, kByMimeType, kByProfile })
         WriteOrder(anIndex, theOrder, true, theNewOrders + size_t{ theOrder } * anIndex->mCount);
-    const bool fIsKept =
-        __atomic_compare_exchange_n(theKept, &theOrders, theNewOrders, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE);
-    if (fIsKept) { return theNewOrders; }
+    auto* theKept = &anIndex->mNetworkFirst;
+    if (theKept->compare_exchange_strong(theOrders, theNewOrders, std::memory_order_acq_rel)) { return theNewOrders; }
     free(theNewOrders); // another thread was faster
     return theOrders;
 }

@@ -3,6 +3,7 @@
 /* The index of a list of protocol infos: its elements by what they match. */
 
 #include <algorithm>
+#include <atomic>
 #include <string_view>
 #include <zoOS/zoTypes.h>
 #include <zoltTools/Private/zoDLNAProtocolInfoList.h>
@@ -115,9 +116,10 @@ struct MatchIndex
     uint32 mCount;
     HashTable mMimeTypes;
     uint32* mOrders[kOrderCount]; // positions in mEntries; NULL for the order that mEntries has
-    uint32* mNetworkFirst; // as mOrders, one after the other, but by network, then protocol; NULL until asked for
-    HashTable mProfiles;   // of positions in the order by profile
-    WildCard* mWildCards;  // in the order of their types
+    // As mOrders, one after the other, but by network, then protocol; NULL until asked for.
+    mutable std::atomic<uint32*> mNetworkFirst;
+    HashTable mProfiles;  // of positions in the order by profile
+    WildCard* mWildCards; // in the order of their types
     uint32 mWildCardCount;
     bool mfHasOneTransport; // protocol and network are the same in all elements
 
