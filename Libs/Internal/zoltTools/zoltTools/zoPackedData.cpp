@@ -28,7 +28,7 @@ static uint32 FindPosition(const zoPackedData_t* aRecord, uint32 anEntry, const 
 {
     if (aView.mCount <= kSmallCount) { return ScanTags(aView, aTag); }
     if (!IsOpen(aRecord, anEntry)) { return SearchTags(aView, aTag); }
-    const uint16 thePosition = aTag < aRecord->mPositionCapacity ? aRecord->mPositions[aTag] : kNoPosition;
+    const uint16 thePosition = IndexedPosition(aRecord, aTag);
     return thePosition != kNoPosition ? thePosition : aView.mCount;
 }
 
@@ -154,6 +154,7 @@ void PackedData::FreeArrays(const zoPackedData_t* aRecord)
     FreeArray(aRecord, aRecord->mEnds);
     FreeArray(aRecord, aRecord->mTags);
     FreeArray(aRecord, aRecord->mEntryEnds);
+    free(aRecord->mPages);
     free(aRecord->mPositions);
     free(aRecord->mSelection);
 }
@@ -175,13 +176,26 @@ static void ReserveRows(zoPackedData_t* aRecord, uint32 aCount)
     aRecord->mTags = Moved(aRecord, aRecord->mTags, theBefore, aRecord->mRowCapacity);
 }
 
-static void ReservePositions(zoPackedData_t* aRecord, uint16 aTag)
+// Makes room in the table for aRow, which is past its end.
+[[gnu::noinline]] static void GrowPageTable(zoPackedData_t* aRecord, uint32 aRow)
 {
-    const uint32 theBefore = aRecord->mPositionCapacity;
-    if (aTag < theBefore) { return; }
-    aRecord->mPositionCapacity = std::max(uint32{ aTag } + 1, theBefore * 2);
-    aRecord->mPositions = Shared::ResizeArray(aRecord->mPositions, aRecord->mPositionCapacity);
-    memset(aRecord->mPositions + theBefore, 0xFF, (aRecord->mPositionCapacity - theBefore) * sizeof(uint16));
+    const uint32 theBefore = aRecord->mPageTableSize;
+    aRecord->mPageTableSize = std::min(std::max(aRow + 1, theBefore * 2), kPageCount);
+    aRecord->mPages = Shared::ResizeArray(aRecord->mPages, aRecord->mPageTableSize);
+    memset(aRecord->mPages + theBefore, 0xFF, (aRecord->mPageTableSize - theBefore) * sizeof(uint16));
+}
+
+// @return a new page without positions.
+[[gnu::noinline]] static uint16 AddPage(zoPackedData_t* aRecord)
+{
+    const uint32 thePage = aRecord->mPageCount++;
+    if (thePage == aRecord->mPageCapacity)
+    {
+        aRecord->mPageCapacity = std::max(kFirstPages, thePage * 2);
+        aRecord->mPositions = Shared::ResizeArray(aRecord->mPositions, size_t{ aRecord->mPageCapacity } * kPageSize);
+    }
+    memset(aRecord->mPositions + size_t{ thePage } * kPageSize, 0xFF, kPageSize * sizeof(uint16));
+    return static_cast<uint16>(thePage);
 }
 
 // Makes room for aSize bytes and a 0 after what is used.
@@ -322,7 +336,8 @@ void PackedData::CloseEntry(zoPackedData_t* aRecord)
     aRecord->mBlock[aRecord->mUsed] = 0;
     aRecord->mEntryEnds[aRecord->mEntryCount - 1] = static_cast<uint32>(aRecord->mUsed);
     for (uint32 i = 0; aRecord->mfIndexed && i < aRecord->mCount; ++i) // for the next one
-        aRecord->mPositions[aRecord->mTags[i]] = kNoPosition;
+        aRecord->mPages[aRecord->mTags[i] / kPageSize] = kNoPage;
+    aRecord->mPageCount = 0;
     aRecord->mfOpen = false;
     aRecord->mfIndexed = false;
     aRecord->mCount = 0;
@@ -346,8 +361,10 @@ void zoPackedData_AddNewEntry(zoPackedData_t* aRecord) { AddNewEntry(aRecord); }
 
 static void NotePosition(zoPackedData_t* aRecord, uint16 aTag, uint32 aPosition)
 {
-    ReservePositions(aRecord, aTag);
-    aRecord->mPositions[aTag] = static_cast<uint16>(aPosition);
+    const uint32 theRow = aTag / kPageSize;
+    if (theRow >= aRecord->mPageTableSize) { GrowPageTable(aRecord, theRow); }
+    if (aRecord->mPages[theRow] == kNoPage) { aRecord->mPages[theRow] = AddPage(aRecord); }
+    aRecord->mPositions[aRecord->mPages[theRow] * kPageSize + aTag % kPageSize] = static_cast<uint16>(aPosition);
 }
 
 // From now on the open entry's tags are found by their positions.
@@ -382,7 +399,7 @@ static void ReopenEntry(zoPackedData_t* aRecord)
 static bool HasTag(const zoPackedData_t* aRecord, uint16 aTag)
 {
     if (!aRecord->mfIndexed) { return aTag < kLowTags && (aRecord->mSeen >> aTag & 1) != 0; }
-    return aTag < aRecord->mPositionCapacity && aRecord->mPositions[aTag] != kNoPosition;
+    return IndexedPosition(aRecord, aTag) != kNoPosition;
 }
 
 // Stores a value for which there is room. Most are numbers or short texts.

@@ -30,9 +30,13 @@ const size_t kMaxBlockSize = 0xFFFFFFFF;
 const uint32 kMaxValuesPerEntry = 0xFFFF;
 const size_t kMaxNarrowSize = 0xFFFF; // of an entry's values whose ends take two bytes
 const uint16 kNoPosition = 0xFFFF;    // a position is below kMaxValuesPerEntry
-const size_t kFirstBytes = 512;       // at least; with these a record fits a fast malloc class
-const uint32 kSmallCount = 48;        // up to this many tags are scanned about as fast as searched in order
-const uint16 kLowTags = 64;           // tags below have a bit in mSeen
+const uint32 kPageSize = 16;          // tags whose positions are kept together
+const uint32 kPageCount = 0x10000 / kPageSize;
+const uint16 kNoPage = 0xFFFF;
+const uint32 kFirstPages = 8;
+const size_t kFirstBytes = 512; // at least; with these a record fits a fast malloc class
+const uint32 kSmallCount = 48;  // up to this many tags are scanned about as fast as searched in order
+const uint16 kLowTags = 64;     // tags below have a bit in mSeen
 const uint32 kFirstEntries = 4;
 const uint32 kFirstRows = 16; // of a record without room
 
@@ -88,8 +92,7 @@ struct zoPackedData_t
     uint32* mEntryEnds; // unless mfSerialized the table, without the open entry: the room's or owned; or NULL
 
     // The open entry, the last one while mfOpen. Of a small one with low tags, mSeen has the tags' bits. Once it has
-    // more values or other tags, mfIndexed, mSeen has all bits, and mPositions[tag] is the tag's position, or
-    // kNoPosition.
+    // more values or other tags, mfIndexed, mSeen has all bits, and the positions of tags are in pages.
     bool mfOpen;
     bool mfIndexed;
     size_t mOpenBegin;  // offset of its first value in the block
@@ -99,8 +102,14 @@ struct zoPackedData_t
     uint32 mRowCapacity; // of mEnds and mTags
     uint32* mEnds;       // offsets past each value, from mOpenBegin; the room's or owned, or NULL; as mTags
     uint16* mTags;
-    uint32 mPositionCapacity;
-    uint16* mPositions; // owned; NULL while no entry was indexed
+
+    // A page has the positions of kPageSize tags that follow each other, kNoPosition for one that is absent. There is
+    // one only where there are tags, so that a few tags far apart take little memory.
+    uint32 mPageTableSize;
+    uint16* mPages; // the page of tag / kPageSize, or kNoPage; owned, as mPositions; NULL while no entry was indexed
+    uint32 mPageCapacity;
+    uint32 mPageCount;
+    uint16* mPositions; // of all pages, one after the other
 
     PackedData::Selection* mSelection; // owned; of zoPackedData_FindEntryWithText: NULL until it is asked, and when
                                        // something is added
@@ -197,6 +206,14 @@ inline uint32 ScanTags(const Entry& anEntry, uint16 aTag)
     while (thePosition < anEntry.mCount && TagAt(anEntry, thePosition) != aTag)
         ++thePosition;
     return thePosition;
+}
+
+// The position of a tag of the open entry, which is indexed; kNoPosition when there is none.
+inline uint16 IndexedPosition(const zoPackedData_t* aRecord, uint16 aTag)
+{
+    const uint32 theRow = aTag / kPageSize;
+    if (theRow >= aRecord->mPageTableSize || aRecord->mPages[theRow] == kNoPage) { return kNoPosition; }
+    return aRecord->mPositions[aRecord->mPages[theRow] * kPageSize + aTag % kPageSize];
 }
 
 // ---- Memory ----
