@@ -126,34 +126,33 @@ char* TakeCopiedBlock(zoPackedData_t* aRecord, const Entries& anEntries)
     return theBlock;
 }
 
-// An entry of many values is added to by a table as long as its largest tag: to fill it would be most of a run, so most
-// large tags are left out.
-const uint16 kMostlyBelow = 0x0400;
-
-bool HasLargeTags(const Entries& anEntries)
+// Adds to a record over a copy of the block whatever the block has, and a value in its last entry.
+void CheckHeap(const char* aBlock, size_t aSize)
 {
-    return !anEntries.empty() &&
-           std::any_of(anEntries.back().begin(), anEntries.back().end(),
-                       [](const auto& aValue) { return aValue.first >= kMostlyBelow && aValue.first != 0xFFFF; });
+    const HeapPeak thePeak;
+    char* theBlock = static_cast<char*>(memcpy(malloc(aSize), aBlock, aSize));
+    zoPackedData_t* theRecord = zoPackedData_NewDataSized(theBlock, aSize);
+    const uint32 theCount = zoPackedData_GetEntryCount(theRecord);
+    for (uint32 i = 0; i < theCount; ++i)
+        zoPackedData_CopyEntry(theRecord, i, theRecord);
+    zoPackedData_AddData(theRecord, 0xFFFF, "", 1);
+    free(zoPackedData_TakeData(theRecord));
+    zoPackedData_Free(theRecord);
+    RequireHeap(thePeak.Bytes(), aSize, 64);
 }
 
 // Reads a block of aSize bytes, which it takes over, and adds to it.
 void CheckBlock(char* aBlock, size_t aSize)
 {
+    CheckHeap(aBlock, aSize);
     zoPackedData_t* theRecord = zoPackedData_NewDataSized(aBlock, aSize);
     Entries theEntries = Read(theRecord);
     CheckReaders(theRecord, theEntries);
     Require(theEntries.empty() || BlockSize(theEntries) == aSize, "the values of a block fill it");
-    if (!HasLargeTags(theEntries)) { Add(theRecord, theEntries, 0x0101, "value"); }
+    Add(theRecord, theEntries, 0x0101, "value");
     AddEntry(theRecord, theEntries);
     Add(theRecord, theEntries, 0x0101, "");
     free(TakeCopiedBlock(theRecord, theEntries));
-}
-
-uint16 TagOf(const uint8_t* aBytes)
-{
-    const uint16 theTag = static_cast<uint16>(aBytes[0] << 8 | aBytes[1]);
-    return theTag % 0x1000 == 0xFFF ? theTag : theTag % kMostlyBelow;
 }
 
 // Adds values, each a tag of two bytes and a size of one before its bytes; 0xFF as size begins an entry.
@@ -163,7 +162,7 @@ char* NewBlockOf(const uint8_t* aBytes, size_t aSize, size_t* aBlockSize)
     Entries theEntries;
     for (size_t i = 0; i + 3 <= aSize;)
     {
-        const uint16 theTag = TagOf(aBytes + i);
+        const uint16 theTag = static_cast<uint16>(aBytes[i] << 8 | aBytes[i + 1]);
         const size_t theValueSize = std::min<size_t>(aBytes[i + 2], aSize - i - 3);
         if (aBytes[i + 2] == 0xFF) { AddEntry(theRecord, theEntries); }
         else { Add(theRecord, theEntries, theTag, std::string(aBytes + i + 3, aBytes + i + 3 + theValueSize)); }
