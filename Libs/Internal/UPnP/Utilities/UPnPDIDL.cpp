@@ -265,7 +265,8 @@ static int ParseOnlyObject(DocumentWalk* aWalk, ILibXMLNode* aNode, int aDIDLTyp
     return kUPnPError_None;
 }
 
-// Where the walk goes on after an element that holds no objects, past those of its peers that don't, either.
+// Where the walk goes on after an element that is not entered. It passes peers that can't be an object or DIDL-Lite,
+// but for the last one.
 static ILibXMLNode* SkipElement(const ILibXMLNode* aNode)
 {
     ILibXMLNode* thePeer = aNode->Peer;
@@ -341,7 +342,7 @@ struct UPnPDIDLDocument
     NamespaceList mShared;  // what the objects of mDIDLNode inherit; empty when it depends on the object
 };
 
-// What is called once for many objects is cold, too.
+// Functions that are called once for many objects are cold, too.
 
 [[gnu::cold]] UPnPDIDLDocument* UPnPDIDLDocument_New(const char* aText, const char* aBaseURL)
 {

@@ -56,7 +56,7 @@ private:
     uint64 mSlots = 0;                   // the bits of all names
     size_t mCount = 0;                   // in mInline
     zoCustomHashTable* mTable = nullptr; // NULL until mInline is full
-    size_t mLongest = 0;                 // of the names in the table: longer ones, of any length, are not hashed
+    size_t mLongest = 0;                 // of the names in the table: a longer one is not looked up, which hashes it
     struct
     {
         const char* mData;

@@ -57,7 +57,7 @@ bool NamespaceList::AppendXMLNS(std::string_view aName, std::string_view aValue,
     const size_t theLeastSize = theBefore + (theBefore > 0) + aName.size() + aValue.size() + 3; // with ="" around it
     if (theLeastSize > aMaxSize) { return false; }
     if (Has(aName)) { return true; }
-    if (aSource == ValueSource::AttributeWithoutAny && IsWrittenAsStored(aName, aValue))
+    if (aSource == ValueSource::AttributeWithoutCommas && IsWrittenAsStored(aName, aValue))
     {
         char* theTarget = mText.Extend(theLeastSize - theBefore);
         if (theBefore > 0) { *theTarget++ = ','; }
@@ -119,7 +119,7 @@ static ValueSource SourceOf(std::string_view aText, size_t aMaxSize)
 {
     if (aText.empty() || aText.size() / kReadPerByte > aMaxSize) { return ValueSource::Attribute; }
     const bool fHasAny = memchr(aText.data(), ',', aText.size()) || memchr(aText.data(), '<', aText.size());
-    return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutAny;
+    return fHasAny ? ValueSource::Attribute : ValueSource::AttributeWithoutCommas;
 }
 
 namespace
@@ -212,7 +212,8 @@ bool NamespaceList::AddWhileAllFit(ILibXMLNode* aRoot, const ILibXMLAttribute* a
     const std::string_view theText = TextOfAttributes(aRoot, aFirst);
     const ValueSource theSource = SourceOf(theText, aMaxSize);
     const bool fIsShort = theText.size() <= std::min<size_t>(aMaxSize, kMaxSharedSize);
-    const bool fIsCopied = fIsShort && theSource == ValueSource::AttributeWithoutAny && CopyAll(aRoot, aFirst, theText);
+    const bool fIsCopied =
+        fIsShort && theSource == ValueSource::AttributeWithoutCommas && CopyAll(aRoot, aFirst, theText);
     return fIsCopied || AddOneByOne(aFirst, theSource, aMaxSize);
 }
 

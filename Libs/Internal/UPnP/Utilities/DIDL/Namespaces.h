@@ -18,9 +18,9 @@ namespace DIDL
 // Where a declaration's value comes from, which decides what in it becomes an entity.
 enum class ValueSource
 {
-    Attribute,           // as written: " and <; what is an entity already stays one
-    AttributeWithoutAny, // the same, when there is no < and no comma in it
-    Element              // resolved: &, " and <
+    Attribute,              // as written: " and <; what is an entity already stays one
+    AttributeWithoutCommas, // the same, when there is neither a comma nor a < in it
+    Element                 // resolved: &, " and <
 };
 
 class NamespaceList

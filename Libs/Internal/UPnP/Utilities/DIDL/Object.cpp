@@ -73,7 +73,7 @@ static bool IsDate(std::string_view aText)
     return zoConvert_dlnadatestrtodate(NulTerminated(aText).c_str(), nullptr) == kzoConvertError_None;
 }
 
-// The date, resolved; empty without a valid one. It may be a copy, until the resolver resolves another text.
+// The date, resolved; empty without a valid one. The next text that the resolver resolves may overwrite it.
 static std::string_view ReadDate(ObjectParser* aParser)
 {
     const std::string_view theDate = aParser->mResolver.Resolve(aParser->mTexts[kSingleText_Date]);

@@ -5,7 +5,7 @@
 namespace DIDL
 {
 
-// Makes the records. What aNodes and aBaseURL point to outlives the parser.
+// Sets the bounds and the start values of an object. What aNodes and aBaseURL point to outlives the parser.
 void StartObject(ObjectParser* aParser, const ObjectNodes& aNodes, const char* aBaseURL, int afIsItem);
 
 // How many bytes of the root's declarations one of many objects inherits.

@@ -74,16 +74,16 @@ struct ObjectParser
     std::string_view mTexts[kSingleText_Count]; // as written, without data when there is no such element
     TextBuilder mAlbumArt;                      // URI and profile of each, with a NUL after either
     TextBuilder mCreateClass;
-    RecordBuilder mEntry;     // of one entry
-    RecordBuilder mResources; // of an entry for each
+    RecordBuilder mEntry;
+    RecordBuilder mResources; // an entry for each res
     uint32 mNextExtraTag = kCDSEntryInfo_Count;
     EntryFields mFields = {};
 
-    // What most records take.
+    // Where the records are collected; most fit.
     char mEntryBytes[1024];
     char mResourceBytes[4096];
 
-    ObjectParser() // leaves the memory as it is
+    ObjectParser() // leaves those bytes as they are
         : mEntry(mEntryBytes, sizeof(mEntryBytes)), mResources(mResourceBytes, sizeof(mResourceBytes))
     {}
     ObjectParser(const ObjectParser&) = delete;

@@ -210,7 +210,7 @@ static bool IsText(std::string_view aBytes, const char* aText)
     return strncmp(aText, aBytes.data(), aBytes.size()) == 0 && aText[aBytes.size()] == '\0';
 }
 
-// True if the resource has an URI, but not the one, not the profile, or not the conversion indicator of a pass. NULL
+// True if the resource has a URI, but not the one, not the profile, or not the conversion indicator of a pass. NULL
 // and -1 stand for any.
 static bool IsPassedOver(const zoPackedData_t* aResourceInfo, uint32 anIndex, const char* anURI_Match,
                          const char* aDLNAPN_Match, int afDLNACI_Match)

@@ -31,7 +31,7 @@ void RecordBuilder::MakeRoomAndAddText(uint16 aTag, std::string_view aText)
     if (MakeRoom(uint64{ aText.size() } + 1)) { AddText(aTag, aText); }
 }
 
-// Calls others at the end only, so that nothing is to be kept beyond a call.
+// Its calls are the last that it does, so that it saves no registers.
 void RecordBuilder::AddText(uint16 aTag, std::string_view aText)
 {
     if (!HasRoom(1, uint64{ aText.size() } + 1)) { return MakeRoomAndAddText(aTag, aText); }

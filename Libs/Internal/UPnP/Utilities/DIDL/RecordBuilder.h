@@ -1,6 +1,6 @@
 #pragma once
 
-/* A record, whose entries are collected value by value and then made a block at once. */
+/* A record whose values are collected one by one and made a serialized block at once. */
 
 #include <Shared/Integers.h>
 #include <UPnP/Utilities/DIDL/Entities.h>
@@ -42,7 +42,7 @@ inline void CopyEnds(char* aTarget, const char* aText, size_t aLength)
     return aTarget + aLength + 1;
 }
 
-// What values take: the same calls as for EntryEnd count them.
+// Counts the values that the same calls of EntryEnd add, and their bytes.
 class EntrySize
 {
 public:
@@ -124,7 +124,7 @@ private:
     const EntityResolver* mResolver;
 };
 
-// A value is added to the open entry, which the next EndEntry makes one of the record.
+// A record to be made. Values go into the open entry, which EndEntry ends; another one is open then.
 class RecordBuilder
 {
 public:
@@ -137,15 +137,16 @@ public:
     RecordBuilder(const RecordBuilder&) = delete;
     RecordBuilder& operator=(const RecordBuilder&) = delete;
 
-    // Adds a text with a NUL, unless it would not fit a block.
+    // Adds a text with a NUL, unless a block can't hold it.
     void AddText(uint16 aTag, std::string_view aText);
 
-    // The same for an array of strings, which are one after the other, each with its NUL.
+    // The same for an array of strings.
+    // @param aStrings  one after the other, each with its NUL.
     void AddStrings(uint16 aTag, std::string_view aStrings);
 
-    // Adds the values that aAdd adds to an EntrySize*, to make room for them, and then to an EntryEnd*. What would not
-    // fit a block is not added.
-    // @param aAdd       adds at most kMaxRows values.
+    // Adds several values, unless a block can't hold them all.
+    // @param aAdd       adds them, kMaxRows at most, to its argument: first an EntrySize*, which tells the room that
+    //                   they need, then an EntryEnd*.
     // @param aResolver  NULL when there is nothing to resolve in them.
     template <typename Add>
     void AddValues(const EntityResolver* aResolver, Add aAdd)
@@ -167,7 +168,7 @@ public:
         mEntryBegin = mByteCount;
     }
 
-    // The block of the record; called once, when all entries were ended.
+    // Called once, when all entries are ended. The block is the caller's, released with free.
     char* NewBlock();
 
 private:

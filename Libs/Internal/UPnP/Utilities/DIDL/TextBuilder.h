@@ -40,7 +40,7 @@ public:
     }
     void Append(char aByte) { *Extend(1) = aByte; }
 
-    // Drops what is past the first aLength bytes, of at least as many.
+    // Keeps the first aLength bytes; there are at least that many.
     void CutTo(size_t aLength) { mLength = aLength; }
 
 private:
