@@ -118,9 +118,12 @@ bool operator!=(const zoCString& aLeft, const zoCString& aRight) { return !(aLef
 
 static zoCString Joined(const zoCString& aString, const char* aText, size_t aLength)
 {
-    char* theText = NewText(aString.length() + aLength);
+    const size_t theLength = aString.length() + aLength;
+    char theShort[16]; // what a string of its own has room for
+    char* theText = theLength < sizeof(theShort) ? theShort : NewText(theLength);
     memcpy(theText, aString.c_str(), aString.length());
     memcpy(theText + aString.length(), aText, aLength);
+    if (theText == theShort) { return { theShort, theLength }; }
     zoCString theString;
     theString.FromAllocatedString(theText);
     return theString;
