@@ -70,9 +70,11 @@ void RemoveFirstKeys(zoConfigFile* aFile)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
 {
     const std::string theBytes(reinterpret_cast<const char*>(aBytes), aSize);
+    const HeapPeak thePeak;
     zoConfigFile* theFile = zoConfigFile_NewFromText(theBytes.data(), theBytes.size());
     size_t theLength = 0;
     char* theText = zoConfigFile_GetText(theFile, &theLength);
+    RequireHeap(thePeak.Bytes(), aSize, 64);
     Require(std::string(theText, theLength) == theBytes, "an untouched text stays");
     std::free(theText);
 

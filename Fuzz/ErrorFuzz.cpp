@@ -27,7 +27,9 @@ Error Find(Finder_t aFinder, const uint8_t* aBytes, size_t aSize)
     char* theBytes = static_cast<char*>(malloc(aSize));
     memcpy(theBytes, aBytes, aSize);
     Error theError = {};
+    const HeapPeak thePeak;
     char* theReason = aFinder(theBytes, aSize, &theError.mLine, &theError.mColumn);
+    RequireHeap(thePeak.Bytes(), aSize, 64);
     Require(memcmp(theBytes, aBytes, aSize) == 0, "the text is only read");
     free(theBytes);
     theError.mfIsOne = theReason != nullptr;

@@ -60,7 +60,7 @@ private:
 /* A budget: so much a byte of input, and what an input of any size may need. The most is for a record that is added to,
  * whose tags are far apart: 16 KiB while the table of their pages grows to its full 8 KiB. The rest is for blocks whose
  * first size does not depend on the input: a record has 1 KiB, a text begins with 1 KiB. */
-const size_t kHeapOfSmallInputs = 24 * 1024;
+const size_t kHeapOfSmallInputs = 20 * 1024;
 inline void RequireHeap(size_t aBytes, size_t anInputSize, size_t aFactor)
 {
     Require(aBytes <= kHeapOfSmallInputs + aFactor * anInputSize, "the heap used is within its budget");

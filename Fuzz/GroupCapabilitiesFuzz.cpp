@@ -10,7 +10,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* aBytes, size_t aSize)
     zoLog_SetSink([](int, int, const char*, int, const char*, void*) {}, nullptr); // bad inputs are many
     char* theText = NewText(aBytes, aSize);
     char* theCopy = strdup(theText);
+    const HeapPeak thePeak;
     UPnPGroupCapabilities* theSet = UPnPGroupCapabilities_New(theText);
+    RequireHeap(thePeak.Bytes(), strlen(theText), 64);
     Require(strcmp(theText, theCopy) == 0, "the text stays as it is");
 
     const size_t theCount = UPnPGroupCapabilities_GetCount(theSet);

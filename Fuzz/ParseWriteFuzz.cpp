@@ -15,7 +15,9 @@ struct Object
     {
         char* theData = nullptr;
         char* theRes = nullptr;
+        const HeapPeak thePeak;
         mResult = UPnPDIDL_ParseElements(aText, &theData, &theRes, &mType);
+        RequireHeap(thePeak.Bytes(), strlen(aText), 64);
         Require((mResult == kUPnPError_None) == (theData && theRes), "blocks are there when there is no error");
         mEntry = zoPackedData_NewData(theData);
         mResources = zoPackedData_NewData(theRes);
