@@ -9,6 +9,7 @@
 #   run.sh tool TREE VERSION         versions, and the tool with its manual page and its completion
 # CMAKE, CC, CXX and PKG_CONFIG name the programs to use. Everything is written next to TREE.
 set -eu
+export PKG_CONFIG_PATH
 here=$(cd "$(dirname "$0")" && pwd -P)
 
 fail() {
@@ -76,7 +77,6 @@ run_pkg_config() {
     build=$1.pkg-config
     rm -rf "$build" && mkdir "$build"
     PKG_CONFIG_PATH=$(folder "$1" upnputilities.pc)
-    export PKG_CONFIG_PATH
     expect "pkg-config" "$2" "$("$PKG_CONFIG" --modversion upnputilities)"
     flags=$("$PKG_CONFIG" ${3:+"$3"} --cflags --libs upnputilities)
     if [ -z "${3-}" ]; then flags="$flags -Wl,-rpath,$(folder "$1" libUPnPUtilities.so)"; fi
@@ -91,7 +91,6 @@ run_meson() {
     build=$1.meson
     rm -rf "$build"
     PKG_CONFIG_PATH=$(folder "$1" upnputilities.pc)
-    export PKG_CONFIG_PATH
     quietly "$build.log" meson setup "$build" "$here" -Dexpected_version="= $2"
     quietly "$build.log" meson compile -C "$build"
     expect_programs "$build" "$2"
@@ -181,8 +180,4 @@ run_tool() {
 
 command=$1
 shift
-case $command in
-install | cmake | meson | subproject | tool) "run_$command" "$@" ;;
-pkg-config) run_pkg_config "$@" ;;
-*) fail "$0: no command \"$command\"" ;;
-esac
+"run_$(echo "$command" | tr - _)" "$@"

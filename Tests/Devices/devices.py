@@ -1,11 +1,11 @@
 """Servers and renderers of others against the library: devices.py ROOT FOLDER, in a network namespace."""
 
+import contextlib
 import json
-import os
 import re
-import signal
 import subprocess
 import sys
+import threading
 import time
 from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
@@ -19,6 +19,7 @@ import media
 import upnp
 
 ROOT, FOLDER = Path(sys.argv[1]), Path(sys.argv[2])
+SERVERS, RENDERERS = ("minidlna", "gerbera", "rygel"), ("gmediarender", "playbin")
 PROGRAMS = {  # by what they are called on the network
     "minidlna": f"minidlnad -S -i dev0 -f {FOLDER}/minidlna.conf -P {FOLDER}/minidlna.pid",
     "gerbera": f"gerbera -e dev0 -c {FOLDER}/gerbera.xml --add {FOLDER}/media",
@@ -28,13 +29,14 @@ PROGRAMS = {  # by what they are called on the network
                     "--gstout-videopipe 'fakesink sync=true'",
 }
 GERBERA, RYGEL, GMEDIARENDER = "gerbera 1.1.0", "Rygel 0.42.1", "gmediarender 0.1"
-CONVERTED = f"{RYGEL} offers a converted resource that does not play"  # the original has to play
-CRASHED = f"{RYGEL} crashes or hangs, and plays the same once it is started again"
-FAULTS = {  # that are known, and what is said then: who does it, and for a renderer also what it plays of whom
-    f"{GERBERA} refuses Search": rf"{GERBERA}: Search: 501 Action Failed$",
-    f"{GMEDIARENDER} ends a picture at once": rf"{GMEDIARENDER} plays .*:image/.*: (Play: 501 |.* not begin|.* is not '')",
-    CONVERTED: rf".* plays of {RYGEL}: .*DLNA.ORG_CI=1",
-    CRASHED: rf"{RYGEL} plays of ",
+CRASHED = "{} crashes or does not answer"  # but does what it was asked once it is started again
+STUCK = "{} does not begin to play, or ends too soon"  # but plays the same once it is started again
+FAULTS = {  # that are known, of whom, and what is said then
+    CRASHED: r".*\bhttp://\S+: ",
+    "{} refuses Search": rf"{GERBERA}: Search: 501 Action Failed$",
+    "{} ends a picture at once": rf"{GMEDIARENDER}: plays .*:image/.*: (Play: 501 |.* not begin|.* is not '')",
+    f"{RYGEL} offers a converted resource that does not play": rf".*: plays of {RYGEL}: .*DLNA.ORG_CI=1",
+    STUCK: r".*: plays .*: (Play: 701 |.* not begin|.* is not '')",
 }
 LEAST = {"objects": 3000, "fields": 30000, "texts written": 3000, "plays": 60, "uploads": 3, "descriptions": 6}
 FILTERS = ["dc:title", "dc:title,upnp:albumArtURI,res,res@duration,res@size,@childCount"]
@@ -56,7 +58,6 @@ CLIENTS = [  # of descriptions, and devices
 ]
 
 counts, faults, model = Counter[str](), Counter[str](), didl.Model()
-processes: dict[str, subprocess.Popen[bytes]] = {}
 
 
 def check(what: str, expected: Any, actual: Any) -> None:
@@ -65,12 +66,57 @@ def check(what: str, expected: Any, actual: Any) -> None:
         print(f"WRONG: {what}: {difference}"[:1000], flush=True)
 
 
-def explain(what: str) -> str:
-    """Counts and returns the known fault of a device that was noticed; any other is wrong."""
-    fault = next((fault for fault, pattern in FAULTS.items() if re.match(pattern, what)), "unknown")
-    check(what, True, fault != "unknown")
-    faults[fault] += 1
-    return fault
+class Program:
+    """A device of others. Whoever notices first that it crashes or hangs starts it again."""
+
+    def __init__(self, name: str) -> None:
+        self.name, self.is_server, self.starts, self.lock = name, name in SERVERS, iter(range(10)), threading.Lock()
+        self.device = self.start()
+
+    def start(self) -> upnp.Device:
+        """Starts it, again when it is not found."""
+        for _ in self.starts:
+            command = f"{PROGRAMS[self.name]} </dev/null >/dev/null 2>&1"
+            self.process = subprocess.Popen(command, shell=True, start_new_session=True)
+            if device := self.find():
+                return device
+            self.kill()
+        sys.exit(f"{self.name} crashes or hangs too often")
+
+    def kill(self) -> None:
+        subprocess.run(f"kill -KILL -- -{self.process.pid} 2>/dev/null", shell=True)  # with its children
+        self.process.wait()
+
+    def find(self) -> upnp.Device | None:
+        """The device once it answers, and for a server has indexed the folder of many, and nothing changes any more."""
+        sizes, before, end = [media.MANY], [0], time.monotonic() + 300
+        while self.process.poll() is None and time.monotonic() < end:
+            with contextlib.suppress(upnp.DeviceError):
+                device = controlpoint.find(upnp.SERVER if self.is_server else upnp.RENDERER, self.name)
+                if not self.is_server or (max(sizes) >= media.MANY and sizes == before):
+                    return device
+                before, sizes = sizes, [len(found) for _, _, found in walk(device, "", 40)]
+        return None
+
+    def do(self, action: Any, *arguments: Any, **named: str) -> Any:
+        """What an action returns, for which the device has three attempts; any other fault is counted and raised."""
+        for _ in range(3):
+            device = self.device
+            try:
+                return action(device, *arguments, **named)
+            except upnp.DeviceError as error:
+                what = f"{device.model}: {error}"
+                fault = next((fault for fault, pattern in FAULTS.items() if re.match(pattern, what)), "unknown")
+                faults[fault.format(device.model)] += 1
+                check(what, True, fault != "unknown")
+                if fault not in (CRASHED, STUCK):
+                    raise
+            with self.lock:
+                if self.device is device:
+                    self.kill()
+                    self.device = self.start()
+        check(f"{device.model}: {action.__name__} {arguments}", "done in three attempts", "")
+        raise upnp.DeviceError("crashes or hangs")
 
 
 def run(*arguments: str, file: bytes = b"") -> str:
@@ -81,10 +127,6 @@ def run(*arguments: str, file: bytes = b"") -> str:
 
 def run_for_each(file: bytes, *arguments: str) -> list[didl.Object]:
     return [json.loads(line) for line in run(*arguments, "-", "--json-lines", file=file).splitlines()]
-
-
-def start(name: str) -> None:
-    processes[name] = subprocess.Popen(f"{PROGRAMS[name]} </dev/null >/dev/null 2>&1", shell=True, start_new_session=True)
 
 
 def ask(server: upnp.Device, of: str, agent: str = "", filter: str = "*", **how: str) -> bytes:
@@ -107,37 +149,18 @@ def walk(server: upnp.Device, agent: str, limit: int) -> list[tuple[str, bytes, 
     return answers
 
 
-def find_servers() -> list[upnp.Device]:
-    """The servers, once they have indexed the folder of many, and no number of children changes any more."""
-    servers, sizes, before = list[upnp.Device](), list[list[int]](), list[list[int]]()
-    while len(servers) < 3 or sizes != before or any(max(each) < media.MANY for each in sizes):
-        servers = upnp.discover(upnp.SERVER)
-        before, sizes = sizes, [[len(found) for _, _, found in walk(server, "", 40)] for server in servers]
-    return servers
-
-
-def find_renderer(name: str) -> upnp.Device:
-    """The renderer of that name, once it answers."""
-    while True:
-        for each in upnp.discover(upnp.RENDERER):
-            if each.name == name:
-                return each
-
-
-def check_server(server: upnp.Device) -> None:
+def check_server(server: Program) -> None:
     """Checks what the server answers to each client."""
     for agent in AGENTS:
-        for container, answer, found in walk(server, agent, 6 if agent else 12):
-            check_answer(server, f"{agent[:20]!r}: children of {container}", answer)
+        for container, answer, found in server.do(walk, agent, 6 if agent else 12):
+            check_answer(server.device, f"{agent[:20]!r}: children of {container}", answer)
             for filter in FILTERS if not agent else []:
-                check_answer(server, f"{filter} of {container}", ask(server, container, filter=filter))
+                check_answer(server.device, f"{filter} of {container}", server.do(ask, container, filter=filter))
             for each in found[:6] if not agent else []:
-                check_answer(server, f"metadata of {each.id}", ask(server, each.id, BrowseFlag="BrowseMetadata"))
+                check_answer(server.device, f"metadata of {each.id}", server.do(ask, each.id, BrowseFlag="BrowseMetadata"))
     for criteria in SEARCHES:
-        try:
-            check_answer(server, criteria, ask(server, "0", SearchCriteria=criteria))
-        except upnp.DeviceError as error:
-            explain(f"{server.model}: {error}")
+        with contextlib.suppress(upnp.DeviceError):
+            check_answer(server.device, criteria, server.do(ask, "0", SearchCriteria=criteria))
 
 
 def check_answer(server: upnp.Device, what: str, answer: bytes) -> None:
@@ -157,44 +180,36 @@ def check_answer(server: upnp.Device, what: str, answer: bytes) -> None:
                    "fields": len(didl.flat(expected)), "texts written": sum("didlLite" in each for each in selected)})
 
 
-def playable(server: upnp.Device) -> list[Any]:
+def playable(server: Program) -> list[Any]:
     """Of each type two objects, and one whose title cannot be sent as it is; none that ends at once."""
     kinds: dict[tuple[str, bool], dict[str, Any]] = {}
-    for each in (each for _, _, found in walk(server, "", 40) for each in found):
+    for each in (each for _, _, found in server.do(walk, "", 40) for each in found):
         is_broken = bool(re.search("[\0-\x1f\ufffd-\uffff]", each.title))
         if any(one.duration or one.resolution for one in each.resources):
             kinds.setdefault((each.resources[0].mime_type, is_broken), {})[each.title] = each
     return [each for (_, is_broken), titles in kinds.items() for each in list(titles.values())[:2 - is_broken]]
 
 
-def check_renderer(name: str, items: list[tuple[upnp.Device, Any]]) -> None:
-    """Plays items of servers; one more attempt after a known fault, with the original, and a player that works."""
-    renderer = find_renderer(name)
+def check_renderer(renderer: Program, items: list[tuple[Program, Any]]) -> None:
+    """Plays items of servers; an original where the first choice does not play."""
     for server, found in items:
-        for attempt in range(3):
-            fault = play(renderer, server, found.id, attempt > 0)
-            if fault == CRASHED:
-                os.killpg(processes[name].pid, signal.SIGKILL)
-                start(name)
-                renderer = find_renderer(name)
-            elif fault != CONVERTED:
+        for prefers_originals in (False, True):
+            with contextlib.suppress(upnp.DeviceError):
+                renderer.do(play, server, found.id, prefers_originals)
                 break
-        else:
-            check(f"{name}: {server.name}: {found.title!r}, three attempts", "", fault)
 
 
-def play(renderer: upnp.Device, server: upnp.Device, object_id: str, prefers_originals: bool) -> str:
-    """Plays an object as the example does, and asks the renderer what it plays; returns the fault that prevents it."""
-    what = f"{renderer.model} plays of {server.model}"
+def play(renderer: upnp.Device, server: Program, object_id: str, prefers_originals: bool) -> None:
+    """Plays an object as the example does, and asks the renderer what it plays."""
+    what = f"plays {'originals ' if prefers_originals else ''}of {server.device.model}"
+    found = server.do(controlpoint.fetch, object_id)
     try:
-        found = controlpoint.fetch(server, object_id)
         choice = found.choose(controlpoint.sink(renderer), prefer_originals=prefers_originals)
         assert choice
         uri, text = choice.resource.uri, found.metadata(choice.resource)
         what += f": {choice.resource.protocol_info}"
         controlpoint.start(renderer, uri, text)
-        patience = 2 if GMEDIARENDER in what and ":image/" in what else 20
-        next(now for now in controlpoint.watch(renderer, 0.1, patience) if now.state == "PLAYING")
+        next(now for now in controlpoint.watch(renderer, 0.1) if now.state == "PLAYING")
         for action, place in (("GetMediaInfo", "CurrentURI"), ("GetPositionInfo", "TrackURI")):
             answer = controlpoint.control(renderer, action)
             if (actual := upnp.text(answer, place)) != uri:
@@ -202,9 +217,8 @@ def play(renderer: upnp.Device, server: upnp.Device, object_id: str, prefers_ori
             check_metadata(renderer.model, text, upnp.text(answer, place.replace("TrackURI", "Track") + "MetaData"))
         controlpoint.control(renderer, "Stop")
     except upnp.DeviceError as error:
-        return explain(f"{what}: {error}")
+        raise upnp.DeviceError(f"{what}: {error}") from error
     counts.update(["plays", f"plays at {renderer.model}"])
-    return ""
 
 
 def check_metadata(renderer: str, sent: str, back: str) -> None:
@@ -231,29 +245,25 @@ def check_upload(server: upnp.Device, file: str, kind: str, mime: str) -> None:
     check(f"{server.name}: CreateObject", title, created["title"])
     targets = [each["importUri"] for each in created["resources"] if "importUri" in each]
     upnp.fetch("POST", targets[0], content, {"Content-Type": mime})
-    for _ in range(40):
-        found = controlpoint.fetch(server, created["id"])
-        uris = [each.uri for each in found.resources if each.size == len(content) and each.uri]
-        if uris and upnp.fetch("GET", uris[0]) == (200, content):
-            counts["uploads"] += 1
-            return
+    for _ in range(120):
+        with contextlib.suppress(upnp.DeviceError):
+            for each in controlpoint.fetch(server, created["id"]).resources:
+                if each.size == len(content) and upnp.fetch("GET", each.uri) == (200, content):
+                    counts["uploads"] += 1
+                    return
         time.sleep(0.5)
-
-
-def describe(template: str, *options: str) -> str:
-    """The description that is made of a template of the examples with the parts that their page names."""
-    page = (ROOT / "Examples/README.md").read_text()
-    parts = re.findall(r"--part (\S+)", page.split(f"Examples/{template}/template.xml")[1].split("```")[0])
-    return run("describe", f"Examples/{template}/template.xml", *(f"--part={part}" for part in parts), *options)
+    raise upnp.DeviceError(f"{targets[0]}: not served")
 
 
 def check_description(template: str, *options: str) -> None:
     """What describe writes for a device and a client is served, and gupnp finds a state variable for each argument."""
-    folder = FOLDER / f'description{counts["descriptions"]}'
+    folder, page = FOLDER / f'description{counts["descriptions"]}', (ROOT / "Examples/README.md").read_text()
     folder.mkdir()
-    device, written = describe("MediaServer", "--device", *options), describe(template, *options)
-    (folder / "description.xml").write_text(device.replace("ContentDirectory", template))
-    (folder / f"{template}.xml").write_text(written)
+    for name, file, *more in (("MediaServer", "description", "--device"), (template, template)):
+        path = f"Examples/{name}/template.xml"
+        parts = re.findall(r"--part (\S+)", page.split(path)[1].split("```")[0])
+        written = run("describe", path, *(f"--part={part}" for part in parts), *more, *options)
+        (folder / f"{file}.xml").write_text(written.replace("ContentDirectory", template))
     expected = {action.findtext("{*}name"): {each.findtext("{*}name"): each.findtext("{*}relatedStateVariable")
                                              for each in action.iter("{*}argument")}
                 for action in didl.parse(written).iter("{*}action")}
@@ -265,18 +275,22 @@ def check_description(template: str, *options: str) -> None:
 def main() -> int:
     began = time.monotonic()
     print(f"{media.make(FOLDER)} files of media", flush=True)
-    for name in PROGRAMS:
-        start(name)
-    servers = find_servers()
-    for server in servers:
-        check_server(server)
-    items = [(server, found) for server in servers for found in playable(server)]
     with ThreadPoolExecutor() as pool:
-        list(pool.map(check_renderer, ("gmediarender", "playbin"), (items, items)))
+        programs = dict(zip(PROGRAMS, pool.map(Program, PROGRAMS)))
+        for name in SERVERS:
+            check_server(programs[name])
+        items = [(programs[name], found) for name in SERVERS for found in playable(programs[name])]
+        list(pool.map(check_renderer, [programs[name] for name in RENDERERS], [items] * len(RENDERERS)))
     for file, (kind, mime) in UPLOADS.items():
-        check_upload(servers[-1], file, kind, mime)
+        programs["rygel"].do(check_upload, file, kind, mime)
     for template, options in CLIENTS:
         check_description(template, *options.split())
+    for _ in range(3):
+        for each in programs.values():
+            each.do(controlpoint.sink)  # one that has crashed meanwhile is started again
+        if (session := subprocess.run([ROOT / "Scripts/pages.sh", "Examples/ControlPoint/README.md"])).returncode == 0:
+            break
+    check("the session of the example's page", 0, session.returncode)
     for name, least in LEAST.items():
         check(f"{counts[name]} {name}", True, counts[name] >= least)
     for title, made in (("Counts", counts), ("What the library changes", model.rules), ("Known faults of devices", faults)):

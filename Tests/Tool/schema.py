@@ -17,6 +17,8 @@ except ImportError:
 
 TOOL, ROOT = sys.argv[1], pathlib.Path(sys.argv[2])
 SCHEMA = json.loads((ROOT / "Docs/upnputil.schema.json").read_text())
+VALIDATORS = {part: jsonschema.Draft202012Validator({"$ref": "#/$defs/" + part, "$defs": SCHEMA["$defs"]})
+              for part in SCHEMA["$defs"]}
 SINKS = sorted((ROOT / "Tests/Data/sinks").glob("*.txt"))
 DOCUMENTS = sorted((ROOT / "Tests/Data").glob("didl*/*.xml"))
 CONFIG = tempfile.NamedTemporaryFile()
@@ -44,11 +46,6 @@ COMMANDS = [  # definitions of the schema, for what is printed and for one line 
 ]
 
 
-def validator(part):
-    """Checks one of the schema's definitions."""
-    return jsonschema.Draft202012Validator({"$ref": "#/$defs/" + part, "$defs": SCHEMA["$defs"]})
-
-
 def run(arguments, text):
     """Runs the tool; returns what it prints, line by line."""
     result = subprocess.run([TOOL, *map(str, arguments)], input=text.encode("latin-1"), capture_output=True, check=False)
@@ -67,22 +64,17 @@ def mutations(value):
             yield other
 
 
-def main():
-    """Checks every command."""
-    jsonschema.Draft202012Validator.check_schema(SCHEMA)
-    refused = 0
-    for part, line, arguments, text in COMMANDS:
-        whole = json.loads("\n".join(run([*arguments, "--json"], text)))
-        validator(part).validate(whole)
-        lines = [json.loads(each) for each in run([*arguments, "--json-lines"], text)]
-        for each in lines:
-            validator(line).validate(each)
-        assert lines == whole.get("objects", lines), arguments
-        for changed in mutations(whole) if text == ODD else []:
-            assert not validator(part).is_valid(changed), changed
-            refused += 1
-    print(f"{len(COMMANDS)} commands print what is valid, {refused} changed values are not")
-    assert DOCUMENTS and SINKS and refused > 50
-
-
-main()
+jsonschema.Draft202012Validator.check_schema(SCHEMA)
+refused = 0
+for part, line, arguments, text in COMMANDS:
+    whole = json.loads("\n".join(run([*arguments, "--json"], text)))
+    VALIDATORS[part].validate(whole)
+    lines = [json.loads(each) for each in run([*arguments, "--json-lines"], text)]
+    for each in lines:
+        VALIDATORS[line].validate(each)
+    assert lines == whole.get("objects", lines), arguments
+    for changed in mutations(whole) if text == ODD else []:
+        assert not VALIDATORS[part].is_valid(changed), changed
+        refused += 1
+print(f"{len(COMMANDS)} commands print what is valid, {refused} changed values are not")
+assert DOCUMENTS and SINKS and refused > 50
