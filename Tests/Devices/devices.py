@@ -36,7 +36,7 @@ FAULTS = {  # that are known, of whom, and what is said then
     "{} refuses Search": rf"{GERBERA}: Search: 501 Action Failed$",
     "{} ends a picture at once": rf"{GMEDIARENDER}: plays .*:image/.*: (Play: 501 |.* not begin|.* is not '')",
     f"{RYGEL} offers a converted resource that does not play": rf".*: plays of {RYGEL}: .*DLNA.ORG_CI=1",
-    STUCK: r".*: plays .*: (Play: 701 |.* not begin|.* is not '')",
+    STUCK: r".*: plays .*: (SetAVTransportURI: 716 |Play: 701 |.* not begin|.* is not '')",
 }
 LEAST = {"objects": 3000, "fields": 30000, "texts written": 3000, "plays": 60, "uploads": 3, "descriptions": 6}
 FILTERS = ["dc:title", "dc:title,upnp:albumArtURI,res,res@duration,res@size,@childCount"]
@@ -84,7 +84,7 @@ class Program:
         sys.exit(f"{self.name} crashes or hangs too often")
 
     def kill(self) -> None:
-        subprocess.run(f"kill -KILL -- -{self.process.pid} 2>/dev/null", shell=True)  # with its children
+        subprocess.run(f"kill -s KILL -- -{self.process.pid} 2>/dev/null", shell=True)  # with its children
         self.process.wait()
 
     def find(self) -> upnp.Device | None:
