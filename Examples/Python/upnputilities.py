@@ -25,7 +25,7 @@ from functools import cached_property
 from pathlib import Path
 from typing import Any, Iterator, NamedTuple, Optional, Union
 
-LIBRARY = "libUPnPUtilities.so.0.1"  # with the interface's version: another one may have other functions
+LIBRARY = "libUPnPUtilities.so.0.2"  # with the interface's version: another one may have other functions
 
 
 class EntryTag(IntEnum):
