@@ -276,16 +276,30 @@ static void OpenEntry(zoPackedData_t* aRecord)
     SetCountLimit(aRecord);
 }
 
-// Writes the positions of the open entry's values in the order of their tags.
+// Sorts positions by one byte of their tags; those that have the same byte keep their order.
+static void SortByByte(const uint16* aTags, const uint16* aPositions, uint32 aCount, unsigned aShift, uint16* aSorted)
+{
+    const uint32 kBytes = 256;
+    uint32 theStarts[kBytes + 1] = {}; // where the positions of each byte begin
+    for (uint32 i = 0; i < aCount; ++i)
+        ++theStarts[(aTags[i] >> aShift) % kBytes + 1];
+    for (uint32 theByte = 1; theByte < kBytes; ++theByte)
+        theStarts[theByte] += theStarts[theByte - 1];
+    for (uint32 i = 0; i < aCount; ++i)
+        aSorted[theStarts[(aTags[aPositions[i]] >> aShift) % kBytes]++] = aPositions[i];
+}
+
+// Writes the positions of the open entry's values in the order of their tags. The time is linear, whatever that is.
 static void WriteOrder(const zoPackedData_t* aRecord, char* aTarget)
 {
-    uint16* theOrder = Shared::NewArray<uint16>(aRecord->mCount);
-    for (uint32 i = 0; i < aRecord->mCount; ++i)
+    const uint32 theCount = aRecord->mCount;
+    uint16* theOrder = Shared::NewArray<uint16>(2 * size_t{ theCount });
+    uint16* theHalfSorted = theOrder + theCount;
+    for (uint32 i = 0; i < theCount; ++i)
         theOrder[i] = static_cast<uint16>(i);
-    const uint16* theTags = aRecord->mTags;
-    std::sort(theOrder, theOrder + aRecord->mCount,
-              [theTags](uint16 aLeft, uint16 aRight) { return theTags[aLeft] < theTags[aRight]; });
-    memcpy(aTarget, theOrder, OrderSize(aRecord->mCount));
+    SortByByte(aRecord->mTags, theOrder, theCount, 0, theHalfSorted);
+    SortByByte(aRecord->mTags, theHalfSorted, theCount, 8, theOrder);
+    memcpy(aTarget, theOrder, OrderSize(theCount));
     free(theOrder);
 }
 
