@@ -83,7 +83,7 @@ static bool ReadRequest(const Arguments& anArguments, Request& aRequest, int* aS
     const char* theSinkFile = anArguments.Get("--sink-file");
     if (!theSink == !theSinkFile)
     {
-        *aStatus = anArguments.BadUsage("one of --sink and --sink-file is needed");
+        *aStatus = anArguments.BadUsage("exactly one of --sink and --sink-file is needed");
         return false;
     }
     if (theSinkFile && strcmp(theSinkFile, "-") == 0 && strcmp(anArguments.Operand(), "-") == 0)

@@ -28,7 +28,7 @@ extern "C" {
 
 /** @return 1 for a container, else 0. */
 UPNPUTILITIES_API int CDSEntryInfo_IsContainer(const zoPackedData_t* anEntryInfo);
-/** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when it is unknown. */
+/** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when the document has none, 0 without a record. */
 UPNPUTILITIES_API uint32 CDSEntryInfo_GetChildCount(const zoPackedData_t* anEntryInfo);
 /** @param aDataInfoID  the kCDSEntryInfo_* tag of a number. @return its lower 32 bits. */
 UPNPUTILITIES_API uint32 CDSEntryInfo_GetInfoAsUInt32(const zoPackedData_t* anEntryInfo, uint16 aDataInfoID);
@@ -76,7 +76,7 @@ public:
 
     /** @return kCDSEntryInfo_IsContainer. */
     bool IsContainer();
-    /** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when it is unknown. */
+    /** @return kCDSEntryInfo_ChildCount; 0xFFFFFFFF when the document has none, 0 without a record. */
     uint32 GetChildCount();
     /** @param aDataInfoID  the kCDSEntryInfo_* tag of a number. @return its lower 32 bits. */
     unsigned long GetInfoAsULong(uint16 aDataInfoID);

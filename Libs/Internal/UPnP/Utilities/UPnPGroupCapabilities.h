@@ -167,9 +167,12 @@ UPNPUTILITIES_API int UPnPGroupInfo_HasDevice(UPnPGroupInfo* aGroupInfo, const c
 /** Removes the first slave with that grouped UDN, which may be the slave's own text. @return 1; 0 when there is none.
  */
 UPNPUTILITIES_API int UPnPGroupInfo_RemoveSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN);
-/** Removes the first slave with that grouped UDN, if there is one, and appends a new slave of copies, without metadata.
- *  The texts may be those of the slave that is removed. Each call searches the slaves: adding n of them takes n * n
- *  comparisons. */
+/**
+ * Removes the first slave with that grouped UDN, if there is one, and appends a new slave of copies, without metadata.
+ * The texts may be those of the slave that is removed. NULL stays NULL: without a grouped UDN and a name for each slave
+ * a group is not valid. Nothing is done for a NULL group. Each call searches the slaves: adding many takes the square
+ * of their number.
+ */
 UPNPUTILITIES_API void UPnPGroupInfo_AddSlave(UPnPGroupInfo* aGroupInfo, const char* aSlaveGroupedUDN,
                                               const char* aSlaveFriendlyName, const char* aSlaveUDN);
 
@@ -194,7 +197,7 @@ UPNPUTILITIES_API void UPnPGroupInfo_FetchMetaDataAt(UPnPGroupInfo* aGroupInfo, 
                                                      const char** aMetaDataName, const char** aMetaDataValue);
 
 /** @return a copy of the grouped friendly name of the member with that grouped UDN, released with free; NULL
- *          without such a member, and when it has no name. */
+ *          without such a member, for a NULL UDN, and when it has no name. */
 UPNPUTILITIES_API char* UPnPGroupInfo_FetchGroupedInfo(UPnPGroupInfo* aGroupInfo, const char* aGroupedUDN);
 /** @return a new array of copies, released with zoArray_Delete: the master's grouped UDN unless it is empty, then those
  *          of the slaves, "" for one without. Empty for a NULL group. */
@@ -202,7 +205,7 @@ UPNPUTILITIES_API zoArray_t* UPnPGroupInfo_GetGroupedUDNs(UPnPGroupInfo* aGroupI
 
 /** Sets the keys of the group, valid or not, in the section of its capability, and removes those of fields that are
  * NULL. Other keys stay: slaves and metadata of a larger group that was stored there before are read back. A metadata
- * name must not contain "=": the rest of it is read back as part of the value. */
+ * name must not contain "=": the rest of it is read back as part of the value. Nothing is done for a NULL group. */
 UPNPUTILITIES_API void UPnPGroupInfo_Store(UPnPGroupInfo* aGroupInfo, zoConfigFile* aConfigFile);
 /** @return the XML form: a new text, released with free; NULL for a group that is NULL or not valid. Values of metadata
  *          are escaped. Names and UDNs are written as they are: UPnPGroupInfo_New reads them back the same unless they
