@@ -75,6 +75,7 @@ TEST(zoURITest, FieldsMayBeReplaced)
     theURI->mPort = 0;
     EXPECT_EQ("http://h/q", theURI.Text());
     EXPECT_EQ("", Taken(zoURI_GetStr(nullptr)));
+    EXPECT_EQ(nullptr, zoURI_GetQueryPart(nullptr, "lock"));
 }
 
 TEST(zoURITest, TellsTheAddressOfAnIPv4Host)

@@ -47,7 +47,8 @@ ZOLTTOOLS_API uint32 zoURI_S_GetHostIP(const char* aText, size_t aLength);
 /* Query arguments: name=value joined by "&". Names and values are decoded when they are compared and returned; "+" is a
  * plus sign; an argument without "=" has the value "". */
 
-/** @return the value of the first argument of that name, new, released with free; NULL when there is none. */
+/** @return the value of the first argument of that name, new, released with free; NULL when there is none, and for
+ *          a NULL URI. */
 ZOLTTOOLS_API char* zoURI_GetQueryPart(zoURI* aURI, const char* aName);
 /** Sets the argument: the first of that name is replaced in its place, further ones are removed, a new one is appended.
  *  Name and value are percent-encoded, all but letters, digits and "-._~". Every other argument stays as written. */
